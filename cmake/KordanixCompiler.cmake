@@ -1,0 +1,23 @@
+# The language, the warnings and the sanitizers that every target of the project is built with.
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
+
+set(KORDANIX_SANITIZE "" CACHE STRING "Comma-separated list for -fsanitize=, e.g. address,undefined")
+
+add_library(kordanix_options INTERFACE)
+target_compile_options(kordanix_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+if(KORDANIX_SANITIZE)
+  add_compile_options(-fsanitize=${KORDANIX_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${KORDANIX_SANITIZE})
+  if(KORDANIX_SANITIZE MATCHES undefined)
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()

@@ -1,0 +1,20 @@
+# kordanix_add_core(TARGET COUNTER_SOURCE): the library with the given GPU counter source in it.
+# Everything else of the library is compiled once and shared by all such targets.
+function(kordanix_add_core target counter_source)
+  add_library(${target} SHARED ${counter_source} $<TARGET_OBJECTS:kordanix_core_objects>)
+  target_link_libraries(${target} PRIVATE kordanix_options PUBLIC kordanix_headers kordanix_platform_libs)
+  set_target_properties(${target} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+  # The watcher thread lives as long as the process, so its code must never be unmapped.
+  target_link_options(${target} PRIVATE -Wl,-z,nodelete -Wl,-z,defs)
+endfunction()
+
+# kordanix_add_test(NAME SOURCES...): a GoogleTest executable whose cases CTest knows one by one.
+function(kordanix_add_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE kordanix_options GTest::gmock_main)
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+endfunction()

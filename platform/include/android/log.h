@@ -1,0 +1,28 @@
+#pragma once
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/// Priorities of a log message, in rising order of severity.
+typedef enum android_LogPriority {
+    ANDROID_LOG_UNKNOWN = 0,
+    ANDROID_LOG_DEFAULT,
+    ANDROID_LOG_VERBOSE,
+    ANDROID_LOG_DEBUG,
+    ANDROID_LOG_INFO,
+    ANDROID_LOG_WARN,
+    ANDROID_LOG_ERROR,
+    ANDROID_LOG_FATAL,
+    ANDROID_LOG_SILENT
+} android_LogPriority;
+
+/// Writes one printf-style message under `tag`. On the host it goes to standard error in logcat's brief
+/// format, "E/Kordanix( 1234): text", unless its priority is below the level that KORDANIX_LOG names
+/// (V, D, I, W, E, F or S; default I). Any thread. Returns 1 when it was written, 0 when it was filtered,
+/// a negative error number otherwise.
+int __android_log_print(int prio, const char* tag, const char* fmt, ...) __attribute__((format(printf, 3, 4)));
+
+#ifdef __cplusplus
+}
+#endif
