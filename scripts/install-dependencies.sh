@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing, measuring and the demo need; those already there
+# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench]...   (default: build)
+set -euo pipefail
+
+build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev)
+test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted)
+bench=(libbenchmark-dev)
+
+packages=()
+for group in "${@:-build}"; do
+    case "$group" in
+        build) packages+=("${build[@]}") ;;
+        test) packages+=("${test[@]}") ;;
+        bench) packages+=("${bench[@]}") ;;
+        *) echo "unknown group '$group': build, test or bench" >&2; exit 2 ;;
+    esac
+done
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || {
+        echo "Please install these packages as root first: ${missing[*]}" >&2
+        exit 1
+    }
+    as_root=(sudo)
+fi
+echo "Installing from Debian: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Builds everything and runs every test.
+#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, format and lint
+#   scripts/test.sh --quick    one debug build with GCC and its tests
+#   scripts/test.sh --only P   one preset: release, debug, asan, tsan or clang
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+usage() { sed -n '2,5s/^# \{0,1\}//p' "$0"; }
+
+presets=(release clang asan tsan)
+lint=yes
+case "${1:-}" in
+    "") ;;
+    --quick) presets=(debug); lint=no ;;
+    --only) presets=("${2:?--only needs the name of a preset}"); lint=no ;;
+    -h | --help) usage; exit 0 ;;
+    *) usage >&2; exit 2 ;;
+esac
+
+started=$SECONDS
+scripts/install-dependencies.sh build test bench
+
+# Leaks are part of what the address sanitizer reports; a thread sanitizer finding fails the test.
+export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+export UBSAN_OPTIONS=print_stacktrace=1
+export TSAN_OPTIONS=halt_on_error=1
+
+for preset in "${presets[@]}"; do
+    echo
+    echo "== $preset: building in build/$preset"
+    cmake --preset "$preset" >/dev/null
+    cmake --build --preset "$preset"
+    echo "== $preset: testing"
+    ctest --preset "$preset" -j "$(nproc)"
+done
+
+if [ "$lint" = yes ]; then
+    echo
+    echo "== lint"
+    scripts/lint.sh build/clang
+fi
+
+echo
+echo "All tests passed (${presets[*]}) in $((SECONDS - started)) seconds."
