@@ -3,9 +3,11 @@
 #include <sys/system_properties.h>
 
 #include <condition_variable>
+#include <cstdlib>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <sstream>
 
 struct prop_info {
     std::string name;
@@ -24,9 +26,30 @@ struct Area {
     unsigned failingWaits = 0;
 };
 
+void store(Area& area, const std::string& name, const std::string& value) {
+    std::unique_ptr<prop_info>& slot = area.properties[name];
+    if (!slot) {
+        slot = std::make_unique<prop_info>();
+        slot->name = name;
+    }
+    slot->value = value;
+    slot->serial += 2;
+}
+
+Area* createArea() {
+    auto* const area = new Area;
+    const char* const presets = std::getenv("KORDANIX_TEST_PROPERTIES");
+    std::istringstream lines(presets == nullptr ? "" : presets);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t equals = line.find('=');
+        store(*area, line.substr(0, equals), line.substr(equals + 1));
+    }
+    return area;
+}
+
 // Never destroyed: the library's watcher thread waits here while the process exits.
 Area& area() {
-    static Area* const instance = new Area;
+    static Area* const instance = createArea();
     return *instance;
 }
 
@@ -36,13 +59,7 @@ namespace doubles {
 
 void setProperty(const std::string& name, const std::string& value) {
     const std::lock_guard<std::mutex> lock(area().mutex);
-    std::unique_ptr<prop_info>& slot = area().properties[name];
-    if (!slot) {
-        slot = std::make_unique<prop_info>();
-        slot->name = name;
-    }
-    slot->value = value;
-    slot->serial += 2;
+    store(area(), name, value);
     area().written.notify_all();
 }
 

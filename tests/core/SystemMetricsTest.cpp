@@ -1,0 +1,343 @@
+#include "core/StateInfo.h"
+#include "doubles/FakeFiles.h"
+#include "doubles/FakeLog.h"
+#include "doubles/FakeOstra.h"
+#include "utils/SystemInfoHelper.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
+
+// What the library learns once per process (clock unit, vendor, device model) is fresh in each case when
+// every case has a process of its own, as CTest runs them.
+
+namespace {
+
+using core::StateInfo;
+
+constexpr const char* TEMPERATURE = "/sys/class/thermal/thermal_zone0/temp";
+constexpr const char* GPU_BUSY = "/sys/kernel/gpu/gpu_busy";
+constexpr const char* GPU_CLOCK = "/sys/kernel/gpu/gpu_clock";
+constexpr const char* GPU_TABLE = "/sys/kernel/gpu/gpu_freq_table";
+constexpr const char* GPU_TEMPERATURE = "/sys/kernel/gpu/gpu_tmu";
+constexpr const char* GPU_MODEL = "/sys/kernel/gpu/gpu_model";
+constexpr const char* STAT = "/proc/self/stat";
+
+class SystemMetrics : public testing::Test {
+protected:
+    ~SystemMetrics() override { EXPECT_EQ(doubles::openFiles(), 0) << "a reader left its file open"; }
+};
+
+std::string statWithTicks(unsigned user, unsigned system, const std::string& command = "(app)") {
+    return "1234 " + command + " S 1 2 3 4 5 6 7 8 9 10 " + std::to_string(user) + " " +
+           std::to_string(system) + " 0 0 20 0\n";
+}
+
+TEST_F(SystemMetrics, SayMinusOneWithoutTheirFile) {
+    doubles::removeAllFiles();
+    StateInfo state;
+    EXPECT_EQ(StateInfo::getCPUTemperature(), -1.0F);
+    EXPECT_EQ(StateInfo::getGPUUsage(), -1.0F);
+    EXPECT_EQ(StateInfo::getGPUClock(), -1.0F);
+    EXPECT_EQ(StateInfo::getGPUMaxClock(), -1.0F);
+    EXPECT_EQ(StateInfo::getGPUTemperature(), -1.0F);
+    EXPECT_EQ(state.getCurrentCPUUsage(120000.0), -1.0F);
+    EXPECT_EQ(StateInfo::getMemoryUsage(), 0xFFFFFFFFU);
+    EXPECT_FALSE(StateInfo::checkGPUClockUnit());
+}
+
+TEST_F(SystemMetrics, ReadOneNumberAndLetGoOfTheFile) {
+    doubles::setFile(TEMPERATURE, "45000\n");
+    doubles::setFile(GPU_BUSY, "37\n");
+    EXPECT_FLOAT_EQ(StateInfo::getCPUTemperature(), 45.0F);
+    EXPECT_FLOAT_EQ(StateInfo::getGPUUsage(), 37.0F);
+    const unsigned opened = doubles::timesOpened(GPU_BUSY);
+    StateInfo::getGPUUsage();
+    EXPECT_EQ(doubles::timesOpened(GPU_BUSY), opened + 1) << "nothing is kept between two readings";
+}
+
+TEST_F(SystemMetrics, GpuTemperatureCountsInTenthsOnAdreno) {
+    doubles::setFile(GPU_TEMPERATURE, "523\n");
+    const float expected[] = {523.0F, 52.3F, 523.0F};
+    for (int vendor = 0; vendor < 3; ++vendor) {
+        StateInfo::mVendor = vendor;
+        EXPECT_FLOAT_EQ(StateInfo::getGPUTemperature(), expected[vendor]) << "vendor " << vendor;
+    }
+}
+
+struct ClockCase {
+    const char* table;
+    const char* clock;
+    float maximum;
+    float current;
+    bool isKHz;
+};
+
+class GpuClock : public testing::TestWithParam<ClockCase> {};
+
+TEST_P(GpuClock, FollowsTheUnitOfTheFrequencyTable) {
+    EXPECT_EQ(StateInfo::getGPUClock(), -1.0F) << "unknown unit: the clock is not even opened";
+    EXPECT_EQ(doubles::timesOpened(GPU_CLOCK), 0U);
+    doubles::setFile(GPU_TABLE, GetParam().table);
+    doubles::setFile(GPU_CLOCK, GetParam().clock);
+    EXPECT_FLOAT_EQ(StateInfo::getGPUClock(), GetParam().current);
+    EXPECT_FLOAT_EQ(StateInfo::getGPUMaxClock(), GetParam().maximum);
+    EXPECT_EQ(StateInfo::mIsGpuClockKHz, GetParam().isKHz);
+    doubles::removeFile(GPU_TABLE);
+    EXPECT_TRUE(StateInfo::checkGPUClockUnit()) << "the table is read once per process";
+    EXPECT_FLOAT_EQ(StateInfo::getGPUMaxClock(), GetParam().maximum);
+}
+
+INSTANTIATE_TEST_SUITE_P(Tables, GpuClock,
+                         testing::Values(ClockCase{"100000 200000 585000", "300000\n", 585.0F, 300.0F, true},
+                                         ClockCase{"338 598\n", "450\n", 598.0F, 450.0F, false},
+                                         ClockCase{"10000", "9000", 10000.0F, 9000.0F, false},
+                                         ClockCase{"10001", "9000", 10.001F, 9.0F, true},
+                                         ClockCase{"585\n338\n\n", "585", 585.0F, 585.0F, false},
+                                         ClockCase{"338 MHz 598", "338", 338.0F, 338.0F, false},
+                                         ClockCase{"", "338", 0.0F, 338.0F, false},
+                                         ClockCase{"none", "338", 0.0F, 338.0F, false}));
+
+struct VendorCase {
+    const char* model;
+    int vendor;
+};
+
+class GpuVendor : public testing::TestWithParam<VendorCase> {};
+
+TEST_P(GpuVendor, IsFoundInTheModelText) {
+    doubles::setFile(GPU_MODEL, GetParam().model);
+    EXPECT_EQ(utils::checkVendor(), GetParam().vendor);
+    StateInfo state;
+    EXPECT_EQ(StateInfo::mVendor, GetParam().vendor);
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, GpuVendor,
+                         testing::Values(VendorCase{"mali-g78\n", 0}, VendorCase{"Adreno (TM) 650", 1},
+                                         VendorCase{"", 2}, VendorCase{"\nMali", 2},
+                                         VendorCase{"PowerVR\n", 2}, VendorCase{"adreno mali", 0},
+                                         // Only the first 49 characters count.
+                                         VendorCase{"0123456789012345678901234567890123456789012345 Mali", 2},
+                                         VendorCase{"012345678901234567890123456789012345678901234Mali", 0},
+                                         VendorCase{"\xff\x80\x01mALI\x9c", 0}));
+
+TEST_F(SystemMetrics, VendorIsRememberedOnlyWhenFound) {
+    doubles::removeAllFiles();
+    doubles::takeLog();
+    EXPECT_EQ(utils::checkVendor(), 2);
+    const std::vector<doubles::LogLine> log = doubles::takeLog();
+    ASSERT_EQ(log.size(), 1U);
+    EXPECT_EQ(log[0].text, "SystemInfoHelper.h:checkVendor(66) Fail to read Vendor");
+    EXPECT_EQ(log[0].tag, "Kordanix");
+    EXPECT_EQ(log[0].priority, 6);
+    doubles::setFile(GPU_MODEL, "Adreno");
+    EXPECT_EQ(utils::checkVendor(), 1);
+    doubles::setFile(GPU_MODEL, "Mali");
+    EXPECT_EQ(utils::checkVendor(), 1);
+}
+
+TEST_F(SystemMetrics, CpuLoadIsTheTicksSinceThePreviousReading) {
+    StateInfo state;
+    doubles::setFile(STAT, statWithTicks(100, 50));
+    EXPECT_EQ(state.getCurrentCPUUsage(500000.0), -1.0F) << "the first reading has nothing to compare with";
+    doubles::setFile(STAT, statWithTicks(102, 51));
+    EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(500000.0), 0.6F);
+    doubles::removeFile(STAT);
+    EXPECT_EQ(state.getCurrentCPUUsage(500000.0), -1.0F);
+    doubles::setFile(STAT, statWithTicks(104, 52));
+    EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(500000.0), 0.6F) << "a failure keeps the previous reading";
+    doubles::setFile(STAT, statWithTicks(105, 52));
+    EXPECT_EQ(state.getCurrentCPUUsage(0.0), 0.0F);
+    EXPECT_EQ(state.getCurrentCPUUsage(-1.0), 0.0F);
+}
+
+TEST_F(SystemMetrics, CpuLoadWrapsAsUnsigned32Bit) {
+    StateInfo state;
+    doubles::setFile(STAT, statWithTicks(4294967295U, 1));
+    state.getCurrentCPUUsage(1.0);
+    doubles::setFile(STAT, statWithTicks(2, 1));
+    EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(100000.0), 3.0F);
+}
+
+TEST_F(SystemMetrics, EachStateHasAPreviousReadingOfItsOwn) {
+    StateInfo first;
+    StateInfo second;
+    doubles::setFile(STAT, statWithTicks(1, 0));
+    first.getCurrentCPUUsage(1.0);
+    doubles::setFile(STAT, statWithTicks(2, 0));
+    EXPECT_EQ(second.getCurrentCPUUsage(100000.0), -1.0F);
+    EXPECT_FLOAT_EQ(first.getCurrentCPUUsage(100000.0), 1.0F);
+}
+
+TEST_F(SystemMetrics, MemoryInUseLeavesOutFreeAndCached) {
+    doubles::setFile("/proc/meminfo",
+                     "MemTotal:        3826404 kB\nMemFree:          104720 kB\nMemAvailable:    1563184 kB\n"
+                     "Buffers:           12400 kB\nCached:          1500000 kB\nSwapCached: 4 kB\n");
+    EXPECT_EQ(StateInfo::getMemoryUsage(), 3826404U - 104720U - 1500000U);
+    doubles::setFile("/proc/meminfo",
+                     "MemTotal: 10 kB\nMemFree: 20 kB\nMemAvailable: 0 kB\nBuffers: 0 kB\nCached: 5 kB\n");
+    EXPECT_EQ(StateInfo::getMemoryUsage(), 0xFFFFFFF1U) << "unsigned 32-bit arithmetic";
+}
+
+// Whatever the files hold, a reader returns, closes its file and gives a figure: never NaN or infinity, and
+// the same one for the same content.
+TEST_F(SystemMetrics, MalformedFilesGiveADefinedFigure) {
+    const std::string binary("\x00\xff\x7f\x80 \x00\x01", 7);
+    const std::string contents[] = {"",
+                                    " ",
+                                    "text",
+                                    "\n\n\n",
+                                    "-5",
+                                    "99999999999999999999999999999",
+                                    "1e99",
+                                    binary,
+                                    std::string(100000, '7'),
+                                    std::string(100000, 'x')};
+    for (const std::string& content : contents) {
+        for (const char* const path : {TEMPERATURE, GPU_BUSY, GPU_CLOCK, GPU_TABLE, GPU_TEMPERATURE,
+                                       GPU_MODEL, STAT, "/proc/meminfo"}) {
+            doubles::setFile(path, content);
+        }
+        for (int round = 0; round < 2; ++round) {
+            StateInfo reading;
+            EXPECT_TRUE(std::isfinite(StateInfo::getCPUTemperature())) << content.substr(0, 30);
+            EXPECT_TRUE(std::isfinite(StateInfo::getGPUUsage())) << content.substr(0, 30);
+            EXPECT_TRUE(std::isfinite(StateInfo::getGPUClock())) << content.substr(0, 30);
+            EXPECT_TRUE(std::isfinite(StateInfo::getGPUMaxClock())) << content.substr(0, 30);
+            EXPECT_TRUE(std::isfinite(reading.getCurrentCPUUsage(1000.0))) << content.substr(0, 30);
+        }
+        EXPECT_EQ(StateInfo::getCPUTemperature(), StateInfo::getCPUTemperature());
+        EXPECT_EQ(StateInfo::getGPUTemperature(), StateInfo::getGPUTemperature());
+        EXPECT_EQ(StateInfo::getMemoryUsage(), StateInfo::getMemoryUsage());
+    }
+}
+
+TEST_F(SystemMetrics, ProcessNameIsTheFirstArgumentTrimmed) {
+    struct Case {
+        std::string commandLine;
+        std::string name;
+    };
+    const Case cases[] = {
+        {std::string("com.example.app\0--flag\0", 23), "com.example.app"},
+        {std::string(" \t com.example.app \n\0x", 22), "com.example.app"},
+        {std::string("one\ntwo\0", 8), "one"},
+        {"", ""},
+        {" \t ", ""},
+        {std::string(300, 'a'), std::string(255, 'a')},
+        {"a\xe4 b", "a\xe4 b"},
+    };
+    for (const Case& c : cases) {
+        doubles::setFile("/proc/self/cmdline", c.commandLine);
+        EXPECT_EQ(utils::getProcessName(), c.name);
+    }
+    doubles::removeFile("/proc/self/cmdline");
+    doubles::takeLog();
+    EXPECT_EQ(utils::getProcessName(), "");
+    const std::vector<doubles::LogLine> log = doubles::takeLog();
+    ASSERT_EQ(log.size(), 1U);
+    EXPECT_EQ(
+        log[0].text,
+        "SystemInfoHelper.h:getProcessName(47) Faield to open /proc/self/cmdline,  error: No such file or "
+        "directory");
+}
+
+TEST_F(SystemMetrics, FixedClocksComeFromTheTable) {
+    struct Case {
+        int device;
+        int vendor;
+        bool isKHz;
+        unsigned long long cpu;
+        unsigned long long gpu;
+    };
+    const Case cases[] = {
+        {0, 0, true, 1170000, 338000},
+        {0, 0, false, 1170000, 338},
+        {0, 1, true, 1459200, 414000000},
+        {3, 0, false, 1378000, 377},
+        {4, 0, true, 0, 0},
+        {4, 1, false, 1708800, 427000000},
+        {7, 0, true, 1687587, 377000},
+        {8, 1, false, 1747200, 441600000},
+        {9, 0, false, 0, 0},
+        {2, 2, false, 0, 0},
+        {-1, 0, false, 0, 0},
+    };
+    doubles::setFile(GPU_TABLE, "338 598");
+    ASSERT_TRUE(StateInfo::checkGPUClockUnit());
+    for (const Case& c : cases) {
+        utils::deviceModel = c.device;
+        StateInfo::mVendor = c.vendor;
+        StateInfo::mIsGpuClockKHz = c.isKHz;
+        EXPECT_EQ(StateInfo::getCPUFixClock(), c.cpu) << c.device << "/" << c.vendor;
+        EXPECT_EQ(StateInfo::getGPUFixClock(), c.gpu) << c.device << "/" << c.vendor;
+        doubles::resetCompanion();
+        StateInfo::fixClock();
+        ASSERT_EQ(doubles::companion().clockRequests.size(), 1U) << "sent even when both are 0";
+        EXPECT_EQ(doubles::companion().clockRequests[0], std::make_pair(c.cpu, c.gpu));
+    }
+    EXPECT_EQ(StateInfo::getFixClockState(), 1);
+    doubles::companion().fixClockResult = false;
+    StateInfo::fixClock();
+    EXPECT_EQ(StateInfo::getFixClockState(), 2);
+    StateInfo::unfixClock();
+    EXPECT_EQ(StateInfo::getFixClockState(), 0);
+}
+
+TEST_F(SystemMetrics, FileOperationsAreThinWrappers) {
+    doubles::setFile(GPU_MODEL, "0123456789");
+    std::FILE* const file = StateInfo::file_open(GPU_MODEL, "r");
+    ASSERT_NE(file, nullptr);
+    std::array<unsigned char, 16> buffer{};
+    EXPECT_EQ(StateInfo::file_read(file, buffer.data(), 4), 4U);
+    EXPECT_EQ(StateInfo::file_read(file, buffer.data(), 16), 6U);
+    EXPECT_EQ(StateInfo::file_close(file), 0);
+    EXPECT_EQ(StateInfo::file_open("/proc/nothing", "r"), nullptr);
+}
+
+// The device index is computed while the library is loaded, so each property text needs a process of its own:
+// this executable again, whose exit code is the index.
+TEST(DeviceModelChild, DISABLED_exitsWithTheIndex) {
+    std::_Exit(utils::deviceModel);
+}
+
+int deviceModelFor(const std::string& model) {
+    std::array<char, 4096> self{};
+    if (readlink("/proc/self/exe", self.data(), self.size() - 1) < 0) {
+        return -1;
+    }
+    const std::string command =
+        "KORDANIX_TEST_PROPERTIES='ro.product.model=" + model + "' '" + self.data() +
+        "' --gtest_also_run_disabled_tests --gtest_filter='DeviceModelChild.*' >/dev/null";
+    const int status = std::system(command.c_str());  // NOLINT(cert-env33-c): the shell sets the variable
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(DeviceModel, IsTheFirstMatchingPrefix) {
+    const std::pair<const char*, int> models[] = {
+        {"QV-A31", 0}, {"QV-B31", 1}, {"QV-A32X", 2},    {"QV-B32 LTE", 3},    {"QV-C31", 4},
+        {"QV-C21", 5}, {"QV-A33", 6}, {"QV-B33 Pro", 7}, {"QV-C32", 8},        {"QV-B3", 9},
+        {"", 9},       {"qv-a31", 9}, {" QV-A31", 9},    {"QV-C33 QV-A31", 9},
+    };
+    for (const auto& [model, index] : models) {
+        EXPECT_EQ(deviceModelFor(model), index) << "'" << model << "'";
+    }
+}
+
+TEST(DeviceModel, SetsTheCapOfTheFrameRate) {
+    for (const auto& [model, cap] : {std::pair{0, 60.0F}, {5, 60.0F}, {6, 120.0F}, {9, 120.0F}}) {
+        utils::deviceModel = model;
+        EXPECT_EQ(core::StateInfo().getMaxFPS(), cap) << model;
+    }
+}
+
+}  // namespace
