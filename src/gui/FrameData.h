@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "gui/RenderPassData.h"
+#include "utils/Export.h"
+
+namespace gui {
+
+/// What a layer measured of one frame's render passes, filled by the layer and handed to a render-pass
+/// drawer, which keeps a copy. A value type.
+class KORDANIX_EXPORT FrameData {
+public:
+    FrameData(unsigned int frameId, const std::vector<RenderPassData>& renderPasses);
+
+    void addRenderPassInfo(const RenderPassData& renderPass);
+
+    /// Milliseconds. Stored as they are, also an end before the start.
+    void addFrameTimeInfo(long double start, long double end);
+
+    /// Whether the frame ends after its start and has render passes.
+    bool isValid() const;
+
+    std::uint32_t mFrameId;
+    std::vector<RenderPassData> mRenderPasses;  ///< in the order they were added
+    long double mStartTime = 0;
+    long double mEndTime = 0;
+};
+
+}  // namespace gui
