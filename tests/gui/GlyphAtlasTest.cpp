@@ -1,0 +1,86 @@
+#include "doubles/FakeLog.h"
+#include "gui/GlyphAtlas.h"
+
+#include <glm/vec4.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+const gui::GlyphAtlas& atlas() {
+    return gui::GlyphAtlas::getGlyphAtlas();
+}
+
+TEST(GlyphAtlas, HoldsTheCharactersOfTheOverlay) {
+    const std::string characters = " #%(),./0123456789:@ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    std::string found;
+    for (const auto& entry : atlas().mGlyphs) {
+        found += entry.first;
+    }
+    EXPECT_EQ(found, characters);
+    EXPECT_EQ(atlas().mBitmapWidth, 256U);
+    EXPECT_EQ(atlas().mBitmapHeight, 247U);
+}
+
+TEST(GlyphAtlas, MeasuresInLineUnits) {
+    const std::pair<char, float> advances[] = {{'.', 12.0F}, {' ', 26.0F}, {'0', 26.0F},
+                                               {'7', 26.0F}, {'A', 29.0F}, {'@', 36.0F}};
+    for (const auto& [symbol, advance] : advances) {
+        EXPECT_FLOAT_EQ(atlas().getGlyphWidth(symbol), 2.0F * advance / 61.0F) << symbol;
+    }
+}
+
+TEST(GlyphAtlas, PlacesAGlyphsBoxInTheLine) {
+    const gui::Glyph* const glyph = atlas()['A'];
+    ASSERT_NE(glyph, nullptr);
+    const glm::vec4 topLeft = glyph->mTransform * glm::vec4(-1.0F, -1.0F, 0.0F, 1.0F);
+    const glm::vec4 bottomRight = glyph->mTransform * glm::vec4(1.0F, 1.0F, 0.0F, 1.0F);
+    EXPECT_NEAR(topLeft.x, -1.0F, 1e-6F);
+    EXPECT_NEAR(topLeft.y, 2.0F * 15.0F / 61.0F - 1.0F, 1e-6F);
+    EXPECT_NEAR(bottomRight.x, 2.0F * 30.0F / 61.0F - 1.0F, 1e-6F);
+    EXPECT_NEAR(bottomRight.y, 2.0F * 49.0F / 61.0F - 1.0F, 1e-6F);
+    EXPECT_EQ(glyph->mQuad[0].position, glm::vec2(-1.0F, -1.0F));
+    EXPECT_EQ(glyph->mQuad[1].position, glm::vec2(1.0F, -1.0F));
+    EXPECT_EQ(glyph->mQuad[2].position, glm::vec2(-1.0F, 1.0F));
+}
+
+// The quads' texture coordinates lead to the glyphs' ink: a filled square for "@", nothing for a blank.
+TEST(GlyphAtlas, TextureCoordinatesLeadIntoTheBitmap) {
+    for (const auto& [symbol, coverage] : {std::pair{'@', 255U}, {' ', 0U}}) {
+        const gui::Glyph* const glyph = atlas()[symbol];
+        ASSERT_NE(glyph, nullptr);
+        const glm::vec2 first = glyph->mQuad[0].texture * glm::vec2(256.0F, 247.0F);
+        const glm::vec2 end = glyph->mQuad[3].texture * glm::vec2(256.0F, 247.0F);
+        EXPECT_GT(end.x, first.x);
+        for (auto y = static_cast<unsigned>(first.y + 0.5F); y < static_cast<unsigned>(end.y + 0.5F); ++y) {
+            for (auto x = static_cast<unsigned>(first.x + 0.5F); x < static_cast<unsigned>(end.x + 0.5F);
+                 ++x) {
+                ASSERT_EQ(atlas().mBitmap[y * 256U + x], coverage) << symbol << x << "," << y;
+            }
+        }
+    }
+}
+
+TEST(GlyphAtlas, ReportsWhatItDoesNotHold) {
+    for (const char symbol : {'?', '-', '\0', '\xc4', '\xff'}) {
+        doubles::takeLog();
+        EXPECT_EQ(atlas().getGlyphWidth(symbol), 0.0F);
+        EXPECT_EQ(atlas()[symbol], nullptr);
+        const std::vector<doubles::LogLine> log = doubles::takeLog();
+        ASSERT_EQ(log.size(), 2U);
+        EXPECT_THAT(log[0].text,
+                    testing::MatchesRegex("GlyphAtlas.cpp:getGlyphWidth\\([0-9]+\\) No symbol '.*"));
+        EXPECT_THAT(log[1].text,
+                    testing::MatchesRegex("GlyphAtlas.cpp:operator\\[\\]\\([0-9]+\\) No symbol '.*"));
+        if (symbol == '?') {
+            EXPECT_THAT(log[0].text, testing::EndsWith(" No symbol '?' in Glyph atlas!"));
+            EXPECT_EQ(log[0].priority, 6);
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,189 @@
+#include "core/SysPropWatcher.h"
+#include "doubles/FakeProperties.h"
+#include "gui/LayoutManager.h"
+#include "gui/WidgetsSettings.h"
+
+#include <ostra/Ostra.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using gui::WidgetsSettings;
+
+using Properties = std::vector<std::pair<std::string, std::string>>;
+
+void set(const Properties& properties) {
+    for (const auto& [name, value] : properties) {
+        doubles::setProperty("debug.kordanix." + name, value);
+    }
+    SysPropWatcher::forceReadAllProps();
+}
+
+TEST(Settings, LoadReportsAChangeOnce) {
+    EXPECT_TRUE(WidgetsSettings::load());
+    EXPECT_FALSE(WidgetsSettings::load());
+    WidgetsSettings::wasChanged = true;
+    EXPECT_TRUE(WidgetsSettings::load());
+    EXPECT_FALSE(WidgetsSettings::load());
+}
+
+TEST(Settings, DefaultColoursAndSwitches) {
+    const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
+    const float half = 1.0F / 2.0F;
+    struct Case {
+        const WidgetsSettings::Graph& graph;
+        bool isOn;
+        unsigned colour;
+    };
+    const Case cases[] = {
+        {widgets.mFps.mCurrent, true, 0x0084FF},
+        {widgets.mFps.mMedian, true, 0xFF7200},
+        {widgets.mFps.mStability, true, 0xFFFF00},
+        {widgets.mCpuGpu.mCpuLoad, true, 0x0084FF},
+        {widgets.mCpuGpu.mGpuFreq, false, 0xFFFF00},
+        {widgets.mCpuGpu.mGpuLoad, true, 0xFF7200},
+        {widgets.mGpuActivity.mFragmentLoad, true, 0xFF7200},
+        {widgets.mGpuActivity.mVertexLoad, true, 0x0084FF},
+        {widgets.mMemory.mPss, true, 0x0084FF},
+        {widgets.mMemory.mGpuTotal, true, 0xFFFF00},
+        {widgets.mMemory.mGpuSurface, true, 0xFF7200},
+        {widgets.mMemory.mGpuTexture, true, 0xFF0000},
+        {widgets.mMemory.mSysFree, true, 0x00FF00},
+    };
+    for (const Case& c : cases) {
+        const auto channel = [&c](unsigned shift) {
+            return static_cast<float>((c.colour >> shift) & 255U) / 255.0F;
+        };
+        const glm::vec4 colour(channel(16), channel(8), channel(0), 1.0F);
+        EXPECT_EQ(c.graph.getTextColor(), c.isOn ? colour : glm::vec4(0.0F));
+        EXPECT_EQ(c.graph.getGraphColor(2),
+                  c.isOn ? glm::vec4(colour.r, colour.g, colour.b, half) : glm::vec4(0.0F));
+    }
+    EXPECT_EQ(widgets.bgColor(), glm::vec4(0.0F, 0.0F, 0.0F, 128.0F / 255.0F));
+}
+
+TEST(Settings, ColoursAreDecimalTexts) {
+    const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
+    const std::pair<const char*, glm::vec4> cases[] = {
+        {"4278224127", {0.0F, 0x84 / 255.0F, 1.0F, 1.0F}}, {"-16743169", {0.0F, 0x84 / 255.0F, 1.0F, 1.0F}},
+        {"0xFF0084FF", {0.0F, 0.0F, 0.0F, 1.0F}},          {"255", {0.0F, 0.0F, 1.0F, 1.0F}},
+        {"none", {1.0F, 0x72 / 255.0F, 0.0F, 1.0F}},
+    };
+    for (const auto& [text, colour] : cases) {
+        set({{"widget_fps_median_color", text}});
+        EXPECT_EQ(widgets.mFps.mMedian.getTextColor(), colour) << text;
+    }
+    set({{"widget_fps_median", "false"}});
+    EXPECT_EQ(widgets.mFps.mMedian.getTextColor(), glm::vec4(0.0F));
+}
+
+TEST(Settings, BackgroundOpacityIsIn255ths) {
+    const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
+    const std::pair<const char*, float> cases[] = {
+        {"0", 0.0F}, {"51", 0.2F}, {"255", 1.0F}, {"256", 1.0F}, {"-1", 1.0F}};
+    for (const auto& [text, alpha] : cases) {
+        set({{"bg_transparency", text}, {"bg_color", "16711935"}});
+        EXPECT_EQ(widgets.bgColor(), glm::vec4(1.0F, 0.0F, 1.0F, alpha)) << text;
+    }
+}
+
+TEST(Settings, AWidgetNeedsItsSwitchAndOneGraph) {
+    const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
+    struct Case {
+        std::function<bool()> isEnabled;
+        std::string widget;
+        std::vector<std::string> parts;
+    };
+    const Case cases[] = {
+        {[&] { return widgets.mFps.enabled(); }, "widget_fps", {"_current", "_median", "_stability"}},
+        {[&] { return widgets.mCpuGpu.enabled(); },
+         "widget_cpu_gpu",
+         {"_cpu_load", "_gpu_freq", "_gpu_load"}},
+        {[&] { return widgets.mGpuActivity.enabled(); },
+         "widget_gpu_activity",
+         {"_fragment_load", "_vertex_load", "_renderpass", "_thumbnail"}},
+        {[&] { return widgets.mMemory.enabled(); },
+         "widget_memory",
+         {"_pss", "_gpu_total", "_gpu_surface", "_gpu_texture", "_sys_free"}},
+    };
+    for (const Case& c : cases) {
+        set({{c.widget, "true"}});
+        for (const std::string& part : c.parts) {
+            set({{c.widget + part, "false"}});
+        }
+        EXPECT_FALSE(c.isEnabled()) << c.widget;
+        for (const std::string& part : c.parts) {
+            set({{c.widget + part, "true"}});
+            EXPECT_TRUE(c.isEnabled()) << c.widget << part;
+            set({{c.widget, "false"}});
+            EXPECT_FALSE(c.isEnabled()) << c.widget << part;
+            set({{c.widget, "true"}, {c.widget + part, "false"}});
+        }
+    }
+    set({{"widget_gpu_activity_thumbnail", "true"}});
+    EXPECT_TRUE(widgets.mGpuActivity.thumbnailEnabled());
+    set({{"widget_gpu_activity", "false"}});
+    EXPECT_FALSE(widgets.mGpuActivity.thumbnailEnabled());
+}
+
+TEST(Settings, AreTakenOverByTheLayoutOnlyAfterAChange) {
+    gui::LayoutManager* const manager = gui::LayoutManager::getInstance();
+    gui::WidgetsSettings::wasChanged = true;
+    ASSERT_TRUE(manager->updateConfig());
+    const auto widget = [manager](int type) {
+        return manager->getWidget(static_cast<gui::WidgetType>(type));
+    };
+    const int defaults[] = {0, 2, 6, 5, 1};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(widget(i)->mPosition, defaults[i]);
+        EXPECT_EQ(widget(i)->mEnabled, i != 4);
+    }
+    set({{"widget_fps_position", "7"},
+         {"widget_cpu_gpu_position", "-4"},
+         {"widget_gpu_activity_position", "x"},
+         {"widget_gpu_activity_thumbnail_position", "3"},
+         {"widget_memory", "true"},
+         {"widget_memory_position", "2"}});
+    EXPECT_FALSE(manager->updateConfig());
+    EXPECT_EQ(widget(0)->mPosition, 0);
+    gui::WidgetsSettings::wasChanged = true;
+    EXPECT_TRUE(manager->updateConfig());
+    const int changed[] = {7, -4, 6, 3, 2};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(widget(i)->mPosition, changed[i]);
+    }
+    EXPECT_TRUE(widget(4)->mEnabled);
+}
+
+TEST(DumpNames, AreTheTableOfDumpableValues) {
+    struct Row {
+        const char* name;
+        unsigned type;
+        unsigned flag;
+    };
+    const Row rows[] = {{"Fps", 1, 1},
+                        {"FpsMedian", 1, 0},
+                        {"FpsStability(%)", 1, 0},
+                        {"CpuLoad(%)", 1, 1},
+                        {"GpuLoad(%)", 1, 1},
+                        {"GpuFreq(MHz)", 0, 1},
+                        {"MemPss(Bytes)", 2, 1},
+                        {"MemGpu(Bytes)", 2, 1},
+                        {"MemSurf(Bytes)", 2, 1},
+                        {"MemTex(Bytes)", 2, 1},
+                        {"MemSysFreeHeap(Bytes)", 2, 1}};
+    ASSERT_EQ(gui::gWidgetsMeta.size(), std::size(rows));
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        EXPECT_STREQ(gui::gWidgetsMeta[i].name.string(), rows[i].name);
+        EXPECT_EQ(gui::gWidgetsMeta[i].valueType, rows[i].type) << rows[i].name;
+        EXPECT_EQ(gui::gWidgetsMeta[i].flag, rows[i].flag) << rows[i].name;
+    }
+}
+
+}  // namespace
