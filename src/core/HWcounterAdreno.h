@@ -1,0 +1,42 @@
+#pragma once
+
+#include "utils/Export.h"
+
+namespace core {
+
+/// A source of GPU hardware counters, the base of the sampling thread. Everything it does stands in one
+/// source file, so that another source can take that file's place at build time. This one is for Adreno GPUs
+/// and has no access to the counters: it always ends up unavailable.
+///
+/// What a ready source owes its user is said at each operation. One thread at a time may use the object.
+class KORDANIX_EXPORT HWcounter {
+public:
+    HWcounter();
+
+    /// As deInit().
+    ~HWcounter();
+
+    /// Tries to get hold of the counters unless that has been settled already. Returns the state after it.
+    int init();
+
+    /// Gives the counters back: a ready source is not initialised afterwards.
+    void deInit();
+
+    /// Reads the current GPU usage. False when not ready, and then `*usage` is 0.
+    bool readGpuUsage(double* usage);
+
+    /// Takes a sample: its time in microseconds, the GPU usage, and the activity of the vertex and fragment
+    /// shader stages as fractions. False when there is none, and then nothing is written.
+    bool readGpuActivity(unsigned long long* timestamp, double* usage, double* vertexActivity,
+                         double* fragmentActivity);
+
+    /// Offset of the GPU's clock from the CPU's, for the Vulkan layer. False and 0 when it is not known.
+    bool getCpuGpuTimeDiff(unsigned long long* diff);
+
+    /// Offset of the monotonic from the real-time clock, for the other layers. Whether it is known.
+    bool getRealtimeMonotonictimeDiff(unsigned long long* diff);
+
+    int mState;  ///< 0 not initialised, 1 ready, 3 unavailable
+};
+
+}  // namespace core

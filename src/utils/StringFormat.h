@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdio>
+#include <locale>
+#include <sstream>
+#include <string>
+
+namespace utils {
+
+// The format is checked where it is written down, by whoever calls these.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+#pragma GCC diagnostic ignored "-Wformat-security"
+
+/// printf-style formatting into a string of whatever length it takes. The arguments must fit the format and
+/// be of types that printf takes. Empty if the text cannot be formatted.
+template <typename... Args>
+std::string strFormat(const std::string& format, Args... args) {
+    const int length = std::snprintf(nullptr, 0, format.c_str(), args...);
+    if (length <= 0) {
+        return {};
+    }
+    std::string text(static_cast<std::size_t>(length), '\0');
+    std::snprintf(text.data(), text.size() + 1, format.c_str(), args...);
+    return text;
+}
+
+#pragma GCC diagnostic pop
+
+/// The value as an output stream writes it, whatever locale the application has set.
+template <typename T>
+std::string toString(T value) {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream << value;
+    return stream.str();
+}
+
+}  // namespace utils

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "utils/Export.h"
+
+#include <cstdint>
+
+/// Paces the update of figures: counts frames and says when 120 ms have passed. Once a frame the layer calls
+/// incFrameCount() and isUpdateDuration(); on true, mFrameCount frames fell into the last mUpdateDuration
+/// microseconds, and the layer calls resetUpdateDuration() before counting on. Belongs to one thread.
+class KORDANIX_EXPORT UpdateHelper {
+public:
+    UpdateHelper();
+
+    /// Back to the state of a new object.
+    void initUpdateHelper();
+
+    void incFrameCount();
+
+    /// Whether 120 ms or more have passed since the last true result. The first call only starts the
+    /// interval.
+    bool isUpdateDuration();
+
+    /// Clears the count and the duration. The running interval goes on: it is measured from the last true
+    /// result.
+    void resetUpdateDuration();
+
+    std::uint32_t mFrameCount = 0;      ///< frames since the last reset
+    std::uint32_t mLastUpdateTime = 0;  ///< microsecond clock at the last update; 0: not started
+    double mUpdateDuration = 0.0;       ///< microseconds between the last two updates
+};
