@@ -1,0 +1,355 @@
+#include "doubles/FakeClock.h"
+#include "doubles/FakeLog.h"
+#include "doubles/RecordingPrimitives.h"
+#include "drawers/AnimatedRenderPassDrawer.h"
+#include "drawers/FixedRenderPassDrawer.h"
+#include "drawers/TextblockDrawer.h"
+#include "gui/FrameData.h"
+
+#include <ostra/Ostra.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using testing::ElementsAre;
+
+std::unique_ptr<drawer::TextblockDrawer> makeBlock(unsigned lines, unsigned hint) {
+    EXPECT_EQ(lines, 1U);
+    EXPECT_EQ(hint, 35U);
+    return std::make_unique<drawer::TextblockDrawer>(doubles::createRecordingText,
+                                                     std::make_unique<doubles::RecordingRect>(), lines, hint);
+}
+
+class AnimatedRow : public drawer::AnimatedRenderPassDrawer {
+public:
+    AnimatedRow() {
+        mPosition = {0.1F, 0.8F};
+        mSize = {0.5F, 0.05F};
+    }
+    std::unique_ptr<drawer::TextblockDrawer> createTextblockDrawer(unsigned lines, unsigned hint) override {
+        return makeBlock(lines, hint);
+    }
+    unsigned getOrientation() override { return mIsLandscape; }
+    void onPreDrawWidgets() override { doubles::drawCalls().push_back({"pre", {}, {}, {}, {}}); }
+    void onPostDrawWidgets() override { doubles::drawCalls().push_back({"post", {}, {}, {}, {}}); }
+    unsigned mIsLandscape = 1;
+};
+
+class TimeLine : public drawer::FixedRenderPassDrawer {
+public:
+    TimeLine() {
+        mPosition = {0.1F, 0.8F};
+        mSize = {0.5F, 0.05F};
+    }
+    std::unique_ptr<drawer::TextblockDrawer> createTextblockDrawer(unsigned lines, unsigned hint) override {
+        return makeBlock(lines, hint);
+    }
+    unsigned getOrientation() override { return mIsLandscape; }
+    unsigned mIsLandscape = 1;
+};
+
+struct Pass {
+    long double start;
+    long double end;
+    std::vector<unsigned> values{};
+};
+
+gui::FrameData makeFrame(unsigned id, long double duration, const std::vector<Pass>& passes) {
+    gui::FrameData frame(id, {});
+    unsigned index = 1;
+    for (const Pass& p : passes) {
+        gui::RenderPassData data(0.0F, p.values);
+        data.setIndex(index++);
+        data.mStartTime = p.start;
+        data.mEndTime = p.end;
+        frame.addRenderPassInfo(data);
+    }
+    frame.addFrameTimeInfo(0, duration);
+    return frame;
+}
+
+/// Passes with `values` three-digit numbers each.
+gui::FrameData makeRow(unsigned id, std::size_t passes, std::size_t values) {
+    return makeFrame(id, 16, std::vector<Pass>(passes, Pass{0, 1, std::vector<unsigned>(values, 123)}));
+}
+
+TEST(RenderPassRow, CellsShowIndexAndValues) {
+    AnimatedRow row;
+    row.addFrameInfo(makeFrame(1, 16, {{0, 1, {120, 45}}, {1, 2, {}}, {2, 3, {7, 8, 9, 4000000000U}}}));
+    doubles::drawCalls().clear();
+    row.draw();
+    EXPECT_THAT(doubles::drawnNames(), ElementsAre("pre", "background", " 1 120 45 ", "background",
+                                                   "background", " 3 7 8 9 4000000000 ", "post"));
+    for (const auto& block : row.mTextblocks) {
+        EXPECT_EQ(block->mTextGravity, gui::TextGravity::CENTER);
+        EXPECT_EQ(block->mTextColor, glm::vec4(1.0F, 1.0F, 1.0F, 0.5F));
+        EXPECT_EQ(block->mBackground->mColor, glm::vec4(0.0F, 0.0F, 0.0F, 1.0F));
+    }
+    row.draw();
+    EXPECT_EQ(row.mTextblocks.size(), 3U) << "rebuilt, not added to";
+    row.addFrameInfo(makeFrame(2, 16, {}));
+    row.draw();
+    EXPECT_TRUE(row.mTextblocks.empty());
+    EXPECT_FLOAT_EQ(row.mTextWidth, 1.0F);
+}
+
+TEST(RenderPassRow, IsAsWideAsItsLongestTextNeeds) {
+    struct Case {
+        std::size_t passes;
+        std::size_t values;
+        unsigned orientation;
+        float textWidth;
+    };
+    // A text of v three-digit values is 4 + 4 v - 1 + ... characters long: " 1 123 123 " has 3 + 4 v.
+    const Case cases[] = {
+        {2, 1, 1, 1.0F},            // 2 x 7 x 0.02 = 0.28 fits
+        {7, 1, 1, 1.0F},            // 0.98 fits
+        {8, 1, 1, 1.25F},           // 1.12 overhangs by less than a quarter
+        {9, 1, 1, 1.26F},           // 1.26
+        {9, 2, 1, 9 * 11 * 0.02F},  //
+        {4, 1, 0, 1.25F},           // in portrait a character is twice as wide: 1.12
+        {9, 2, 0, 9 * 11 * 0.04F},
+    };
+    for (const Case& c : cases) {
+        AnimatedRow row;
+        row.mIsLandscape = c.orientation;
+        row.addFrameInfo(makeRow(1, c.passes, c.values));
+        row.draw();
+        EXPECT_NEAR(row.mTextWidth, c.textWidth, 1e-5F) << c.passes << " passes of " << c.values;
+        const float step = row.mTextWidth / static_cast<float>(2 * c.passes);
+        const float gap = c.orientation == 1 ? 0.0025F : 0.005F;
+        for (std::size_t i = 0; i < c.passes; ++i) {
+            const drawer::TextblockDrawer& block = *row.mTextblocks[i];
+            EXPECT_NEAR(block.mPosition.x, 0.1F + step * static_cast<float>(i), 1e-5F);
+            EXPECT_NEAR(block.mSize.x, i + 1 == c.passes ? step : step - gap, 1e-5F);
+            EXPECT_EQ(block.mPosition.y, row.mPosition.y);
+            EXPECT_EQ(block.mSize.y, row.mSize.y);
+        }
+    }
+}
+
+class Marquee : public testing::Test {
+protected:
+    Marquee() {
+        doubles::setWallClock(START);
+        row.mMarqueeCycles = 2;
+        row.addFrameInfo(makeRow(1, 10, 2));  // 10 x 11 x 0.02 = 2.2 in a widget 1.0 wide
+        row.mLastTickMs = static_cast<std::uint32_t>(START / 1000);
+    }
+    ~Marquee() override { doubles::releaseWallClock(); }
+
+    void step(std::int64_t milliseconds) {
+        doubles::advanceWallClock(milliseconds * 1000);
+        row.draw();
+        EXPECT_LE(row.mMarqueeOffset, 0.0F);
+        EXPECT_GE(row.mMarqueeOffset, 1.0F - row.mTextWidth);
+        EXPECT_EQ(row.mTranslation, glm::vec3(row.mMarqueeOffset, 0.0F, 0.0F));
+    }
+
+    static constexpr std::int64_t START = 1795555555000000;
+    AnimatedRow row;
+};
+
+// D = 1.2 x 2.5 / 0.00025 = 12000 ms: a pause of 720, sliding left to 5640, a pause to 6360, back to 11280.
+TEST_F(Marquee, SlidesLeftPausesAndSlidesBack) {
+    const auto runUntil = [this](std::uint32_t elapsed) {
+        while (row.mElapsedMs + 10 <= elapsed) {
+            step(10);
+        }
+    };
+    runUntil(720);
+    EXPECT_EQ(row.mMarqueeOffset, 0.0F);
+    runUntil(3180);
+    EXPECT_NEAR(row.mMarqueeOffset, -0.6F, 0.02F) << "half way";
+    runUntil(5700);
+    EXPECT_FLOAT_EQ(row.mMarqueeOffset, 1.0F - row.mTextWidth) << "at its end";
+    runUntil(6300);
+    EXPECT_FLOAT_EQ(row.mMarqueeOffset, 1.0F - row.mTextWidth) << "paused";
+    runUntil(8820);
+    EXPECT_NEAR(row.mMarqueeOffset, -0.6F, 0.03F);
+    runUntil(11500);
+    EXPECT_EQ(row.mMarqueeOffset, 0.0F);
+    EXPECT_EQ(row.mMarqueeCyclesDone, 0U);
+    step(600);
+    EXPECT_EQ(row.mMarqueeCyclesDone, 1U);
+    EXPECT_EQ(row.mElapsedMs, 0U);
+    while (row.mMarqueeCyclesDone < 2) {
+        step(100);
+    }
+    step(3000);
+    EXPECT_FALSE(row.mIsAnimating);
+    EXPECT_EQ(row.mMarqueeOffset, 0.0F) << "all cycles done";
+    row.resetAnimation();
+    EXPECT_EQ(row.mMarqueeCyclesDone, 0U);
+}
+
+TEST_F(Marquee, AFrameBeforeEveryDrawNeverMovesTheRow) {
+    for (unsigned id = 2; id < 500; ++id) {
+        row.addFrameInfo(makeRow(id, 10, 2));
+        step(100);
+        ASSERT_EQ(row.mMarqueeOffset, 0.0F);
+    }
+}
+
+TEST_F(Marquee, StaysInItsRangeWhateverTheTimeStep) {
+    for (const std::int64_t milliseconds :
+         {1LL, 3000LL, 700LL, -5000LL, 4294967295LL, 100000LL, 0LL, 5000LL, -1LL, 2500LL}) {
+        step(milliseconds);
+    }
+}
+
+TEST_F(Marquee, ALongIdleSpellEndsTheCycleAtOnce) {
+    row.mLastTickMs = 0;
+    step(10);
+    EXPECT_EQ(row.mMarqueeCyclesDone, 1U);
+}
+
+TEST_F(Marquee, ARowThatFitsCountsItsCyclesWithoutMoving) {
+    row.addFrameInfo(makeRow(2, 2, 1));
+    for (int i = 0; i < 39; ++i) {
+        step(100);
+        ASSERT_EQ(row.mMarqueeOffset, 0.0F);
+    }
+    EXPECT_EQ(row.mMarqueeCyclesDone, 0U);
+    step(100);
+    EXPECT_EQ(row.mMarqueeCyclesDone, 1U) << "T / speed = 4000 ms";
+}
+
+TEST_F(Marquee, StepsByHandStartACycleAnew) {
+    row.measureWidgets();
+    row.mIsAnimating = false;
+    row.mElapsedMs = 77;
+    row.calculateCircularMarquee();
+    EXPECT_TRUE(row.mIsAnimating);
+    EXPECT_EQ(row.mElapsedMs, 0U);
+    doubles::drawCalls().clear();
+    row.mMarqueeCyclesDone = 2;
+    row.animateMarquee();
+    EXPECT_FALSE(row.mIsAnimating);
+    EXPECT_TRUE(doubles::drawCalls().empty());
+}
+
+TEST(RenderPassDump, IsWrittenOncePerFrame) {
+    AnimatedRow row;
+    Ostra::FrameDump dump{};
+    row.addFrameInfo(makeFrame(0xFFFFFFFFU, 16, {{0, 1, {1, 2}}}));
+    row.dump(dump);
+    EXPECT_TRUE(dump.renderPasses.empty()) << "the id that stands for nothing dumped yet";
+    row.addFrameInfo(makeFrame(0x80000001U, 16.5L, {{2, 5.5L, {10, 20, 30}}, {5, 9, {7}}, {9, 9, {}}}));
+    row.dump(dump);
+    EXPECT_EQ(dump.renderPassFrameId, -2147483647);
+    EXPECT_EQ(dump.frameDuration, 16.5F);
+    ASSERT_EQ(dump.renderPasses.size(), 3U);
+    const std::uint64_t values[3][2] = {{10, 20}, {7, 0}, {0, 0}};
+    const double durations[] = {3.5, 4.0, 0.0};
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_EQ(dump.renderPasses[i].firstValue, values[i][0]);
+        EXPECT_EQ(dump.renderPasses[i].secondValue, values[i][1]);
+        EXPECT_EQ(dump.renderPasses[i].duration, durations[i]);
+    }
+    Ostra::FrameDump second{};
+    row.dump(second);
+    EXPECT_EQ(second.renderPassFrameId, 0);
+    EXPECT_TRUE(second.renderPasses.empty());
+}
+
+struct Block {
+    float start;
+    float width;
+    bool isThin = false;
+};
+
+struct TimeLineCase {
+    const char* name;
+    std::vector<Pass> passes;
+    std::vector<Block> blocks;  ///< in shares of the widget's width; the frame lasts 10, the gap is 0.0025
+};
+
+class TimeLineLayout : public testing::TestWithParam<TimeLineCase> {};
+
+TEST_P(TimeLineLayout, PlacesTheBlocks) {
+    TimeLine line;
+    line.addFrameInfo(makeFrame(1, 10, GetParam().passes));
+    line.draw();
+    ASSERT_EQ(line.mTextblocks.size(), GetParam().blocks.size());
+    for (std::size_t i = 0; i < line.mTextblocks.size(); ++i) {
+        const Block& expected = GetParam().blocks[i];
+        const drawer::TextblockDrawer& block = *line.mTextblocks[i];
+        EXPECT_NEAR((block.mPosition.x - 0.1F) / 0.5F, expected.start, 1e-5F) << i;
+        EXPECT_NEAR(block.mSize.x / 0.5F, expected.width, 1e-5F) << i;
+        EXPECT_EQ(block.mLines.empty(), expected.isThin) << i;
+        EXPECT_EQ(block.mBackground->mColor, glm::vec4(0.0F, expected.isThin ? 0.2F : 0.0F, 0.0F, 1.0F)) << i;
+        EXPECT_EQ(block.mPosition.y, 0.8F);
+        EXPECT_EQ(block.mSize.y, 0.05F);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Passes, TimeLineLayout,
+    testing::Values(
+        TimeLineCase{"Apart", {{0, 2}, {3, 5}, {6, 10}}, {{0.0F, 0.2F}, {0.3F, 0.2F}, {0.6F, 0.4F}}},
+        TimeLineCase{"OutOfOrder", {{6, 10}, {0, 2}, {3, 5}}, {{0.0F, 0.2F}, {0.3F, 0.2F}, {0.6F, 0.4F}}},
+        TimeLineCase{"Touching", {{0, 5}, {5, 10}}, {{0.0F, 0.5F}, {0.5025F, 0.4975F}}},
+        TimeLineCase{"Overlapping", {{0, 5}, {3, 8}}, {{0.0F, 0.5F}, {0.5025F, 0.2975F}}},
+        TimeLineCase{"Covered", {{0, 5}, {3, 5}}, {{0.0F, 0.5F}, {0.4975F, 0.01F, true}}},
+        TimeLineCase{"Thin", {{5, 5.05L}}, {{0.4925F, 0.01F, true}}},
+        TimeLineCase{"ThinAtTheStart", {{0, 0.05L}}, {{0.0F, 0.01F, true}}},
+        TimeLineCase{"PastTheEnd", {{8, 13}, {12, 14}}, {{0.8F, 0.2F}, {1.0F, 0.0F}}},
+        TimeLineCase{"BothFromTheStart", {{0, 4}, {0, 4}}, {{0.0F, 0.4F}, {0.0F, 0.4F}}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(RenderPassTimeLine, RefusesInvalidFramesAndKeepsTheLastValidOne) {
+    TimeLine line;
+    doubles::drawCalls().clear();
+    line.draw();
+    EXPECT_TRUE(doubles::drawCalls().empty());
+    line.addFrameInfo(makeFrame(1, 10, {{0, 5}}));
+    doubles::takeLog();
+    line.addFrameInfo(makeFrame(2, 0, {{0, 5}}));
+    line.addFrameInfo(makeFrame(3, 10, {}));
+    const std::vector<doubles::LogLine> log = doubles::takeLog();
+    ASSERT_EQ(log.size(), 2U);
+    EXPECT_THAT(
+        log[0].text,
+        testing::MatchesRegex("FixedRenderPassDrawer.cpp:addFrameInfo\\([0-9]+\\) Frame data is invalid!"));
+    EXPECT_EQ(line.mFrameData.mFrameId, 1U);
+    line.mTranslation = {0.4F, 0.0F, 0.0F};
+    line.draw();
+    EXPECT_THAT(doubles::drawnNames(), ElementsAre("background", "1"));
+    EXPECT_EQ(doubles::drawCalls()[0].translation, line.mTranslation);
+}
+
+TEST(RenderPassTimeLine, OddNumbersGiveFiniteRectangles) {
+    const long double infinity = std::numeric_limits<long double>::infinity();
+    const long double notANumber = std::numeric_limits<long double>::quiet_NaN();
+    std::vector<Pass> passes;
+    for (const long double start : {0.0L, -5.0L, 1e30L, -infinity, infinity, notANumber}) {
+        for (const long double end : {1.0L, -9.0L, 1e30L, infinity, notANumber}) {
+            passes.push_back({start, end, {1}});
+        }
+    }
+    for (const long double duration : {10.0L, 1e-4000L, 1e300L, infinity}) {
+        TimeLine line;
+        line.addFrameInfo(makeFrame(1, duration, passes));
+        line.draw();
+        AnimatedRow row;
+        row.mMarqueeCycles = 3;
+        row.addFrameInfo(makeFrame(1, duration, passes));
+        row.draw();
+        for (const auto* const blocks : {&line.mTextblocks, &row.mTextblocks}) {
+            for (const auto& block : *blocks) {
+                EXPECT_TRUE(std::isfinite(block->mPosition.x) && std::isfinite(block->mSize.x));
+            }
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,362 @@
+#include "doubles/FakeLog.h"
+#include "doubles/RecordingPrimitives.h"
+#include "drawers/RenderPassInfoDrawer.h"
+#include "drawers/TextDrawer.h"
+#include "drawers/TextblockDrawer.h"
+#include "gui/GlyphAtlas.h"
+
+#include <glm/vec4.hpp>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using doubles::RecordingText;
+using gui::TextEllipsize;
+using gui::TextGravity;
+using testing::ElementsAre;
+
+float widthOf(const std::string& text) {
+    float width = 0.0F;
+    for (const char symbol : text) {
+        width += gui::GlyphAtlas::getGlyphAtlas().getGlyphWidth(symbol);
+    }
+    return width;
+}
+
+/// Where the pen stands (left) and how wide and high a line is on the surface, in canvas fractions, told
+/// from a glyph's transform by undoing the glyph's own placement.
+struct Placed {
+    float pen;
+    float top;
+    float unitWidth;   ///< of one line unit
+    float lineHeight;  ///< of the 2 line units of a line
+};
+
+Placed placementOf(const RecordingText::DrawnGlyph& drawn) {
+    const gui::Glyph* const glyph = gui::GlyphAtlas::getGlyphAtlas()[drawn.symbol];
+    const glm::mat4 line = drawn.transform * glm::inverse(glyph->mTransform);
+    const glm::vec4 start = line * glm::vec4(-1.0F, -1.0F, 0.0F, 1.0F);
+    const glm::vec4 end = line * glm::vec4(0.0F, 1.0F, 0.0F, 1.0F);
+    return {start.x, start.y, end.x - start.x, end.y - start.y};
+}
+
+TEST(Text, StartsAsNotAvailable) {
+    RecordingText text;
+    text.mSize = {0.5F, 0.1F};
+    text.draw();
+    EXPECT_EQ(text.drawnText(), "N/A");
+    EXPECT_EQ(text.mGlyphs[0].color, glm::vec4(0.0F));
+    text.mGlyphs.clear();
+    text.setText("");
+    text.draw();
+    EXPECT_TRUE(text.mGlyphs.empty());
+}
+
+struct FitCase {
+    const char* name;
+    std::string text;
+    float widthInLines;  ///< of the box, in multiples of what the text needs at full height
+    TextGravity gravity;
+    float left;   ///< expected start, as a share of the free width
+    float scale;  ///< expected line height, as a share of the box's
+};
+
+class TextFit : public testing::TestWithParam<FitCase> {};
+
+TEST_P(TextFit, PlacesTheLine) {
+    const FitCase& c = GetParam();
+    RecordingText text;
+    const float height = 0.1F;
+    const float natural = widthOf(c.text) * 0.5F * height * text.getAspectRatio();
+    text.mPosition = {0.2F, 0.3F};
+    text.mSize = {natural * c.widthInLines, height};
+    text.setText(c.text);
+    text.setTextGravity(c.gravity);
+    text.draw();
+    ASSERT_EQ(text.drawnText(), c.text);
+    const Placed first = placementOf(text.mGlyphs[0]);
+    const float drawnWidth = natural * c.scale;
+    EXPECT_NEAR(first.lineHeight, height * c.scale, 1e-5F);
+    EXPECT_NEAR(first.unitWidth * widthOf(c.text), drawnWidth, 1e-5F) << "proportions kept";
+    EXPECT_NEAR(first.pen, 0.2F + (text.mSize.x - drawnWidth) * c.left, 1e-5F);
+    EXPECT_NEAR(first.top, 0.3F + height * (1.0F - c.scale) * 0.5F, 1e-5F) << "centred when scaled down";
+    float pen = first.pen;
+    for (const RecordingText::DrawnGlyph& glyph : text.mGlyphs) {
+        EXPECT_NEAR(placementOf(glyph).pen, pen, 1e-5F);
+        pen += first.unitWidth * widthOf(std::string(1, glyph.symbol));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Boxes, TextFit,
+    testing::Values(FitCase{"WideLeft", "GPU 59.9", 2.0F, TextGravity::LEFT, 0.0F, 1.0F},
+                    FitCase{"WideRight", "GPU 59.9", 2.0F, TextGravity::RIGHT, 1.0F, 1.0F},
+                    FitCase{"WideCentre", "GPU 59.9", 3.0F, TextGravity::CENTER, 0.5F, 1.0F},
+                    FitCase{"UnknownGravity", "Ag", 3.0F, static_cast<TextGravity>(9), 0.0F, 1.0F},
+                    FitCase{"JustFits", "0000", 1.0001F, TextGravity::CENTER, 0.5F, 1.0F},
+                    FitCase{"Squeezed", "0000", 0.5F, TextGravity::LEFT, 0.0F, 0.5F},
+                    FitCase{"SqueezedRight", "0000", 0.25F, TextGravity::RIGHT, 0.0F, 0.25F}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST(Text, IsShortenedOnlyWhenItDoesNotFit) {
+    RecordingText text;
+    text.setText("Vertex shader");
+    text.setTextEllipsize(TextEllipsize::END);
+    text.setTextGravity(TextGravity::RIGHT);
+    const float natural = widthOf("Vertex shader") * 0.05F * text.getAspectRatio();
+    text.mSize = {natural * 1.0001F, 0.1F};
+    text.draw();
+    EXPECT_EQ(text.drawnText(), "Vertex shader");
+    text.mGlyphs.clear();
+    text.mSize = {natural * 0.8F, 0.1F};
+    text.draw();
+    const std::string drawn = text.drawnText();
+    EXPECT_THAT(drawn, testing::EndsWith("..."));
+    EXPECT_THAT(drawn, testing::StartsWith("Vertex"));
+    const Placed last = placementOf(text.mGlyphs.back());
+    EXPECT_NEAR(last.lineHeight, 0.1F, 1e-5F) << "full height";
+    EXPECT_NEAR(last.pen + last.unitWidth * widthOf("."), text.mSize.x, 1e-5F) << "ends at the right edge";
+}
+
+TEST(Text, TruncationKeepsLessThanTheWidth) {
+    const float dots = widthOf("...");
+    const float digit = widthOf("0");
+    struct Case {
+        TextEllipsize mode;
+        std::string text;
+        float width;
+        std::string result;
+    };
+    const float little = 0.001F;
+    const Case cases[] = {
+        {TextEllipsize::NONE, "0123456789", 0.0F, "0123456789"},
+        {static_cast<TextEllipsize>(7), "0123456789", 0.0F, "0123456789"},
+        {TextEllipsize::END, "0123456789", dots + 3 * digit + little, "012..."},
+        {TextEllipsize::END, "0123456789", dots + 3 * digit - little, "01..."},
+        {TextEllipsize::END, "01", 100.0F, "01..."},
+        {TextEllipsize::START, "0123456789", dots + 3 * digit + little, "...789"},
+        {TextEllipsize::START, "0123456789", 100.0F, "...123456789"},
+        {TextEllipsize::START, "0", 100.0F, "..."},
+        {TextEllipsize::MIDDLE, "0123456789", dots + 4 * digit + little, "01...89"},
+        {TextEllipsize::MIDDLE, "0123456789", dots + 5 * digit + little, "01...89"},
+        {TextEllipsize::MIDDLE, "0123456", 100.0F, "012...456"},
+        {TextEllipsize::END, "0123", dots - little, "..."},
+        {TextEllipsize::START, "0123", dots - little, "..."},
+        {TextEllipsize::MIDDLE, "0123", dots - little, "..."},
+        {TextEllipsize::END, "", 100.0F, "..."},
+        {TextEllipsize::START, "", 100.0F, "..."},
+        {TextEllipsize::MIDDLE, "", 100.0F, "..."},
+    };
+    for (const Case& c : cases) {
+        RecordingText text;
+        text.setText(c.text);
+        text.setTextEllipsize(c.mode);
+        EXPECT_EQ(text.getTruncatedString(c.width), c.result)
+            << static_cast<int>(c.mode) << " '" << c.text << "' in " << c.width;
+    }
+}
+
+TEST(Text, SizeHintShrinksTheBoxAroundItsMiddle) {
+    struct Case {
+        unsigned hint;
+        float position;
+        float size;
+    };
+    // The box is 40 pixels high on a surface of 400.
+    const Case cases[] = {
+        {0, 0.5F, 0.1F}, {20, 0.525F, 0.05F}, {39, 0.50125F, 0.0975F}, {40, 0.5F, 0.1F}, {4000, 0.5F, 0.1F}};
+    for (const Case& c : cases) {
+        RecordingText text;
+        text.mSurfaceHeight = 400.0F;
+        text.mPosition = {0.0F, 0.5F};
+        text.mSize = {1.0F, 0.1F};
+        text.setTextSizeHint(c.hint);
+        text.draw();
+        EXPECT_NEAR(text.mTextPosition.y, c.position, 1e-5F) << c.hint;
+        EXPECT_NEAR(text.mTextSize.y, c.size, 1e-5F) << c.hint;
+        EXPECT_EQ(text.mSize.y, 0.1F);
+    }
+}
+
+TEST(Text, SkipsAndReportsBytesWithoutGlyph) {
+    RecordingText text;
+    text.mSize = {0.9F, 0.1F};
+    text.setText(
+        "1\xc3"
+        "2");
+    doubles::takeLog();
+    text.draw();
+    EXPECT_EQ(text.drawnText(), "12");
+    EXPECT_NEAR(placementOf(text.mGlyphs[1]).pen - placementOf(text.mGlyphs[0]).pen,
+                widthOf("1") * placementOf(text.mGlyphs[0]).unitWidth, 1e-5F)
+        << "the pen does not move";
+    std::vector<std::string> log;
+    for (const doubles::LogLine& line : doubles::takeLog()) {
+        log.push_back(line.text);
+    }
+    EXPECT_THAT(log, testing::Contains(testing::ContainsRegex(
+                         "TextDrawer.cpp:draw\\([0-9]+\\) No Glyph\\(0xc3\\) in font")));
+}
+
+TEST(Text, OddBoxesNeitherCrashNorDrawNonFiniteGlyphs) {
+    const float numbers[] = {0.0F,
+                             -1.0F,
+                             1e-30F,
+                             1e30F,
+                             std::numeric_limits<float>::infinity(),
+                             std::numeric_limits<float>::quiet_NaN()};
+    for (const float width : numbers) {
+        for (const float height : numbers) {
+            for (const float screen : numbers) {
+                for (int mode = 0; mode < 4; ++mode) {
+                    RecordingText text;
+                    text.mSurfaceHeight = screen;
+                    text.mSize = {width, height};
+                    text.setText("0123456789 Ag");
+                    text.setTextSizeHint(35);
+                    text.setTextEllipsize(static_cast<TextEllipsize>(mode));
+                    text.draw();
+                    for (const RecordingText::DrawnGlyph& glyph : text.mGlyphs) {
+                        for (int column = 0; column < 4; ++column) {
+                            for (int row = 0; row < 4; ++row) {
+                                ASSERT_TRUE(std::isfinite(glyph.transform[column][row]))
+                                    << width << " x " << height << " on " << screen;
+                            }
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+class Textblock : public testing::Test {
+protected:
+    static std::unique_ptr<drawer::TextblockDrawer> make(unsigned lines) {
+        auto block = std::make_unique<drawer::TextblockDrawer>(
+            doubles::createRecordingText, std::make_unique<doubles::RecordingRect>(), lines, 35U);
+        block->mPosition = {0.1F, 0.2F};
+        block->mSize = {0.5F, 0.3F};
+        return block;
+    }
+
+    static std::vector<std::string> drawn(drawer::TextblockDrawer& block) {
+        for (const auto& line : block.mLineDrawers) {
+            static_cast<RecordingText&>(*line).mGlyphs.clear();
+        }
+        doubles::drawCalls().clear();
+        block.draw();
+        return doubles::drawnNames();
+    }
+};
+
+TEST_F(Textblock, ShowsTheLastLinesOldestFirst) {
+    const auto block = make(3);
+    const std::vector<std::string> expected[] = {{"background", "a"},           {"background", "a", "b"},
+                                                 {"background", "a", "b", "c"}, {"background", "b", "c", "d"},
+                                                 {"background", "c", "d", "e"}, {"background", "d", "e", "f"},
+                                                 {"background", "e", "f", "g"}};
+    EXPECT_THAT(drawn(*block), ElementsAre("background"));
+    char line = 'a';
+    for (const std::vector<std::string>& lines : expected) {
+        block->addText(std::string(1, line++));
+        EXPECT_EQ(drawn(*block), lines);
+    }
+}
+
+TEST_F(Textblock, HandsItsGeometryAndSettingsToEveryLine) {
+    const auto block = make(2);
+    block->addText("a");
+    block->addText("b");
+    block->mTranslation = {0.7F, 0.0F, 0.0F};
+    block->setTextColor({0.1F, 0.2F, 0.3F, 0.4F});
+    block->setTextEllipsize(TextEllipsize::MIDDLE);
+    block->setTextGravity(TextGravity::RIGHT);
+    block->setBackgroundColor(glm::vec4(0.9F));
+    drawn(*block);
+    const std::vector<doubles::DrawCall>& calls = doubles::drawCalls();
+    ASSERT_EQ(calls.size(), 3U);
+    EXPECT_EQ(calls[0].color, glm::vec4(0.9F));
+    EXPECT_EQ(calls[0].size, block->mSize);
+    for (std::size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(calls[i].translation, block->mTranslation);
+        const drawer::TextDrawer& line = *block->mLineDrawers[i];
+        EXPECT_NEAR(line.mPosition.y, 0.2F + 0.15F * static_cast<float>(i), 1e-6F);
+        EXPECT_NEAR(line.mSize.y, 0.15F, 1e-6F);
+        EXPECT_EQ(line.mTextColor, glm::vec4(0.1F, 0.2F, 0.3F, 0.4F));
+        EXPECT_EQ(line.mTextEllipsize, TextEllipsize::MIDDLE);
+        EXPECT_EQ(line.mTextGravity, TextGravity::RIGHT);
+        EXPECT_EQ(line.mTextSizeHint, 35U);
+    }
+}
+
+TEST_F(Textblock, OfNoLinesOrOne) {
+    const auto none = make(0);
+    none->addText("a");
+    EXPECT_THAT(drawn(*none), ElementsAre("background"));
+    const auto one = make(1);
+    one->addText("a");
+    one->addText("b");
+    one->addText("c");
+    EXPECT_THAT(drawn(*one), ElementsAre("background", "c"));
+}
+
+class InfoLine : public drawer::RenderPassInfoDrawer {
+public:
+    InfoLine()
+        : RenderPassInfoDrawer(std::make_unique<RecordingText>(), std::make_unique<RecordingText>(),
+                               std::make_unique<RecordingText>(),
+                               std::make_unique<doubles::RecordingRect>()) {
+        mPosition = {0.1F, 0.5F};
+        mSize = {0.8F, 0.05F};
+        mTranslation = {0.3F, 0.0F, 0.0F};
+    }
+    unsigned getOrientation() override { return mIsLandscape; }
+    unsigned mIsLandscape = 1;
+};
+
+TEST(RenderPassInfoLine, ShowsFrameAndLegend) {
+    InfoLine line;
+    const std::pair<long double, const char*> durations[] = {{16.66L, "1234(16.7ms)"}, {0.0L, "1234(0.0ms)"}};
+    EXPECT_EQ(line.mFrameText->mText, "N/A");
+    for (const auto& [duration, text] : durations) {
+        line.setFrameIdAndDuration(1234, duration);
+        EXPECT_EQ(line.mFrameText->mText, text);
+    }
+    line.setFrameIdAndDuration(4294967295U, 1.25L);
+    EXPECT_THAT(line.mFrameText->mText, testing::StartsWith("4294967295("));
+    doubles::drawCalls().clear();
+    line.draw();
+    EXPECT_THAT(doubles::drawnNames(),
+                ElementsAre("background", line.mFrameText->mText, "@Vertex @Fragment", "@Fragment"));
+    EXPECT_EQ(doubles::drawCalls()[0].translation, line.mTranslation);
+    EXPECT_EQ(doubles::drawCalls()[1].translation, glm::vec3(0.0F));
+    EXPECT_EQ(line.mVertexLegend->mTextGravity, TextGravity::RIGHT);
+    EXPECT_EQ(line.mFragmentLegend->mTextGravity, TextGravity::RIGHT);
+}
+
+TEST(RenderPassInfoLine, MarginFollowsTheOrientation) {
+    InfoLine line;
+    for (const auto& [orientation, margin] :
+         {std::pair{1U, 6.0F / 728.0F}, {0U, 6.0F / 348.0F}, {7U, 6.0F / 728.0F}}) {
+        line.mIsLandscape = orientation;
+        const glm::vec4 area = line.getTextDrawnArea();
+        EXPECT_FLOAT_EQ(area.x, 0.1F + margin);
+        EXPECT_FLOAT_EQ(area.y, 0.5F);
+        EXPECT_FLOAT_EQ(area.z, 0.8F - 2.0F * margin);
+        EXPECT_FLOAT_EQ(area.w, 0.05F);
+        line.drawText();
+        EXPECT_FLOAT_EQ(line.mFragmentLegend->mPosition.x, 0.1F + margin);
+        EXPECT_FLOAT_EQ(line.mFrameText->mSize.x, 0.8F - 2.0F * margin);
+    }
+}
+
+}  // namespace
