@@ -34,7 +34,7 @@ public:
 
 private:
     bool tryToAddToCenter(Widget* widget);
-    bool canStandAt(Widget* widget, float x) const;
+    bool tryAt(Widget* widget, float x) const;
 };
 
 /// Adds the widget to the first row that takes it, or to a new row at the end. False when the new row does
