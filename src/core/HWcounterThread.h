@@ -100,6 +100,9 @@ public:
 private:
     void clearPublished();
     void clearCapture();
+
+    /// On the sampling thread: asks the source for a sample and keeps it.
+    void takeSample();
 };
 
 }  // namespace core

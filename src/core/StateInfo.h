@@ -5,6 +5,7 @@
 #include "utils/Export.h"
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <mutex>
@@ -105,10 +106,10 @@ public:
     // number where one is expected, reads as -1.0 (memory: all bits set). Integers are taken as unsigned
     // 32-bit: of a larger number the low 32 bits count.
 
-    /// CPU load of the process since the previous call, where `elapsed` is the time since then in
-    /// microseconds: percent of one core at 100 ticks per second. -1.0 on the first call and when the file
-    /// cannot be read, which keeps the previous reading (a command name with a blank in it makes the file
-    /// unreadable); 0 when `elapsed` is not positive.
+    /// CPU load of the process since the previous call: clock ticks times 100000 / `elapsed`, where `elapsed`
+    /// is the caller's measure of the time since then. 0 when `elapsed` is not positive. -1.0 on the first
+    /// call, and when the file cannot be read, which keeps the previous reading (a command name with a blank
+    /// in it makes the file unreadable).
     float getCurrentCPUUsage(double elapsed);
 
     /// Degrees Celsius of the first thermal zone.
@@ -125,7 +126,7 @@ public:
     /// table without a number gives a highest clock of 0; numbers after something else are not read.
     static bool checkGPUClockUnit();
 
-    /// Degrees Celsius.
+    /// Degrees Celsius. A figure that is not finite counts as no number.
     static float getGPUTemperature();
 
     /// KiB in use: total minus free minus cached memory, modulo 2^32.

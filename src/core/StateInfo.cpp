@@ -1,0 +1,82 @@
+#include "core/StateInfo.h"
+
+#include "utils/SystemInfoHelper.h"
+
+#include <ostra/Ostra.h>
+
+#include <mutex>
+
+namespace core {
+
+namespace {
+
+constexpr int LAST_DEVICE_AT_60_FPS = 5;
+
+std::once_flag gFirstReadOfProps;
+
+void endDumpAndReleaseClocks() {
+    // The listener and the rendering thread may come here at once; only one of them finishes the dump.
+    if (StateInfo::mIsDumpingEnabled.exchange(false, std::memory_order_relaxed)) {
+        Ostra::finishDumping();
+    }
+    StateInfo::unfixClock();
+}
+
+}  // namespace
+
+int StateInfo::mVendor = 2;
+bool StateInfo::mIsWidgetsUpdated = true;
+bool StateInfo::mIsGpuClockKHz = false;
+float StateInfo::mMaxGpuClock = 0.0F;
+std::atomic<int> StateInfo::mFixClockState{0};
+bool StateInfo::mIsNeedToResetFps = false;
+std::uint64_t StateInfo::mFrameNumber = 0;
+std::atomic<bool> StateInfo::mIsDumpingEnabled{false};
+
+SysProp<bool>& StateInfo::mStatusProp = SysPropWatcher::createSysProp<bool>("debug.kordanix.status", false);
+SysProp<bool>& StateInfo::mDevModeProp = SysPropWatcher::createSysProp<bool>("debug.kordanix.devmode", false);
+SysProp<bool>& StateInfo::mFixClockProp =
+    SysPropWatcher::createSysProp<bool>("debug.kordanix.fixclock", false);
+SysProp<RenderingApiType>& StateInfo::mRenderApiProp =
+    SysPropWatcher::createSysProp<RenderingApiType>("debug.kordanix.api", static_cast<RenderingApiType>(0));
+SysProp<std::string>& StateInfo::mDebugProcessNameProp =
+    SysPropWatcher::createSysProp<std::string>("debug.kordanix.proc", {});
+
+StateInfo::StateInfo() {
+    init();
+}
+
+void StateInfo::init() {
+    mMaxFps = utils::deviceModel > LAST_DEVICE_AT_60_FPS ? 120.0F : 60.0F;
+    resetFps();
+    mPrevCpuUserTicks = 0;
+    mPrevCpuSystemTicks = 0;
+    checkGPUClockUnit();
+    mVendor = utils::checkVendor();
+}
+
+void StateInfo::onAttached(std::mutex& mutex) {
+    Ostra::registerAppBecomeBackgroundListener([&mutex] {
+        const std::lock_guard<std::mutex> lock(mutex);
+        endDumpAndReleaseClocks();
+    });
+    if (mFixClockProp.getValue()) {
+        fixClock();
+    } else {
+        unfixClock();
+    }
+}
+
+void StateInfo::onDetached() {
+    endDumpAndReleaseClocks();
+}
+
+bool StateInfo::isOverlayEnabled(RenderingApiType api) {
+    std::call_once(gFirstReadOfProps, SysPropWatcher::forceReadAllProps);
+    if (!mStatusProp.getValue() || mRenderApiProp.getValue() != api) {
+        return false;
+    }
+    return utils::getProcessName() == mDebugProcessNameProp.getValue();
+}
+
+}  // namespace core

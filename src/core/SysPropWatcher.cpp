@@ -1,0 +1,150 @@
+#include "core/SysPropWatcher.h"
+
+#include <sys/system_properties.h>
+
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+namespace {
+
+/// What the watcher thread works on, in order of creation and registration.
+struct Registry {
+    std::mutex mRegistryMutex;  ///< also held while everything is re-read and while the listeners run
+    std::vector<SysPropBase*> mProps;
+    std::vector<std::function<void()>> mListeners;
+};
+
+// Constructed on first use because static initialisers of several files create properties, and never
+// destroyed because the watcher thread uses it until the very end of the process.
+Registry& registry() {
+    static Registry* const instance = new Registry;
+    return *instance;
+}
+
+std::atomic<bool> gIsWatcherStarted{false};
+
+/// Needs the registry mutex.
+void readAll(const Registry& all) {
+    for (SysPropBase* const prop : all.mProps) {
+        prop->read();
+    }
+}
+
+const prop_info* waitUntilFound(const std::string& name, std::chrono::milliseconds period) {
+    for (;;) {
+        if (period.count() >= 1) {
+            std::this_thread::sleep_for(period);
+        }
+        if (const prop_info* const found = __system_property_find(name.c_str())) {
+            return found;
+        }
+    }
+}
+
+[[noreturn]] void watch(const std::string& generationName, std::chrono::milliseconds period) {
+    const prop_info* const generation = waitUntilFound(generationName, period);
+    // No property has serial 0, so the first wait returns at once.
+    std::uint32_t serial = 0;
+    for (;;) {
+        while (!__system_property_wait(generation, serial, &serial, nullptr)) {
+        }
+        Registry& all = registry();
+        const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
+        readAll(all);
+        for (const std::function<void()>& listener : all.mListeners) {
+            listener();
+        }
+    }
+}
+
+}  // namespace
+
+SysPropBase::SysPropBase(std::string name) : mName(std::move(name)) {}
+
+SysPropBase::~SysPropBase() = default;
+
+void SysPropBase::read() {
+    if (mPropInfo == nullptr) {
+        mPropInfo = __system_property_find(mName.c_str());
+    }
+    if (mPropInfo == nullptr) {
+        return;
+    }
+    __system_property_read_callback(
+        mPropInfo,
+        [](void* cookie, const char* /*name*/, const char* value, std::uint32_t /*serial*/) {
+            static_cast<SysPropBase*>(cookie)->parseAndSetValue(value);
+        },
+        this);
+}
+
+SysProp<bool>::SysProp(std::string name, bool defaultValue)
+    : SysPropBase(std::move(name)), mValue(defaultValue), mDefault(defaultValue) {}
+
+void SysProp<bool>::parseAndSetValue(const char* text) {
+    bool value = mDefault;
+    if (std::strcmp(text, "true") == 0) {
+        value = true;
+    } else if (std::strcmp(text, "false") == 0) {
+        value = false;
+    }
+    mValue.store(value, std::memory_order_relaxed);
+}
+
+SysProp<std::string>::SysProp(std::string name, std::string defaultValue)
+    : SysPropBase(std::move(name)), mValue(std::move(defaultValue)) {}
+
+void SysProp<std::string>::parseAndSetValue(const char* text) {
+    const std::lock_guard<std::mutex> lock(mValueMutex);
+    mValue = text;
+}
+
+std::string SysProp<std::string>::getValue() const {
+    const std::lock_guard<std::mutex> lock(mValueMutex);
+    return mValue;
+}
+
+std::int32_t parseSysPropInt(const char* text, std::int32_t defaultValue) {
+    // A number beyond 64 bits saturates: the platforms' scanf functions convert as strtoimax does.
+    std::intmax_t number = 0;
+    if (std::sscanf(text, "%jd", &number) != 1) {
+        return defaultValue;
+    }
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(number));
+}
+
+void SysPropWatcher::init(std::string generationName, std::chrono::milliseconds period) {
+    if (gIsWatcherStarted.exchange(true)) {
+        return;
+    }
+    try {
+        std::thread(watch, std::move(generationName), period).detach();
+    } catch (...) {
+        gIsWatcherStarted = false;
+        throw;
+    }
+}
+
+void SysPropWatcher::forceReadAllProps() {
+    Registry& all = registry();
+    const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
+    readAll(all);
+}
+
+void SysPropWatcher::addPropChangedListener(std::function<void()> listener) {
+    Registry& all = registry();
+    const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
+    all.mListeners.push_back(std::move(listener));
+}
+
+void SysPropWatcher::readAndRegister(std::unique_ptr<SysPropBase> prop) {
+    // Read before it is registered, so that the watcher thread never meets it half made.
+    prop->read();
+    Registry& all = registry();
+    const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
+    all.mProps.push_back(prop.get());
+    prop.release();  // NOLINT(bugprone-unused-return-value): lives as long as the process
+}

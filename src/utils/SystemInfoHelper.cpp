@@ -1,0 +1,99 @@
+#include "utils/SystemInfoHelper.h"
+
+#include "core/SysPropWatcher.h"
+#include "utils/File.h"
+#include "utils/Log.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cctype>
+#include <cerrno>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace utils {
+
+namespace {
+
+constexpr int UNKNOWN_VENDOR = 2;
+
+// The last vendor found. Idempotent, so relaxed order is enough.
+std::atomic<int> sGpuVendorCache{UNKNOWN_VENDOR};
+
+/// Model prefixes by device index.
+constexpr std::array<std::string_view, 9> MODELS = {"QV-A31", "QV-B31", "QV-A32", "QV-B32", "QV-C31",
+                                                    "QV-C21", "QV-A33", "QV-B33", "QV-C32"};
+constexpr std::size_t MODEL_LENGTH = 6;
+
+/// The index of the model, or the number of known models.
+int indexOfModel(const std::string& model) {
+    const std::string_view prefix = std::string_view(model).substr(0, MODEL_LENGTH);
+    return static_cast<int>(std::find(MODELS.begin(), MODELS.end(), prefix) - MODELS.begin());
+}
+
+SysProp<std::string>& gModelProp = SysPropWatcher::createSysProp<std::string>("ro.product.model", {});
+
+bool isSpace(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+
+char toCapital(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+}  // namespace
+
+int deviceModel = indexOfModel(gModelProp.getValue());
+
+std::string getProcessName() {
+    static constexpr const char* PATH = "/proc/self/cmdline";
+    std::string name;
+    if (const File file = openForReading(PATH)) {
+        std::array<char, 256> buffer{};
+        if (std::fgets(buffer.data(), static_cast<int>(buffer.size()), file.get()) != nullptr) {
+            name = buffer.data();
+        }
+    } else {
+        // The place in these two messages is fixed: whoever filters the log knows it.
+        // NOLINTNEXTLINE(concurrency-mt-unsafe): strerror keeps its text per thread on both platforms
+        KORDANIX_LOG_ERROR("Faield to open %s,  error: %s", "SystemInfoHelper.h", "getProcessName", 47, PATH,
+                           std::strerror(errno));
+    }
+    trim(name);
+    return name;
+}
+
+void trim(std::string& text) {
+    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), isSpace));
+    text.erase(std::find_if_not(text.rbegin(), text.rend(), isSpace).base(), text.end());
+}
+
+int checkVendor() {
+    const int known = sGpuVendorCache.load(std::memory_order_relaxed);
+    if (known != UNKNOWN_VENDOR) {
+        return known;
+    }
+    const File file = openForReading("/sys/kernel/gpu/gpu_model");
+    if (!file) {
+        KORDANIX_LOG_ERROR("Fail to read Vendor", "SystemInfoHelper.h", "checkVendor", 66);
+        return UNKNOWN_VENDOR;
+    }
+    std::array<char, 50> line{};
+    if (std::fscanf(file.get(), "%49[^\n]", line.data()) != 1) {
+        return UNKNOWN_VENDOR;
+    }
+    std::transform(line.begin(), line.end(), line.begin(), toCapital);
+    const std::string_view model(line.data());
+    int vendor = UNKNOWN_VENDOR;
+    if (model.find("MALI") != std::string_view::npos) {
+        vendor = 0;
+    } else if (model.find("ADRENO") != std::string_view::npos) {
+        vendor = 1;
+    }
+    sGpuVendorCache.store(vendor, std::memory_order_relaxed);
+    return vendor;
+}
+
+}  // namespace utils
