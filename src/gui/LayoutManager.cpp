@@ -36,6 +36,27 @@ bool overlap(const glm::vec4& a, const glm::vec4& b) {
     return extentsOverlap(a.x, a.z, b.x, b.z) && extentsOverlap(a.y, a.w, b.y, b.w);
 }
 
+/// Moves the widget to x and says whether it may stand there: inside the canvas, over no widget of the row.
+bool tryAt(const LinearLayout& row, Widget* widget, float x) {
+    glm::vec4& rect = widget->mRect;
+    rect.x = x;
+    rect.y = 0.0F;
+    return rect.x >= 0.0F && rect.x + rect.z <= 1.0F &&
+           std::none_of(row.mWidgets.begin(), row.mWidgets.end(),
+                        [&rect](const Widget* neighbour) { return overlap(rect, neighbour->mRect); });
+}
+
+bool tryToAddToCenter(LinearLayout& row, Widget* widget) {
+    if (!tryAt(row, widget, 0.5F - widget->mRect.z / 2.0F)) {
+        return false;
+    }
+    const auto next =
+        std::find_if(row.mWidgets.begin(), row.mWidgets.end(),
+                     [widget](const Widget* neighbour) { return neighbour->mRect.x < widget->mRect.x; });
+    row.mWidgets.insert(next, widget);
+    return true;
+}
+
 bool isMiddle(Position position) {
     return position == Position::CENTER_LEFT || position == Position::CENTER_RIGHT;
 }
@@ -108,19 +129,19 @@ bool LinearLayout::tryToAdd(Widget* widget) {
             return tryToAddFromRight(widget);
         case Position::TOP_CENTER:
         case Position::BOTTOM_CENTER:
-            return tryToAddToCenter(widget);
+            return tryToAddToCenter(*this, widget);
     }
     return false;
 }
 
 bool LinearLayout::tryToAddFromLeft(Widget* widget) {
-    if (tryAt(widget, mMargin.x)) {
+    if (tryAt(*this, widget, mMargin.x)) {
         mWidgets.push_front(widget);
         return true;
     }
     for (auto it = mWidgets.begin(); it != mWidgets.end(); ++it) {
         const glm::vec4& neighbour = (*it)->mRect;
-        if (tryAt(widget, neighbour.x + neighbour.z + mSpacing.x)) {
+        if (tryAt(*this, widget, neighbour.x + neighbour.z + mSpacing.x)) {
             mWidgets.insert(it, widget);
             return true;
         }
@@ -130,37 +151,17 @@ bool LinearLayout::tryToAddFromLeft(Widget* widget) {
 
 bool LinearLayout::tryToAddFromRight(Widget* widget) {
     const float width = widget->mRect.z;
-    if (tryAt(widget, 1.0F - width - mMargin.x)) {
+    if (tryAt(*this, widget, 1.0F - width - mMargin.x)) {
         mWidgets.push_back(widget);
         return true;
     }
     for (auto it = mWidgets.rbegin(); it != mWidgets.rend(); ++it) {
-        if (tryAt(widget, (*it)->mRect.x - width - mSpacing.x)) {
+        if (tryAt(*this, widget, (*it)->mRect.x - width - mSpacing.x)) {
             mWidgets.insert(it.base(), widget);
             return true;
         }
     }
     return false;
-}
-
-bool LinearLayout::tryToAddToCenter(Widget* widget) {
-    if (!tryAt(widget, 0.5F - widget->mRect.z / 2.0F)) {
-        return false;
-    }
-    const auto next = std::find_if(mWidgets.begin(), mWidgets.end(), [widget](const Widget* neighbour) {
-        return neighbour->mRect.x < widget->mRect.x;
-    });
-    mWidgets.insert(next, widget);
-    return true;
-}
-
-bool LinearLayout::tryAt(Widget* widget, float x) const {
-    glm::vec4& rect = widget->mRect;
-    rect.x = x;
-    rect.y = 0.0F;
-    return rect.x >= 0.0F && rect.x + rect.z <= 1.0F &&
-           std::none_of(mWidgets.begin(), mWidgets.end(),
-                        [&rect](const Widget* neighbour) { return overlap(rect, neighbour->mRect); });
 }
 
 bool addToLayout(Widget* widget, std::vector<LinearLayout>& rows, glm::vec2& margin, glm::vec2& spacing) {

@@ -31,10 +31,6 @@ public:
     std::list<Widget*> mWidgets;  ///< not owned; the order decides which neighbour is tried first
     glm::vec2 mMargin{0.0F};      ///< distance from the canvas's sides; centred widgets may enter it
     glm::vec2 mSpacing{0.0F};     ///< distance between neighbours
-
-private:
-    bool tryToAddToCenter(Widget* widget);
-    bool tryAt(Widget* widget, float x) const;
 };
 
 /// Adds the widget to the first row that takes it, or to a new row at the end. False when the new row does
