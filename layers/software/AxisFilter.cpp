@@ -1,0 +1,41 @@
+#include "software/AxisFilter.h"
+
+#include "software/Geometry.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace software {
+
+bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, int limitHigh) {
+    mTaps.clear();
+    mWeights.clear();
+    const double length = double{high} - low;
+    if (!std::isfinite(low) || !std::isfinite(high) || !(length > 0.0) || sourceCount <= 0) {
+        return false;
+    }
+    const double scale = sourceCount / length;
+    // A pixel averages the source cells under it, but never less than one whole cell.
+    const double footprint = std::max(scale, 1.0);
+    const double spill = 0.5 * (footprint / scale - 1.0);
+    mFirst = toInt(std::floor(low - spill), limitLow, limitHigh);
+    const int end = toInt(std::ceil(high + spill), limitLow, limitHigh);
+    for (int pixel = mFirst; pixel < end; ++pixel) {
+        const double center = (pixel + 0.5 - low) * scale;
+        const double from = std::max(center - 0.5 * footprint, 0.0);
+        const double to = std::min(center + 0.5 * footprint, double(sourceCount));
+        Taps taps;
+        taps.mWeights = mWeights.size();
+        taps.mFirst = toInt(std::floor(from), 0, sourceCount);
+        const int last = toInt(std::ceil(to), 0, sourceCount);
+        for (int cell = taps.mFirst; cell < last; ++cell) {
+            const double covered = std::min(to, cell + 1.0) - std::max(from, double(cell));
+            mWeights.push_back(static_cast<float>(std::max(covered, 0.0) / footprint));
+            ++taps.mCount;
+        }
+        mTaps.push_back(taps);
+    }
+    return !mTaps.empty();
+}
+
+}  // namespace software

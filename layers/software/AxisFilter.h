@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace software {
+
+/// One axis of a scaled copy by area averaging: which source cells each target pixel averages, and with
+/// what weights. Beyond the source's ends lies nothing, so the weights of a pixel that the copy covers in
+/// part add up to that part. Enlarged copies blend between neighbouring source cells. Keeps its memory
+/// from use to use.
+class AxisFilter {
+public:
+    /// The source cells of one target pixel: mCount of them from mFirst on.
+    struct Taps {
+        int mFirst = 0;
+        int mCount = 0;
+        std::size_t mWeights = 0;  ///< index of the first weight
+    };
+
+    /// Prepares copying `sourceCount` cells to low..high (pixels), limited to the pixels
+    /// limitLow..limitHigh (exclusive). Returns false when no pixel is touched or the interval is not
+    /// finite.
+    bool prepare(float low, float high, int sourceCount, int limitLow, int limitHigh);
+
+    /// The target pixels, end exclusive.
+    int first() const { return mFirst; }
+    int end() const { return mFirst + static_cast<int>(mTaps.size()); }
+
+    const Taps& taps(int pixel) const { return mTaps[static_cast<std::size_t>(pixel - mFirst)]; }
+    const float* weights(const Taps& taps) const { return mWeights.data() + taps.mWeights; }
+
+private:
+    int mFirst = 0;
+    std::vector<Taps> mTaps;
+    std::vector<float> mWeights;
+};
+
+}  // namespace software

@@ -1,0 +1,59 @@
+#include "software/Blend.h"
+
+namespace software {
+
+namespace {
+
+std::uint8_t toChannel(float value) {
+    if (!(value > 0.0F)) {
+        return 0;
+    }
+    return value < 1.0F ? static_cast<std::uint8_t>(value * 255.0F + 0.5F) : std::uint8_t{255};
+}
+
+std::uint8_t mix(std::uint32_t over, std::uint32_t overWeight, std::uint32_t under,
+                 std::uint32_t underWeight) {
+    return static_cast<std::uint8_t>((over * overWeight + under * underWeight + FULL_ALPHA / 2) / FULL_ALPHA);
+}
+
+// The result's colour is the mean of both, weighted with what each contributes to the result's alpha.
+void blendOverTransparent(Pixel& target, const Pixel& color, std::uint32_t alpha) {
+    const std::uint64_t overWeight = std::uint64_t{alpha} * FULL_ALPHA;
+    const std::uint64_t underWeight = std::uint64_t{target.mAlpha} * 257U * (FULL_ALPHA - alpha);
+    const std::uint64_t sum = overWeight + underWeight;
+    const std::uint64_t step = std::uint64_t{FULL_ALPHA} * 257U;
+    const auto resultAlpha = static_cast<std::uint8_t>((sum + step / 2) / step);
+    if (resultAlpha == 0) {
+        return;
+    }
+    const auto mean = [&](std::uint64_t over, std::uint64_t under) {
+        return static_cast<std::uint8_t>((over * overWeight + under * underWeight + sum / 2) / sum);
+    };
+    target = {mean(color.mRed, target.mRed), mean(color.mGreen, target.mGreen),
+              mean(color.mBlue, target.mBlue), resultAlpha};
+}
+
+}  // namespace
+
+Paint makePaint(const glm::vec4& color) {
+    Paint paint;
+    paint.mColor = {toChannel(color.r), toChannel(color.g), toChannel(color.b), 255};
+    paint.mAlpha = static_cast<float>(toAlpha(color.a)) / static_cast<float>(FULL_ALPHA);
+    return paint;
+}
+
+void blendOver(Pixel& target, const Pixel& color, std::uint32_t alpha) {
+    if (alpha == 0) {
+        return;
+    }
+    if (target.mAlpha != 255) {
+        blendOverTransparent(target, color, alpha);
+        return;
+    }
+    const std::uint32_t rest = FULL_ALPHA - alpha;
+    target.mRed = mix(color.mRed, alpha, target.mRed, rest);
+    target.mGreen = mix(color.mGreen, alpha, target.mGreen, rest);
+    target.mBlue = mix(color.mBlue, alpha, target.mBlue, rest);
+}
+
+}  // namespace software

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+namespace software {
+
+/// A rectangle in surface pixels, y downwards; (0, 0) is the top-left corner of the top-left pixel, so a
+/// pixel's centre lies at halves. Edges may have any value, not-a-number included.
+struct Box {
+    float mLeft = 0.0F;
+    float mTop = 0.0F;
+    float mRight = 0.0F;
+    float mBottom = 0.0F;
+};
+
+/// A rectangle of whole pixels, right and bottom exclusive; empty when right <= left or bottom <= top.
+struct PixelRect {
+    int mLeft = 0;
+    int mTop = 0;
+    int mRight = 0;
+    int mBottom = 0;
+
+    bool isEmpty() const { return mRight <= mLeft || mBottom <= mTop; }
+    int width() const { return mRight - mLeft; }
+    int height() const { return mBottom - mTop; }
+};
+
+/// The value cut to low..high and then converted; not-a-number gives low.
+inline int toInt(double value, int low, int high) {
+    if (!(value > low)) {
+        return low;
+    }
+    return value < high ? static_cast<int>(value) : high;
+}
+
+inline PixelRect intersect(const PixelRect& a, const PixelRect& b) {
+    return {std::max(a.mLeft, b.mLeft), std::max(a.mTop, b.mTop), std::min(a.mRight, b.mRight),
+            std::min(a.mBottom, b.mBottom)};
+}
+
+/// Every pixel of `limits` that the box touches; empty when an edge is not a number.
+inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
+    if (!(box.mLeft < box.mRight) || !(box.mTop < box.mBottom)) {
+        return {};
+    }
+    return {toInt(std::floor(box.mLeft), limits.mLeft, limits.mRight),
+            toInt(std::floor(box.mTop), limits.mTop, limits.mBottom),
+            toInt(std::ceil(box.mRight), limits.mLeft, limits.mRight),
+            toInt(std::ceil(box.mBottom), limits.mTop, limits.mBottom)};
+}
+
+/// Length that the interval low..high covers of the pixel (or texel) index..index + 1: 0..1.
+inline float overlap(float low, float high, int index) {
+    const auto start = static_cast<float>(index);
+    return std::max(0.0F, std::min(high, start + 1.0F) - std::max(low, start));
+}
+
+}  // namespace software

@@ -1,0 +1,89 @@
+#include "software/LineFit.h"
+
+#include "gui/GlyphAtlas.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace software {
+
+namespace {
+
+/// Round letters reach beyond straight ones by up to about a fortieth of the line.
+constexpr float OVERSHOOT = 0.05F;
+
+float topOf(const gui::Glyph& glyph) {
+    return glyph.mTransform[3][1] - glyph.mTransform[1][1];
+}
+float bottomOf(const gui::Glyph& glyph) {
+    return glyph.mTransform[3][1] + glyph.mTransform[1][1];
+}
+
+/// From line units to pixel rows: base line and tops on whole rows, what lies between in proportion, what
+/// lies beyond at the line's own scale.
+class RowMap {
+public:
+    RowMap(const FontHeights& font, float scale, float offset) : mFont(font), mScale(scale) {
+        mBase = std::round(font.mBase * scale + offset);
+        mSmall = mBase - std::max(1.0F, std::round((font.mBase - font.mSmall) * scale));
+        mCapitals = mBase - std::max(1.0F, std::round((font.mBase - font.mCapitals) * scale));
+    }
+
+    float operator()(float y) const {
+        if (std::fabs(y - mFont.mBase) <= mFont.mTolerance) {
+            return mBase;
+        }
+        if (std::fabs(y - mFont.mSmall) <= mFont.mTolerance) {
+            return mSmall;
+        }
+        if (std::fabs(y - mFont.mCapitals) <= mFont.mTolerance) {
+            return mCapitals;
+        }
+        if (y > mFont.mBase) {
+            return mBase + (y - mFont.mBase) * mScale;
+        }
+        if (y < mFont.mCapitals) {
+            return mCapitals + (y - mFont.mCapitals) * mScale;
+        }
+        return mBase + (y - mFont.mBase) * (mCapitals - mBase) / (mFont.mCapitals - mFont.mBase);
+    }
+
+private:
+    const FontHeights& mFont;
+    float mScale;
+    float mBase;
+    float mSmall;
+    float mCapitals;
+};
+
+}  // namespace
+
+FontHeights measureFont(const gui::GlyphAtlas& atlas) {
+    FontHeights heights;
+    const auto capital = atlas.mGlyphs.find('H');
+    const auto small = atlas.mGlyphs.find('x');
+    if (capital != atlas.mGlyphs.end() && small != atlas.mGlyphs.end()) {
+        heights.mCapitals = topOf(*capital->second);
+        heights.mSmall = topOf(*small->second);
+        heights.mBase = bottomOf(*capital->second);
+        heights.mTolerance = OVERSHOOT;
+        heights.mKnown = heights.mCapitals < heights.mSmall && heights.mSmall < heights.mBase;
+    }
+    return heights;
+}
+
+Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& transform) {
+    Box box{transform[3][0] - transform[0][0], transform[3][1] - transform[1][1],
+            transform[3][0] + transform[0][0], transform[3][1] + transform[1][1]};
+    // The line's own scale and place follow from where the glyph stands in its line and on the surface.
+    const float scale = transform[1][1] / glyph.mTransform[1][1];
+    const float offset = transform[3][1] - glyph.mTransform[3][1] * scale;
+    if (font.mKnown && std::isfinite(scale) && std::isfinite(offset) && scale > 0.0F) {
+        const RowMap map(font, scale, offset);
+        box.mTop = map(topOf(glyph));
+        box.mBottom = map(bottomOf(glyph));
+    }
+    return box;
+}
+
+}  // namespace software

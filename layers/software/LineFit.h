@@ -1,0 +1,31 @@
+#pragma once
+
+#include "software/Geometry.h"
+
+#include <glm/mat4x4.hpp>
+
+namespace gui {
+struct Glyph;
+class GlyphAtlas;
+}  // namespace gui
+
+namespace software {
+
+/// Heights at which many letters of a font begin or end, in line units (a line is 2 high, its top at -1).
+struct FontHeights {
+    float mCapitals = 0.0F;   ///< top of the capitals
+    float mSmall = 0.0F;      ///< top of the small letters without ascender
+    float mBase = 0.0F;       ///< base line
+    float mTolerance = 0.0F;  ///< how far round letters reach beyond these
+    bool mKnown = false;      ///< false when the font lacks the letters they are measured on
+};
+
+/// Measures the capital H and the small x.
+FontHeights measureFont(const gui::GlyphAtlas& atlas);
+
+/// The box in surface pixels that a glyph's quad fills when drawn through the matrix (which maps to pixels
+/// without rotation), moved vertically so that the heights above fall on whole pixel rows and all letters
+/// of a line stand on one row and reach to one row.
+Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& transform);
+
+}  // namespace software

@@ -1,0 +1,43 @@
+#include "software/MeshPrimitive.h"
+
+#include "software/Surface.h"
+
+namespace software {
+
+MeshPrimitive::MeshPrimitive(Surface& surface, scene::Topology topology)
+    : mSurface(surface), mTopology(topology) {}
+
+void MeshPrimitive::draw() {
+    const Box frame = mSurface.toPixels(mPosition, mSize, mTranslation);
+    const float width = mSurface.lineWidth();
+    const float inset = mTopology == scene::Topology::LINE_STRIP ? 0.5F * width : 0.0F;
+    const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
+    const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
+                         0.5F * (frame.mBottom - frame.mTop) - inset);
+    mPoints.clear();
+    for (const gui::Vertex& vertex : mVertices) {
+        mPoints.push_back(center + half * glm::vec2(vertex.x, vertex.y));
+    }
+
+    Image& image = mSurface.mImage;
+    Rasterizer& rasterizer = mSurface.mRasterizer;
+    const PixelRect clip = touchedPixels(frame, mSurface.clip());
+    const Paint paint = makePaint(mColor);
+    switch (mTopology) {
+        case scene::Topology::TRIANGLE_STRIP:
+            rasterizer.fillStrip(image, clip, mPoints.data(), mPoints.size(), paint);
+            break;
+        case scene::Topology::LINE_STRIP:
+            rasterizer.strokeLine(image, clip, mPoints.data(), mPoints.size(), width, paint);
+            break;
+        case scene::Topology::LINES:
+            rasterizer.strokeSegments(image, clip, frame, mPoints.data(), mPoints.size(), width, paint);
+            break;
+    }
+}
+
+void MeshPrimitive::clear() {
+    mVertices.clear();
+}
+
+}  // namespace software

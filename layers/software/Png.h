@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+namespace software {
+
+class Image;
+
+/// Writes the picture as an 8-bit RGBA PNG. The file appears whole or not at all: it is written under a
+/// temporary name in the same folder and renamed. On failure returns false, leaves what stood at `path`
+/// alone and sets `error` to a sentence that names the file.
+bool writePng(const Image& image, const std::string& path, std::string& error);
+
+/// Reads a PNG of any colour type as 8-bit RGBA. On failure returns false, leaves `image` alone and sets
+/// `error` to a sentence that names the file. Pictures over 64 million pixels are refused.
+bool readPng(const std::string& path, Image& image, std::string& error);
+
+}  // namespace software

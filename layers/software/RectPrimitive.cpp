@@ -1,0 +1,12 @@
+#include "software/RectPrimitive.h"
+
+#include "software/Surface.h"
+
+namespace software {
+
+void RectPrimitive::draw() {
+    Rasterizer::fillRect(mSurface.mImage, mSurface.clip(), mSurface.toPixels(mPosition, mSize, mTranslation),
+                         makePaint(mColor));
+}
+
+}  // namespace software

@@ -1,0 +1,79 @@
+#include "software/StrokeMask.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace software {
+
+void StrokeMask::begin(const PixelRect& region) {
+    mRegion = region;
+    const std::size_t count = region.isEmpty() ? 0
+                                               : static_cast<std::size_t>(region.width()) *
+                                                     static_cast<std::size_t>(region.height());
+    mCoverage.assign(count, 0.0F);
+}
+
+float* StrokeMask::row(int y) {
+    return mCoverage.data() +
+           static_cast<std::size_t>(y - mRegion.mTop) * static_cast<std::size_t>(mRegion.width());
+}
+
+void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float width) {
+    if (mCoverage.empty() || !std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) ||
+        !std::isfinite(to.y)) {
+        return;
+    }
+    // Coverage falls from 1 to 0 over one pixel around the stroke's border, so `reach` is as far as it goes.
+    const double reach = 0.5 * width + 0.5;
+    const double full = std::min(1.0, double{width});
+    const double dx = double{to.x} - from.x;
+    const double dy = double{to.y} - from.y;
+    const double lengthSquared = dx * dx + dy * dy;
+    const double inverse = lengthSquared > 0.0 ? 1.0 / lengthSquared : 0.0;
+    const double low = std::min(from.y, to.y);
+    const double high = std::max(from.y, to.y);
+    const int firstRow = toInt(std::floor(low - reach), mRegion.mTop, mRegion.mBottom);
+    const int endRow = toInt(std::ceil(high + reach), mRegion.mTop, mRegion.mBottom);
+    for (int y = firstRow; y < endRow; ++y) {
+        const double centerY = y + 0.5 - from.y;
+        // Only the part of the stroke within reach of this row decides which of its pixels are touched.
+        double start = 0.0;
+        double end = 1.0;
+        if (dy != 0.0) {
+            start = std::clamp((centerY - reach) / dy, 0.0, 1.0);
+            end = std::clamp((centerY + reach) / dy, 0.0, 1.0);
+        }
+        const double x0 = from.x + start * dx;
+        const double x1 = from.x + end * dx;
+        const int first = toInt(std::floor(std::min(x0, x1) - reach), mRegion.mLeft, mRegion.mRight);
+        const int last = toInt(std::ceil(std::max(x0, x1) + reach), mRegion.mLeft, mRegion.mRight);
+        float* coverage = row(y);
+        for (int x = first; x < last; ++x) {
+            const double centerX = x + 0.5 - from.x;
+            const double along = std::clamp((centerX * dx + centerY * dy) * inverse, 0.0, 1.0);
+            const double offX = centerX - along * dx;
+            const double offY = centerY - along * dy;
+            const double distanceSquared = offX * offX + offY * offY;
+            if (distanceSquared < reach * reach) {
+                const double covered = std::min(reach - std::sqrt(distanceSquared), full);
+                float& pixel = coverage[x - mRegion.mLeft];
+                pixel = std::max(pixel, static_cast<float>(covered));
+            }
+        }
+    }
+}
+
+void StrokeMask::addBox(const Box& box) {
+    const PixelRect pixels = touchedPixels(box, mRegion);
+    for (int y = pixels.mTop; y < pixels.mBottom; ++y) {
+        const float inRow = overlap(box.mTop, box.mBottom, y);
+        float* coverage = row(y);
+        for (int x = pixels.mLeft; x < pixels.mRight; ++x) {
+            float& pixel = coverage[x - mRegion.mLeft];
+            pixel = std::max(pixel, inRow * overlap(box.mLeft, box.mRight, x));
+        }
+    }
+}
+
+}  // namespace software

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "software/Geometry.h"
+
+#include <glm/vec2.hpp>
+
+#include <vector>
+
+namespace software {
+
+/// How much of each pixel a set of strokes covers, as their union: where strokes meet or cross nothing is
+/// counted twice. Keeps its memory from use to use.
+class StrokeMask {
+public:
+    /// Starts anew for these pixels.
+    void begin(const PixelRect& region);
+
+    /// Adds a stroke with round ends (surface pixels). Its weight across its direction is `width` pixels
+    /// at every angle. One with a coordinate that is not finite is left out.
+    void addStroke(const glm::vec2& from, const glm::vec2& to, float width);
+
+    /// Adds a rectangle by exact area.
+    void addBox(const Box& box);
+
+    /// Coverage 0..1 of one row (surface pixels, within the region), region.width() values.
+    float* row(int y);
+
+private:
+    PixelRect mRegion;
+    std::vector<float> mCoverage;
+};
+
+}  // namespace software

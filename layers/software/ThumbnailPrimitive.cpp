@@ -1,0 +1,12 @@
+#include "software/ThumbnailPrimitive.h"
+
+#include "software/Surface.h"
+
+namespace software {
+
+void ThumbnailPrimitive::draw() {
+    mSurface.mRasterizer.drawImage(mSurface.mImage, mSurface.clip(), mSurface.mBackground,
+                                   mSurface.toPixels(mPosition, mSize, mTranslation));
+}
+
+}  // namespace software
