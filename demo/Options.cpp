@@ -1,0 +1,87 @@
+#include "Options.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace demo {
+
+namespace {
+
+constexpr std::uint32_t LARGEST_SIDE = 8192;
+
+/// "740x360"; empty when it is well-formed, else what was expected.
+std::string parseSize(const std::string& text, Options& options) {
+    unsigned int width = 0;
+    unsigned int height = 0;
+    int end = 0;
+    const int count = std::sscanf(text.c_str(), "%5ux%5u%n", &width, &height, &end);
+    if (count != 2 || static_cast<std::size_t>(end) != text.size() || std::min(width, height) == 0 ||
+        std::max(width, height) > LARGEST_SIDE) {
+        return "'" + text + "': expected WIDTHxHEIGHT in pixels, such as 740x360, up to 8192 a side";
+    }
+    options.width = width;
+    options.height = height;
+    return {};
+}
+
+/// "NAME=VALUE"; empty when it is well-formed, else what was expected.
+std::string parseSetting(const std::string& text, Options& options) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos || equals == 0) {
+        return "'" + text + "': expected NAME=VALUE, such as widget_memory=true";
+    }
+    options.settings.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+    return {};
+}
+
+}  // namespace
+
+bool parseOptions(int argc, char** argv, Options& options, int& exitCode) {
+    CLI::App app{"Runs the overlay in front of a moving picture and writes what it looks like as a PNG file.",
+                 "kordanix-demo"};
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    std::vector<std::string> settings;
+    std::string size;
+    bool isPortrait = false;
+    app.add_option("--size", size, "Size of the picture in pixels (default 740x360)")->type_name("WxH");
+    app.add_flag("--portrait", isPortrait, "Turn the picture upright: 740x360 becomes 360x740");
+    app.add_option("--seconds", options.seconds, "How long to run (default 10)")->check(CLI::Range(0.0, 1e6));
+    app.add_option("--rate", options.rate, "Frames per second (default 60)")->check(CLI::Range(0.1, 1000.0));
+    app.add_option("--device", options.device, "Simulated device; without one, this machine's own figures")
+        ->type_name("NAME");
+    app.add_option("--set", settings, "Set a property before the start; may be repeated")
+        ->type_name("NAME=VALUE");
+    app.add_option("--png", options.png, "Picture written at the end (default kordanix-demo.png)")
+        ->type_name("FILE");
+    app.add_option("--every", options.every, "Also write a picture each N frames, numbered")->type_name("N");
+    app.add_option("--capture-at", options.captureAt, "Press the capture key after this many seconds")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(0.0, 1e6));
+    app.add_flag("--fixed-step", options.isFixedStep,
+                 "Advance time by one frame's length a frame, for pictures that come out the same each time "
+                 "(with a simulated device)");
+    app.add_flag("--private", options.isPrivate,
+                 "Start from the default settings in a place of its own: neither read nor change the "
+                 "settings that kordanixctl works on");
+    try {
+        app.parse(argc, argv);
+        std::string error = size.empty() ? std::string() : parseSize(size, options);
+        for (const std::string& setting : settings) {
+            error = error.empty() ? parseSetting(setting, options) : error;
+        }
+        if (!error.empty()) {
+            throw CLI::ValidationError(error);
+        }
+    } catch (const CLI::ParseError& error) {
+        exitCode = app.exit(error);
+        return false;
+    }
+    if (isPortrait && options.width > options.height) {
+        std::swap(options.width, options.height);
+    }
+    return true;
+}
+
+}  // namespace demo

@@ -1,0 +1,56 @@
+#include "scene/CpuGpuWidget.h"
+
+#include "scene/TextFormat.h"
+
+namespace scene {
+
+namespace {
+
+using Area = gui::RenderAreaType;
+using Value = gui::WidgetValueType;
+
+using CpuGpu = gui::WidgetsSettings::Widgets::CpuGpu;
+
+template <gui::WidgetsSettings::Graph CpuGpu::*GRAPH>
+const gui::WidgetsSettings::Graph& settingsOf() {
+    return gui::WidgetsSettings::getWidgets().mCpuGpu.*GRAPH;
+}
+
+/// Whether the clocks are fixed; nothing when nobody asked for that.
+std::string clocks(Metrics&) {
+    switch (core::StateInfo::getFixClockState()) {
+        case 1:
+            return "Fix";
+        case 2:
+            return "NoFix";
+        default:
+            return "";
+    }
+}
+
+std::string temperatures(Metrics& metrics) {
+    return "CPU " + formatTemperature(metrics.cpuTemperature()) + "  GPU " +
+           formatTemperature(metrics.gpuTemperature()) + "  Max " + formatMegahertz(metrics.gpuMaxClock());
+}
+
+constexpr FigureSpec FIGURES[] = {
+    {settingsOf<&CpuGpu::mCpuLoad>, "CPU", Area::CPU_GPU_NAME_1, Area::CPU_GPU_VALUE_1, &Metrics::cpuLoad,
+     formatPercent, Value::CPU_LOAD, &Metrics::percentTop},
+    {settingsOf<&CpuGpu::mGpuFreq>, "MHz", Area::CPU_GPU_NAME_2, Area::CPU_GPU_VALUE_2, &Metrics::gpuClock,
+     formatWhole, Value::GPU_FREQ, &Metrics::gpuMaxClock},
+    {settingsOf<&CpuGpu::mGpuLoad>, "GPU", Area::CPU_GPU_NAME_3, Area::CPU_GPU_VALUE_3, &Metrics::gpuLoad,
+     formatPercent, Value::GPU_LOAD, &Metrics::percentTop},
+};
+
+constexpr NoteSpec NOTES[] = {
+    {Area::CPU_GPU_LABEL, clocks},
+    {Area::CPU_GPU_FOOTER, temperatures},
+};
+
+}  // namespace
+
+const FigureWidgetSpec CPU_GPU_WIDGET = {
+    gui::WidgetType::CPU_GPU, Area::CPU_GPU_STRIP, Area::CPU_GPU_GRAPH, FIGURES, std::size(FIGURES), NOTES,
+    std::size(NOTES)};
+
+}  // namespace scene

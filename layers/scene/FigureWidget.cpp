@@ -1,0 +1,141 @@
+#include "scene/FigureWidget.h"
+
+#include "drawers/GraphicDrawer.h"
+#include "drawers/GridDrawer.h"
+#include "drawers/MeshDrawer.h"
+#include "drawers/RectDrawer.h"
+#include "drawers/TextDrawer.h"
+#include "scene/Style.h"
+
+#include <memory>
+
+namespace scene {
+
+namespace {
+
+/// Samples in a graph's history: with a refresh each 120 ms, the last 12 seconds.
+constexpr unsigned int HISTORY = 100;
+
+/// The top of the graph lies a little above the top of the scale, so that a line there is not cut.
+constexpr float HEADROOM = 1.04F;
+
+std::unique_ptr<drawer::GraphicDrawer> createGraph(PrimitiveFactory& factory, gui::WidgetValueType slot) {
+    return std::make_unique<drawer::GraphicDrawer>(
+        HISTORY, factory.createMesh(Topology::TRIANGLE_STRIP), factory.createMesh(Topology::LINE_STRIP),
+        factory.createRect(), factory.createGrid(factory.createMesh(Topology::LINES)), slot);
+}
+
+void setText(drawer::TextDrawer& drawer, const std::string& text) {
+    if (drawer.mText != text) {
+        drawer.setText(text);
+    }
+}
+
+}  // namespace
+
+FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& spec)
+    : WidgetView(spec.type), mStrip(&place(factory.createRect(), spec.stripArea)) {
+    for (std::size_t i = 0; i < spec.figureCount; ++i) {
+        const FigureSpec& row = spec.figures[i];
+        Figure figure{&row, nullptr, nullptr, nullptr, {}};
+        if (row.nameArea) {
+            figure.name = &place(factory.createText(), *row.nameArea);
+            figure.name->setText(row.name);
+        }
+        figure.value = &place(factory.createText(), row.valueArea);
+        if (row.graph != gui::WidgetValueType::NONE) {
+            figure.graph = &place(createGraph(factory, row.graph), spec.graphArea);
+            if (mFirstGraph == nullptr) {
+                mFirstGraph = figure.graph;
+            }
+        }
+        mFigures.push_back(figure);
+    }
+    for (std::size_t i = 0; i < spec.noteCount; ++i) {
+        mNotes.push_back({&spec.notes[i], &place(factory.createText(), spec.notes[i].area)});
+        mNotes.back().text->setText("");
+    }
+}
+
+void FigureWidget::applySettings(float pixelsPerUnit) {
+    mStrip->mColor = backgroundColor();
+    unsigned int shares = 1;
+    for (const Figure& figure : mFigures) {
+        shares += figure.graph != nullptr && figure.spec->settings().mEnabled.getValue() ? 1 : 0;
+    }
+    for (Figure& figure : mFigures) {
+        const gui::WidgetsSettings::Graph& settings = figure.spec->settings();
+        const bool isOn = settings.mEnabled.getValue();
+        for (drawer::TextDrawer* text : {figure.name, figure.value}) {
+            if (text != nullptr) {
+                text->mEnabled = isOn;
+                text->setTextColor(settings.getTextColor());
+                setTextHeight(*text, FIGURE_TEXT_HEIGHT, pixelsPerUnit);
+            }
+        }
+        if (figure.graph != nullptr) {
+            figure.graph->mEnabled = isOn;
+            figure.graph->setColor(settings.getGraphColor(shares));
+            figure.graph->mBackground->mColor = backgroundColor();
+            figure.graph->mGrid->mMesh->mColor = gridColor();
+        }
+    }
+    for (const Note& note : mNotes) {
+        note.text->setTextColor(plainTextColor());
+        setTextHeight(*note.text, NOTE_TEXT_HEIGHT, pixelsPerUnit);
+    }
+}
+
+void FigureWidget::refresh(Metrics& metrics) {
+    // All readings come before the first graph: a scale can depend on several of them.
+    for (Figure& figure : mFigures) {
+        if (figure.value->mEnabled) {
+            figure.reading = (metrics.*figure.spec->read)();
+        }
+    }
+    for (Figure& figure : mFigures) {
+        if (!figure.value->mEnabled) {
+            continue;
+        }
+        const std::string value = figure.spec->format(figure.reading);
+        setText(*figure.value, figure.name != nullptr ? value : figure.spec->name + (' ' + value));
+        // A graph stands still while its figure cannot be read.
+        if (figure.graph != nullptr && figure.reading) {
+            const auto sample = static_cast<float>(*figure.reading);
+            const Reading top = (metrics.*figure.spec->top)();
+            if (top) {
+                figure.graph->addValue(sample, static_cast<float>(*top) * HEADROOM);
+            } else {
+                figure.graph->addValue(sample);
+            }
+        }
+    }
+    for (const Note& note : mNotes) {
+        setText(*note.text, note.spec->text(metrics));
+    }
+}
+
+void FigureWidget::draw() {
+    mStrip->draw();
+    for (const Figure& figure : mFigures) {
+        for (drawer::TextDrawer* text : {figure.name, figure.value}) {
+            if (text != nullptr && text->mEnabled) {
+                text->draw();
+            }
+        }
+    }
+    if (mFirstGraph != nullptr) {
+        mFirstGraph->drawBackground();
+        mFirstGraph->drawGrid();
+    }
+    for (const Figure& figure : mFigures) {
+        if (figure.graph != nullptr && figure.graph->mEnabled) {
+            figure.graph->drawGraphic();
+        }
+    }
+    for (const Note& note : mNotes) {
+        note.text->draw();
+    }
+}
+
+}  // namespace scene

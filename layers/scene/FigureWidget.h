@@ -1,0 +1,94 @@
+#pragma once
+
+#include "drawers/Drawer.h"
+#include "gui/LayoutDef.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/Metrics.h"
+#include "scene/PrimitiveFactory.h"
+#include "scene/Reading.h"
+#include "scene/WidgetView.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace drawer {
+class GraphicDrawer;
+class RectDrawer;
+class TextDrawer;
+}  // namespace drawer
+
+namespace scene {
+
+/// One figure of a widget: a text and, unless `graph` is NONE, a graph.
+struct FigureSpec {
+    /// Switch and colour.
+    const gui::WidgetsSettings::Graph& (*settings)();
+
+    /// Name of the figure, in a cell of its own or, without one, in front of the value.
+    const char* name;
+    std::optional<gui::RenderAreaType> nameArea;
+
+    gui::RenderAreaType valueArea;
+    Reading (Metrics::*read)();
+    std::string (*format)(Reading);
+
+    /// The graph's slot in frame dumps.
+    gui::WidgetValueType graph;
+
+    /// The value at the graph's top edge; the largest value so far while it cannot be read.
+    Reading (Metrics::*top)();
+};
+
+/// A text over the graphs.
+struct NoteSpec {
+    gui::RenderAreaType area;
+    std::string (*text)(Metrics&);
+};
+
+/// A widget of a strip of figures with their graphs below. Adding a figure is a row in its table.
+struct FigureWidgetSpec {
+    gui::WidgetType type;
+    gui::RenderAreaType stripArea;
+    gui::RenderAreaType graphArea;
+    const FigureSpec* figures;
+    std::size_t figureCount;
+    const NoteSpec* notes;
+    std::size_t noteCount;
+};
+
+/// Draws such a widget: the strip's background and texts, then the graphs' background and grid once, then
+/// the graphs in the order of the table, each over the ones before it, and the notes on top. The fill of n
+/// graphs has an alpha of 1 / (n + 1): each has its share and the grid stays visible.
+class FigureWidget : public WidgetView {
+public:
+    /// `spec` outlives the widget.
+    FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& spec);
+
+    void refresh(Metrics& metrics) override;
+    void draw() override;
+
+protected:
+    void applySettings(float pixelsPerUnit) override;
+
+private:
+    struct Figure {
+        const FigureSpec* spec;
+        drawer::TextDrawer* name;  // null: the name stands in front of the value
+        drawer::TextDrawer* value;
+        drawer::GraphicDrawer* graph;  // null: text only
+        Reading reading;
+    };
+    struct Note {
+        const NoteSpec* spec;
+        drawer::TextDrawer* text;
+    };
+
+    drawer::RectDrawer* mStrip;
+    std::vector<Figure> mFigures;
+    std::vector<Note> mNotes;
+    drawer::GraphicDrawer* mFirstGraph = nullptr;  // whose background and grid are drawn
+};
+
+}  // namespace scene

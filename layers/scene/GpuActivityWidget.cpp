@@ -1,0 +1,126 @@
+#include "scene/GpuActivityWidget.h"
+
+#include "drawers/FixedGraphicDrawer.h"
+#include "drawers/GridDrawer.h"
+#include "drawers/MeshDrawer.h"
+#include "drawers/RectDrawer.h"
+#include "drawers/TextDrawer.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/RenderPassRows.h"
+#include "scene/Style.h"
+#include "scene/TextFormat.h"
+
+#include <memory>
+#include <vector>
+
+namespace scene {
+
+namespace {
+
+using Area = gui::RenderAreaType;
+
+std::unique_ptr<drawer::FixedGraphicDrawer> createGraph(PrimitiveFactory& factory) {
+    return std::make_unique<drawer::FixedGraphicDrawer>(
+        factory.createMesh(Topology::TRIANGLE_STRIP), factory.createMesh(Topology::LINE_STRIP),
+        factory.createRect(), factory.createGrid(factory.createMesh(Topology::LINES)),
+        std::vector<core::ShaderActivity>(), 0.0L, 0.0L);
+}
+
+/// Everything that was captured, from the first sample to the last.
+void showSeries(drawer::FixedGraphicDrawer& graph, const std::vector<core::ShaderActivity>& series) {
+    const bool isEmpty = series.empty();
+    graph.setData(series, isEmpty ? 0.0L : series.front().time, isEmpty ? 0.0L : series.back().time);
+}
+
+}  // namespace
+
+GpuActivityWidget::GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api,
+                                     RenderPassSource* passes)
+    : WidgetView(gui::WidgetType::GPU_ACTIVITY),
+      mCapture(api, passes),
+      mPanel(&place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE)),
+      mCaption(&place(std::make_unique<PassCaption>(factory), Area::GPU_ACTIVITY_LINE_1)),
+      mCells(&place(std::make_unique<PassCellsRow>(factory), Area::GPU_ACTIVITY_LINE_2)),
+      mTimeline(&place(std::make_unique<PassTimeline>(factory), Area::GPU_ACTIVITY_LINE_3)),
+      mVertex(&place(createGraph(factory), Area::GPU_ACTIVITY_BAND)),
+      mFragment(&place(createGraph(factory), Area::GPU_ACTIVITY_BAND_OVERLAY)),
+      mMessage(&place(factory.createText(), Area::GPU_ACTIVITY_BAND_OVERLAY)) {
+    mMessage->setText("No frame captured");
+    mMessage->setTextGravity(gui::TextGravity::CENTER);
+}
+
+void GpuActivityWidget::applySettings(float pixelsPerUnit) {
+    const auto& settings = gui::WidgetsSettings::getWidgets().mGpuActivity;
+    mPanel->mColor = backgroundColor();
+
+    mCells->mEnabled = settings.mRenderpass.getValue();
+    mTimeline->mEnabled = mCells->mEnabled;
+
+    mVertex->mEnabled = settings.mVertexLoad.mEnabled.getValue();
+    mFragment->mEnabled = settings.mFragmentLoad.mEnabled.getValue();
+    const unsigned int shares = 1 + (mVertex->mEnabled ? 1 : 0) + (mFragment->mEnabled ? 1 : 0);
+    mVertex->setColor(settings.mVertexLoad.getGraphColor(shares));
+    mFragment->setColor(settings.mFragmentLoad.getGraphColor(shares));
+    mVertex->setBackgroundColor(noColor());
+    mVertex->setGridColor(gridColor());
+
+    // The second legend lies over the end of the first. With the fragment shaders off nothing covers that
+    // end, so the first has to go without it.
+    mCaption->mVertexLegend->setTextColor(settings.mVertexLoad.getTextColor());
+    mCaption->mVertexLegend->setText(mFragment->mEnabled ? "@Vertex @Fragment" : "@Vertex");
+    mCaption->mFragmentLegend->setTextColor(settings.mFragmentLoad.getTextColor());
+
+    mMessage->setTextColor(plainTextColor());
+    setTextHeight(*mMessage, NOTE_TEXT_HEIGHT, pixelsPerUnit);
+    mMessage->mEnabled = mVertex->mEnabled || mFragment->mEnabled;
+}
+
+void GpuActivityWidget::onFrame() {
+    if (mCapture.onFrame()) {
+        showCapture();
+    }
+}
+
+void GpuActivityWidget::refresh(Metrics&) {
+    // Changes with captures only.
+}
+
+void GpuActivityWidget::showCapture() {
+    showSeries(*mVertex, mCapture.mVertexActivity);
+    showSeries(*mFragment, mCapture.mFragmentActivity);
+    if (mVertex->mIsEmpty && mFragment->mIsEmpty) {
+        mMessage->setText(std::string("Shader activity ") + NOT_AVAILABLE);
+    }
+    if (mCapture.mFrame.isValid()) {
+        mCells->addFrameInfo(mCapture.mFrame);
+        mTimeline->addFrameInfo(mCapture.mFrame);
+        mCaption->setFrameIdAndDuration(mCapture.mFrame.mFrameId,
+                                        mCapture.mFrame.mEndTime - mCapture.mFrame.mStartTime);
+    }
+}
+
+void GpuActivityWidget::draw() {
+    mPanel->draw();
+    mCaption->draw();
+    if (mCells->mEnabled) {
+        mCells->draw();
+        mTimeline->draw();
+    }
+    if (!mVertex->mEnabled && !mFragment->mEnabled) {
+        return;
+    }
+    // One background and grid for both graphs, also while there is nothing to plot.
+    mVertex->drawBackground();
+    mVertex->drawGrid();
+    if (mVertex->mEnabled) {
+        mVertex->drawGraphic();
+    }
+    if (mFragment->mEnabled) {
+        mFragment->drawGraphic();
+    }
+    if (mVertex->mIsEmpty && mFragment->mIsEmpty) {
+        mMessage->draw();
+    }
+}
+
+}  // namespace scene

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "scene/GpuCapture.h"
+#include "scene/PrimitiveFactory.h"
+#include "scene/WidgetView.h"
+
+namespace drawer {
+class FixedGraphicDrawer;
+class RectDrawer;
+class TextDrawer;
+}  // namespace drawer
+
+namespace scene {
+
+class PassCaption;
+class PassCellsRow;
+class PassTimeline;
+
+/// The captured frame. From top to bottom: the caption with the frame's number and length and the legend,
+/// the passes with their values, the passes on a time line, and the activity of the vertex and, over it,
+/// of the fragment shaders. Render passes and graphs are shown as the settings have them; the time line
+/// and the graphs share their width, but each spans its own time.
+class GpuActivityWidget : public WidgetView {
+public:
+    GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
+
+    void onFrame() override;
+    void refresh(Metrics& metrics) override;
+    void draw() override;
+
+protected:
+    void applySettings(float pixelsPerUnit) override;
+
+private:
+    void showCapture();
+    void showCaption();
+
+    GpuCapture mCapture;
+    bool mHasCapture = false;
+    drawer::RectDrawer* mPanel;
+    PassCaption* mCaption;
+    PassCellsRow* mCells;
+    PassTimeline* mTimeline;
+    drawer::FixedGraphicDrawer* mVertex;
+    drawer::FixedGraphicDrawer* mFragment;
+    drawer::TextDrawer* mMessage;  // in the band while there is no activity to show
+};
+
+}  // namespace scene

@@ -1,0 +1,63 @@
+#include "scene/GpuCapture.h"
+
+#include "core/StateInfo.h"
+#include "scene/RenderPassSource.h"
+#include "utils/Time.h"
+
+#include <algorithm>
+#include <system_error>
+
+namespace scene {
+
+namespace {
+
+constexpr std::uint32_t US_PER_MS = 1000;
+
+/// A frame that took longer than this was interrupted: its length says nothing about the next one's.
+constexpr std::uint32_t LONGEST_CAPTURE_MS = 1000;
+
+}  // namespace
+
+GpuCapture::GpuCapture(core::RenderingApiType api, RenderPassSource* passes)
+    : mFrame(0, {}), mCounters(api), mPasses(passes) {}
+
+bool GpuCapture::onFrame() {
+    const std::uint32_t now = utils::getUtcTime_usec();
+    const std::uint32_t frameUs = mHasFrameStart ? now - mFrameStartUs : 0;
+    mHasFrameStart = true;
+    mFrameStartUs = now;
+
+    if (mIsRunning) {
+        if (mCounters.mIsCapturing.load(std::memory_order_acquire)) {
+            return false;
+        }
+        finish();
+        return true;
+    }
+    if (core::StateInfo::isNeedToCaptureData()) {
+        start(frameUs);
+    }
+    return false;
+}
+
+void GpuCapture::start(std::uint32_t frameUs) {
+    try {
+        mCounters.startCapturing(std::clamp(frameUs / US_PER_MS, std::uint32_t{1}, LONGEST_CAPTURE_MS));
+    } catch (const std::system_error&) {
+        // Out of threads: the capture ends at once, without shader activity.
+    }
+    mIsRunning = true;
+}
+
+void GpuCapture::finish() {
+    mIsRunning = false;
+    mCounters.finishCapturing();
+    mCounters.getGpuActivity(mVertexActivity, mFragmentActivity);
+    // The post-swap hook counts a frame after it: the last one that the GPU has finished is the one counted.
+    mFrame = gui::FrameData(static_cast<unsigned int>(core::StateInfo::mFrameNumber), {});
+    if (mPasses != nullptr && !mPasses->readFrame(mFrame)) {
+        mFrame.mRenderPasses.clear();
+    }
+}
+
+}  // namespace scene

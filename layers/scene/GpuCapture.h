@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/HWcounterThread.h"
+#include "core/RenderingApiType.h"
+#include "gui/FrameData.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace scene {
+
+class RenderPassSource;
+
+/// Captures one frame of GPU work when the capture key asks for it: the shader activity over one frame's
+/// length and the frame's render passes. Rendering thread only; the counters are sampled on a thread of
+/// their own meanwhile.
+class GpuCapture {
+public:
+    /// `passes` may be null, and outlives the capture otherwise.
+    GpuCapture(core::RenderingApiType api, RenderPassSource* passes);
+
+    /// Once a frame, after the pre-swap hook. Starts a capture when its key was pressed, and takes over the
+    /// results when one has ended: true in that frame.
+    bool onFrame();
+
+    /// Results of the last capture. Without counters the series are empty; without known passes the frame
+    /// is not valid.
+    std::vector<core::ShaderActivity> mVertexActivity;
+    std::vector<core::ShaderActivity> mFragmentActivity;
+    gui::FrameData mFrame;
+
+private:
+    void start(std::uint32_t frameUs);
+    void finish();
+
+    core::HWcounterThread mCounters;
+    RenderPassSource* mPasses;
+    bool mIsRunning = false;
+    bool mHasFrameStart = false;
+    std::uint32_t mFrameStartUs = 0;
+};
+
+}  // namespace scene

@@ -1,0 +1,103 @@
+#include "scene/KernelFiles.h"
+
+#include "core/StateInfo.h"
+
+#include <cstdio>
+
+namespace scene {
+
+namespace {
+
+/// The longest of these files has less than 2 KiB; what lies beyond is not needed.
+constexpr unsigned int BUFFER_SIZE = 4096;
+
+struct FileText {
+    unsigned char bytes[BUFFER_SIZE];
+    unsigned int size = 0;
+
+    std::string_view view() const { return {reinterpret_cast<const char*>(bytes), size}; }
+};
+
+/// Leaves the text empty when the file cannot be opened.
+void readFile(const char* path, FileText& text) {
+    FILE* file = core::StateInfo::file_open(path, "r");
+    if (file == nullptr) {
+        return;
+    }
+    text.size = static_cast<unsigned int>(core::StateInfo::file_read(file, text.bytes, BUFFER_SIZE));
+    core::StateInfo::file_close(file);
+}
+
+Reading readNumber(const char* path) {
+    FileText text;
+    readFile(path, text);
+    return leadingNumber(text.view());
+}
+
+bool isDigit(char symbol) {
+    return symbol >= '0' && symbol <= '9';
+}
+
+}  // namespace
+
+Reading leadingNumber(std::string_view text) {
+    std::size_t i = text.find_first_not_of(" \t\n");
+    if (i == std::string_view::npos || !isDigit(text[i])) {
+        return {};
+    }
+    double number = 0.0;
+    for (; i < text.size() && isDigit(text[i]); ++i) {
+        number = number * 10.0 + (text[i] - '0');
+    }
+    return number;
+}
+
+Reading lastNumberOfRanges(std::string_view text) {
+    const std::size_t separator = text.find_last_of("-,");
+    return leadingNumber(separator == std::string_view::npos ? text : text.substr(separator + 1));
+}
+
+Reading findKilobytes(std::string_view text, std::string_view name) {
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        if (line.size() > name.size() && line.substr(0, name.size()) == name && line[name.size()] == ':') {
+            const Reading kilobytes = leadingNumber(line.substr(name.size() + 1));
+            return kilobytes ? Reading(*kilobytes * 1024.0) : kilobytes;
+        }
+        text.remove_prefix(line.size() < text.size() ? line.size() + 1 : text.size());
+    }
+    return {};
+}
+
+SystemMemory readSystemMemory() {
+    FileText text;
+    readFile("/proc/meminfo", text);
+    return {findKilobytes(text.view(), "MemTotal"), findKilobytes(text.view(), "MemAvailable")};
+}
+
+Reading readProportionalSetSize() {
+    FileText text;
+    readFile("/proc/self/smaps_rollup", text);
+    return findKilobytes(text.view(), "Pss");
+}
+
+Reading readGpuMemoryTotal() {
+    return readNumber("/sys/kernel/gpu/gpu_mem_total");
+}
+
+Reading readGpuMemorySurface() {
+    return readNumber("/sys/kernel/gpu/gpu_mem_surface");
+}
+
+Reading readGpuMemoryTexture() {
+    return readNumber("/sys/kernel/gpu/gpu_mem_texture");
+}
+
+Reading readProcessorCount() {
+    FileText text;
+    readFile("/sys/devices/system/cpu/possible", text);
+    const Reading last = lastNumberOfRanges(text.view());
+    return last ? Reading(*last + 1.0) : last;
+}
+
+}  // namespace scene

@@ -1,0 +1,173 @@
+#include "scene/Metrics.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace scene {
+
+namespace {
+
+/// How often the slow figures are read.
+constexpr double SLOW_PERIOD_US = 1000000.0;
+
+/// The CPU load is the mean of one reading more than this.
+constexpr unsigned int CPU_DAMPER_SPAN = 2;
+
+constexpr std::uint32_t NO_MEMORY_USAGE = 0xFFFFFFFF;
+
+Reading fromReader(float figure) {
+    return std::isfinite(figure) && figure >= 0.0F ? Reading(figure) : Reading();
+}
+
+/// What the CPU-load reader must be told for a true interval so that it answers in percent of all
+/// processors. It returns ticks * 100000 / elapsed. With H ticks a second and N processors, the load over t
+/// microseconds is ticks / H / (t / 1000000 * N) * 100 percent, so elapsed = t * H * N / 1000.
+double cpuLoadElapsed(double microseconds) {
+    static const double ticksPerSecond = static_cast<double>(std::max(sysconf(_SC_CLK_TCK), 1L));
+    static const double processors = readProcessorCount().value_or(1.0);
+    return microseconds * ticksPerSecond * processors / 1000.0;
+}
+
+}  // namespace
+
+Metrics::Metrics() : mCpuDamper(CPU_DAMPER_SPAN), mPss(readProportionalSetSize) {}
+
+void Metrics::beginRefresh(std::uint32_t frames, double elapsedUs) {
+    mFps = mState.getFPS(frames, elapsedUs);
+    mHasFps = true;
+    mSinceCpuLoadUs += elapsedUs;
+    // Taken before the next one is asked for: which reading a refresh shows must not depend on a race.
+    mPssReading = mPss.latest();
+    mSinceSlowRequestUs += elapsedUs;
+    if (mIsSlowWanted && mSinceSlowRequestUs >= SLOW_PERIOD_US) {
+        mSinceSlowRequestUs = 0.0;
+        mPss.request();
+    }
+}
+
+void Metrics::restart() {
+    // The reader's previous ticks are from before the pause: with an endless interval in between, its
+    // first answer would be a meaningless mean, so it is taken and dropped.
+    mState.getCurrentCPUUsage(std::numeric_limits<double>::max());
+    mSinceCpuLoadUs = 0.0;
+    mHasFps = false;
+}
+
+Reading Metrics::currentFps() {
+    return mHasFps ? fromReader(mFps) : Reading();
+}
+
+Reading Metrics::averageFps() {
+    return mHasFps ? fromReader(mState.getAverageFPS()) : Reading();
+}
+
+Reading Metrics::medianFps() {
+    return mHasFps ? fromReader(mState.getMedianFPS()) : Reading();
+}
+
+Reading Metrics::fpsStability() {
+    return mHasFps ? fromReader(mState.getFpsStability()) : Reading();
+}
+
+Reading Metrics::maxFps() {
+    return fromReader(mState.getMaxFPS());
+}
+
+Reading Metrics::cpuLoad() {
+    const Reading load = fromReader(mState.getCurrentCPUUsage(cpuLoadElapsed(mSinceCpuLoadUs)));
+    mSinceCpuLoadUs = 0.0;
+    if (!load) {
+        return {};
+    }
+    // Ticks are counted in whole hundredths of a second: a short interval jumps, and can seem more than full.
+    return mCpuDamper.setValueUnclamped(static_cast<float>(std::min(*load, 100.0)));
+}
+
+Reading Metrics::percentTop() {
+    return 100.0;
+}
+
+Reading Metrics::cpuTemperature() {
+    return fromReader(core::StateInfo::getCPUTemperature());
+}
+
+Reading Metrics::gpuTemperature() {
+    return fromReader(core::StateInfo::getGPUTemperature());
+}
+
+Reading Metrics::gpuLoad() {
+    return fromReader(core::StateInfo::getGPUUsage());
+}
+
+Reading Metrics::gpuClock() {
+    return fromReader(core::StateInfo::getGPUClock());
+}
+
+Reading Metrics::gpuMaxClock() {
+    return fromReader(core::StateInfo::getGPUMaxClock());
+}
+
+Reading Metrics::pss() {
+    return keepPeak(mPssReading);
+}
+
+Reading Metrics::gpuMemoryTotal() {
+    return keepPeak(readGpuMemoryTotal());
+}
+
+Reading Metrics::gpuMemorySurface() {
+    return keepPeak(readGpuMemorySurface());
+}
+
+Reading Metrics::gpuMemoryTexture() {
+    return keepPeak(readGpuMemoryTexture());
+}
+
+Reading Metrics::processMemoryPeak() {
+    return mProcessMemoryPeak;
+}
+
+Reading Metrics::systemMemoryFree() {
+    mSystemMemory = readSystemMemory();
+    return mSystemMemory.available;
+}
+
+Reading Metrics::systemMemoryTotal() {
+    return mSystemMemory.total;
+}
+
+Reading Metrics::systemMemoryUsed() {
+    const std::uint32_t kilobytes = core::StateInfo::getMemoryUsage();
+    return kilobytes == NO_MEMORY_USAGE ? Reading() : Reading(kilobytes * 1024.0);
+}
+
+void Metrics::setSlowFiguresWanted(bool wanted) {
+    if (wanted == mIsSlowWanted) {
+        return;
+    }
+    mIsSlowWanted = wanted;
+    if (wanted) {
+        mPss.start();
+        mPss.request();
+        mSinceSlowRequestUs = 0.0;
+    } else {
+        mPss.stop();
+        mPssReading.reset();
+    }
+}
+
+void Metrics::settle() {
+    mPss.settle();
+}
+
+Reading Metrics::keepPeak(Reading bytes) {
+    if (bytes) {
+        mProcessMemoryPeak = std::max(mProcessMemoryPeak.value_or(0.0), *bytes);
+    }
+    return bytes;
+}
+
+}  // namespace scene

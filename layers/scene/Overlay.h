@@ -1,0 +1,53 @@
+#pragma once
+
+#include "core/BaseLayer.h"
+#include "core/RenderingApiType.h"
+#include "scene/PrimitiveFactory.h"
+#include "scene/Scene.h"
+
+#include <glm/vec2.hpp>
+
+namespace scene {
+
+class RenderPassSource;
+
+/// A layer without its graphics API: what a layer does when it attaches, around each buffer swap and when it
+/// detaches, in the order the library expects. A layer of an API hooks the application's swap and calls
+///
+///     overlay.beginFrame();  // the application's picture is complete
+///     overlay.draw();
+///     ...the application's own swap...
+///     overlay.endFrame();
+///
+/// on the rendering thread. attach() and detach() frame the whole.
+class Overlay : public core::BaseLayer {
+public:
+    /// The factory and the source of render passes (null if there is none) outlive the overlay.
+    Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes = nullptr);
+
+    /// Detaches.
+    ~Overlay() override;
+
+    void beginFrame();
+
+    /// Draws the widgets, or nothing while the overlay is off.
+    void draw();
+
+    void endFrame();
+
+    /// Whether the overlay is shown in this frame.
+    bool isShown() const { return mIsShown; }
+
+    void onAttach() override;
+    void onDetach() override;
+
+    Scene mScene;
+
+private:
+    PrimitiveFactory& mFactory;
+    core::RenderingApiType mApi;
+    bool mIsShown = false;
+    glm::uvec2 mSurfaceSize{0, 0};
+};
+
+}  // namespace scene

@@ -1,0 +1,86 @@
+#include "scene/RenderPassRows.h"
+
+#include "drawers/RectDrawer.h"
+#include "drawers/TextDrawer.h"
+#include "drawers/TextblockDrawer.h"
+#include "gui/LayoutManager.h"
+#include "scene/Style.h"
+
+#include <limits>
+
+namespace scene {
+
+namespace {
+
+/// The text block makes its lines through a plain function: this is the factory it means.
+thread_local PrimitiveFactory* currentFactory = nullptr;
+
+std::unique_ptr<drawer::TextDrawer> createLine() {
+    return currentFactory->createText();
+}
+
+/// Asks the layout manager, so that the rows always agree with the render areas in use.
+unsigned int layoutOrientation() {
+    return gui::LayoutManager::getInstance()->mIsPortrait ? 0 : 1;
+}
+
+}  // namespace
+
+std::unique_ptr<drawer::TextblockDrawer> createTextblock(PrimitiveFactory& factory, unsigned int lineCount,
+                                                         unsigned int textSizeHint) {
+    currentFactory = &factory;
+    auto block =
+        std::make_unique<drawer::TextblockDrawer>(createLine, factory.createRect(), lineCount, textSizeHint);
+    currentFactory = nullptr;
+    return block;
+}
+
+PassCellsRow::PassCellsRow(PrimitiveFactory& factory) : mFactory(factory) {
+    mMarqueeCycles = std::numeric_limits<decltype(mMarqueeCycles)>::max();
+    mTextColor = plainTextColor();
+    mBackgroundColor = renderPassColor();
+}
+
+std::unique_ptr<drawer::TextblockDrawer> PassCellsRow::createTextblockDrawer(unsigned int lineCount,
+                                                                             unsigned int textSizeHint) {
+    return createTextblock(mFactory, lineCount, textSizeHint);
+}
+
+unsigned int PassCellsRow::getOrientation() {
+    return layoutOrientation();
+}
+
+void PassCellsRow::onPreDrawWidgets() {
+    mFactory.setClip(mPosition, mSize);
+}
+
+void PassCellsRow::onPostDrawWidgets() {
+    mFactory.clearClip();
+}
+
+PassTimeline::PassTimeline(PrimitiveFactory& factory) : mFactory(factory) {
+    mTextColor = plainTextColor();
+    mBackgroundColor = renderPassColor();
+}
+
+std::unique_ptr<drawer::TextblockDrawer> PassTimeline::createTextblockDrawer(unsigned int lineCount,
+                                                                             unsigned int textSizeHint) {
+    return createTextblock(mFactory, lineCount, textSizeHint);
+}
+
+unsigned int PassTimeline::getOrientation() {
+    return layoutOrientation();
+}
+
+PassCaption::PassCaption(PrimitiveFactory& factory)
+    : drawer::RenderPassInfoDrawer(factory.createText(), factory.createText(), factory.createText(),
+                                   factory.createRect()) {
+    mFrameText->setTextColor(plainTextColor());
+    mBackground->mColor = noColor();
+}
+
+unsigned int PassCaption::getOrientation() {
+    return layoutOrientation();
+}
+
+}  // namespace scene

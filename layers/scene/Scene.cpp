@@ -1,0 +1,79 @@
+#include "scene/Scene.h"
+
+#include "gui/LayoutManager.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/CpuGpuWidget.h"
+#include "scene/FigureWidget.h"
+#include "scene/FpsWidget.h"
+#include "scene/GpuActivityWidget.h"
+#include "scene/MemoryWidget.h"
+#include "scene/ThumbnailWidget.h"
+
+#include <algorithm>
+
+namespace scene {
+
+Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes)
+    : mFactory(factory) {
+    mWidgets.push_back(std::make_unique<FigureWidget>(factory, FPS_WIDGET));
+    mWidgets.push_back(std::make_unique<FigureWidget>(factory, CPU_GPU_WIDGET));
+    mWidgets.push_back(std::make_unique<FigureWidget>(factory, MEMORY_WIDGET));
+    mWidgets.push_back(std::make_unique<GpuActivityWidget>(factory, api, passes));
+    mWidgets.push_back(std::make_unique<ThumbnailWidget>(factory));
+}
+
+void Scene::layout() {
+    const glm::uvec2 size = mFactory.getSurfaceSize();
+    const bool isPortrait = size.y > size.x;
+    gui::LayoutManager::getInstance()->updateWidgetsLayouts(isPortrait);
+
+    const float canvasHeight = isPortrait ? gui::SCREEN_WIDTH : gui::SCREEN_HEIGHT;
+    const float pixelsPerUnit = static_cast<float>(size.y) / canvasHeight;
+    mShown.clear();
+    mShownDrawers.clear();
+    for (const auto& widget : mWidgets) {
+        widget->layout(pixelsPerUnit);
+        if (widget->isShown()) {
+            mShown.push_back(widget.get());
+            widget->collectDrawers(mShownDrawers);
+        }
+    }
+    const auto& memory = gui::WidgetsSettings::getWidgets().mMemory;
+    mMetrics.setSlowFiguresWanted(memory.enabled() && memory.mPss.mEnabled.getValue());
+}
+
+void Scene::update() {
+    for (WidgetView* widget : mShown) {
+        widget->onFrame();
+    }
+    // Asked before this frame is counted, so that the frames counted are the ones that ended in the interval.
+    if (mPacing.isUpdateDuration()) {
+        mMetrics.beginRefresh(mPacing.mFrameCount, mPacing.mUpdateDuration);
+        for (WidgetView* widget : mShown) {
+            widget->refresh(mMetrics);
+        }
+        mPacing.resetUpdateDuration();
+    }
+    mPacing.incFrameCount();
+}
+
+void Scene::restart() {
+    mPacing.initUpdateHelper();
+    mMetrics.restart();
+}
+
+void Scene::suspend() {
+    mMetrics.setSlowFiguresWanted(false);
+}
+
+void Scene::draw() {
+    for (WidgetView* widget : mShown) {
+        widget->draw();
+    }
+}
+
+void Scene::settle() {
+    mMetrics.settle();
+}
+
+}  // namespace scene

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "core/RenderingApiType.h"
+#include "scene/Metrics.h"
+#include "scene/PrimitiveFactory.h"
+#include "scene/WidgetView.h"
+#include "utils/UpdateHelper.h"
+
+#include <memory>
+#include <vector>
+
+namespace scene {
+
+class RenderPassSource;
+
+/// All widgets of the overlay on one surface: who draws what, where, from which figure. Knows no graphics
+/// API; what it needs of one comes from the factory. Rendering thread only.
+class Scene {
+public:
+    /// The factory and the source of render passes (null if there is none) outlive the scene.
+    Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
+
+    /// Lays everything out anew: after a change of the settings or of the surface.
+    void layout();
+
+    /// Once a frame, before draw(): counts the frame and, each 120 ms, brings the figures up to date.
+    void update();
+
+    /// The overlay was not shown for a while: what comes now does not follow on what was before.
+    void restart();
+
+    /// The overlay is not shown from now on: ends what runs in the background.
+    void suspend();
+
+    /// Draws the widgets that are shown.
+    void draw();
+
+    /// What is on the screen, in drawing order, for the post-swap hook.
+    const std::vector<drawer::Drawer*>& drawers() const { return mShownDrawers; }
+
+    /// Waits for the figures that are read in the background: for pictures that must not depend on timing.
+    void settle();
+
+private:
+    PrimitiveFactory& mFactory;
+    Metrics mMetrics;
+    UpdateHelper mPacing;
+    std::vector<std::unique_ptr<WidgetView>> mWidgets;
+    std::vector<WidgetView*> mShown;
+    std::vector<drawer::Drawer*> mShownDrawers;
+};
+
+}  // namespace scene

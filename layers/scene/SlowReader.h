@@ -1,0 +1,58 @@
+#pragma once
+
+#include "scene/Reading.h"
+
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace scene {
+
+/// Takes a reading that is too slow for the frame thread on a thread of its own. The frame thread asks for
+/// a reading now and then and reads the latest one at any time. All operations are the frame thread's.
+class SlowReader {
+public:
+    using Read = Reading (*)();
+
+    /// `read` runs on the reader's thread.
+    explicit SlowReader(Read read);
+
+    /// As stop().
+    ~SlowReader();
+
+    SlowReader(const SlowReader&) = delete;
+    SlowReader& operator=(const SlowReader&) = delete;
+
+    /// Starts the thread unless it runs. A process that is out of threads gets none, and the reading
+    /// stays empty. The thread takes no signals of the application.
+    void start();
+
+    /// Ends the thread after the reading under way, if there is one, and empties the latest reading.
+    void stop();
+
+    /// Asks for a new reading and returns at once; nothing happens without a thread. Requests that
+    /// arrive during a reading lead to one more.
+    void request();
+
+    /// The last reading; empty until the first has arrived. Takes no lock.
+    Reading latest() const;
+
+    /// Waits until every request has been answered: for pictures that must not depend on timing.
+    void settle();
+
+private:
+    void run();
+
+    Read mRead;
+    std::thread mThread;
+    std::mutex mMutex;  // held for a few instructions only, never during a reading
+    std::condition_variable mChanged;
+    bool mIsRequested = false;      // under mMutex
+    bool mIsReading = false;        // under mMutex
+    bool mIsStopRequested = false;  // under mMutex
+    /// NaN stands for an empty reading. Relaxed: nothing else is published with it.
+    std::atomic<double> mLatest;
+};
+
+}  // namespace scene

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "drawers/Drawer.h"
+#include "gui/LayoutDef.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace scene {
+
+class Metrics;
+
+/// One widget on the screen: its drawers, each with the render area it takes, what feeds them and in which
+/// order they are drawn. Rendering thread only.
+class WidgetView {
+public:
+    explicit WidgetView(gui::WidgetType type);
+    virtual ~WidgetView() = default;
+    WidgetView(const WidgetView&) = delete;
+    WidgetView& operator=(const WidgetView&) = delete;
+
+    /// Whether the settings enable the widget and anchor it somewhere: an enabled widget with an unknown
+    /// position is in no row and is not drawn.
+    bool isShown() const;
+
+    /// After a change of the settings or of the surface, when the layout manager has placed the widgets:
+    /// gives every drawer its rectangle and takes over colours and switches. `pixelsPerUnit` is the height
+    /// of a canvas unit in pixels.
+    void layout(float pixelsPerUnit);
+
+    /// Once a frame while the widget is shown.
+    virtual void onFrame() {}
+
+    /// Reads the figures and brings texts and graphs up to date.
+    virtual void refresh(Metrics& metrics) = 0;
+
+    virtual void draw() = 0;
+
+    /// Adds the drawers that are switched on to the list for the post-swap hook.
+    void collectDrawers(std::vector<drawer::Drawer*>& drawers) const;
+
+protected:
+    virtual void applySettings(float pixelsPerUnit) = 0;
+
+    /// Takes the drawer over and gives it a render area of this widget.
+    template <class DrawerType>
+    DrawerType& place(std::unique_ptr<DrawerType> drawer, gui::RenderAreaType area) {
+        DrawerType& placed = *drawer;
+        placed.mWidget = mWidget;
+        placed.mRenderArea = area;
+        mDrawers.push_back(std::move(drawer));
+        return placed;
+    }
+
+private:
+    gui::Widget* mWidget;
+    std::vector<std::unique_ptr<drawer::Drawer>> mDrawers;
+};
+
+}  // namespace scene
