@@ -43,9 +43,9 @@ TEST(GlyphAtlas, PlacesAGlyphsBoxInTheLine) {
     EXPECT_NEAR(topLeft.y, 2.0F * 15.0F / 61.0F - 1.0F, 1e-6F);
     EXPECT_NEAR(bottomRight.x, 2.0F * 30.0F / 61.0F - 1.0F, 1e-6F);
     EXPECT_NEAR(bottomRight.y, 2.0F * 49.0F / 61.0F - 1.0F, 1e-6F);
-    EXPECT_EQ(glyph->mQuad[0].position, glm::vec2(-1.0F, -1.0F));
-    EXPECT_EQ(glyph->mQuad[1].position, glm::vec2(1.0F, -1.0F));
-    EXPECT_EQ(glyph->mQuad[2].position, glm::vec2(-1.0F, 1.0F));
+    EXPECT_EQ(glyph->mQuad[0].mPosition, glm::vec2(-1.0F, -1.0F));
+    EXPECT_EQ(glyph->mQuad[1].mPosition, glm::vec2(1.0F, -1.0F));
+    EXPECT_EQ(glyph->mQuad[2].mPosition, glm::vec2(-1.0F, 1.0F));
 }
 
 // The quads' texture coordinates lead to the glyphs' ink: a filled square for "@", nothing for a blank.
@@ -53,8 +53,8 @@ TEST(GlyphAtlas, TextureCoordinatesLeadIntoTheBitmap) {
     for (const auto& [symbol, coverage] : {std::pair{'@', 255U}, {' ', 0U}}) {
         const gui::Glyph* const glyph = atlas()[symbol];
         ASSERT_NE(glyph, nullptr);
-        const glm::vec2 first = glyph->mQuad[0].texture * glm::vec2(256.0F, 247.0F);
-        const glm::vec2 end = glyph->mQuad[3].texture * glm::vec2(256.0F, 247.0F);
+        const glm::vec2 first = glyph->mQuad[0].mTexCoord * glm::vec2(256.0F, 247.0F);
+        const glm::vec2 end = glyph->mQuad[3].mTexCoord * glm::vec2(256.0F, 247.0F);
         EXPECT_GT(end.x, first.x);
         for (auto y = static_cast<unsigned>(first.y + 0.5F); y < static_cast<unsigned>(end.y + 0.5F); ++y) {
             for (auto x = static_cast<unsigned>(first.x + 0.5F); x < static_cast<unsigned>(end.x + 0.5F);

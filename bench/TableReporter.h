@@ -1,0 +1,31 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// Prints the medians of all benchmarks as a table of what was measured against its target. A target is a
+/// time, or a multiple of another benchmark of the same run; a number of allocations may come with it.
+class TableReporter : public benchmark::BenchmarkReporter {
+public:
+    bool ReportContext(const Context& context) override;
+    void ReportRuns(const std::vector<Run>& runs) override;
+    void Finalize() override;
+
+    /// Whether every target was met. After the run.
+    bool areTargetsMet() const { return mAreTargetsMet; }
+
+private:
+    struct Median {
+        double nanoseconds = 0.0;
+        double allocations = 0.0;
+    };
+    std::map<std::string, Median> mMedians;
+    bool mAreTargetsMet = true;
+};
+
+}  // namespace bench
