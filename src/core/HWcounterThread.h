@@ -32,8 +32,8 @@ public:
     HWcounterThread(const HWcounterThread&) = delete;
     HWcounterThread& operator=(const HWcounterThread&) = delete;
 
-    /// Initialises the source unless it is ready or known to be unavailable, and clears all figures. The
-    /// sampling thread does it by itself when needed.
+    /// Initialises the source unless it is ready or known to be unavailable, and clears all figures. Not
+    /// while a capture is running: its thread does it by itself when needed.
     void init();
 
     /// Starts a capture of this many milliseconds. Does nothing while one is running or when the source is

@@ -76,7 +76,8 @@ bool StateInfo::isOverlayEnabled(RenderingApiType api) {
     if (!mStatusProp.getValue() || mRenderApiProp.getValue() != api) {
         return false;
     }
-    return utils::getProcessName() == mDebugProcessNameProp.getValue();
+    const std::string processName = utils::getProcessName();
+    return processName == mDebugProcessNameProp.getValue();
 }
 
 }  // namespace core

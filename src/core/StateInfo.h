@@ -43,8 +43,8 @@ public:
 
     /// Registers a listener for the application going to the background, then fixes the clocks if the
     /// property asks for it and releases them otherwise. The listener ends a running dump and releases the
-    /// clocks; it runs on a thread of the companion library, holding `mutex`, which must therefore outlive
-    /// the process's frames.
+    /// clocks; it runs on a thread of the companion library, holding `mutex`. Listeners are never removed, so
+    /// the mutex must live as long as the process.
     static void onAttached(std::mutex& mutex);
 
     /// Ends a running dump and releases the clocks.
