@@ -1,0 +1,201 @@
+#include "ostra/ProcessSocket.h"
+
+#include <dirent.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <system_error>
+
+namespace platform {
+
+namespace {
+
+constexpr std::string_view KEY = "key ";
+constexpr std::string_view BACKGROUND = "background";
+constexpr std::string_view NAME_BEGIN = "process.";
+constexpr std::string_view NAME_END = ".sock";
+constexpr time_t SEND_PATIENCE_S = 1;
+
+std::string errorText(int error) {
+    return std::generic_category().message(error);
+}
+
+/// False when the path does not fit into a socket's address.
+bool makeAddress(const std::string& path, sockaddr_un& address) {
+    address = {};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof(address.sun_path)) {
+        return false;
+    }
+    std::memcpy(address.sun_path, path.c_str(), path.size() + 1);
+    return true;
+}
+
+/// A datagram socket, or -1.
+int makeSocket() {
+    return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+}
+
+/// Returns 0 or an error number.
+int connectTo(int descriptor, const std::string& path) {
+    sockaddr_un address;
+    if (!makeAddress(path, address)) {
+        return ENAMETOOLONG;
+    }
+    const int result = connect(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+    return result == 0 ? 0 : errno;
+}
+
+/// Reads a whole number from the front of `text`; false when there is none that fits.
+template <typename Number>
+bool takeNumber(std::string_view& text, Number& number) {
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (result.ec != std::errc()) {
+        return false;
+    }
+    text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
+    return true;
+}
+
+/// The process id in the name of a socket file, 0 when it is none.
+pid_t processOfName(std::string_view name) {
+    if (name.size() <= NAME_BEGIN.size() + NAME_END.size() ||
+        name.substr(0, NAME_BEGIN.size()) != NAME_BEGIN ||
+        name.substr(name.size() - NAME_END.size()) != NAME_END) {
+        return 0;
+    }
+    name.remove_prefix(NAME_BEGIN.size());
+    name.remove_suffix(NAME_END.size());
+    pid_t process = 0;
+    return takeNumber(name, process) && name.empty() && process > 0 ? process : 0;
+}
+
+/// Whether somebody has the socket open. The process id alone would not tell: it may have been given to
+/// another process since.
+bool isListening(const std::string& path) {
+    const int descriptor = makeSocket();
+    if (descriptor < 0) {
+        return false;
+    }
+    const int error = connectTo(descriptor, path);
+    close(descriptor);
+    struct stat status;
+    if (error == ECONNREFUSED && lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode)) {
+        unlink(path.c_str());
+    }
+    return error == 0;
+}
+
+}  // namespace
+
+std::string encodeMessage(const ProcessMessage& message) {
+    if (message.kind == ProcessMessage::Kind::BACKGROUND) {
+        return std::string(BACKGROUND);
+    }
+    return std::string(KEY) + std::to_string(message.key.keyCode) + ' ' + std::to_string(message.key.action);
+}
+
+std::optional<ProcessMessage> decodeMessage(std::string_view text) {
+    ProcessMessage message;
+    if (text == BACKGROUND) {
+        message.kind = ProcessMessage::Kind::BACKGROUND;
+        return message;
+    }
+    if (text.substr(0, KEY.size()) != KEY) {
+        return std::nullopt;
+    }
+    text.remove_prefix(KEY.size());
+    if (!takeNumber(text, message.key.keyCode) || text.empty() || text.front() != ' ') {
+        return std::nullopt;
+    }
+    text.remove_prefix(1);
+    if (!takeNumber(text, message.key.action) || !text.empty()) {
+        return std::nullopt;
+    }
+    return message;
+}
+
+std::string processSocketPath(const std::string& directory, pid_t process) {
+    return directory + '/' + std::string(NAME_BEGIN) + std::to_string(process) + std::string(NAME_END);
+}
+
+int openProcessSocket(const std::string& directory, std::string& error) {
+    const std::string path = processSocketPath(directory, getpid());
+    sockaddr_un address;
+    if (!makeAddress(path, address)) {
+        error = path + ": the path is too long for a socket";
+        return -1;
+    }
+    const int descriptor = makeSocket();
+    if (descriptor < 0) {
+        error = path + ": " + errorText(errno);
+        return -1;
+    }
+    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    int result = bind(descriptor, name, sizeof(address));
+    if (result != 0 && errno == EADDRINUSE) {
+        unlink(path.c_str());
+        result = bind(descriptor, name, sizeof(address));
+    }
+    if (result != 0 || chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0) {
+        error = path + ": " + errorText(errno);
+        close(descriptor);
+        return -1;
+    }
+    return descriptor;
+}
+
+std::vector<pid_t> listeningProcesses(const std::string& directory) {
+    std::vector<pid_t> processes;
+    DIR* const entries = opendir(directory.c_str());
+    if (entries == nullptr) {
+        return processes;
+    }
+    // The stream belongs to this call alone.
+    while (const dirent* const entry = readdir(entries)) {  // NOLINT(concurrency-mt-unsafe)
+        const pid_t process = processOfName(entry->d_name);
+        if (process != 0 && isListening(directory + '/' + entry->d_name)) {
+            processes.push_back(process);
+        }
+    }
+    closedir(entries);
+    std::sort(processes.begin(), processes.end());
+    return processes;
+}
+
+std::string sendMessage(const std::string& directory, pid_t process, const ProcessMessage& message) {
+    const std::string path = processSocketPath(directory, process);
+    const int descriptor = makeSocket();
+    if (descriptor < 0) {
+        return path + ": " + errorText(errno);
+    }
+    const timeval patience = {SEND_PATIENCE_S, 0};
+    setsockopt(descriptor, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof(patience));
+    int error = connectTo(descriptor, path);
+    if (error == 0) {
+        const std::string text = encodeMessage(message);
+        error = send(descriptor, text.data(), text.size(), MSG_NOSIGNAL) < 0 ? errno : 0;
+    }
+    close(descriptor);
+    const std::string who = "process " + std::to_string(process);
+    switch (error) {
+        case 0:
+            return {};
+        case ENOENT:
+        case ECONNREFUSED:
+            return who + " does not listen";
+        case EAGAIN:
+            return who + " does not take its messages";
+        default:
+            return path + ": " + errorText(error);
+    }
+}
+
+}  // namespace platform
