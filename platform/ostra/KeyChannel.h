@@ -1,0 +1,68 @@
+#pragma once
+
+#include <ostra/Ostra.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace platform {
+
+struct ProcessMessage;
+
+/// Receives what is sent to this process (see ProcessSocket.h) on a thread of its own, which sleeps until
+/// something arrives. The socket is opened by the first takeKeys() or addListener(); when that fails, an
+/// error is logged once and nothing ever arrives. One per process, see PerProcess.h; any thread.
+class KeyChannel {
+public:
+    /// Key events that wait to be taken. When that many wait, later ones are dropped until somebody takes
+    /// them, and one warning is logged.
+    static constexpr std::size_t MAX_PENDING = 4096;
+
+    /// The events since the last call, in arrival order. Takes no lock and makes no system call while nothing
+    /// has arrived.
+    std::vector<Ostra::KeyEvent> takeKeys();
+
+    /// Calls `listener` from the receiving thread for every notice that the application went to the
+    /// background. Listeners are never removed; an empty one is ignored.
+    void addListener(std::function<void()> listener);
+
+    /// In a forked child: lets go of the parent's socket.
+    void onForked();
+
+    /// Removes the socket file. No listener is called any more afterwards; one that runs is waited for, but
+    /// only for a moment.
+    void onExit();
+
+private:
+    void openLocked();
+    void receive();
+    void handle(const ProcessMessage& message);
+    void callListeners();
+    void warnOnce(bool& isWarned, const char* text);
+
+    /// Nothing has arrived and the socket needs no opening. Relaxed order: it only says whether to look, the
+    /// events themselves are handed over under the mutex.
+    std::atomic<bool> mIsIdle{false};
+
+    std::atomic<int> mDescriptor{-1};
+
+    std::mutex mMutex;  ///< guards what follows; never held while a listener runs
+    bool mIsOpened = false;
+    bool mIsClosing = false;
+    bool mIsDropWarned = false;
+    std::string mPath;
+    std::vector<Ostra::KeyEvent> mPending;
+    std::vector<std::function<void()>> mListeners;
+    std::thread::id mListeningThread;  ///< of the thread that runs a listener at the moment, else none
+    std::condition_variable mListenersDone;
+
+    bool mIsGarbageWarned = false;  ///< receiving thread only
+};
+
+}  // namespace platform

@@ -1,0 +1,51 @@
+#include "ostra/DumpControl.h"
+#include "ostra/KeyChannel.h"
+#include "ostra/PerProcess.h"
+
+#include <android/log.h>
+#include <ostra/Ostra.h>
+
+#include <atomic>
+#include <utility>
+
+namespace Ostra {
+
+using platform::DumpControl;
+using platform::KeyChannel;
+using platform::PerProcess;
+
+void registerAppBecomeBackgroundListener(std::function<void()> listener) {
+    PerProcess<KeyChannel>::get().addListener(std::move(listener));
+}
+
+std::vector<KeyEvent> receiveKeyEvents() {
+    return PerProcess<KeyChannel>::get().takeKeys();
+}
+
+bool fixClock(unsigned long long /*cpuClock*/, unsigned long long /*gpuClock*/) {
+    static std::atomic<bool> isSaid{false};
+    if (!isSaid.exchange(true)) {
+        __android_log_print(ANDROID_LOG_INFO, "Ostra", "Clocks are not fixed: this host's are left alone");
+    }
+    return false;
+}
+
+void unfixClock() {}
+
+void startDumping(const std::vector<DumpWidgetMeta>& metas) {
+    PerProcess<DumpControl>::get().start(metas);
+}
+
+void addDump(const FrameDump& dump) {
+    if (DumpControl* const control = PerProcess<DumpControl>::find()) {
+        control->add(dump);
+    }
+}
+
+void finishDumping() {
+    if (DumpControl* const control = PerProcess<DumpControl>::find()) {
+        control->finish();
+    }
+}
+
+}  // namespace Ostra
