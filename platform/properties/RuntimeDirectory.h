@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+/// The folder that the user's processes share: the property area and the sockets of running overlays.
+/// Exactly one of the two texts is non-empty.
+struct RuntimeDirectory {
+    std::string path;   ///< absolute, without a trailing slash
+    std::string error;  ///< why there is none, in plain words
+};
+
+/// Finds the runtime directory and creates it with mode 0700 when it is missing (the folder itself, not
+/// those above it). It is the first of these whose variable is set and not empty:
+///   $KORDANIX_RUNTIME_DIR, $XDG_RUNTIME_DIR/kordanix, /tmp/kordanix-<user id>.
+/// Refused are a relative path, anything but a folder (a symbolic link included), a folder that another
+/// user owns, one that everybody may write to and, below /tmp, one that the group may write to.
+/// Reads the environment at every call; any thread, as long as none changes the environment.
+RuntimeDirectory openRuntimeDirectory();
+
+}  // namespace platform
