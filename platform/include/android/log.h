@@ -18,10 +18,12 @@ typedef enum android_LogPriority {
 } android_LogPriority;
 
 /// Writes one printf-style message under `tag`. On the host it goes to standard error in logcat's brief
-/// format, "E/Kordanix( 1234): text", unless its priority is below the level that KORDANIX_LOG names
-/// (V, D, I, W, E, F or S; default I). Any thread. Returns 1 when it was written, 0 when it was filtered,
-/// a negative error number otherwise.
-int __android_log_print(int prio, const char* tag, const char* fmt, ...) __attribute__((format(printf, 3, 4)));
+/// format, "E/Kordanix( 1234): text", every line of it so, unless its priority is below the level that
+/// KORDANIX_LOG names (verbose, debug, info, warn, error, fatal, silent or their first letters; default
+/// info; read at the first message). At most 1023 bytes are written. Any thread. Returns 1 when it was
+/// written, 0 when it was filtered, a negative error number otherwise; keeps errno.
+int __android_log_print(int prio, const char* tag, const char* fmt, ...)
+    __attribute__((format(printf, 3, 4)));
 
 #ifdef __cplusplus
 }
