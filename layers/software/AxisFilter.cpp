@@ -26,9 +26,10 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
         const double to = std::min(center + 0.5 * footprint, double(sourceCount));
         Taps taps;
         taps.mWeights = mWeights.size();
-        taps.mFirst = toInt(std::floor(from), 0, sourceCount);
+        const int start = toInt(std::floor(from), 0, sourceCount);
         const int last = toInt(std::ceil(to), 0, sourceCount);
-        for (int cell = taps.mFirst; cell < last; ++cell) {
+        taps.mFirst = static_cast<std::size_t>(start);
+        for (int cell = start; cell < last; ++cell) {
             const double covered = std::min(to, cell + 1.0) - std::max(from, double(cell));
             mWeights.push_back(static_cast<float>(std::max(covered, 0.0) / footprint));
             ++taps.mCount;

@@ -13,8 +13,8 @@ class AxisFilter {
 public:
     /// The source cells of one target pixel: mCount of them from mFirst on.
     struct Taps {
-        int mFirst = 0;
-        int mCount = 0;
+        std::size_t mFirst = 0;
+        std::size_t mCount = 0;
         std::size_t mWeights = 0;  ///< index of the first weight
     };
 

@@ -1,5 +1,7 @@
 #include "software/Blend.h"
 
+#include <cmath>
+
 namespace software {
 
 namespace {
@@ -8,7 +10,7 @@ std::uint8_t toChannel(float value) {
     if (!(value > 0.0F)) {
         return 0;
     }
-    return value < 1.0F ? static_cast<std::uint8_t>(value * 255.0F + 0.5F) : std::uint8_t{255};
+    return value < 1.0F ? static_cast<std::uint8_t>(std::lround(value * 255.0F)) : std::uint8_t{255};
 }
 
 std::uint8_t mix(std::uint32_t over, std::uint32_t overWeight, std::uint32_t under,

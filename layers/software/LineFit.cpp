@@ -12,6 +12,9 @@ namespace {
 /// Round letters reach beyond straight ones by up to about a fortieth of the line.
 constexpr float OVERSHOOT = 0.05F;
 
+/// Capitals are rounded up from a little below half a pixel: digits stay readable in small lines.
+constexpr float TALLER = 0.6F;
+
 float topOf(const gui::Glyph& glyph) {
     return glyph.mTransform[3][1] - glyph.mTransform[1][1];
 }
@@ -26,7 +29,7 @@ public:
     RowMap(const FontHeights& font, float scale, float offset) : mFont(font), mScale(scale) {
         mBase = std::round(font.mBase * scale + offset);
         mSmall = mBase - std::max(1.0F, std::round((font.mBase - font.mSmall) * scale));
-        mCapitals = mBase - std::max(1.0F, std::round((font.mBase - font.mCapitals) * scale));
+        mCapitals = mBase - std::max(1.0F, std::floor((font.mBase - font.mCapitals) * scale + TALLER));
     }
 
     float operator()(float y) const {

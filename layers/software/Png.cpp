@@ -16,7 +16,7 @@ namespace software {
 
 namespace {
 
-constexpr std::size_t MAX_PIXELS = 64U * 1024U * 1024U;
+constexpr std::size_t MAX_PIXELS = std::size_t{64} * 1024 * 1024;
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }

@@ -125,9 +125,8 @@ void Rasterizer::drawTexels(Image& image, const PixelRect& clip, const TexelRect
         const AxisFilter::Taps& rows = mRows.taps(y);
         const float* rowWeights = mRows.weights(rows);
         mSums.assign(width, 0.0F);
-        for (int j = 0; j < rows.mCount; ++j) {
-            const std::uint8_t* source =
-                texels.mFirst + static_cast<std::size_t>(rows.mFirst + j) * texels.mStride;
+        for (std::size_t j = 0; j < rows.mCount; ++j) {
+            const std::uint8_t* source = texels.mFirst + (rows.mFirst + j) * texels.mStride;
             for (std::size_t i = 0; i < width; ++i) {
                 mSums[i] += rowWeights[j] * static_cast<float>(source[i]);
             }
@@ -137,8 +136,8 @@ void Rasterizer::drawTexels(Image& image, const PixelRect& clip, const TexelRect
             const AxisFilter::Taps& columns = mColumns.taps(x);
             const float* columnWeights = mColumns.weights(columns);
             float sum = 0.0F;
-            for (int i = 0; i < columns.mCount; ++i) {
-                sum += columnWeights[i] * mSums[static_cast<std::size_t>(columns.mFirst + i)];
+            for (std::size_t i = 0; i < columns.mCount; ++i) {
+                sum += columnWeights[i] * mSums[columns.mFirst + i];
             }
             blendOver(target[x], paint.mColor, toAlpha(sum * scale));
         }
@@ -156,8 +155,8 @@ void Rasterizer::drawImage(Image& image, const PixelRect& clip, const Image& sou
         const float* rowWeights = mRows.weights(rows);
         // Four sums a column: colours weighted with their alpha, then the alpha.
         mSums.assign(width * 4, 0.0F);
-        for (int j = 0; j < rows.mCount; ++j) {
-            const Pixel* pixels = source.row(static_cast<std::size_t>(rows.mFirst + j));
+        for (std::size_t j = 0; j < rows.mCount; ++j) {
+            const Pixel* pixels = source.row(rows.mFirst + j);
             for (std::size_t i = 0; i < width; ++i) {
                 const float alpha = rowWeights[j] * static_cast<float>(pixels[i].mAlpha);
                 float* sums = mSums.data() + i * 4;
@@ -172,8 +171,8 @@ void Rasterizer::drawImage(Image& image, const PixelRect& clip, const Image& sou
             const AxisFilter::Taps& columns = mColumns.taps(x);
             const float* columnWeights = mColumns.weights(columns);
             float mean[4] = {};
-            for (int i = 0; i < columns.mCount; ++i) {
-                const float* sums = mSums.data() + static_cast<std::size_t>(columns.mFirst + i) * 4;
+            for (std::size_t i = 0; i < columns.mCount; ++i) {
+                const float* sums = mSums.data() + (columns.mFirst + i) * 4;
                 for (int channel = 0; channel < 4; ++channel) {
                     mean[channel] += columnWeights[i] * sums[channel];
                 }

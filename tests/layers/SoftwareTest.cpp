@@ -120,7 +120,7 @@ INSTANTIATE_TEST_SUITE_P(
                     PlaceCase{360, 740, glm::vec3(0.0F), {90, 370, 270, 555}},
                     PlaceCase{400, 200, {0.5F, 0.25F, 0.0F}, {200, 75, 400, 125}},  // right, up
                     PlaceCase{200, 400, {-1.0F, -0.5F, 0.0F}, {0, 300, 50, 400}},   // half off the left edge
-                    PlaceCase{101, 57, glm::vec3(0.0F), {25, 29, 76, 43}},
+                    PlaceCase{101, 60, glm::vec3(0.0F), {25, 30, 76, 45}},
                     PlaceCase{400, 200, {9.0F, 0.0F, 0.0F}, {0, 0, 0, 0}}));
 
 TEST(Software, SmallestSurfacesAreDrawnOn) {
@@ -208,6 +208,37 @@ TEST(Software, GraphsNeverLeaveTheirRectangle) {
     }
 }
 
+// Whatever the size and place of a line: its letters end in full pixel rows, and all on the same ones.
+TEST(Software, LettersStandOnOneWholeRow) {
+    for (const float lineHeight : {10.0F, 12.5F, 17.0F, 23.3F, 34.0F, 51.0F}) {
+        for (const float top : {20.0F, 20.3F, 20.5F, 20.8F}) {
+            const auto draw = [&](const char* letter) {
+                Surface surface(100, 200);
+                const std::unique_ptr<drawer::TextDrawer> text = SoftwareFactory(surface).createText();
+                text->setText(letter);
+                text->setTextColor(WHITE);
+                place(*text, {0.1F, top / 200.0F}, {0.9F, lineHeight / 200.0F});
+                text->draw();
+                return surface.mImage;
+            };
+            const Image capital = draw("H");
+            const Extent extent = extentOf(capital, 8);
+            ASSERT_LT(extent.mTop + 3, extent.mBottom);
+            for (std::size_t x = 0; x < 100; ++x) {  // the first row of the stems is no fainter than the next
+                ASSERT_NEAR(capital.row(extent.mTop)[x].mAlpha, capital.row(extent.mTop + 1)[x].mAlpha, 10);
+            }
+            for (const char* letter : {"0", "E", "8", "M"}) {
+                const Extent other = extentOf(draw(letter), 8);
+                EXPECT_EQ(other.mTop, extent.mTop) << letter << ' ' << lineHeight << ' ' << top;
+                EXPECT_EQ(other.mBottom, extent.mBottom) << letter << ' ' << lineHeight << ' ' << top;
+            }
+            const Extent small = extentOf(draw("x"), 8);
+            EXPECT_EQ(small.mBottom, extent.mBottom) << lineHeight << ' ' << top;
+            EXPECT_EQ(extentOf(draw("o"), 8).mTop, small.mTop) << lineHeight << ' ' << top;
+        }
+    }
+}
+
 TEST(Software, ThumbnailShowsThePictureFromBeforeTheOverlay) {
     Surface surface(200, 100);
     SoftwareFactory factory(surface);
@@ -216,7 +247,7 @@ TEST(Software, ThumbnailShowsThePictureFromBeforeTheOverlay) {
     rect->mColor = WHITE;
     place(*rect, {0.0F, 0.0F}, {1.0F, 1.0F});
     place(*thumbnail, {0.5F, 0.5F}, {0.2F, 0.2F});
-    for (const std::uint8_t red : {200, 100}) {
+    for (const std::uint8_t red : {std::uint8_t{200}, std::uint8_t{100}}) {
         for (std::size_t y = 0; y < 100; ++y) {
             std::fill_n(surface.mImage.row(y), 100, Pixel{red, 0, 0, 255});
             std::fill_n(surface.mImage.row(y) + 100, 100, Pixel{0, 0, red, 255});
