@@ -1,0 +1,34 @@
+#pragma once
+
+#include <glm/vec4.hpp>
+#include <vector>
+
+#include "drawers/Drawer.h"
+#include "utils/Export.h"
+
+namespace gui {
+
+/// A corner of a mesh in the drawer's local coordinates (-1..1, y downwards).
+struct Vertex {
+    float x;
+    float y;
+};
+
+}  // namespace gui
+
+namespace drawer {
+
+/// Draws vertices in one colour. A layer implements draw(), and clear(), which must empty the list of
+/// vertices; it also decides, for each mesh it hands out, how the vertices connect (the drawer that takes the
+/// mesh says what it needs).
+class KORDANIX_EXPORT MeshDrawer : public Drawer {
+public:
+    ~MeshDrawer() override;
+
+    /// Filled and edited in place by the drawer that owns the mesh; nobody else changes order or length.
+    std::vector<gui::Vertex> mVertices;
+
+    glm::vec4 mColor{0.0F};
+};
+
+}  // namespace drawer

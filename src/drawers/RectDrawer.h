@@ -1,0 +1,18 @@
+#pragma once
+
+#include <glm/vec4.hpp>
+
+#include "drawers/Drawer.h"
+#include "utils/Export.h"
+
+namespace drawer {
+
+/// Fills its rectangle, moved by mTranslation, with one colour. A layer implements draw().
+class KORDANIX_EXPORT RectDrawer : public Drawer {
+public:
+    ~RectDrawer() override;
+
+    glm::vec4 mColor{0.0F};
+};
+
+}  // namespace drawer
