@@ -1,0 +1,161 @@
+#include "Demo.h"
+
+#include "Landscape.h"
+#include "Options.h"
+#include "Pace.h"
+#include "Restart.h"
+#include "Settings.h"
+#include "core/RenderingApiType.h"
+#include "core/StateInfo.h"
+#include "ostra/ProcessSocket.h"
+#include "properties/RuntimeDirectory.h"
+#include "scene/Overlay.h"
+#include "software/Png.h"
+#include "software/SoftwareFactory.h"
+#include "software/Surface.h"
+
+#include <unistd.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <thread>
+
+namespace demo {
+
+namespace {
+
+constexpr int CAPTURE_KEY = 25;
+constexpr int PRESSED = 1;
+
+/// Time for the key's datagram to arrive before the next frame polls.
+constexpr std::chrono::milliseconds KEY_DELIVERY(50);
+
+std::string numbered(const std::string& file, std::uint64_t frame) {
+    const std::filesystem::path path(file);
+    char number[32];
+    std::snprintf(number, sizeof(number), "-%06llu", static_cast<unsigned long long>(frame));
+    return (path.parent_path() / (path.stem().string() + number + path.extension().string())).string();
+}
+
+/// Prints why when it fails.
+bool writePicture(const software::Surface& surface, const std::string& file) {
+    std::string error;
+    if (!software::writePng(surface.mImage, file, error)) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        return false;
+    }
+    return true;
+}
+
+void pressCaptureKey() {
+    const platform::RuntimeDirectory folder = platform::openRuntimeDirectory();
+    platform::ProcessMessage message;
+    message.key = {CAPTURE_KEY, PRESSED};
+    const std::string error =
+        folder.error.empty() ? platform::sendMessage(folder.path, getpid(), message) : folder.error;
+    if (!error.empty()) {
+        std::fprintf(stderr, "Cannot press the capture key: %s\n", error.c_str());
+        return;
+    }
+    std::this_thread::sleep_for(KEY_DELIVERY);
+}
+
+/// A line about once a second.
+class Progress {
+public:
+    void onFrame(double seconds, std::uint64_t frames, bool isShown) {
+        if (std::floor(seconds) <= mLastSecond) {
+            return;
+        }
+        const auto now = std::chrono::steady_clock::now();
+        const std::chrono::duration<double> passed = now - mLastTime;
+        const double rate = static_cast<double>(frames - mLastFrames) / passed.count();
+        std::printf("%4.0f s  frame %llu  %.1f frames a second%s\n", seconds,
+                    static_cast<unsigned long long>(frames), rate, isShown ? "" : "  overlay off");
+        std::fflush(stdout);
+        mLastSecond = std::floor(seconds);
+        mLastFrames = frames;
+        mLastTime = now;
+    }
+
+private:
+    double mLastSecond = 0.0;
+    std::uint64_t mLastFrames = 0;
+    std::chrono::steady_clock::time_point mLastTime = std::chrono::steady_clock::now();
+};
+
+/// The frame loop: what an application and the layer in it do around each buffer swap.
+bool runFrames(const Options& options) {
+    software::Surface surface(options.width, options.height);
+    software::SoftwareFactory factory(surface);
+    scene::Overlay overlay(factory, core::RenderingApiType::OPENGL_ES);
+    overlay.attach();
+
+    Landscape landscape;
+    Progress progress;
+    Pace pace(options.rate, options.isFixedStep);
+    const auto count = static_cast<std::uint64_t>(std::llround(options.seconds * options.rate));
+    bool isCaptureDue = options.captureAt >= 0.0;
+    bool isWritten = true;
+    for (std::uint64_t frame = 1; frame <= count && isWritten; ++frame) {
+        const double seconds = static_cast<double>(frame - 1) / options.rate;
+        if (isCaptureDue && seconds >= options.captureAt) {
+            isCaptureDue = false;
+            pressCaptureKey();
+        }
+        landscape.draw(surface.mImage, seconds);
+        surface.beginOverlay();
+        overlay.beginFrame();
+        overlay.draw();
+        if (options.every != 0 && frame % options.every == 0) {
+            isWritten = writePicture(surface, numbered(options.png, frame));
+        }
+        // Here an application would swap its buffers.
+        overlay.endFrame();
+        if (options.isFixedStep) {
+            overlay.mScene.settle();
+        }
+        progress.onFrame(static_cast<double>(frame) / options.rate, frame, overlay.isShown());
+        pace.waitForNextFrame();
+    }
+    overlay.detach();
+    return isWritten && writePicture(surface, options.png);
+}
+
+}  // namespace
+
+int run(const Options& options) {
+    const std::string error = writeSettings(options);
+    if (!error.empty()) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        removePrivateFolder(options);
+        return 1;
+    }
+    std::printf(
+        "Overlay on a moving picture of %u by %u pixels, %.0f frames a second for %.0f seconds, with %s.\n",
+        options.width, options.height, options.rate, options.seconds,
+        options.device.empty() ? "this machine's own figures"
+                               : ("the figures of the simulated device " + options.device).c_str());
+    if (!options.isPrivate) {
+        std::printf(
+            "Meanwhile, change what it shows with kordanixctl, for example: "
+            "kordanixctl set widget_memory true\n");
+    }
+    const bool isDone = runFrames(options);
+    removePrivateFolder(options);
+    if (!isDone) {
+        return 1;
+    }
+    std::error_code ignored;
+    std::printf("The picture is in %s\n", std::filesystem::absolute(options.png, ignored).c_str());
+    if (options.every != 0) {
+        std::printf("The pictures of each %llu frames are beside it, numbered.\n",
+                    static_cast<unsigned long long>(options.every));
+    }
+    return 0;
+}
+
+}  // namespace demo

@@ -1,0 +1,32 @@
+#include "Pace.h"
+
+#include <thread>
+
+namespace demo {
+
+namespace {
+
+/// Further behind than this, the lost frames are not made up for.
+constexpr std::chrono::milliseconds LONGEST_DELAY(100);
+
+}  // namespace
+
+Pace::Pace(double rate, bool isFixedStep)
+    : mFrame(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+          std::chrono::duration<double>(1.0 / rate))),
+      mIsFixedStep(isFixedStep),
+      mNext(std::chrono::steady_clock::now()) {}
+
+void Pace::waitForNextFrame() {
+    if (mIsFixedStep) {
+        return;
+    }
+    mNext += mFrame;
+    const auto now = std::chrono::steady_clock::now();
+    if (now > mNext + LONGEST_DELAY) {
+        mNext = now;
+    }
+    std::this_thread::sleep_until(mNext);
+}
+
+}  // namespace demo
