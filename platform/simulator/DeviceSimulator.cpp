@@ -1,0 +1,142 @@
+#include "simulator/DeviceSimulator.h"
+
+#include "simulator/ActiveDevice.h"
+#include "simulator/SimulatedGpu.h"
+
+#include <android/log.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <limits>
+
+namespace simulator {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr double RUNNING = -1.0;
+constexpr double SAMPLE_SECONDS = 0.0005;
+
+// Any thread sets and reads them; no other data hangs on them.
+std::atomic<double> gStoppedTime{RUNNING};
+std::atomic<double> gCaptureStart{0.0};
+std::atomic<std::uint32_t> gCaptureSamples{0};
+
+struct Choice {
+    Device device;
+    bool isActive = false;
+    std::string error;
+    Clock::time_point start = Clock::now();
+};
+
+std::string folderOf(const std::string& choice) {
+    const bool isPath = choice.find('/') != std::string::npos;
+    return isPath ? choice : std::string(KORDANIX_DEVICES_FOLDER) + '/' + choice;
+}
+
+Choice* makeChoice() {
+    auto* const choice = new Choice;
+    const char* const name = std::getenv("KORDANIX_DEVICE");  // NOLINT(concurrency-mt-unsafe)
+    if (name == nullptr || *name == '\0') {
+        return choice;
+    }
+    const std::string folder = folderOf(name);
+    choice->error = choice->device.load(folder);
+    choice->isActive = choice->error.empty();
+    if (!fs::is_directory(folder)) {
+        choice->error = std::string("there is no device \"") + name + "\"; there are:";
+        for (const std::string& known : deviceNames()) {
+            choice->error += ' ' + known;
+        }
+    }
+    if (!choice->isActive) {
+        __android_log_print(ANDROID_LOG_ERROR, "Simulator", "%s", choice->error.c_str());
+    }
+    return choice;
+}
+
+/// Never destroyed: the library's threads may still read files while the process exits.
+Choice& choice() {
+    static Choice* const instance = makeChoice();
+    return *instance;
+}
+
+}  // namespace
+
+const Device* activeDevice() {
+    return choice().isActive ? &choice().device : nullptr;
+}
+
+bool isActive() {
+    return choice().isActive;
+}
+
+const std::string& deviceError() {
+    return choice().error;
+}
+
+std::vector<std::string> deviceNames() {
+    std::vector<std::string> names;
+    std::error_code failure;
+    for (fs::directory_iterator entry(KORDANIX_DEVICES_FOLDER, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        if (entry->is_directory()) {
+            names.push_back(entry->path().filename().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+double now() {
+    const double stopped = gStoppedTime.load(std::memory_order_relaxed);
+    return stopped >= 0.0 ? stopped : std::chrono::duration<double>(Clock::now() - choice().start).count();
+}
+
+void setTime(double seconds) {
+    gStoppedTime.store(seconds > 0.0 && std::isfinite(seconds) ? seconds : 0.0, std::memory_order_relaxed);
+}
+
+void useWallClock() {
+    gStoppedTime.store(RUNNING, std::memory_order_relaxed);
+}
+
+std::optional<ScriptedFrame> frame(std::uint32_t number) {
+    const Device* const device = activeDevice();
+    if (device == nullptr || device->script().frames.empty()) {
+        return std::nullopt;
+    }
+    const std::vector<ScriptedFrame>& frames = device->script().frames;
+    return frames[number % frames.size()];
+}
+
+}  // namespace simulator
+
+bool kordanixSimulatedGpu(KordanixSimulatedMoment moment, KordanixSimulatedGpu* sample) {
+    using namespace simulator;
+    const Device* const device = activeDevice();
+    if (device == nullptr || !device->script().counters) {
+        return false;
+    }
+    double seconds = now();
+    if (moment == KORDANIX_SIMULATED_CAPTURE) {
+        gCaptureStart.store(seconds, std::memory_order_relaxed);
+        gCaptureSamples.store(0, std::memory_order_relaxed);
+    } else if (moment == KORDANIX_SIMULATED_SAMPLE && gStoppedTime.load(std::memory_order_relaxed) >= 0.0) {
+        // From the capture's start, not from now: the time may be set to the next frame meanwhile.
+        const std::uint32_t index = gCaptureSamples.fetch_add(1, std::memory_order_relaxed) + 1;
+        seconds = gCaptureStart.load(std::memory_order_relaxed) + index * SAMPLE_SECONDS;
+    }
+    const Script& script = device->script();
+    sample->seconds = seconds;
+    sample->usage = script.figureAt(script.counters->usage, seconds);
+    sample->vertexActivity = script.figureAt(script.counters->vertexActivity, seconds);
+    sample->fragmentActivity = script.figureAt(script.counters->fragmentActivity, seconds);
+    return true;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "simulator/Curve.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simulator {
+
+/// A render pass of a frame, in milliseconds from the frame's start.
+struct ScriptedPass {
+    double startMs;
+    double endMs;                       ///< not before the start; may lie after the frame's end
+    std::vector<std::uint32_t> values;  ///< 1 to 6
+};
+
+/// The render passes of one frame.
+struct ScriptedFrame {
+    double durationMs;
+    std::vector<ScriptedPass> passes;  ///< at least one, in the script's order
+};
+
+/// What a simulated device does over time; devices/README.md describes the text it is read from.
+class Script {
+public:
+    /// Names of the curves that the GPU counters follow.
+    struct Counters {
+        std::string usage;           ///< percent
+        std::string vertexActivity;  ///< fractions
+        std::string fragmentActivity;
+    };
+
+    /// Reads a script. Returns an empty text, or "PATH:LINE: what was expected".
+    std::string read(const std::string& path, std::string_view text);
+
+    /// Whether there is a curve or a total of this name.
+    bool hasFigure(const std::string& name) const;
+
+    /// The figure at this time, in seconds from 0; 0 when there is none of this name.
+    double figureAt(const std::string& name, double seconds) const;
+
+    /// Nothing when the device has no GPU counters.
+    std::optional<Counters> counters;
+
+    /// What the frames show in turn; empty when the device has no render passes.
+    std::vector<ScriptedFrame> frames;
+
+    /// A figure that grows with the area under a curve, such as a count of ticks.
+    struct Total {
+        std::string curve;
+        double perSecond;  ///< growth in a second in which the curve is at 1
+        double start;
+    };
+
+    std::map<std::string, Curve> curves;
+    std::map<std::string, Total> totals;
+};
+
+}  // namespace simulator
