@@ -11,7 +11,9 @@ thread_local std::size_t counted = 0;
 
 namespace bench {
 
-std::size_t allocations() { return counted; }
+std::size_t allocations() {
+    return counted;
+}
 
 }  // namespace bench
 
@@ -23,5 +25,9 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}

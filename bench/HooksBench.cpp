@@ -35,8 +35,12 @@ void runHooks(benchmark::State& state, bool isShown) {
     });
 }
 
-void HooksOff(benchmark::State& state) { runHooks(state, false); }
-void HooksOn(benchmark::State& state) { runHooks(state, true); }
+void HooksOff(benchmark::State& state) {
+    runHooks(state, false);
+}
+void HooksOn(benchmark::State& state) {
+    runHooks(state, true);
+}
 
 void GetFPS(benchmark::State& state) {
     core::StateInfo info;

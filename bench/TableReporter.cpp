@@ -9,9 +9,9 @@ namespace {
 struct Row {
     const char* what;
     const char* benchmark;
-    double limit;            ///< nanoseconds, or a ratio when there is a reference
-    const char* reference;   ///< benchmark of the same run, or null
-    double allocations;      ///< at most so many an iteration; negative: not asked
+    double limit;           ///< nanoseconds, or a ratio when there is a reference
+    const char* reference;  ///< benchmark of the same run, or null
+    double allocations;     ///< at most so many an iteration; negative: not asked
 };
 
 constexpr Row ROWS[] = {
@@ -50,14 +50,17 @@ std::string asRatio(double ratio) {
 
 }  // namespace
 
-bool TableReporter::ReportContext(const Context& /*context*/) { return true; }
+bool TableReporter::ReportContext(const Context& /*context*/) {
+    return true;
+}
 
 void TableReporter::ReportRuns(const std::vector<Run>& runs) {
     for (const Run& run : runs) {
         if (run.run_type != Run::RT_Aggregate || run.aggregate_name != "median") {
             continue;
         }
-        Median& median = mMedians[run.run_name.function_name + (run.run_name.args.empty() ? "" : "/" + run.run_name.args)];
+        Median& median =
+            mMedians[run.run_name.function_name + (run.run_name.args.empty() ? "" : "/" + run.run_name.args)];
         median.nanoseconds = run.GetAdjustedCPUTime();
         const auto counter = run.counters.find("allocations");
         median.allocations = counter == run.counters.end() ? 0.0 : counter->second.value;
@@ -67,7 +70,8 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
 
 void TableReporter::Finalize() {
     std::fprintf(stderr, "\n");
-    std::printf("| what | median | target | measured against it | allocations | met |\n|---|---|---|---|---|---|\n");
+    std::printf(
+        "| what | median | target | measured against it | allocations | met |\n|---|---|---|---|---|---|\n");
     for (const Row& row : ROWS) {
         const auto found = mMedians.find(row.benchmark);
         if (found == mMedians.end()) {
@@ -87,7 +91,8 @@ void TableReporter::Finalize() {
         char allocations[48];
         if (row.allocations >= 0.0) {
             isMet = isMet && median.allocations <= row.allocations;
-            std::snprintf(allocations, sizeof allocations, "%.1f (at most %.0f)", median.allocations, row.allocations);
+            std::snprintf(allocations, sizeof allocations, "%.1f (at most %.0f)", median.allocations,
+                          row.allocations);
         } else {
             std::snprintf(allocations, sizeof allocations, "%.1f", median.allocations);
         }

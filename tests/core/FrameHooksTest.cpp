@@ -29,7 +29,7 @@ constexpr Ostra::KeyEvent CAPTURE_KEY{25, 1};
 /// Writes its number of the dump into a slot of its own and counts what the hooks ask of it.
 class CountingDrawer : public drawer::Drawer {
 public:
-    explicit CountingDrawer(std::size_t slot) : slot(slot) {}
+    explicit CountingDrawer(std::size_t ownSlot) : slot(ownSlot) {}
     void draw() override { ADD_FAILURE() << "the hooks never draw"; }
     void dump(Ostra::FrameDump& frame) override {
         ++dumps;

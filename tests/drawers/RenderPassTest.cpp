@@ -21,7 +21,7 @@ namespace {
 
 using testing::ElementsAre;
 
-std::unique_ptr<drawer::TextblockDrawer> makeBlock(unsigned lines, unsigned hint) {
+std::unique_ptr<drawer::TextblockDrawer> recordingBlock(unsigned lines, unsigned hint) {
     EXPECT_EQ(lines, 1U);
     EXPECT_EQ(hint, 35U);
     return std::make_unique<drawer::TextblockDrawer>(doubles::createRecordingText,
@@ -35,7 +35,7 @@ public:
         mSize = {0.5F, 0.05F};
     }
     std::unique_ptr<drawer::TextblockDrawer> createTextblockDrawer(unsigned lines, unsigned hint) override {
-        return makeBlock(lines, hint);
+        return recordingBlock(lines, hint);
     }
     unsigned getOrientation() override { return mIsLandscape; }
     void onPreDrawWidgets() override { doubles::drawCalls().push_back({"pre", {}, {}, {}, {}}); }
@@ -50,7 +50,7 @@ public:
         mSize = {0.5F, 0.05F};
     }
     std::unique_ptr<drawer::TextblockDrawer> createTextblockDrawer(unsigned lines, unsigned hint) override {
-        return makeBlock(lines, hint);
+        return recordingBlock(lines, hint);
     }
     unsigned getOrientation() override { return mIsLandscape; }
     unsigned mIsLandscape = 1;
@@ -304,7 +304,7 @@ INSTANTIATE_TEST_SUITE_P(
         TimeLineCase{"ThinAtTheStart", {{0, 0.05L}}, {{0.0F, 0.01F, true}}},
         TimeLineCase{"PastTheEnd", {{8, 13}, {12, 14}}, {{0.8F, 0.2F}, {1.0F, 0.0F}}},
         TimeLineCase{"BothFromTheStart", {{0, 4}, {0, 4}}, {{0.0F, 0.4F}, {0.0F, 0.4F}}}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(RenderPassTimeLine, RefusesInvalidFramesAndKeepsTheLastValidOne) {
     TimeLine line;

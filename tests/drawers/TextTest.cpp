@@ -104,7 +104,7 @@ INSTANTIATE_TEST_SUITE_P(
                     FitCase{"JustFits", "0000", 1.0001F, TextGravity::CENTER, 0.5F, 1.0F},
                     FitCase{"Squeezed", "0000", 0.5F, TextGravity::LEFT, 0.0F, 0.5F},
                     FitCase{"SqueezedRight", "0000", 0.25F, TextGravity::RIGHT, 0.0F, 0.25F}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(Text, IsShortenedOnlyWhenItDoesNotFit) {
     RecordingText text;

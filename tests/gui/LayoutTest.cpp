@@ -200,7 +200,7 @@ TEST_P(Layout, AgreesWithTheOracleForEveryCombination) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Orientations, Layout, testing::Bool(),
-                         [](const auto& info) { return info.param ? "Portrait" : "Landscape"; });
+                         [](const auto& test) { return test.param ? "Portrait" : "Landscape"; });
 
 void expectRect(int type, bool isPortrait, std::array<float, 4> expected) {
     const std::array<float, 4> rect = canvasRect(type, isPortrait);
