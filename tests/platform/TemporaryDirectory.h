@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace platform {
+
+/// A folder of mode 0700 that goes with everything in it when the object ends.
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() {
+        std::string name = std::filesystem::temp_directory_path() / "kordanix-test-XXXXXX";
+        mPath = mkdtemp(name.data());
+    }
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        std::filesystem::remove_all(mPath, ignored);
+    }
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    const std::string& path() const { return mPath; }
+    std::string path(const std::string& name) const { return mPath + "/" + name; }
+
+private:
+    std::string mPath;
+};
+
+}  // namespace platform
