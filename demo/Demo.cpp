@@ -1,15 +1,18 @@
 #include "Demo.h"
 
+#include "DevicePasses.h"
 #include "Landscape.h"
 #include "Options.h"
 #include "Pace.h"
 #include "Restart.h"
 #include "Settings.h"
+#include "SteppedClock.h"
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
 #include "scene/Overlay.h"
+#include "simulator/DeviceSimulator.h"
 #include "software/Png.h"
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
@@ -91,17 +94,21 @@ private:
 bool runFrames(const Options& options) {
     software::Surface surface(options.width, options.height);
     software::SoftwareFactory factory(surface);
-    scene::Overlay overlay(factory, core::RenderingApiType::OPENGL_ES);
+    DevicePasses passes;
+    scene::Overlay overlay(factory, core::RenderingApiType::OPENGL_ES, &passes);
     overlay.attach();
 
     Landscape landscape;
     Progress progress;
-    Pace pace(options.rate, options.isFixedStep);
+    Pace pace(options.rate);
     const auto count = static_cast<std::uint64_t>(std::llround(options.seconds * options.rate));
     bool isCaptureDue = options.captureAt >= 0.0;
     bool isWritten = true;
     for (std::uint64_t frame = 1; frame <= count && isWritten; ++frame) {
         const double seconds = static_cast<double>(frame - 1) / options.rate;
+        if (options.isFixedStep) {
+            setSteppedClock(seconds);
+        }
         if (isCaptureDue && seconds >= options.captureAt) {
             isCaptureDue = false;
             pressCaptureKey();
@@ -117,18 +124,34 @@ bool runFrames(const Options& options) {
         overlay.endFrame();
         if (options.isFixedStep) {
             overlay.mScene.settle();
+        } else {
+            pace.waitForNextFrame();
         }
         progress.onFrame(static_cast<double>(frame) / options.rate, frame, overlay.isShown());
-        pace.waitForNextFrame();
     }
     overlay.detach();
     return isWritten && writePicture(surface, options.png);
 }
 
+/// Empty when the figures asked for are there.
+std::string deviceProblem(const Options& options) {
+    if (options.device.empty() || simulator::isActive()) {
+        return {};
+    }
+    std::string names;
+    for (const std::string& name : simulator::deviceNames()) {
+        names += ' ' + name;
+    }
+    return simulator::deviceError() + "\nThe devices are:" + names;
+}
+
 }  // namespace
 
 int run(const Options& options) {
-    const std::string error = writeSettings(options);
+    std::string error = deviceProblem(options);
+    if (error.empty()) {
+        error = writeSettings(options);
+    }
     if (!error.empty()) {
         std::fprintf(stderr, "%s\n", error.c_str());
         removePrivateFolder(options);

@@ -71,6 +71,9 @@ bool parseOptions(int argc, char** argv, Options& options, int& exitCode) {
         for (const std::string& setting : settings) {
             error = error.empty() ? parseSetting(setting, options) : error;
         }
+        if (error.empty() && options.isFixedStep && options.device.empty()) {
+            error = "--fixed-step needs a simulated device: the machine's own figures cannot be slowed down";
+        }
         if (!error.empty()) {
             throw CLI::ValidationError(error);
         }

@@ -11,16 +11,12 @@ constexpr std::chrono::milliseconds LONGEST_DELAY(100);
 
 }  // namespace
 
-Pace::Pace(double rate, bool isFixedStep)
+Pace::Pace(double rate)
     : mFrame(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
           std::chrono::duration<double>(1.0 / rate))),
-      mIsFixedStep(isFixedStep),
       mNext(std::chrono::steady_clock::now()) {}
 
 void Pace::waitForNextFrame() {
-    if (mIsFixedStep) {
-        return;
-    }
     mNext += mFrame;
     const auto now = std::chrono::steady_clock::now();
     if (now > mNext + LONGEST_DELAY) {

@@ -4,17 +4,15 @@
 
 namespace demo {
 
-/// Paces the frame loop: either in real time, or in steps of exactly one frame's length on the simulated
-/// device's clock, as fast as it goes.
+/// Keeps the frame loop at its rate in real time.
 class Pace {
 public:
-    Pace(double rate, bool isFixedStep);
+    explicit Pace(double rate);
 
     void waitForNextFrame();
 
 private:
     std::chrono::steady_clock::duration mFrame;
-    bool mIsFixedStep;
     std::chrono::steady_clock::time_point mNext;
 };
 

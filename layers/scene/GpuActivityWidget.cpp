@@ -19,6 +19,8 @@ namespace {
 
 using Area = gui::RenderAreaType;
 
+constexpr long double MS_PER_SECOND = 1000.0L;
+
 std::unique_ptr<drawer::FixedGraphicDrawer> createGraph(PrimitiveFactory& factory) {
     return std::make_unique<drawer::FixedGraphicDrawer>(
         factory.createMesh(Topology::TRIANGLE_STRIP), factory.createMesh(Topology::LINE_STRIP),
@@ -26,10 +28,18 @@ std::unique_ptr<drawer::FixedGraphicDrawer> createGraph(PrimitiveFactory& factor
         std::vector<core::ShaderActivity>(), 0.0L, 0.0L);
 }
 
-/// Everything that was captured, from the first sample to the last.
-void showSeries(drawer::FixedGraphicDrawer& graph, const std::vector<core::ShaderActivity>& series) {
-    const bool isEmpty = series.empty();
-    graph.setData(series, isEmpty ? 0.0L : series.front().time, isEmpty ? 0.0L : series.back().time);
+/// From the first sample on, as long as the frame took, so that the graph lies below the time line as it
+/// was; the whole series when the frame's length is not known.
+void showSeries(drawer::FixedGraphicDrawer& graph, const std::vector<core::ShaderActivity>& series,
+                const gui::FrameData& frame) {
+    if (series.empty()) {
+        graph.setData(series, 0.0L, 0.0L);
+        return;
+    }
+    const long double start = series.front().time;
+    const long double end =
+        frame.isValid() ? start + (frame.mEndTime - frame.mStartTime) / MS_PER_SECOND : series.back().time;
+    graph.setData(series, start, end);
 }
 
 }  // namespace
@@ -86,8 +96,8 @@ void GpuActivityWidget::refresh(Metrics&) {
 }
 
 void GpuActivityWidget::showCapture() {
-    showSeries(*mVertex, mCapture.mVertexActivity);
-    showSeries(*mFragment, mCapture.mFragmentActivity);
+    showSeries(*mVertex, mCapture.mVertexActivity, mCapture.mFrame);
+    showSeries(*mFragment, mCapture.mFragmentActivity, mCapture.mFrame);
     if (mVertex->mIsEmpty && mFragment->mIsEmpty) {
         mMessage->setText(std::string("Shader activity ") + NOT_AVAILABLE);
     }

@@ -18,8 +18,7 @@ class PassTimeline;
 
 /// The captured frame. From top to bottom: the caption with the frame's number and length and the legend,
 /// the passes with their values, the passes on a time line, and the activity of the vertex and, over it,
-/// of the fragment shaders. Render passes and graphs are shown as the settings have them; the time line
-/// and the graphs share their width, but each spans its own time.
+/// of the fragment shaders. Render passes and graphs are shown as the settings have them.
 class GpuActivityWidget : public WidgetView {
 public:
     GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
@@ -27,16 +26,15 @@ public:
     void onFrame() override;
     void refresh(Metrics& metrics) override;
     void draw() override;
+    void settle() override { mCapture.settle(); }
 
 protected:
     void applySettings(float pixelsPerUnit) override;
 
 private:
     void showCapture();
-    void showCaption();
 
     GpuCapture mCapture;
-    bool mHasCapture = false;
     drawer::RectDrawer* mPanel;
     PassCaption* mCaption;
     PassCellsRow* mCells;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <thread>
 
 namespace scene {
 
@@ -40,6 +41,12 @@ bool GpuCapture::onFrame() {
     return false;
 }
 
+void GpuCapture::settle() const {
+    while (mIsRunning && mCounters.mIsCapturing.load(std::memory_order_acquire)) {
+        std::this_thread::yield();
+    }
+}
+
 void GpuCapture::start(std::uint32_t frameUs) {
     try {
         mCounters.startCapturing(std::clamp(frameUs / US_PER_MS, std::uint32_t{1}, LONGEST_CAPTURE_MS));
@@ -53,9 +60,10 @@ void GpuCapture::finish() {
     mIsRunning = false;
     mCounters.finishCapturing();
     mCounters.getGpuActivity(mVertexActivity, mFragmentActivity);
-    // The post-swap hook counts a frame after it: the last one that the GPU has finished is the one counted.
+    // The post-swap hook counts a frame when it has been swapped: this is the last one that was.
     mFrame = gui::FrameData(static_cast<unsigned int>(core::StateInfo::mFrameNumber), {});
-    if (mPasses != nullptr && !mPasses->readFrame(mFrame)) {
+    const Reading start = mVertexActivity.empty() ? Reading() : Reading(mVertexActivity.front().time);
+    if (mPasses != nullptr && !mPasses->readFrame(mFrame, start)) {
         mFrame.mRenderPasses.clear();
     }
 }

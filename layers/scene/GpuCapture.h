@@ -23,6 +23,9 @@ public:
     /// results when one has ended: true in that frame.
     bool onFrame();
 
+    /// Waits for the end of the capture that runs, if there is one; its results come with the next frame.
+    void settle() const;
+
     /// Results of the last capture. Without counters the series are empty; without known passes the frame
     /// is not valid.
     std::vector<core::ShaderActivity> mVertexActivity;

@@ -74,6 +74,9 @@ void Scene::draw() {
 
 void Scene::settle() {
     mMetrics.settle();
+    for (WidgetView* widget : mShown) {
+        widget->settle();
+    }
 }
 
 }  // namespace scene

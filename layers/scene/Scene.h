@@ -38,7 +38,7 @@ public:
     /// What is on the screen, in drawing order, for the post-swap hook.
     const std::vector<drawer::Drawer*>& drawers() const { return mShownDrawers; }
 
-    /// Waits for the figures that are read in the background: for pictures that must not depend on timing.
+    /// Waits for everything that runs in the background: for pictures that must not depend on timing.
     void settle();
 
 private:

@@ -37,6 +37,9 @@ public:
 
     virtual void draw() = 0;
 
+    /// Waits for what runs in the background: for pictures that must not depend on timing.
+    virtual void settle() {}
+
     /// Adds the drawers that are switched on to the list for the post-swap hook.
     void collectDrawers(std::vector<drawer::Drawer*>& drawers) const;
 
