@@ -1,0 +1,270 @@
+#include "core/RenderingApiType.h"
+#include "core/StateInfo.h"
+#include "core/SysPropWatcher.h"
+#include "doubles/FakeClock.h"
+#include "doubles/FakeFiles.h"
+#include "doubles/FakeOstra.h"
+#include "doubles/FakeProperties.h"
+#include "doubles/RecordingFactory.h"
+#include "gui/LayoutManager.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/KernelFiles.h"
+#include "scene/Overlay.h"
+#include "scene/RenderPassSource.h"
+#include "scene/TextFormat.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <limits>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using testing::Contains;
+using testing::IsSupersetOf;
+using testing::Not;
+
+constexpr auto API = static_cast<core::RenderingApiType>(0);
+constexpr double MB = 1024.0 * 1024.0;
+
+TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
+    using scene::Reading;
+    const double infinity = std::numeric_limits<double>::infinity();
+    struct Case {
+        std::string (*format)(Reading);
+        Reading reading;
+        const char* text;
+    };
+    const Case cases[] = {
+        {scene::formatRate, 59.94, "59.9"},
+        {scene::formatRate, 0.0, "0.0"},
+        {scene::formatRate, {}, "N/A"},
+        {scene::formatRate, infinity, "N/A"},
+        {scene::formatPercent, 42.5, "42%"},
+        {scene::formatPercent, 99.6, "100%"},
+        {scene::formatTemperature, 44.6, "45C"},
+        {scene::formatMegahertz, 585.4, "585MHz"},
+        {scene::formatBytes, 0.0, "0.0MB"},
+        {scene::formatBytes, 9.94 * MB, "9.9MB"},
+        {scene::formatBytes, 9.96 * MB, "10MB"},
+        {scene::formatBytes, 999.4 * MB, "999MB"},
+        {scene::formatBytes, 999.6 * MB, "1.0GB"},
+        {scene::formatBytes, 12.34 * 1024 * MB, "12.3GB"},
+        {scene::formatBytes, 99.96 * 1024 * MB, "100GB"},
+        {scene::formatBytes, {}, "N/A"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(c.format(c.reading), c.text);
+    }
+}
+
+TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
+    const std::pair<const char*, scene::Reading> numbers[] = {
+        {"12\n", 12.0}, {"  7", 7.0}, {"", {}},
+        {"x1", {}},     {"-3", {}},   {"18446744073709551615", 18446744073709551615.0}};
+    for (const auto& [text, number] : numbers) {
+        EXPECT_EQ(scene::leadingNumber(text), number) << text;
+    }
+    const std::pair<const char*, scene::Reading> ranges[] = {
+        {"0-3,6-7\n", 7.0}, {"0", 0.0}, {"", {}}, {"\n", {}}};
+    for (const auto& [text, number] : ranges) {
+        EXPECT_EQ(scene::lastNumberOfRanges(text), number) << text;
+    }
+    const char* const text = "Rss: 9 kB\nPss:      1234 kB\nPss_Dirty: 5 kB\nPss: 7 kB\n";
+    EXPECT_EQ(scene::findKilobytes(text, "Pss"), scene::Reading(1234.0 * 1024.0));
+    EXPECT_FALSE(scene::findKilobytes(text, "ss"));
+    EXPECT_FALSE(scene::findKilobytes("Pss:", "Pss"));
+}
+
+/// Passes of a frame whose number the test can foretell.
+class OnePass : public scene::RenderPassSource {
+public:
+    bool readFrame(gui::FrameData& frame) override {
+        gui::RenderPassData pass(0.0F, {11, 22});
+        pass.setIndex(4);
+        pass.addTimestampInfo(2, 6);
+        frame.addRenderPassInfo(pass);
+        frame.addFrameTimeInfo(0, 10);
+        ++reads;
+        return true;
+    }
+    int reads = 0;
+};
+
+class SceneOverlay : public testing::Test {
+protected:
+    SceneOverlay() : mOverlay(mFactory, API, &mPasses) {
+        doubles::resetCompanion();
+        doubles::removeAllFiles();
+        doubles::setFile("/proc/self/cmdline", "app");
+        doubles::setWallClock(1795555555000000);
+        for (const auto& [name, value] : std::vector<std::pair<const char*, const char*>>{
+                 {"status", "true"}, {"proc", "app"}, {"devmode", "true"}}) {
+            doubles::setProperty(std::string("debug.kordanix.") + name, value);
+        }
+        SysPropWatcher::forceReadAllProps();
+        mOverlay.attach();
+    }
+    ~SceneOverlay() override {
+        mOverlay.detach();
+        doubles::releaseWallClock();
+    }
+
+    /// What a publication does, without waiting for the watcher.
+    static void publish(const std::vector<std::pair<std::string, std::string>>& properties) {
+        gui::WidgetsSettings::getWidgets();
+        for (const auto& [name, value] : properties) {
+            doubles::setProperty("debug.kordanix." + name, value);
+        }
+        SysPropWatcher::forceReadAllProps();
+        gui::WidgetsSettings::wasChanged = true;
+    }
+
+    /// One frame of 16 ms; what it draws is in doubles::drawCalls().
+    void frame() {
+        doubles::advanceWallClock(16000);
+        doubles::drawCalls().clear();
+        mOverlay.beginFrame();
+        mOverlay.draw();
+        mOverlay.endFrame();
+    }
+
+    void frames(int count) {
+        for (int i = 0; i < count; ++i) {
+            frame();
+        }
+    }
+
+    static std::vector<std::string> drawn() { return doubles::drawnNames(); }
+
+    doubles::RecordingFactory mFactory;
+    OnePass mPasses;
+    scene::Overlay mOverlay;
+};
+
+TEST_F(SceneOverlay, ShowsNotAvailableForWhatCannotBeRead) {
+    publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
+    frames(20);
+    const std::vector<std::string> names = drawn();
+    // CPU load, GPU clock, GPU load; five memory figures: nothing of it can be read here.
+    EXPECT_GE(std::count(names.begin(), names.end(), "N/A"), 8);
+    for (const std::string& name : names) {
+        EXPECT_THAT(name, Not(testing::HasSubstr("-1"))) << "a failed reading is no figure";
+    }
+}
+
+TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
+    doubles::setFile("/sys/kernel/gpu/gpu_busy", "37\n");
+    doubles::setFile("/sys/kernel/gpu/gpu_freq_table", "338 598\n");
+    doubles::setFile("/sys/kernel/gpu/gpu_clock", "450\n");
+    doubles::setFile("/sys/kernel/gpu/gpu_mem_total", "104857600\n");
+    publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
+    frames(20);
+    EXPECT_THAT(drawn(), IsSupersetOf({"37%", "450", "100MB"}));
+    EXPECT_THAT(drawn(), Contains(testing::HasSubstr("62.5"))) << "frames of 16 ms";
+}
+
+TEST_F(SceneOverlay, IsRefreshedEvery120Milliseconds) {
+    doubles::setFile("/sys/kernel/gpu/gpu_busy", "10\n");
+    publish({});
+    frames(20);
+    const unsigned before = doubles::timesOpened("/sys/kernel/gpu/gpu_busy");
+    frames(80);  // 1280 ms
+    const unsigned readings = doubles::timesOpened("/sys/kernel/gpu/gpu_busy") - before;
+    EXPECT_GE(readings, 9U);
+    EXPECT_LE(readings, 11U);
+}
+
+TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
+    publish({});
+    frames(10);
+    EXPECT_THAT(drawn(), Contains("CPU"));
+    EXPECT_THAT(drawn(), Contains("thumbnail"));
+    EXPECT_THAT(drawn(), Not(Contains("PSS")));
+    publish(
+        {{"widget_memory", "true"}, {"widget_cpu_gpu", "false"}, {"widget_gpu_activity_thumbnail", "false"}});
+    frame();
+    EXPECT_THAT(drawn(), Contains("PSS"));
+    EXPECT_THAT(drawn(), Not(Contains("CPU")));
+    EXPECT_THAT(drawn(), Not(Contains("thumbnail")));
+    publish({{"status", "false"}});
+    frame();
+    EXPECT_TRUE(drawn().empty());
+    publish({{"status", "true"}});
+    frame();
+    EXPECT_THAT(drawn(), Contains("PSS"));
+}
+
+// Every text stays inside its widget, and no two texts of the overlay lie on each other, save for the legend,
+// whose second half covers the end of the first.
+TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
+    for (const glm::uvec2 size : {glm::uvec2(740, 360), glm::uvec2(360, 740)}) {
+        mFactory.mSize = size;
+        publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
+        frames(20);
+        std::vector<doubles::DrawCall> texts;
+        for (const doubles::DrawCall& call : doubles::drawCalls()) {
+            const bool isText = call.what != "fill" && call.what != "line" && call.what != "grid" &&
+                                call.what != "background" && call.what != "thumbnail" &&
+                                call.what != "clip" && call.what != "unclip" && call.what[0] != '@';
+            if (isText) {
+                texts.push_back(call);
+            }
+        }
+        ASSERT_GE(texts.size(), 15U);
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            const glm::vec2 start = texts[i].position;
+            const glm::vec2 end = start + texts[i].size;
+            EXPECT_TRUE(start.x >= 0.0F && start.y >= 0.0F && end.x <= 1.0F && end.y <= 1.0F)
+                << texts[i].what;
+            for (std::size_t k = i + 1; k < texts.size(); ++k) {
+                const glm::vec2 otherStart = texts[k].position;
+                const glm::vec2 otherEnd = otherStart + texts[k].size;
+                const float epsilon = 0.0005F;
+                EXPECT_FALSE(start.x + epsilon < otherEnd.x && otherStart.x + epsilon < end.x &&
+                             start.y + epsilon < otherEnd.y && otherStart.y + epsilon < end.y)
+                    << texts[i].what << " and " << texts[k].what << " at " << size.x;
+            }
+        }
+    }
+}
+
+TEST_F(SceneOverlay, ACaptureShowsTheFramesPasses) {
+    publish({});
+    frames(3);
+    EXPECT_EQ(mPasses.reads, 0);
+    doubles::companion().keyEvents = {{25, 1}};
+    frame();
+    for (int i = 0; i < 2000 && mPasses.reads == 0; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        frame();
+    }
+    frame();
+    ASSERT_EQ(mPasses.reads, 1);
+    EXPECT_THAT(drawn(), IsSupersetOf({" 4 11 22 ", "4"}));
+    EXPECT_THAT(drawn(), Contains(testing::MatchesRegex("[0-9]+\\(10\\.0ms\\)")));
+    EXPECT_THAT(drawn(), IsSupersetOf({"clip", "unclip"}));
+}
+
+TEST_F(SceneOverlay, ADumpHoldsWhatIsShown) {
+    doubles::setFile("/sys/kernel/gpu/gpu_busy", "37\n");
+    doubles::setFile("/sys/kernel/gpu/gpu_mem_total", "104857600\n");
+    publish({{"widget_memory", "true"}});
+    frames(10);
+    doubles::companion().keyEvents = {{24, 1}};
+    frames(30);
+    ASSERT_GE(doubles::companion().dumps.size(), 20U);
+    const Ostra::FrameDump& last = doubles::companion().dumps.back();
+    EXPECT_NEAR(last.values[0].floatValue, 62.5F, 0.5F);
+    EXPECT_FLOAT_EQ(last.values[4].floatValue, 37.0F);
+    EXPECT_EQ(last.values[7].intValue, 104857600U);
+    EXPECT_EQ(last.values[1].intValue, 0U) << "the median has no graph";
+}
+
+}  // namespace
