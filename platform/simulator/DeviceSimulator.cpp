@@ -22,10 +22,12 @@ using Clock = std::chrono::steady_clock;
 
 constexpr double RUNNING = -1.0;
 constexpr double SAMPLE_SECONDS = 0.0005;
+constexpr double MS_PER_SECOND = 1000.0;
 
 // Any thread sets and reads them; no other data hangs on them.
 std::atomic<double> gStoppedTime{RUNNING};
 std::atomic<double> gCaptureStart{0.0};
+std::atomic<double> gCaptureDelay{0.0};
 std::atomic<std::uint32_t> gCaptureSamples{0};
 
 struct Choice {
@@ -107,33 +109,45 @@ void useWallClock() {
     gStoppedTime.store(RUNNING, std::memory_order_relaxed);
 }
 
-std::optional<ScriptedFrame> frame(std::uint32_t number) {
+std::optional<ScriptedFrame> frameAt(double seconds) {
     const Device* const device = activeDevice();
-    if (device == nullptr || device->script().frames.empty()) {
-        return std::nullopt;
-    }
-    const std::vector<ScriptedFrame>& frames = device->script().frames;
-    return frames[number % frames.size()];
+    return device != nullptr ? device->script().frameAt(seconds) : std::nullopt;
 }
+
+namespace {
+
+/// As if the capture had been started by the swap with which the frame begins.
+void beginCapture(double seconds) {
+    const std::optional<ScriptedFrame> frame = frameAt(seconds);
+    const double start = frame ? frame->startMs / MS_PER_SECOND : seconds;
+    gCaptureStart.store(start, std::memory_order_relaxed);
+    gCaptureDelay.store(seconds - start, std::memory_order_relaxed);
+    gCaptureSamples.store(0, std::memory_order_relaxed);
+}
+
+double sampleTime() {
+    if (gStoppedTime.load(std::memory_order_relaxed) < 0.0) {
+        return now() - gCaptureDelay.load(std::memory_order_relaxed);
+    }
+    // Not from now: the time may be set to the next frame meanwhile.
+    const std::uint32_t index = gCaptureSamples.fetch_add(1, std::memory_order_relaxed) + 1;
+    return gCaptureStart.load(std::memory_order_relaxed) + index * SAMPLE_SECONDS;
+}
+
+}  // namespace
 
 }  // namespace simulator
 
 bool kordanixSimulatedGpu(KordanixSimulatedMoment moment, KordanixSimulatedGpu* sample) {
-    using namespace simulator;
-    const Device* const device = activeDevice();
+    const simulator::Device* const device = simulator::activeDevice();
     if (device == nullptr || !device->script().counters) {
         return false;
     }
-    double seconds = now();
     if (moment == KORDANIX_SIMULATED_CAPTURE) {
-        gCaptureStart.store(seconds, std::memory_order_relaxed);
-        gCaptureSamples.store(0, std::memory_order_relaxed);
-    } else if (moment == KORDANIX_SIMULATED_SAMPLE && gStoppedTime.load(std::memory_order_relaxed) >= 0.0) {
-        // From the capture's start, not from now: the time may be set to the next frame meanwhile.
-        const std::uint32_t index = gCaptureSamples.fetch_add(1, std::memory_order_relaxed) + 1;
-        seconds = gCaptureStart.load(std::memory_order_relaxed) + index * SAMPLE_SECONDS;
+        simulator::beginCapture(simulator::now());
     }
-    const Script& script = device->script();
+    const simulator::Script& script = device->script();
+    const double seconds = moment == KORDANIX_SIMULATED_SAMPLE ? simulator::sampleTime() : simulator::now();
     sample->seconds = seconds;
     sample->usage = script.figureAt(script.counters->usage, seconds);
     sample->vertexActivity = script.figureAt(script.counters->vertexActivity, seconds);

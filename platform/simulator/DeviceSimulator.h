@@ -38,8 +38,9 @@ void setTime(double seconds);
 /// Lets the device's time run again, as if it had never been stopped.
 void useWallClock();
 
-/// The render passes that the device shows in the frame of this number; nothing without a device that has
-/// some.
-std::optional<ScriptedFrame> frame(std::uint32_t number);
+/// The frame that the device's GPU is at work on at this time, with its render passes; nothing without a
+/// device that has some. For the frame that a capture took its samples in, ask for the time of the first
+/// sample: a capture always begins together with a frame.
+std::optional<ScriptedFrame> frameAt(double seconds);
 
 }  // namespace simulator

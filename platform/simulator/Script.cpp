@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t MAX_VALUES = 6;
 constexpr double MAX_REPETITIONS = 1000.0;
+constexpr double MS_PER_SECOND = 1000.0;
 constexpr double MAX_VALUE = std::numeric_limits<std::uint32_t>::max();
 
 [[noreturn]] void fail(const JsonNode& node, const std::string& expected) {
@@ -185,6 +186,11 @@ void readPass(const JsonNode& node, std::vector<ScriptedPass>& passes) {
     }
 }
 
+/// Where the last frame ends, in milliseconds.
+double endOf(const std::vector<ScriptedFrame>& frames) {
+    return frames.empty() ? 0.0 : frames.back().startMs + frames.back().durationMs;
+}
+
 void readScript(const JsonNode& root, Script& script) {
     requireObject(root, {"period", "curves", "totals", "counters", "frames"});
     const double period = positive(member(root, "period"));
@@ -205,7 +211,8 @@ void readScript(const JsonNode& root, Script& script) {
     if (const JsonNode* const frames = root.find("frames")) {
         for (const JsonNode& item : list(*frames)) {
             requireObject(item, {"duration", "passes"});
-            ScriptedFrame frame = {positive(member(item, "duration")), {}};
+            const double start = endOf(script.frames);
+            ScriptedFrame frame = {start, positive(member(item, "duration")), {}};
             for (const JsonNode& pass : list(member(item, "passes"))) {
                 readPass(pass, frame.passes);
             }
@@ -223,6 +230,20 @@ std::string Script::read(const std::string& path, std::string_view text) {
     } catch (const ScriptError& error) {
         return path + ':' + std::to_string(error.line) + ": " + error.message;
     }
+}
+
+std::optional<ScriptedFrame> Script::frameAt(double seconds) const {
+    if (frames.empty()) {
+        return std::nullopt;
+    }
+    const double timeMs = seconds * MS_PER_SECOND;
+    const double inRoundMs = std::fmod(timeMs, endOf(frames));
+    const auto next =
+        std::upper_bound(frames.begin(), frames.end(), inRoundMs,
+                         [](double moment, const ScriptedFrame& frame) { return moment < frame.startMs; });
+    ScriptedFrame frame = *(next - 1);
+    frame.startMs += timeMs - inRoundMs;
+    return frame;
 }
 
 bool Script::hasFigure(const std::string& name) const {

@@ -20,6 +20,7 @@ struct ScriptedPass {
 
 /// The render passes of one frame.
 struct ScriptedFrame {
+    double startMs;  ///< on the device's clock
     double durationMs;
     std::vector<ScriptedPass> passes;  ///< at least one, in the script's order
 };
@@ -46,8 +47,11 @@ public:
     /// Nothing when the device has no GPU counters.
     std::optional<Counters> counters;
 
-    /// What the frames show in turn; empty when the device has no render passes.
+    /// One after the other, and then again from the first one; empty when the device has no render passes.
     std::vector<ScriptedFrame> frames;
+
+    /// The frame that the device is at work on at this time; nothing when it has none.
+    std::optional<ScriptedFrame> frameAt(double seconds) const;
 
     /// A figure that grows with the area under a curve, such as a count of ticks.
     struct Total {
