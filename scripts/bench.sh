@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 scripts/install-dependencies.sh build bench
 
 echo "Building the benchmarks in build/release" >&2
-cmake --preset release >/dev/null
+cmake --preset release -DKORDANIX_BENCH=ON >/dev/null
 cmake --build --preset release --target kordanix-bench >/dev/null
 echo "Measuring, some two minutes" >&2
 exec build/release/bin/kordanix-bench "$@"
