@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Dump.h"
+
+#include <string>
+#include <string_view>
+
+namespace control {
+
+/// Reads frames.csv and passes.csv of a dump's folder as far as they go. Returns an empty text, or why there
+/// is nothing to be read: without a whole frame there is no dump, without render passes there still is.
+std::string readDump(const std::string& folder, Dump& dump);
+
+/// The parts of readDump(), for texts in memory and any bytes. Each returns an empty text, or why the text as
+/// a whole cannot be read: no first row, or a column without which nothing makes sense. A row is malformed,
+/// and skipped, when it has another number of fields than the first one, when a field holds something other
+/// than the number that belongs there, or when frame numbers do not rise. The frames come first.
+std::string parseFrames(std::string_view text, Dump& dump);
+std::string parsePasses(std::string_view text, Dump& dump);
+
+/// What was left out in reading, in sentences for people; empty when the dump was whole.
+std::string describeLosses(const Dump& dump);
+
+}  // namespace control

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// Pieces of text for the report.
+namespace control {
+
+/// The text as it may stand in an element or a quoted attribute, whatever bytes it holds.
+std::string escapeHtml(std::string_view text);
+
+/// With that many decimal places, the same in every locale.
+std::string fixedPoint(double number, int decimals);
+
+/// With a thin space between thousands.
+std::string grouped(std::uint64_t number);
+
+/// A duration since the start: "12.3 s", from two minutes on "2:03".
+std::string clockText(double seconds);
+
+}  // namespace control

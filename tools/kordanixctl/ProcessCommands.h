@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ExitCode.h"
+
+#include <sys/types.h>
+
+#include <optional>
+#include <ostream>
+#include <string>
+
+/// Verbs that reach running overlays, all of them or one process.
+namespace control {
+
+enum class Key { DUMP, CAPTURE };
+
+ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std::ostream& err);
+
+/// Tells overlays that their application goes to the background.
+ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::ostream& err);
+
+/// The name that "debug.kordanix.proc" is compared with: the first word of the process's command line. Empty
+/// when it cannot be read.
+std::string processName(pid_t process);
+
+}  // namespace control

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Dump.h"
+#include "Statistics.h"
+
+#include <ostream>
+#include <vector>
+
+namespace control {
+
+/// What the sections of a report are made from.
+struct ReportData {
+    const Dump& dump;
+    FrameTimes times;              ///< not empty
+    std::vector<double> sortedMs;  ///< of `times`
+    FrameRateSummary summary;
+    std::vector<double> elapsedSeconds;  ///< of every frame since the first
+};
+
+/// The sections, in the order of the page. One that has nothing to show writes nothing.
+void writeHeading(const ReportData& data, std::ostream& out);
+void writeTiles(const ReportData& data, std::ostream& out);
+void writeFrameTimes(const ReportData& data, std::ostream& out);
+void writeDistribution(const ReportData& data, std::ostream& out);
+void writeValues(const ReportData& data, std::ostream& out);
+void writePassesOfSlowestFrames(const ReportData& data, std::ostream& out);
+void writeExplanations(const ReportData& data, std::ostream& out);
+
+}  // namespace control

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+namespace control {
+
+/// The report's style sheet: light or dark as the reader's system is.
+extern const std::string_view REPORT_STYLE;
+
+}  // namespace control

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "ExitCode.h"
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+/// Verbs that write properties. Each says on `err` what went wrong.
+namespace control {
+
+struct SetOptions {
+    bool isForced = false;  ///< also write names that the library does not know
+    bool isPublished = true;
+};
+
+/// Writes properties from words that are names and values in turns, then publishes them together. Nothing is
+/// written unless every name and value is right.
+ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& options, std::ostream& err);
+
+/// Publishes what others have set.
+ExitCode publishProperties(std::ostream& err);
+
+/// Takes the library's properties back to their defaults and publishes that; with `keepsControl`, only the
+/// settings and not the properties that say where the overlay is shown.
+ExitCode resetProperties(bool keepsControl, std::ostream& err);
+
+}  // namespace control
