@@ -1,0 +1,18 @@
+#pragma once
+
+#include "FontLayout.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace fontgen {
+
+/// A character's picture and measures. The bitmap position (x, y) is the packer's to fill in.
+struct Glyph {
+    char code = 0;
+    GlyphBox box;
+    /// Coverage, 0 to 255, box.width bytes a row, rows from top to bottom.
+    std::vector<std::uint8_t> coverage;
+};
+
+}  // namespace fontgen
