@@ -52,10 +52,7 @@ Choice* makeChoice() {
     choice->error = choice->device.load(folder);
     choice->isActive = choice->error.empty();
     if (!fs::is_directory(folder)) {
-        choice->error = std::string("there is no device \"") + name + "\"; there are:";
-        for (const std::string& known : deviceNames()) {
-            choice->error += ' ' + known;
-        }
+        choice->error = std::string("there is no device \"") + name + '"';
     }
     if (!choice->isActive) {
         __android_log_print(ANDROID_LOG_ERROR, "Simulator", "%s", choice->error.c_str());
@@ -116,13 +113,14 @@ std::optional<ScriptedFrame> frameAt(double seconds) {
 
 namespace {
 
-/// As if the capture had been started by the swap with which the frame begins.
-void beginCapture(double seconds) {
+/// Returns when the capture begins on the device's clock: as if the swap before the frame had started it.
+double beginCapture(double seconds) {
     const std::optional<ScriptedFrame> frame = frameAt(seconds);
     const double start = frame ? frame->startMs / MS_PER_SECOND : seconds;
     gCaptureStart.store(start, std::memory_order_relaxed);
     gCaptureDelay.store(seconds - start, std::memory_order_relaxed);
     gCaptureSamples.store(0, std::memory_order_relaxed);
+    return start;
 }
 
 double sampleTime() {
@@ -143,11 +141,13 @@ bool kordanixSimulatedGpu(KordanixSimulatedMoment moment, KordanixSimulatedGpu* 
     if (device == nullptr || !device->script().counters) {
         return false;
     }
+    double seconds = simulator::now();
     if (moment == KORDANIX_SIMULATED_CAPTURE) {
-        simulator::beginCapture(simulator::now());
+        seconds = simulator::beginCapture(seconds);
+    } else if (moment == KORDANIX_SIMULATED_SAMPLE) {
+        seconds = simulator::sampleTime();
     }
     const simulator::Script& script = device->script();
-    const double seconds = moment == KORDANIX_SIMULATED_SAMPLE ? simulator::sampleTime() : simulator::now();
     sample->seconds = seconds;
     sample->usage = script.figureAt(script.counters->usage, seconds);
     sample->vertexActivity = script.figureAt(script.counters->vertexActivity, seconds);
