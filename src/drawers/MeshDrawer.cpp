@@ -1,0 +1,7 @@
+#include "drawers/MeshDrawer.h"
+
+namespace drawer {
+
+MeshDrawer::~MeshDrawer() = default;
+
+}  // namespace drawer

@@ -1,0 +1,7 @@
+#include "drawers/RectDrawer.h"
+
+namespace drawer {
+
+RectDrawer::~RectDrawer() = default;
+
+}  // namespace drawer
