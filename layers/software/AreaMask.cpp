@@ -38,7 +38,7 @@ void AreaMask::addTriangle(const glm::vec2& a, const glm::vec2& b, const glm::ve
 }
 
 // Cuts the edge to the region: what lies left of it counts as lying on its left border (everything to the
-// right of an edge is affected by it), what lies right of it has no effect.
+// right of an edge is affected by it), what lies right of it as lying on its right border, without effect.
 void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
     if (y0 == y1) {
         return;
@@ -71,16 +71,7 @@ void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
     for (int i = 0; i < 3; ++i) {
         const double from = stops[i];
         const double to = stops[i + 1];
-        if (!(from < to)) {
-            continue;
-        }
-        const double middle = xAt(0.5 * (from + to));
-        if (middle >= width) {
-            continue;
-        }
-        if (middle <= 0.0) {
-            addPart(0.0, from, 0.0, to, direction);
-        } else {
+        if (from < to) {
             addPart(std::clamp(xAt(from), 0.0, width), from, std::clamp(xAt(to), 0.0, width), to, direction);
         }
     }

@@ -22,8 +22,8 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
     const int end = toInt(std::ceil(high + spill), limitLow, limitHigh);
     for (int pixel = mFirst; pixel < end; ++pixel) {
         const double center = (pixel + 0.5 - low) * scale;
-        const double from = std::max(center - 0.5 * footprint, 0.0);
-        const double to = std::min(center + 0.5 * footprint, double(sourceCount));
+        const double from = center - 0.5 * footprint;
+        const double to = center + 0.5 * footprint;
         Taps taps;
         taps.mWeights = mWeights.size();
         const int start = toInt(std::floor(from), 0, sourceCount);
@@ -31,7 +31,7 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
         taps.mFirst = static_cast<std::size_t>(start);
         for (int cell = start; cell < last; ++cell) {
             const double covered = std::min(to, cell + 1.0) - std::max(from, double(cell));
-            mWeights.push_back(static_cast<float>(std::max(covered, 0.0) / footprint));
+            mWeights.push_back(static_cast<float>(covered / footprint));
             ++taps.mCount;
         }
         mTaps.push_back(taps);

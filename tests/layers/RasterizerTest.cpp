@@ -278,12 +278,17 @@ TEST(Rasterizer, GridLinesFillWholePixelsInsideTheirFrame) {
             Rasterizer().strokeSegments(image, all(image), frame, points.data(), points.size(), width,
                                         HALF_WHITE);
             int columns = 0;
+            double centers = 0.0;
             for (int column = 0; column < 64; ++column) {
                 const int alpha = image.row(40)[column].mAlpha;
                 ASSERT_TRUE(alpha == 0 || (alpha == 128 && column >= 2 && column < 62)) << x << ' ' << column;
-                columns += alpha == 128 ? 1 : 0;
+                if (alpha == 128) {
+                    ++columns;
+                    centers += column + 0.5;
+                }
             }
             ASSERT_EQ(columns, whole) << x;
+            ASSERT_NEAR(centers / columns, x, x < 3.5F || x > 60.5F ? 1.0 : 0.76) << width;
             ASSERT_EQ(maximumAlpha(image), 128);  // where lines cross, too
         }
     }
