@@ -47,9 +47,10 @@ constexpr FixedGlyph FIXED_GLYPHS[] = {
     {'j', {30, 0, 11, 45, 0, 13, 12}},
 };
 
-/// The square that stands for "@": a colour swatch as high as a capital.
+/// The square that stands for "@": a colour swatch as high as a capital, at the pen's position so that what
+/// room its advance leaves lies before the word that follows.
 constexpr std::uint32_t SWATCH_SIZE = 34;
-constexpr std::uint32_t SWATCH_OFFSET = 1;
+constexpr std::uint32_t SWATCH_OFFSET = 0;
 constexpr std::uint32_t SWATCH_ADVANCE = 36;
 
 /// The given box of a character, null for one whose box follows from the face.

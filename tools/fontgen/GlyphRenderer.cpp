@@ -83,7 +83,7 @@ GlyphRenderer::GlyphRenderer(const std::string& faceFile) : mFaceFile(faceFile) 
         mScaleY = CAPITAL_HEIGHT / load('H').vertical.high;
         mScaleX = DIGIT_ADVANCE / load('0').advance;
         mOvershoot = -load('o').vertical.low;
-        // The bars of "z" are as thick as the face's other horizontal strokes, and "I" is a bare stem.
+        // The stem of "I" stands for all strokes: it is a bare one, and exact enough for the tails it keeps.
         mStroke = load('I').horizontal.size();
     } catch (...) {
         FT_Done_Face(mFace);
