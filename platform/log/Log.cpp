@@ -65,7 +65,7 @@ public:
     }
 
 private:
-    std::array<char, OUTPUT_SIZE> mBuffer;
+    std::array<char, OUTPUT_SIZE> mBuffer = {};
     std::size_t mSize = 0;
     std::string mOverflow;
 };
@@ -85,7 +85,7 @@ int writeToStandardError(std::string_view text) {
 /// The message in logcat's brief format: every line under the same prefix, an end of line at the end of
 /// the message making no further one.
 int writeMessage(int priority, const char* tag, std::string_view message) {
-    std::array<char, 128> prefix;
+    std::array<char, 128> prefix = {};
     const int length = std::snprintf(prefix.data(), prefix.size(), "%c/%-8.80s(%5d): ", letterOf(priority),
                                      tag == nullptr ? "" : tag, static_cast<int>(getpid()));
     const std::string_view start(prefix.data(), static_cast<std::size_t>(std::max(length, 0)));
@@ -114,6 +114,7 @@ android_LogPriority logLevelFrom(const char* text) {
 
 }  // namespace platform
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the platform's name
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
     // Read once: the application may change its environment later.
     static const int level =
@@ -122,7 +123,7 @@ int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
         return 0;
     }
     const int callersErrno = errno;
-    std::array<char, platform::MESSAGE_SIZE> message;
+    std::array<char, platform::MESSAGE_SIZE> message = {};
     va_list arguments;
     va_start(arguments, fmt);
     const int length = std::vsnprintf(message.data(), message.size(), fmt, arguments);

@@ -20,7 +20,8 @@ void storeValue(prop_info& entry, std::uint32_t serial, const char* value) {
     std::memcpy(words.data(), value, std::strlen(value));
     auto& target = entry.values[serial % 2];
     for (std::size_t i = 0; i < words.size(); ++i) {
-        target[i].store(words[i], std::memory_order_relaxed);
+        // Each a release, so that whoever reads a word of this write also sees all stores before it.
+        target[i].store(words[i], std::memory_order_release);
     }
 }
 
@@ -100,17 +101,15 @@ std::size_t findEntry(const PropertyArea& area, const char* name) {
 }
 
 PropertyValue readValue(const prop_info& entry) {
-    ValueWords words;
-    PropertyValue value;
+    ValueWords words = {};
+    PropertyValue value = {};
     std::uint32_t before = entry.serial.load(std::memory_order_acquire);
     for (;;) {
         const auto& source = entry.values[before % 2];
         for (std::size_t i = 0; i < words.size(); ++i) {
-            words[i] = source[i].load(std::memory_order_relaxed);
+            words[i] = source[i].load(std::memory_order_acquire);
         }
-        // Pairs with the writer's release fence: who has copied a word of the write after the next one
-        // also sees that the serial moved on.
-        std::atomic_thread_fence(std::memory_order_acquire);
+        // Had the write after the next one reached these words, the serial of the next would show by now.
         const std::uint32_t after = entry.serial.load(std::memory_order_acquire);
         if (after == before) {
             break;
@@ -186,7 +185,6 @@ std::string writeEntry(PropertyArea& area, const char* name, const char* value) 
     prop_info& entry = area.entries[number];
     const std::uint32_t serial = isNew ? 1 : nextSerial(entry.serial.load(std::memory_order_acquire));
     area.pending.store(static_cast<std::uint32_t>(number + 1), std::memory_order_release);
-    std::atomic_thread_fence(std::memory_order_release);
     storeValue(entry, serial, value);
     if (isNew) {
         entry.hash = hashName(name);

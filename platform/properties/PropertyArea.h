@@ -33,7 +33,7 @@ namespace platform {
 /// their table, so whatever the bytes are, no access leaves the mapping and no search is endless.
 /// The layout is the same for 32 and 64 bits.
 struct PropertyArea {
-    static constexpr std::size_t SIZE = 256 * 1024;
+    static constexpr std::size_t SIZE = std::size_t{256} * 1024;
     static constexpr std::uint32_t MAGIC = 0x5052504B;  // "KPRP" in the file of a little-endian machine
     static constexpr std::uint32_t VERSION = 1;
     static constexpr std::size_t INDEX_SIZE = 2048;

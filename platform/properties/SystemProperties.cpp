@@ -57,7 +57,7 @@ timespec deadlineAfter(const timespec& timeout) {
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
     // Bounded so that the sum fits a 32-bit time as well; ten years are as good as for ever.
-    constexpr time_t MAX_SECONDS = 10 * 365 * 24 * 3600;
+    constexpr time_t MAX_SECONDS = 315360000;
     timespec deadline = {};
     deadline.tv_sec = now.tv_sec + std::clamp<time_t>(timeout.tv_sec, 0, MAX_SECONDS);
     deadline.tv_nsec = now.tv_nsec + std::clamp(timeout.tv_nsec, 0L, NANOSECONDS - 1);
@@ -134,6 +134,8 @@ std::string propertyAreaError() {
 }  // namespace platform
 
 using platform::findArea;
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the platform's names
 
 int __system_property_set(const char* name, const char* value) {
     const std::string error = platform::setProperty(name, value);
@@ -219,3 +221,5 @@ uint32_t __system_property_area_serial(void) {
 uint32_t __system_property_serial(const prop_info* pi) {
     return pi->serial.load(std::memory_order_acquire);
 }
+
+// NOLINTEND(bugprone-reserved-identifier)

@@ -4,6 +4,9 @@
 extern "C" {
 #endif
 
+// The platform's names are reserved ones.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+
 /// Priorities of a log message, in rising order of severity.
 typedef enum android_LogPriority {
     ANDROID_LOG_UNKNOWN = 0,
@@ -24,6 +27,8 @@ typedef enum android_LogPriority {
 /// written, 0 when it was filtered, a negative error number otherwise; keeps errno.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((format(printf, 3, 4)));
+
+// NOLINTEND(bugprone-reserved-identifier)
 
 #ifdef __cplusplus
 }

@@ -14,6 +14,9 @@
 extern "C" {
 #endif
 
+// The platform's names are reserved ones.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+
 /// One property; opaque. A handle stays valid for the life of the process, whatever is written.
 typedef struct prop_info prop_info;
 
@@ -57,6 +60,8 @@ uint32_t __system_property_area_serial(void);
 
 /// The serial of one property.
 uint32_t __system_property_serial(const prop_info* pi);
+
+// NOLINTEND(bugprone-reserved-identifier)
 
 #ifdef __cplusplus
 }
