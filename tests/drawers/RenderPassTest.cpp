@@ -141,7 +141,7 @@ protected:
     Marquee() {
         doubles::setWallClock(START);
         row.mMarqueeCycles = 2;
-        row.addFrameInfo(makeRow(1, 10, 2));  // 10 x 11 x 0.02 = 2.2 in a widget 1.0 wide
+        row.addFrameInfo(makeRow(1, 10, 2));  // 10 x 12 x 0.02 = 2.4 in a widget 1.0 wide
         row.mLastTickMs = static_cast<std::uint32_t>(START / 1000);
     }
     ~Marquee() override { doubles::releaseWallClock(); }
@@ -158,24 +158,24 @@ protected:
     AnimatedRow row;
 };
 
-// D = 1.2 x 2.5 / 0.00025 = 12000 ms: a pause of 720, sliding left to 5640, a pause to 6360, back to 11280.
+// D = 1.4 x 2.5 / 0.00025 = 14000 ms: a pause of 840, sliding left to 6580, a pause to 7420, back to 13160.
 TEST_F(Marquee, SlidesLeftPausesAndSlidesBack) {
     const auto runUntil = [this](std::uint32_t elapsed) {
         while (row.mElapsedMs + 10 <= elapsed) {
             step(10);
         }
     };
-    runUntil(720);
+    runUntil(840);
     EXPECT_EQ(row.mMarqueeOffset, 0.0F);
-    runUntil(3180);
-    EXPECT_NEAR(row.mMarqueeOffset, -0.6F, 0.02F) << "half way";
-    runUntil(5700);
+    runUntil(3640);
+    EXPECT_NEAR(row.mMarqueeOffset, -0.7F, 0.02F) << "half way";
+    runUntil(6600);
     EXPECT_FLOAT_EQ(row.mMarqueeOffset, 1.0F - row.mTextWidth) << "at its end";
-    runUntil(6300);
+    runUntil(7400);
     EXPECT_FLOAT_EQ(row.mMarqueeOffset, 1.0F - row.mTextWidth) << "paused";
-    runUntil(8820);
-    EXPECT_NEAR(row.mMarqueeOffset, -0.6F, 0.03F);
-    runUntil(11500);
+    runUntil(10220);
+    EXPECT_NEAR(row.mMarqueeOffset, -0.7F, 0.03F);
+    runUntil(13500);
     EXPECT_EQ(row.mMarqueeOffset, 0.0F);
     EXPECT_EQ(row.mMarqueeCyclesDone, 0U);
     step(600);
@@ -302,7 +302,9 @@ INSTANTIATE_TEST_SUITE_P(
         TimeLineCase{"Covered", {{0, 5}, {3, 5}}, {{0.0F, 0.5F}, {0.4975F, 0.01F, true}}},
         TimeLineCase{"Thin", {{5, 5.05L}}, {{0.4925F, 0.01F, true}}},
         TimeLineCase{"ThinAtTheStart", {{0, 0.05L}}, {{0.0F, 0.01F, true}}},
-        TimeLineCase{"PastTheEnd", {{8, 13}, {12, 14}}, {{0.8F, 0.2F}, {1.0F, 0.0F}}},
+        TimeLineCase{"PastTheEnd", {{8, 13}}, {{0.8F, 0.2F}}},
+        TimeLineCase{"FromPastTheEnd", {{12, 14}}, {{1.0F, 0.0F}}},
+        TimeLineCase{"PushedPastTheEnd", {{8, 13}, {12, 14}}, {{0.8F, 0.2F}, {1.0F, 0.0F, true}}},
         TimeLineCase{"BothFromTheStart", {{0, 4}, {0, 4}}, {{0.0F, 0.4F}, {0.0F, 0.4F}}}),
     [](const auto& test) { return std::string(test.param.name); });
 

@@ -85,7 +85,7 @@ TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
 /// Passes of a frame whose number the test can foretell.
 class OnePass : public scene::RenderPassSource {
 public:
-    bool readFrame(gui::FrameData& frame) override {
+    bool readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) override {
         gui::RenderPassData pass(0.0F, {11, 22});
         pass.setIndex(4);
         pass.addTimestampInfo(2, 6);
@@ -104,8 +104,14 @@ protected:
         doubles::removeAllFiles();
         doubles::setFile("/proc/self/cmdline", "app");
         doubles::setWallClock(1795555555000000);
-        for (const auto& [name, value] : std::vector<std::pair<const char*, const char*>>{
-                 {"status", "true"}, {"proc", "app"}, {"devmode", "true"}}) {
+        for (const auto& [name, value] :
+             std::vector<std::pair<const char*, const char*>>{{"status", "true"},
+                                                              {"proc", "app"},
+                                                              {"devmode", "true"},
+                                                              {"widget_cpu_gpu", "true"},
+                                                              {"widget_cpu_gpu_gpu_freq", "false"},
+                                                              {"widget_gpu_activity_thumbnail", "true"},
+                                                              {"widget_memory", "false"}}) {
             doubles::setProperty(std::string("debug.kordanix.") + name, value);
         }
         SysPropWatcher::forceReadAllProps();
