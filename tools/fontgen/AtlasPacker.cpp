@@ -122,6 +122,7 @@ bool packGlyphs(std::vector<Glyph>& glyphs, std::uint32_t gap) {
     // generator's sequence is fixed, so that the same boxes always end in the same places.
     std::mt19937 random;
     std::vector<std::pair<std::uint32_t, Glyph*>> ranked;
+    std::vector<Glyph*> order(waiting.size());
     for (std::uint32_t attempt = 0; attempt < MAX_ATTEMPTS; ++attempt) {
         const std::uint32_t blur = std::min(attempt, MAX_BLUR);
         ranked.clear();
@@ -131,10 +132,8 @@ bool packGlyphs(std::vector<Glyph>& glyphs, std::uint32_t gap) {
         }
         std::stable_sort(ranked.begin(), ranked.end(),
                          [](const auto& a, const auto& b) { return a.first > b.first; });
-        std::vector<Glyph*> order;
-        for (const auto& entry : ranked) {
-            order.push_back(entry.second);
-        }
+        std::transform(ranked.begin(), ranked.end(), order.begin(),
+                       [](const auto& entry) { return entry.second; });
         if (placeInOrder(space, order, gap)) {
             return true;
         }

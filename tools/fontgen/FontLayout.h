@@ -34,18 +34,20 @@ struct GlyphBox {
 
 /// A glyph whose whole record is given; the face's outline is fitted into it.
 struct FixedGlyph {
-    char code;
+    char code = 0;
     GlyphBox box;
 };
 
+// clang-format off
 constexpr FixedGlyph FIXED_GLYPHS[] = {
-    {' ', {250, 0, 1, 1, 0, 0, 26}},      //
-    {'.', {249, 146, 5, 6, 3, 43, 12}},   //
-    {'0', {99, 154, 22, 34, 2, 15, 26}},  //
-    {'A', {184, 38, 30, 34, 0, 15, 29}},  //
-    {'g', {53, 45, 21, 35, 2, 23, 26}},   //
+    {' ', {250, 0, 1, 1, 0, 0, 26}},
+    {'.', {249, 146, 5, 6, 3, 43, 12}},
+    {'0', {99, 154, 22, 34, 2, 15, 26}},
+    {'A', {184, 38, 30, 34, 0, 15, 29}},
+    {'g', {53, 45, 21, 35, 2, 23, 26}},
     {'j', {30, 0, 11, 45, 0, 13, 12}},
 };
+// clang-format on
 
 /// The square that stands for "@": a colour swatch as high as a capital, at the pen's position so that what
 /// room its advance leaves lies before the word that follows.

@@ -5,6 +5,7 @@
 #include <png.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <stdexcept>
 #include <string_view>
@@ -75,7 +76,7 @@ Picture shrink(const Picture& from, std::size_t height) {
                     sum += from.pixels[v * from.width + u] * share(u, x) * share(v, y);
                 }
             }
-            to.at(x, y) = static_cast<std::uint8_t>(sum + 0.5);
+            to.at(x, y) = static_cast<std::uint8_t>(std::lround(sum));
         }
     }
     return to;

@@ -35,7 +35,7 @@ void generate(const std::string& face, const std::string& output, const std::str
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     CLI::App app("Makes the overlay's embedded font (header, glyph records, bitmap) from a scalable face.");
     std::string face;
     std::string output;
@@ -44,12 +44,9 @@ int main(int argc, char** argv) {
     app.add_option("--output", output, "Font record to write")->required();
     app.add_option("--preview", preview, "PNG to write with the bitmap and lines of sample text");
     CLI11_PARSE(app, argc, argv);
-
-    try {
-        generate(face, output, preview);
-    } catch (const std::exception& error) {
-        std::cerr << "fontgen: " << error.what() << '\n';
-        return FAILED;
-    }
+    generate(face, output, preview);
     return 0;
+} catch (const std::exception& error) {
+    std::cerr << "fontgen: " << error.what() << '\n';
+    return FAILED;
 }
