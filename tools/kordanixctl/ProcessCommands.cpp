@@ -3,11 +3,11 @@
 #include "Properties.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
-#include "utils/SystemInfoHelper.h"
 
 #include <algorithm>
 #include <array>
 #include <fstream>
+#include <string_view>
 #include <vector>
 
 namespace control {
@@ -71,9 +71,10 @@ std::string processName(pid_t process) {
     // As much as the library reads of its own.
     std::array<char, 256> text{};
     file.getline(text.data(), text.size());
-    std::string name(text.data());
-    utils::trim(name);
-    return name;
+    const std::string_view name(text.data());
+    constexpr std::string_view BLANKS = " \t\n\v\f\r";
+    const std::size_t first = std::min(name.find_first_not_of(BLANKS), name.size());
+    return std::string(name.substr(first, name.find_last_not_of(BLANKS) + 1 - first));
 }
 
 }  // namespace control

@@ -5,16 +5,23 @@
 
 #include <sys/system_properties.h>
 
-#include <array>
 #include <charconv>
 #include <cstdint>
+#include <utility>
 
 namespace control {
 
 std::optional<std::string> readProperty(const std::string& name) {
-    std::array<char, PROP_VALUE_MAX> text{};
-    const int length = __system_property_get(name.c_str(), text.data());
-    return length > 0 ? std::optional<std::string>(text.data()) : std::nullopt;
+    std::string text;
+    if (const prop_info* const property = __system_property_find(name.c_str())) {
+        __system_property_read_callback(
+            property,
+            [](void* cookie, const char* /*name*/, const char* value, std::uint32_t /*serial*/) {
+                *static_cast<std::string*>(cookie) = value;
+            },
+            &text);
+    }
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
 std::string publish() {

@@ -175,6 +175,16 @@ void addConversion(CLI::App& app, const char* name, const char* description, con
     });
 }
 
+/// The first word that should be a verb and is none; empty when all is well. (The parser would only say that
+/// a verb is missing.)
+std::string unknownVerb(const CLI::App& app, const std::vector<std::string>& words) {
+    const auto word = std::find_if(words.begin(), words.end(),
+                                   [](const std::string& text) { return text.empty() || text[0] != '-'; });
+    const std::vector<const CLI::App*> verbs = app.get_subcommands([](const CLI::App*) { return true; });
+    const auto isNamedSo = [&](const CLI::App* verb) { return verb->get_name() == *word; };
+    return word == words.end() || std::any_of(verbs.begin(), verbs.end(), isNamedSo) ? std::string() : *word;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -201,9 +211,14 @@ int main(int argc, char** argv) {
     addConversion(app, "report", "Turn a frame dump into a page with its frame times and values", "OUT.html",
                   control::makeReport, arguments);
 
-    // The parser takes words from the back.
     std::vector<std::string> words;
     std::transform(argv + std::min(argc, 1), argv + argc, std::back_inserter(words), protect);
+    const std::string unknown = unknownVerb(app, words);
+    if (!unknown.empty()) {
+        std::cerr << "kordanixctl: there is no verb '" << unknown << "'; see 'kordanixctl --help'\n";
+        return control::USAGE_ERROR;
+    }
+    // The parser takes words from the back.
     std::reverse(words.begin(), words.end());
     try {
         app.parse(words);
