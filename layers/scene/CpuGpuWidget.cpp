@@ -16,21 +16,33 @@ const gui::WidgetsSettings::Graph& settingsOf() {
     return gui::WidgetsSettings::getWidgets().mCpuGpu.*GRAPH;
 }
 
-/// Whether the clocks are fixed; nothing when nobody asked for that.
-std::string clocks(Metrics&) {
-    switch (core::StateInfo::getFixClockState()) {
+std::string vendor(Metrics&) {
+    switch (core::StateInfo::mVendor) {
+        case 0:
+            return "Mali";
         case 1:
-            return "Fix";
-        case 2:
-            return "NoFix";
+            return "Adreno";
         default:
             return "";
     }
 }
 
-std::string temperatures(Metrics& metrics) {
+/// Whether the clocks are fixed; nothing while nobody asks for that.
+std::string clocks() {
+    switch (core::StateInfo::getFixClockState()) {
+        case 1:
+            return "  Fixed";
+        case 2:
+            return "  Not fixed";
+        default:
+            return "";
+    }
+}
+
+std::string footer(Metrics& metrics) {
     return "CPU " + formatTemperature(metrics.cpuTemperature()) + "  GPU " +
-           formatTemperature(metrics.gpuTemperature()) + "  Max " + formatMegahertz(metrics.gpuMaxClock());
+           formatTemperature(metrics.gpuTemperature()) + "  Max " + formatMegahertz(metrics.gpuMaxClock()) +
+           clocks();
 }
 
 constexpr FigureSpec FIGURES[] = {
@@ -43,8 +55,8 @@ constexpr FigureSpec FIGURES[] = {
 };
 
 constexpr NoteSpec NOTES[] = {
-    {Area::CPU_GPU_LABEL, clocks},
-    {Area::CPU_GPU_FOOTER, temperatures},
+    {Area::CPU_GPU_LABEL, gui::TextGravity::LEFT, false, vendor},
+    {Area::CPU_GPU_FOOTER, gui::TextGravity::LEFT, true, footer},
 };
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 namespace scene {
 
-/// Load of the processors, clock and load of the GPU; whether the clocks are fixed, and the temperatures,
-/// as notes.
+/// Load of the processors, clock and load of the GPU; as notes the GPU's vendor, the temperatures, the GPU's
+/// highest clock and whether the clocks are fixed.
 extern const FigureWidgetSpec CPU_GPU_WIDGET;
 
 }  // namespace scene

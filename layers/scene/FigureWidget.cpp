@@ -5,6 +5,7 @@
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
+#include "scene/Canvas.h"
 #include "scene/Style.h"
 
 #include <memory>
@@ -16,6 +17,12 @@ namespace {
 /// Samples in a graph's history: with a refresh each 120 ms, the last 12 seconds.
 constexpr unsigned int HISTORY = 100;
 
+/// Between a figure's name and its value, in canvas units.
+constexpr float NAME_GAP = 3.0F;
+
+/// Left and right of the text, in canvas units.
+constexpr float BACKDROP_MARGIN = 2.0F;
+
 /// The top of the graph lies a little above the top of the scale, so that a line there is not cut.
 constexpr float HEADROOM = 1.04F;
 
@@ -25,22 +32,28 @@ std::unique_ptr<drawer::GraphicDrawer> createGraph(PrimitiveFactory& factory, gu
         factory.createRect(), factory.createGrid(factory.createMesh(Topology::LINES)), slot);
 }
 
-void setText(drawer::TextDrawer& drawer, const std::string& text) {
-    if (drawer.mText != text) {
-        drawer.setText(text);
+/// Whether it is another text than before.
+bool setText(drawer::TextDrawer& drawer, const std::string& text) {
+    if (drawer.mText == text) {
+        return false;
     }
+    drawer.setText(text);
+    return true;
 }
 
 }  // namespace
 
 FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& spec)
-    : WidgetView(spec.type), mStrip(&place(factory.createRect(), spec.stripArea)) {
+    : WidgetView(spec.type),
+      mCanvas(factory.getSurfaceSize()),
+      mStrip(&place(factory.createRect(), spec.stripArea)) {
     for (std::size_t i = 0; i < spec.figureCount; ++i) {
         const FigureSpec& row = spec.figures[i];
         Figure figure{&row, nullptr, nullptr, nullptr, {}};
         if (row.nameArea) {
             figure.name = &place(factory.createText(), *row.nameArea);
             figure.name->setText(row.name);
+            figure.name->setTextGravity(gui::TextGravity::RIGHT);
         }
         figure.value = &place(factory.createText(), row.valueArea);
         if (row.graph != gui::WidgetValueType::NONE) {
@@ -52,12 +65,21 @@ FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& sp
         mFigures.push_back(figure);
     }
     for (std::size_t i = 0; i < spec.noteCount; ++i) {
-        mNotes.push_back({&spec.notes[i], &place(factory.createText(), spec.notes[i].area)});
-        mNotes.back().text->setText("");
+        const NoteSpec& row = spec.notes[i];
+        Note note{&row, nullptr, nullptr};
+        if (row.hasBackdrop) {
+            note.backdrop = &place(factory.createRect(), row.area);
+            note.backdrop->mColor = backdropColor();
+        }
+        note.text = &place(factory.createText(), row.area);
+        note.text->setText("");
+        note.text->setTextGravity(row.gravity);
+        mNotes.push_back(note);
     }
 }
 
-void FigureWidget::applySettings(float pixelsPerUnit) {
+void FigureWidget::applySettings(const Canvas& canvas) {
+    mCanvas = canvas;
     mStrip->mColor = backgroundColor();
     unsigned int shares = 1;
     for (const Figure& figure : mFigures) {
@@ -70,8 +92,11 @@ void FigureWidget::applySettings(float pixelsPerUnit) {
             if (text != nullptr) {
                 text->mEnabled = isOn;
                 text->setTextColor(settings.getTextColor());
-                setTextHeight(*text, FIGURE_TEXT_HEIGHT, pixelsPerUnit);
+                setTextHeight(*text, FIGURE_TEXT_HEIGHT, canvas);
             }
+        }
+        if (figure.name != nullptr) {
+            figure.name->mSize.x -= NAME_GAP / canvas.units.x;
         }
         if (figure.graph != nullptr) {
             figure.graph->mEnabled = isOn;
@@ -82,8 +107,23 @@ void FigureWidget::applySettings(float pixelsPerUnit) {
     }
     for (const Note& note : mNotes) {
         note.text->setTextColor(plainTextColor());
-        setTextHeight(*note.text, NOTE_TEXT_HEIGHT, pixelsPerUnit);
+        setTextHeight(*note.text, NOTE_TEXT_HEIGHT, canvas);
+        fitBackdrop(note, canvas);
     }
+}
+
+void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
+    if (note.backdrop == nullptr) {
+        return;
+    }
+    const drawer::TextDrawer& text = *note.text;
+    const glm::vec2 size = measureText(text, canvas);
+    const glm::vec2 room = text.mSize - size;
+    const bool isRight = text.mTextGravity == gui::TextGravity::RIGHT;
+    note.backdrop->mEnabled = !text.mText.empty();
+    note.backdrop->mSize = size;
+    note.backdrop->mPosition = text.mPosition + glm::vec2(isRight ? room.x : 0.0F, room.y * 0.5F);
+    inset(*note.backdrop, {-BACKDROP_MARGIN, 0.0F}, canvas);
 }
 
 void FigureWidget::refresh(Metrics& metrics) {
@@ -111,7 +151,9 @@ void FigureWidget::refresh(Metrics& metrics) {
         }
     }
     for (const Note& note : mNotes) {
-        setText(*note.text, note.spec->text(metrics));
+        if (setText(*note.text, note.spec->text(metrics))) {
+            fitBackdrop(note, mCanvas);
+        }
     }
 }
 
@@ -130,10 +172,19 @@ void FigureWidget::draw() {
     }
     for (const Figure& figure : mFigures) {
         if (figure.graph != nullptr && figure.graph->mEnabled) {
-            figure.graph->drawGraphic();
+            figure.graph->recalculateMesh();
+            drawMesh(*figure.graph, *figure.graph->mFillMesh);
+        }
+    }
+    for (const Figure& figure : mFigures) {
+        if (figure.graph != nullptr && figure.graph->mEnabled) {
+            drawMesh(*figure.graph, *figure.graph->mLineMesh);
         }
     }
     for (const Note& note : mNotes) {
+        if (note.backdrop != nullptr && note.backdrop->mEnabled) {
+            note.backdrop->draw();
+        }
         note.text->draw();
     }
 }

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "drawers/Drawer.h"
+#include "drawers/TextDrawer.h"
 #include "gui/LayoutDef.h"
 #include "gui/WidgetsSettings.h"
+#include "scene/Canvas.h"
 #include "scene/Metrics.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/Reading.h"
@@ -16,7 +18,6 @@
 namespace drawer {
 class GraphicDrawer;
 class RectDrawer;
-class TextDrawer;
 }  // namespace drawer
 
 namespace scene {
@@ -41,9 +42,14 @@ struct FigureSpec {
     Reading (Metrics::*top)();
 };
 
-/// A text over the graphs.
+/// A text over the graphs, or in the strip, that is no figure of the settings.
 struct NoteSpec {
     gui::RenderAreaType area;
+    gui::TextGravity gravity;
+
+    /// Over graphs a text has a backdrop of its own, as wide as the text.
+    bool hasBackdrop;
+
     std::string (*text)(Metrics&);
 };
 
@@ -59,8 +65,9 @@ struct FigureWidgetSpec {
 };
 
 /// Draws such a widget: the strip's background and texts, then the graphs' background and grid once, then
-/// the graphs in the order of the table, each over the ones before it, and the notes on top. The fill of n
-/// graphs has an alpha of 1 / (n + 1): each has its share and the grid stays visible.
+/// the fills and over them the lines of the graphs, both in the order of the table, and the notes on top. So
+/// every line has its own colour. The fill of n graphs has an alpha of 1 / (n + 1): each has its share and
+/// the grid stays visible.
 class FigureWidget : public WidgetView {
 public:
     /// `spec` outlives the widget.
@@ -70,7 +77,7 @@ public:
     void draw() override;
 
 protected:
-    void applySettings(float pixelsPerUnit) override;
+    void applySettings(const Canvas& canvas) override;
 
 private:
     struct Figure {
@@ -83,8 +90,12 @@ private:
     struct Note {
         const NoteSpec* spec;
         drawer::TextDrawer* text;
+        drawer::RectDrawer* backdrop;  // null: none
     };
 
+    static void fitBackdrop(const Note& note, const Canvas& canvas);
+
+    Canvas mCanvas;  // of the last layout
     drawer::RectDrawer* mStrip;
     std::vector<Figure> mFigures;
     std::vector<Note> mNotes;

@@ -48,7 +48,7 @@ constexpr FigureSpec FIGURES[] = {
 };
 
 constexpr NoteSpec NOTES[] = {
-    {Area::FPS_NOTE, average},
+    {Area::FPS_NOTE, gui::TextGravity::RIGHT, true, average},
 };
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
 #include "gui/WidgetsSettings.h"
+#include "scene/Canvas.h"
 #include "scene/RenderPassRows.h"
 #include "scene/Style.h"
 #include "scene/TextFormat.h"
@@ -59,7 +60,7 @@ GpuActivityWidget::GpuActivityWidget(PrimitiveFactory& factory, core::RenderingA
     mMessage->setTextGravity(gui::TextGravity::CENTER);
 }
 
-void GpuActivityWidget::applySettings(float pixelsPerUnit) {
+void GpuActivityWidget::applySettings(const Canvas& canvas) {
     const auto& settings = gui::WidgetsSettings::getWidgets().mGpuActivity;
     mPanel->mColor = backgroundColor();
 
@@ -81,7 +82,7 @@ void GpuActivityWidget::applySettings(float pixelsPerUnit) {
     mCaption->mFragmentLegend->setTextColor(settings.mFragmentLoad.getTextColor());
 
     mMessage->setTextColor(plainTextColor());
-    setTextHeight(*mMessage, NOTE_TEXT_HEIGHT, pixelsPerUnit);
+    setTextHeight(*mMessage, NOTE_TEXT_HEIGHT, canvas);
     mMessage->mEnabled = mVertex->mEnabled || mFragment->mEnabled;
 }
 
@@ -122,14 +123,20 @@ void GpuActivityWidget::draw() {
     // One background and grid for both graphs, also while there is nothing to plot.
     mVertex->drawBackground();
     mVertex->drawGrid();
-    if (mVertex->mEnabled) {
-        mVertex->drawGraphic();
-    }
-    if (mFragment->mEnabled) {
-        mFragment->drawGraphic();
-    }
     if (mVertex->mIsEmpty && mFragment->mIsEmpty) {
         mMessage->draw();
+        return;
+    }
+    // As in the other widgets, no fill covers a line.
+    for (drawer::FixedGraphicDrawer* graph : {mVertex, mFragment}) {
+        if (graph->mEnabled) {
+            drawMesh(*graph, *graph->mFillMesh);
+        }
+    }
+    for (drawer::FixedGraphicDrawer* graph : {mVertex, mFragment}) {
+        if (graph->mEnabled) {
+            drawMesh(*graph, *graph->mLineMesh);
+        }
     }
 }
 

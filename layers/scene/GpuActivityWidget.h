@@ -29,7 +29,7 @@ public:
     void settle() override { mCapture.settle(); }
 
 protected:
-    void applySettings(float pixelsPerUnit) override;
+    void applySettings(const Canvas& canvas) override;
 
 private:
     void showCapture();

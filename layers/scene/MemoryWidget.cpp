@@ -34,7 +34,7 @@ constexpr FigureSpec FIGURES[] = {
 };
 
 constexpr NoteSpec NOTES[] = {
-    {Area::MEMORY_LABEL, used},
+    {Area::MEMORY_LABEL, gui::TextGravity::LEFT, true, used},
 };
 
 }  // namespace

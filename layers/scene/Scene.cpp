@@ -2,6 +2,7 @@
 
 #include "gui/LayoutManager.h"
 #include "gui/WidgetsSettings.h"
+#include "scene/Canvas.h"
 #include "scene/CpuGpuWidget.h"
 #include "scene/FigureWidget.h"
 #include "scene/FpsWidget.h"
@@ -23,16 +24,12 @@ Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSo
 }
 
 void Scene::layout() {
-    const glm::uvec2 size = mFactory.getSurfaceSize();
-    const bool isPortrait = size.y > size.x;
-    gui::LayoutManager::getInstance()->updateWidgetsLayouts(isPortrait);
-
-    const float canvasHeight = isPortrait ? gui::SCREEN_WIDTH : gui::SCREEN_HEIGHT;
-    const float pixelsPerUnit = static_cast<float>(size.y) / canvasHeight;
+    const Canvas canvas(mFactory.getSurfaceSize());
+    gui::LayoutManager::getInstance()->updateWidgetsLayouts(canvas.isPortrait);
     mShown.clear();
     mShownDrawers.clear();
     for (const auto& widget : mWidgets) {
-        widget->layout(pixelsPerUnit);
+        widget->layout(canvas);
         if (widget->isShown()) {
             mShown.push_back(widget.get());
             widget->collectDrawers(mShownDrawers);

@@ -1,8 +1,11 @@
 #include "scene/Style.h"
 
 #include "drawers/TextDrawer.h"
+#include "gui/GlyphAtlas.h"
 #include "gui/LayoutDef.h"
 #include "gui/WidgetsSettings.h"
+
+#include "scene/Canvas.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,13 +28,31 @@ glm::vec4 backgroundColor() {
     return gui::WidgetsSettings::getWidgets().bgColor();
 }
 
+glm::vec4 backdropColor() {
+    return gui::gColor[0];
+}
+
 glm::vec4 noColor() {
     return gui::gColor[11];
 }
 
-void setTextHeight(drawer::TextDrawer& text, float canvasUnits, float pixelsPerUnit) {
+void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas) {
     // 0 would mean no limit at all.
-    text.setTextSizeHint(static_cast<unsigned int>(std::max(std::lround(canvasUnits * pixelsPerUnit), 1L)));
+    text.setTextSizeHint(
+        static_cast<unsigned int>(std::max(std::lround(canvasUnits * canvas.pixelsPerUnit()), 1L)));
+}
+
+glm::vec2 measureText(const drawer::TextDrawer& text, const Canvas& canvas) {
+    float width = 0.0F;  // in units of a line, which is 2 high
+    for (const char symbol : text.mText) {
+        width += gui::GlyphAtlas::getGlyphAtlas().getGlyphWidth(symbol);
+    }
+    const glm::vec2 box = text.mSize * canvas.pixels;
+    float height = text.mTextSizeHint == 0 ? box.y : std::min(box.y, static_cast<float>(text.mTextSizeHint));
+    if (width * height > 2.0F * box.x) {
+        height = 2.0F * box.x / width;  // squeezed
+    }
+    return glm::vec2(width * height * 0.5F, height) / canvas.pixels;
 }
 
 }  // namespace scene

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <glm/vec2.hpp>
 #include <glm/vec4.hpp>
 
 namespace drawer {
@@ -7,6 +8,8 @@ class TextDrawer;
 }
 
 namespace scene {
+
+struct Canvas;
 
 /// The looks that the settings leave open, in one place.
 
@@ -22,6 +25,9 @@ glm::vec4 renderPassColor();
 /// Background of the widgets, from the settings.
 glm::vec4 backgroundColor();
 
+/// Behind texts that lie over graphs.
+glm::vec4 backdropColor();
+
 /// No background of its own.
 glm::vec4 noColor();
 
@@ -31,6 +37,9 @@ constexpr float FIGURE_TEXT_HEIGHT = 12.0F;
 constexpr float NOTE_TEXT_HEIGHT = 10.0F;
 
 /// Limits the text's height; a text whose cell is too narrow for that is squeezed.
-void setTextHeight(drawer::TextDrawer& text, float canvasUnits, float pixelsPerUnit);
+void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas);
+
+/// Width and height in canvas fractions of the text as the drawer will draw it.
+glm::vec2 measureText(const drawer::TextDrawer& text, const Canvas& canvas);
 
 }  // namespace scene

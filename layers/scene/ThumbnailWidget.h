@@ -6,8 +6,9 @@
 #include <string>
 
 namespace drawer {
+class RectDrawer;
 class TextblockDrawer;
-}
+}  // namespace drawer
 
 namespace scene {
 
@@ -21,10 +22,11 @@ public:
     void draw() override;
 
 protected:
-    void applySettings(float pixelsPerUnit) override;
+    void applySettings(const Canvas& canvas) override;
 
 private:
     PrimitiveFactory& mFactory;
+    drawer::RectDrawer* mFrame;
     drawer::Drawer* mPicture;
     drawer::TextblockDrawer* mLabel;
 };

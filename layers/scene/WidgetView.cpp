@@ -15,11 +15,11 @@ bool WidgetView::isShown() const {
     return mWidget->mEnabled && position >= Position::TOP_LEFT && position <= Position::BOTTOM_RIGHT;
 }
 
-void WidgetView::layout(float pixelsPerUnit) {
+void WidgetView::layout(const Canvas& canvas) {
     for (const auto& drawer : mDrawers) {
         gui::LayoutManager::getInstance()->updateDrawerLayout(drawer.get());
     }
-    applySettings(pixelsPerUnit);
+    applySettings(canvas);
 }
 
 void WidgetView::collectDrawers(std::vector<drawer::Drawer*>& drawers) const {

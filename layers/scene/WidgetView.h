@@ -9,6 +9,7 @@
 
 namespace scene {
 
+struct Canvas;
 class Metrics;
 
 /// One widget on the screen: its drawers, each with the render area it takes, what feeds them and in which
@@ -25,9 +26,8 @@ public:
     bool isShown() const;
 
     /// After a change of the settings or of the surface, when the layout manager has placed the widgets:
-    /// gives every drawer its rectangle and takes over colours and switches. `pixelsPerUnit` is the height
-    /// of a canvas unit in pixels.
-    void layout(float pixelsPerUnit);
+    /// gives every drawer its rectangle and takes over colours and switches.
+    void layout(const Canvas& canvas);
 
     /// Once a frame while the widget is shown.
     virtual void onFrame() {}
@@ -44,7 +44,7 @@ public:
     void collectDrawers(std::vector<drawer::Drawer*>& drawers) const;
 
 protected:
-    virtual void applySettings(float pixelsPerUnit) = 0;
+    virtual void applySettings(const Canvas& canvas) = 0;
 
     /// Takes the drawer over and gives it a render area of this widget.
     template <class DrawerType>

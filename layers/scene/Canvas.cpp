@@ -1,0 +1,26 @@
+#include "scene/Canvas.h"
+
+#include "drawers/Drawer.h"
+#include "drawers/MeshDrawer.h"
+#include "gui/LayoutDef.h"
+
+namespace scene {
+
+Canvas::Canvas(const glm::uvec2& surface)
+    : isPortrait(surface.y > surface.x),
+      units(isPortrait ? glm::vec2(gui::SCREEN_HEIGHT, gui::SCREEN_WIDTH)
+                       : glm::vec2(gui::SCREEN_WIDTH, gui::SCREEN_HEIGHT)),
+      pixels(surface) {}
+
+void inset(drawer::Drawer& drawer, const glm::vec2& units, const Canvas& canvas) {
+    drawer.mPosition += units / canvas.units;
+    drawer.mSize -= 2.0F * units / canvas.units;
+}
+
+void drawMesh(const drawer::Drawer& owner, drawer::MeshDrawer& mesh) {
+    mesh.mSize = owner.mSize;
+    mesh.mPosition = owner.mPosition;
+    mesh.draw();
+}
+
+}  // namespace scene
