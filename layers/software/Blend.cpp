@@ -13,9 +13,13 @@ std::uint8_t toChannel(float value) {
     return value < 1.0F ? static_cast<std::uint8_t>(std::lround(value * 255.0F)) : std::uint8_t{255};
 }
 
-std::uint8_t mix(std::uint32_t over, std::uint32_t overWeight, std::uint32_t under,
-                 std::uint32_t underWeight) {
-    return static_cast<std::uint8_t>((over * overWeight + under * underWeight + FULL_ALPHA / 2) / FULL_ALPHA);
+}  // namespace
+
+Paint makePaint(const glm::vec4& color) {
+    Paint paint;
+    paint.mColor = {toChannel(color.r), toChannel(color.g), toChannel(color.b), 255};
+    paint.mAlpha = static_cast<float>(toAlpha(color.a)) / static_cast<float>(FULL_ALPHA);
+    return paint;
 }
 
 // The result's colour is the mean of both, weighted with what each contributes to the result's alpha.
@@ -33,29 +37,6 @@ void blendOverTransparent(Pixel& target, const Pixel& color, std::uint32_t alpha
     };
     target = {mean(color.mRed, target.mRed), mean(color.mGreen, target.mGreen),
               mean(color.mBlue, target.mBlue), resultAlpha};
-}
-
-}  // namespace
-
-Paint makePaint(const glm::vec4& color) {
-    Paint paint;
-    paint.mColor = {toChannel(color.r), toChannel(color.g), toChannel(color.b), 255};
-    paint.mAlpha = static_cast<float>(toAlpha(color.a)) / static_cast<float>(FULL_ALPHA);
-    return paint;
-}
-
-void blendOver(Pixel& target, const Pixel& color, std::uint32_t alpha) {
-    if (alpha == 0) {
-        return;
-    }
-    if (target.mAlpha != 255) {
-        blendOverTransparent(target, color, alpha);
-        return;
-    }
-    const std::uint32_t rest = FULL_ALPHA - alpha;
-    target.mRed = mix(color.mRed, alpha, target.mRed, rest);
-    target.mGreen = mix(color.mGreen, alpha, target.mGreen, rest);
-    target.mBlue = mix(color.mBlue, alpha, target.mBlue, rest);
 }
 
 }  // namespace software

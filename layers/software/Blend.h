@@ -29,8 +29,26 @@ inline std::uint32_t toAlpha(float share) {
                         : FULL_ALPHA;
 }
 
+/// blendOver() for any target and an alpha above 0.
+void blendOverTransparent(Pixel& target, const Pixel& color, std::uint32_t alpha);
+
 /// Lays a colour of the given alpha (0..FULL_ALPHA) over a pixel whose own alpha may be below 1.
 /// Integer arithmetic: the same result on every compiler.
-void blendOver(Pixel& target, const Pixel& color, std::uint32_t alpha);
+inline void blendOver(Pixel& target, const Pixel& color, std::uint32_t alpha) {
+    if (alpha == 0) {
+        return;
+    }
+    if (target.mAlpha != 255) {
+        blendOverTransparent(target, color, alpha);
+        return;
+    }
+    const auto mix = [alpha](std::uint32_t over, std::uint32_t under) {
+        const std::uint32_t sum = over * alpha + under * (FULL_ALPHA - alpha);
+        return static_cast<std::uint8_t>((sum + FULL_ALPHA / 2) / FULL_ALPHA);
+    };
+    target.mRed = mix(color.mRed, target.mRed);
+    target.mGreen = mix(color.mGreen, target.mGreen);
+    target.mBlue = mix(color.mBlue, target.mBlue);
+}
 
 }  // namespace software
