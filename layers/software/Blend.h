@@ -22,11 +22,12 @@ Paint makePaint(const glm::vec4& color);
 
 /// A share 0..1 as 0..FULL_ALPHA; what lies outside is cut, not-a-number counts as 0.
 inline std::uint32_t toAlpha(float share) {
+    constexpr float ROUNDING = 0.5F;  // the value is positive; a call of lround for each pixel would tell
     if (!(share > 0.0F)) {
         return 0;
     }
-    return share < 1.0F ? static_cast<std::uint32_t>(share * static_cast<float>(FULL_ALPHA) + 0.5F)
-                        : FULL_ALPHA;
+    const float scaled = share * static_cast<float>(FULL_ALPHA);
+    return share < 1.0F ? static_cast<std::uint32_t>(scaled + ROUNDING) : FULL_ALPHA;
 }
 
 /// blendOver() for any target and an alpha above 0.
