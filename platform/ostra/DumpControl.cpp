@@ -8,7 +8,7 @@ namespace platform {
 
 namespace {
 
-constexpr std::chrono::milliseconds EXIT_PATIENCE{2000};
+constexpr std::chrono::milliseconds EXIT_PATIENCE{1000};
 
 std::string dumpDirectory() {
     const char* const directory = std::getenv("KORDANIX_DUMP_DIR");  // NOLINT(concurrency-mt-unsafe)

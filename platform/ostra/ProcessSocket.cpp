@@ -45,7 +45,7 @@ int makeSocket() {
 
 /// Returns 0 or an error number.
 int connectTo(int descriptor, const std::string& path) {
-    sockaddr_un address;
+    sockaddr_un address = {};
     if (!makeAddress(path, address)) {
         return ENAMETOOLONG;
     }
@@ -86,7 +86,7 @@ bool isListening(const std::string& path) {
     }
     const int error = connectTo(descriptor, path);
     close(descriptor);
-    struct stat status;
+    struct stat status = {};
     if (error == ECONNREFUSED && lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode)) {
         unlink(path.c_str());
     }
@@ -128,7 +128,7 @@ std::string processSocketPath(const std::string& directory, pid_t process) {
 
 int openProcessSocket(const std::string& directory, std::string& error) {
     const std::string path = processSocketPath(directory, getpid());
-    sockaddr_un address;
+    sockaddr_un address = {};
     if (!makeAddress(path, address)) {
         error = path + ": the path is too long for a socket";
         return -1;

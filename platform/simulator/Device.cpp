@@ -67,7 +67,7 @@ std::string Device::load(const std::string& folder) {
 
 std::string Device::readProperties(const std::string& path) {
     std::string text;
-    const std::string error = readText(path, text);
+    std::string error = readText(path, text);
     if (!error.empty()) {
         return error;
     }

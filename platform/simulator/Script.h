@@ -56,8 +56,8 @@ public:
     /// A figure that grows with the area under a curve, such as a count of ticks.
     struct Total {
         std::string curve;
-        double perSecond;  ///< growth in a second in which the curve is at 1
-        double start;
+        double perSecond = 0.0;  ///< growth in a second in which the curve is at 1
+        double start = 0.0;
     };
 
     std::map<std::string, Curve> curves;

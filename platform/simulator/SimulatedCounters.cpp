@@ -6,6 +6,8 @@
 
 #include <time.h>
 
+#include <cmath>
+
 /// Missing in an executable that simulates no devices; the source is then unavailable.
 extern "C" __attribute__((weak)) bool kordanixSimulatedGpu(KordanixSimulatedMoment moment,
                                                            KordanixSimulatedGpu* sample);
@@ -40,7 +42,7 @@ HWcounter::~HWcounter() {
 
 int HWcounter::init() {
     if (mState != READY && mState != UNAVAILABLE) {
-        KordanixSimulatedGpu sample;
+        KordanixSimulatedGpu sample = {};
         const bool isReady = StateInfo::getGPUClock() >= 0.0F && readSample(KORDANIX_SIMULATED_NOW, sample);
         mState = isReady ? READY : UNAVAILABLE;
     }
@@ -55,7 +57,7 @@ void HWcounter::deInit() {
 
 bool HWcounter::readGpuUsage(double* usage) {
     *usage = 0.0;
-    KordanixSimulatedGpu sample;
+    KordanixSimulatedGpu sample = {};
     if (mState != READY || !readSample(KORDANIX_SIMULATED_NOW, sample)) {
         return false;
     }
@@ -65,11 +67,11 @@ bool HWcounter::readGpuUsage(double* usage) {
 
 bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, double* vertexActivity,
                                 double* fragmentActivity) {
-    KordanixSimulatedGpu sample;
+    KordanixSimulatedGpu sample = {};
     if (mState != READY || !readSample(KORDANIX_SIMULATED_SAMPLE, sample)) {
         return false;
     }
-    *timestamp = static_cast<unsigned long long>(sample.seconds * US_PER_SECOND + 0.5);
+    *timestamp = static_cast<unsigned long long>(std::llround(sample.seconds * US_PER_SECOND));
     *usage = sample.usage;
     *vertexActivity = sample.vertexActivity;
     *fragmentActivity = sample.fragmentActivity;
@@ -80,7 +82,7 @@ bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, do
 
 bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
     *diff = 0;
-    KordanixSimulatedGpu sample;
+    KordanixSimulatedGpu sample = {};
     if (mState != READY || !readSample(KORDANIX_SIMULATED_CAPTURE, sample)) {
         return false;
     }
@@ -90,7 +92,7 @@ bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
 
 bool HWcounter::getRealtimeMonotonictimeDiff(unsigned long long* diff) {
     *diff = 0;
-    KordanixSimulatedGpu sample;
+    KordanixSimulatedGpu sample = {};
     if (mState != READY || !readSample(KORDANIX_SIMULATED_CAPTURE, sample)) {
         return false;
     }
