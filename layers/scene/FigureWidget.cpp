@@ -112,6 +112,11 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     }
 }
 
+bool FigureWidget::isPlotted(const Figure& figure) {
+    // A graph has no scale before its first sample.
+    return figure.graph != nullptr && figure.graph->mEnabled && figure.graph->mMaxValue > 0.0F;
+}
+
 void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
     if (note.backdrop == nullptr) {
         return;
@@ -139,7 +144,7 @@ void FigureWidget::refresh(Metrics& metrics) {
         }
         const std::string value = figure.spec->format(figure.reading);
         setText(*figure.value, figure.name != nullptr ? value : figure.spec->name + (' ' + value));
-        // A graph stands still while its figure cannot be read.
+        // A graph stands still while its figure cannot be read, and is not there before that.
         if (figure.graph != nullptr && figure.reading) {
             const auto sample = static_cast<float>(*figure.reading);
             const Reading top = (metrics.*figure.spec->top)();
@@ -171,13 +176,13 @@ void FigureWidget::draw() {
         mFirstGraph->drawGrid();
     }
     for (const Figure& figure : mFigures) {
-        if (figure.graph != nullptr && figure.graph->mEnabled) {
+        if (isPlotted(figure)) {
             figure.graph->recalculateMesh();
             drawMesh(*figure.graph, *figure.graph->mFillMesh);
         }
     }
     for (const Figure& figure : mFigures) {
-        if (figure.graph != nullptr && figure.graph->mEnabled) {
+        if (isPlotted(figure)) {
             drawMesh(*figure.graph, *figure.graph->mLineMesh);
         }
     }

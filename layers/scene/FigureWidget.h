@@ -93,6 +93,7 @@ private:
         drawer::RectDrawer* backdrop;  // null: none
     };
 
+    static bool isPlotted(const Figure& figure);
     static void fitBackdrop(const Note& note, const Canvas& canvas);
 
     Canvas mCanvas;  // of the last layout

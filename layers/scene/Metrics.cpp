@@ -126,8 +126,8 @@ Reading Metrics::gpuMemoryTexture() {
     return keepPeak(readGpuMemoryTexture());
 }
 
-Reading Metrics::processMemoryPeak() {
-    return mProcessMemoryPeak;
+Reading Metrics::processMemoryTop() {
+    return mProcessMemoryPeak ? Reading(*mProcessMemoryPeak * 1.25) : Reading();
 }
 
 Reading Metrics::systemMemoryFree() {

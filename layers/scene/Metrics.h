@@ -59,8 +59,8 @@ public:
     Reading gpuMemorySurface();
     Reading gpuMemoryTexture();
 
-    /// The largest of this process's memory figures so far, in bytes: the common scale of their graphs.
-    Reading processMemoryPeak();
+    /// The common scale of these four's graphs, in bytes: a quarter more than the largest of them so far.
+    Reading processMemoryTop();
 
     /// Bytes of the whole system: see SystemMemory for what counts as free.
     Reading systemMemoryFree();
