@@ -363,9 +363,9 @@ struct Finished {
     std::string output;  ///< both streams
 };
 
-Finished run(const std::string& arguments) {
+Finished run(const std::string& arguments, const std::string& environment = {}) {
     Finished result = {-1, {}};
-    std::FILE* const pipe = popen((KORDANIXCTL " " + arguments + " 2>&1").c_str(), "r");
+    std::FILE* const pipe = popen((environment + " " KORDANIXCTL " " + arguments + " 2>&1").c_str(), "r");
     if (pipe == nullptr) {
         return result;
     }
@@ -408,6 +408,12 @@ TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
         const Finished result = run(line.arguments);
         EXPECT_EQ(result.status, line.status) << line.arguments << '\n' << result.output;
         EXPECT_THAT(result.output, HasSubstr(line.output)) << line.arguments;
+    }
+    for (const char* const arguments : {"set status true", "get", "list", "watch --seconds 0", "publish",
+                                        "reset", "key dump", "background", "doctor"}) {
+        const Finished result = run(arguments, "KORDANIX_RUNTIME_DIR=/dev/null");
+        EXPECT_EQ(result.status, 1) << arguments;
+        EXPECT_THAT(result.output, HasSubstr("/dev/null")) << arguments;
     }
     for (const char* const verb : {"set", "get", "list", "publish", "watch", "reset", "key", "background",
                                    "doctor", "trace", "report"}) {

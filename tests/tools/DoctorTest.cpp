@@ -93,7 +93,7 @@ TEST_F(DoctorTest, SaysWhichPropertiesAreSetAndWhichTextsCannotBeRead) {
 TEST_F(DoctorTest, FailsOnlyWithoutAUsableRuntimeDirectory) {
     std::ofstream(mDirectory.path("properties")) << "not an area";
     EXPECT_EQ(run(), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("no properties can be read or written"));
+    EXPECT_THAT(mErr.str(), HasSubstr("there are no properties: "));
     EXPECT_THAT(output(), HasSubstr("What can be measured here"));
     setenv("KORDANIX_RUNTIME_DIR", "not/absolute", 1);
     EXPECT_EQ(run(), FAILURE);

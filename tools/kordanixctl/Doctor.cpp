@@ -7,7 +7,6 @@
 #include "ValueText.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
-#include "properties/SystemProperties.h"
 
 #include <algorithm>
 #include <iomanip>
@@ -117,16 +116,14 @@ void describeMetrics(std::ostream& out) {
 
 ExitCode runDoctor(std::ostream& out, std::ostream& err) {
     const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    const std::string error = directory.error.empty() ? platform::propertyAreaError() : directory.error;
-    if (error.empty()) {
+    const ExitCode result = checkProperties(err);
+    if (result == SUCCESS) {
         out << "Runtime directory: " << directory.path << '\n';
         describeProperties(out);
         describeProcesses(directory.path, out);
-    } else {
-        err << "kordanixctl: no properties can be read or written, and no overlay reached: " << error << '\n';
     }
     describeMetrics(out);
-    return error.empty() ? SUCCESS : FAILURE;
+    return result;
 }
 
 }  // namespace control

@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -37,10 +38,18 @@ std::string mebibytes(const scene::Reading& bytes) {
 }
 
 std::string cpuLoad() {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds PATIENCE(200);
     StateInfo state;
-    // A load lies between two readings; the first never gives one.
-    state.getCurrentCPUUsage(1.0);
-    return state.getCurrentCPUUsage(1.0) >= 0.0F ? "readable" : "";
+    // A load lies between two readings, and the times of a process as young as this one begin with no whole
+    // tick, which the library takes for a first reading.
+    const Clock::time_point end = Clock::now() + PATIENCE;
+    do {
+        if (state.getCurrentCPUUsage(1.0) >= 0.0F) {
+            return "readable";
+        }
+    } while (Clock::now() < end);
+    return {};
 }
 
 std::string cpuTemperature() {

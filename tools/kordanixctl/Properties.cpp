@@ -11,6 +11,15 @@
 
 namespace control {
 
+ExitCode checkProperties(std::ostream& err) {
+    const std::string error = platform::propertyAreaError();
+    if (error.empty()) {
+        return SUCCESS;
+    }
+    err << "kordanixctl: there are no properties: " << error << '\n';
+    return FAILURE;
+}
+
 std::optional<std::string> readProperty(const std::string& name) {
     std::string text;
     if (const prop_info* const property = __system_property_find(name.c_str())) {

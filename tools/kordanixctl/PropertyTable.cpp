@@ -27,7 +27,7 @@ constexpr Property TABLE[] = {
     {"devmode", BOOLEAN, OFF, "developer mode: the keys start dumps and captures"},
     {"fixclock", BOOLEAN, OFF, "fix the CPU and GPU clocks while the overlay runs"},
     {"api", PropertyType::API, 0, "number of the graphics API whose layer shows the overlay"},
-    {"proc", PropertyType::TEXT, 0, "process that shows the overlay (first word of its command line)"},
+    {"proc", PropertyType::TEXT, 0, "process that shows the overlay: its command line's first word"},
 
     {"bg_color", COLOR, BLACK, "background of the widgets"},
     {"bg_transparency", PropertyType::OPACITY, 128, "opacity of the background: 0 clear, 255 opaque"},

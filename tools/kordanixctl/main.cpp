@@ -1,6 +1,7 @@
 #include "Doctor.h"
 #include "DumpCommands.h"
 #include "ProcessCommands.h"
+#include "Properties.h"
 #include "SetCommand.h"
 #include "ShowCommands.h"
 #include "WatchCommand.h"
@@ -38,7 +39,14 @@ struct Arguments {
 CLI::App* addVerb(CLI::App& app, const char* name, const char* description) {
     CLI::App* const verb = app.add_subcommand(name, description);
     verb->set_help_flag("-h,--help", "Print this help and exit");
+    verb->footer("");
     return verb;
+}
+
+/// Runs a verb that reads properties, if they can be read.
+ExitCode withProperties(const std::function<ExitCode()>& verb) {
+    const ExitCode usable = control::checkProperties(std::cerr);
+    return usable == control::SUCCESS ? verb() : usable;
 }
 
 /// Marks negative numbers as values, since the parser would take -1 for an option, and takes the mark off.
@@ -75,8 +83,10 @@ void addGet(CLI::App& app, Arguments& arguments) {
     verb->add_option("name", arguments.name, "Its name, with or without debug.kordanix.")->type_name("NAME");
     verb->callback([&arguments] {
         arguments.action = [&] {
-            return arguments.name.empty() ? control::printSetProperties(std::cout)
-                                          : control::printProperty(arguments.name, std::cout, std::cerr);
+            return withProperties([&] {
+                return arguments.name.empty() ? control::printSetProperties(std::cout)
+                                              : control::printProperty(arguments.name, std::cout, std::cerr);
+            });
         };
     });
 }
@@ -87,8 +97,10 @@ void addList(CLI::App& app, Arguments& arguments) {
     verb->add_flag("--json", arguments.isJson, "As a JSON array");
     verb->callback([&arguments] {
         arguments.action = [&] {
-            return arguments.isJson ? control::listPropertiesAsJson(std::cout)
-                                    : control::listProperties(std::cout);
+            return withProperties([&] {
+                return arguments.isJson ? control::listPropertiesAsJson(std::cout)
+                                        : control::listProperties(std::cout);
+            });
         };
     });
 }
@@ -106,7 +118,9 @@ void addWatch(CLI::App& app, Arguments& arguments) {
         ->type_name("SECONDS")
         ->check(CLI::NonNegativeNumber);
     verb->callback([&arguments] {
-        arguments.action = [&] { return control::watchProperties(arguments.watch, std::cout); };
+        arguments.action = [&] {
+            return withProperties([&] { return control::watchProperties(arguments.watch, std::cout); });
+        };
     });
 }
 
