@@ -16,9 +16,9 @@ constexpr float EVEN_SAMPLE_LIFT = 0.00004F;
 
 constexpr float BOTTOM = 1.0F;
 
-/// Heights are computed this many at a time, so that the divisions can run in parallel; even, so that every
-/// batch begins with an even sample.
-constexpr std::size_t BATCH = 16;
+/// Heights are computed this many at a time, apart from the vertices they go into: such a loop the compilers
+/// turn into vector instructions.
+constexpr std::size_t BATCH = 32;
 
 float sampleX(std::uint32_t index, std::uint32_t capacity) {
     if (capacity == 1) {
@@ -31,10 +31,11 @@ float liftOf(std::size_t index) {
     return index % 2 == 0 ? EVEN_SAMPLE_LIFT : 0.0F;
 }
 
-float heightOf(float sample, float maxValue, float lift) {
+/// Height of a sample before the lift.
+float heightOf(float sample, float maxValue) {
     const float value = sample == 0.0F ? 1.0F : sample;
-    const float y = 2.0F * (1.0F - value / maxValue) - 1.0F - lift;
-    return std::abs(y) <= std::numeric_limits<float>::max() ? y : BOTTOM - lift;
+    const float y = 2.0F * (1.0F - value / maxValue) - 1.0F;
+    return std::abs(y) <= std::numeric_limits<float>::max() ? y : BOTTOM;
 }
 
 std::uint64_t toUint64(float value) {
@@ -140,13 +141,14 @@ void GraphicDrawer::recalculateMesh() {
     gui::Vertex* const line = mLineMesh->mVertices.data();
     gui::Vertex* const fill = mFillMesh->mVertices.data();
     const auto setHeight = [line, fill](std::size_t i, float y) {
-        line[i].y = y;
-        fill[2 * i].y = y;
+        const float lifted = y - liftOf(i);
+        line[i].y = lifted;
+        fill[2 * i].y = lifted;
     };
 
     if (mMaxValue == 0.0F) {
         for (std::size_t i = 0; i < count; ++i) {
-            setHeight(i, BOTTOM - liftOf(i));
+            setHeight(i, BOTTOM);
         }
         return;
     }
@@ -155,14 +157,14 @@ void GraphicDrawer::recalculateMesh() {
     for (; first + BATCH <= count; first += BATCH) {
         float heights[BATCH];
         for (std::size_t i = 0; i < BATCH; ++i) {
-            heights[i] = heightOf(samples[first + i], maxValue, liftOf(i));
+            heights[i] = heightOf(samples[first + i], maxValue);
         }
         for (std::size_t i = 0; i < BATCH; ++i) {
             setHeight(first + i, heights[i]);
         }
     }
     for (; first < count; ++first) {
-        setHeight(first, heightOf(samples[first], maxValue, liftOf(first)));
+        setHeight(first, heightOf(samples[first], maxValue));
     }
 }
 
