@@ -8,6 +8,9 @@ function(kordanix_add_core target counter_source)
     VISIBILITY_INLINES_HIDDEN ON)
   # The watcher thread lives as long as the process, so its code must never be unmapped.
   target_link_options(${target} PRIVATE -Wl,-z,nodelete -Wl,-z,defs)
+  set(exports ${PROJECT_SOURCE_DIR}/src/KordanixCore.map)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
 # kordanix_add_test(NAME SOURCES...): a GoogleTest executable whose cases CTest knows one by one.
