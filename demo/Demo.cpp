@@ -145,10 +145,23 @@ std::string deviceProblem(const Options& options) {
     return simulator::deviceError() + "\nThe devices are:" + names;
 }
 
+/// Empty when pictures can be written there. Better asked for now than after the last frame.
+std::string folderProblem(const std::string& file) {
+    const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+    std::error_code error;
+    if (folder.empty() || std::filesystem::is_directory(folder, error)) {
+        return {};
+    }
+    return "There is no folder " + folder.string() + " for the picture.";
+}
+
 }  // namespace
 
 int run(const Options& options) {
     std::string error = deviceProblem(options);
+    if (error.empty()) {
+        error = folderProblem(options.png);
+    }
     if (error.empty()) {
         error = writeSettings(options);
     }
@@ -158,7 +171,7 @@ int run(const Options& options) {
         return 1;
     }
     std::printf(
-        "Overlay on a moving picture of %u by %u pixels, %.0f frames a second for %.0f seconds, with %s.\n",
+        "Overlay on a moving picture of %u by %u pixels, %g frames a second for %g seconds, with %s.\n",
         options.width, options.height, options.rate, options.seconds,
         options.device.empty() ? "this machine's own figures"
                                : ("the figures of the simulated device " + options.device).c_str());

@@ -1,51 +1,54 @@
 #include "Settings.h"
 
 #include "Options.h"
+#include "Properties.h"
+#include "PropertyTable.h"
 #include "Restart.h"
+#include "ValueText.h"
+#include "properties/SystemProperties.h"
 
-#include <sys/system_properties.h>
-
-#include <unistd.h>
-
+#include <optional>
 #include <string>
 
 namespace demo {
 
 namespace {
 
-constexpr const char* PREFIX = "debug.kordanix.";
-
+/// Takes what kordanixctl takes: short names, positions by name, colours as #RRGGBB.
 std::string write(const std::string& name, const std::string& value) {
-    const std::string full = name.find('.') == std::string::npos ? PREFIX + name : name;
-    if (__system_property_set(full.c_str(), value.c_str()) != 0) {
-        return "Cannot set the property " + full + " to '" + value + "'.";
+    const control::Property* const property = control::findProperty(name);
+    if (property == nullptr) {
+        const control::Property* const nearest = control::nearestProperty(name);
+        const std::string hint = nearest == nullptr
+                                     ? "'kordanixctl list' shows all of them"
+                                     : "did you mean '" + std::string(nearest->shortName) + "'?";
+        return "There is no property '" + name + "'; " + hint;
     }
-    return {};
+    const std::optional<std::string> text = control::toPropertyText(property->type, value);
+    if (!text) {
+        return "'" + value + "' is no value for " + name + "; expected " +
+               std::string(control::expectedText(property->type));
+    }
+    const std::string full = control::fullName(*property);
+    const std::string error = platform::setProperty(full.c_str(), text->c_str());
+    return error.empty() ? error : "Cannot set " + full + ": " + error;
 }
 
 }  // namespace
 
 std::string writeSettings(const Options& options) {
-    std::string error = write("status", "true");
-    if (error.empty()) {
-        error = write("proc", PROCESS_NAME);
+    auto settings = options.settings;
+    settings.insert(settings.begin(), {{"status", "true"}, {"proc", PROCESS_NAME}, {"api", "0"}});
+    if (options.captureAt >= 0.0) {
+        settings.emplace_back("devmode", "true");
     }
-    if (error.empty()) {
-        error = write("api", "0");
-    }
-    if (error.empty() && options.captureAt >= 0.0) {
-        error = write("devmode", "true");
-    }
-    for (const auto& [name, value] : options.settings) {
-        if (error.empty()) {
-            error = write(name, value);
+    for (const auto& [name, value] : settings) {
+        const std::string error = write(name, value);
+        if (!error.empty()) {
+            return error;
         }
     }
-    if (error.empty()) {
-        // Any value publishes; one of its own makes sure that it differs from the last.
-        error = write("settingsgeneration", "demo." + std::to_string(getpid()));
-    }
-    return error;
+    return control::publish();
 }
 
 }  // namespace demo
