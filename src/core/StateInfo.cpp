@@ -12,8 +12,6 @@ namespace {
 
 constexpr int LAST_DEVICE_AT_60_FPS = 5;
 
-std::once_flag gFirstReadOfProps;
-
 void endDumpAndReleaseClocks() {
     // The listener and the rendering thread may come here at once; only one of them finishes the dump.
     if (StateInfo::mIsDumpingEnabled.exchange(false, std::memory_order_relaxed)) {
@@ -72,7 +70,11 @@ void StateInfo::onDetached() {
 }
 
 bool StateInfo::isOverlayEnabled(RenderingApiType api) {
-    std::call_once(gFirstReadOfProps, SysPropWatcher::forceReadAllProps);
+    // Once, and concurrent first callers wait: as std::call_once, but afterwards only a load.
+    [[maybe_unused]] static const bool isRead = [] {
+        SysPropWatcher::forceReadAllProps();
+        return true;
+    }();
     if (!mStatusProp.getValue() || mRenderApiProp.getValue() != api) {
         return false;
     }

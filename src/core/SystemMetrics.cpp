@@ -12,7 +12,6 @@ namespace core {
 namespace {
 
 using utils::File;
-using utils::openForReading;
 
 constexpr float UNREADABLE = -1.0F;
 constexpr std::uint32_t UNREADABLE_MEMORY = 0xFFFFFFFF;
@@ -35,7 +34,7 @@ std::optional<std::uint32_t> readNumber(std::FILE* file) {
 
 /// The single number the file holds.
 std::optional<std::uint32_t> readNumber(const char* path) {
-    const File file = openForReading(path);
+    const File file(path);
     return file ? readNumber(file.get()) : std::nullopt;
 }
 
@@ -70,7 +69,7 @@ bool StateInfo::checkGPUClockUnit() {
     if (sIsGpuClockUnitChecked.load(std::memory_order_acquire)) {
         return true;
     }
-    const File table = openForReading("/sys/kernel/gpu/gpu_freq_table");
+    const File table("/sys/kernel/gpu/gpu_freq_table");
     if (!table) {
         return false;
     }
@@ -89,7 +88,7 @@ bool StateInfo::checkGPUClockUnit() {
 }
 
 float StateInfo::getGPUTemperature() {
-    const File file = openForReading("/sys/kernel/gpu/gpu_tmu");
+    const File file("/sys/kernel/gpu/gpu_tmu");
     float value = 0.0F;
     if (!file || std::fscanf(file.get(), "%f ", &value) != 1 || !std::isfinite(value)) {
         return UNREADABLE;
@@ -99,7 +98,7 @@ float StateInfo::getGPUTemperature() {
 }
 
 float StateInfo::getCurrentCPUUsage(double elapsed) {
-    const File file = openForReading("/proc/self/stat");
+    const File file("/proc/self/stat");
     std::size_t userTime = 0;
     std::size_t systemTime = 0;
     // Fields 14 and 15; before them the process id, the command and the state (texts), and ten more numbers.
@@ -127,7 +126,7 @@ float StateInfo::getCurrentCPUUsage(double elapsed) {
 std::uint32_t StateInfo::getMemoryUsage() {
     enum { TOTAL, FREE, AVAILABLE, BUFFERS, CACHED, LINE_COUNT };
 
-    const File file = openForReading("/proc/meminfo");
+    const File file("/proc/meminfo");
     if (!file) {
         return UNREADABLE_MEMORY;
     }

@@ -1,19 +1,33 @@
 #pragma once
 
 #include <cstdio>
-#include <memory>
 
 namespace utils {
 
-struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+/// A small text file, open for reading until the object ends. Its buffer lies in the object, so that the
+/// stream neither allocates one nor asks the kernel for the file's block size.
+class File {
+public:
+    /// Tests false when the file cannot be opened; errno says why.
+    explicit File(const char* path) : mStream(std::fopen(path, "r")) {
+        if (mStream != nullptr) {
+            static_cast<void>(std::setvbuf(mStream, mBuffer, _IOFBF, sizeof mBuffer));
+        }
+    }
+    ~File() {
+        if (mStream != nullptr) {
+            std::fclose(mStream);
+        }
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    explicit operator bool() const { return mStream != nullptr; }
+    std::FILE* get() const { return mStream; }
+
+private:
+    std::FILE* mStream;
+    char mBuffer[512];
 };
-
-/// An open file that closes itself; null if it could not be opened (errno says why).
-using File = std::unique_ptr<std::FILE, FileCloser>;
-
-inline File openForReading(const char* path) {
-    return File(std::fopen(path, "r"));
-}
 
 }  // namespace utils

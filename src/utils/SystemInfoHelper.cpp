@@ -50,7 +50,7 @@ int deviceModel = indexOfModel(gModelProp.getValue());
 std::string getProcessName() {
     static constexpr const char* PATH = "/proc/self/cmdline";
     std::string name;
-    if (const File file = openForReading(PATH)) {
+    if (const File file{PATH}) {
         std::array<char, 256> buffer{};
         if (std::fgets(buffer.data(), static_cast<int>(buffer.size()), file.get()) != nullptr) {
             name = buffer.data();
@@ -75,7 +75,7 @@ int checkVendor() {
     if (known != UNKNOWN_VENDOR) {
         return known;
     }
-    const File file = openForReading("/sys/kernel/gpu/gpu_model");
+    const File file("/sys/kernel/gpu/gpu_model");
     if (!file) {
         KORDANIX_LOG_ERROR("Fail to read Vendor", "SystemInfoHelper.h", "checkVendor", 66);
         return UNKNOWN_VENDOR;

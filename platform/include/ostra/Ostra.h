@@ -42,7 +42,8 @@ struct FrameDump {
 };
 
 static_assert(sizeof(DumpValue) == 8 && sizeof(DumpRenderpassValue) == 24, "record layout");
-static_assert(sizeof(void*) != 4 || (sizeof(DumpWidgetMeta) == 12 && sizeof(FrameDump) == 56), "record layout");
+static_assert(sizeof(void*) != 4 || (sizeof(DumpWidgetMeta) == 12 && sizeof(FrameDump) == 56),
+              "record layout");
 
 /// A key press or release.
 struct KeyEvent {
