@@ -22,7 +22,7 @@ Color mix(const Color& from, const Color& to, float share) {
 }
 
 std::uint8_t toByte(float value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+    return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0F, 255.0F)));
 }
 
 Pixel toPixel(const Color& color) {

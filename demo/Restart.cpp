@@ -24,8 +24,8 @@ constexpr const char* DEVICE = "KORDANIX_DEVICE";
 constexpr const char* RUNTIME_DIR = "KORDANIX_RUNTIME_DIR";
 
 const char* variable(const char* name) {
-    return std::getenv(
-        name);  // NOLINT(concurrency-mt-unsafe): nothing in this process changes the environment
+    // Nothing in this process changes the environment.
+    return std::getenv(name);  // NOLINT(concurrency-mt-unsafe)
 }
 
 bool hasName(const char* entry, const char* name) {
@@ -55,6 +55,7 @@ bool restartIfNeeded(char** argv, const Options& options, int& exitCode) {
     }
 
     std::vector<char*> environment;
+    environment.reserve(texts.size());
     for (std::string& text : texts) {
         environment.push_back(text.data());
     }

@@ -43,7 +43,7 @@ std::string writeSettings(const Options& options) {
         settings.emplace_back("devmode", "true");
     }
     for (const auto& [name, value] : settings) {
-        const std::string error = write(name, value);
+        std::string error = write(name, value);
         if (!error.empty()) {
             return error;
         }

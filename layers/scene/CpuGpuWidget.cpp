@@ -46,12 +46,12 @@ std::string footer(Metrics& metrics) {
 }
 
 constexpr FigureSpec FIGURES[] = {
-    {settingsOf<&CpuGpu::mCpuLoad>, "CPU", Area::CPU_GPU_NAME_1, Area::CPU_GPU_VALUE_1, &Metrics::cpuLoad,
-     formatPercent, Value::CPU_LOAD, &Metrics::percentTop},
-    {settingsOf<&CpuGpu::mGpuFreq>, "MHz", Area::CPU_GPU_NAME_2, Area::CPU_GPU_VALUE_2, &Metrics::gpuClock,
-     formatWhole, Value::GPU_FREQ, &Metrics::gpuMaxClock},
-    {settingsOf<&CpuGpu::mGpuLoad>, "GPU", Area::CPU_GPU_NAME_3, Area::CPU_GPU_VALUE_3, &Metrics::gpuLoad,
-     formatPercent, Value::GPU_LOAD, &Metrics::percentTop},
+    {settingsOf<&CpuGpu::mCpuLoad>, "CPU", Area::CPU_GPU_NAME_1, Area::CPU_GPU_VALUE_1, Value::CPU_LOAD,
+     &Metrics::cpuLoad, formatPercent, &Metrics::percentTop},
+    {settingsOf<&CpuGpu::mGpuFreq>, "MHz", Area::CPU_GPU_NAME_2, Area::CPU_GPU_VALUE_2, Value::GPU_FREQ,
+     &Metrics::gpuClock, formatWhole, &Metrics::gpuMaxClock},
+    {settingsOf<&CpuGpu::mGpuLoad>, "GPU", Area::CPU_GPU_NAME_3, Area::CPU_GPU_VALUE_3, Value::GPU_LOAD,
+     &Metrics::gpuLoad, formatPercent, &Metrics::percentTop},
 };
 
 constexpr NoteSpec NOTES[] = {

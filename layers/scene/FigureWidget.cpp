@@ -49,7 +49,8 @@ FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& sp
       mStrip(&place(factory.createRect(), spec.stripArea)) {
     for (std::size_t i = 0; i < spec.figureCount; ++i) {
         const FigureSpec& row = spec.figures[i];
-        Figure figure{&row, nullptr, nullptr, nullptr, {}};
+        Figure figure;
+        figure.spec = &row;
         if (row.nameArea) {
             figure.name = &place(factory.createText(), *row.nameArea);
             figure.name->setText(row.name);
@@ -66,7 +67,8 @@ FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& sp
     }
     for (std::size_t i = 0; i < spec.noteCount; ++i) {
         const NoteSpec& row = spec.notes[i];
-        Note note{&row, nullptr, nullptr};
+        Note note;
+        note.spec = &row;
         if (row.hasBackdrop) {
             note.backdrop = &place(factory.createRect(), row.area);
             note.backdrop->mColor = backdropColor();

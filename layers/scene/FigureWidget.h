@@ -22,24 +22,28 @@ class RectDrawer;
 
 namespace scene {
 
+/// For a figure whose name stands in front of its value.
+constexpr std::optional<gui::RenderAreaType> NO_NAME_CELL;
+
 /// One figure of a widget: a text and, unless `graph` is NONE, a graph.
 struct FigureSpec {
     /// Switch and colour.
-    const gui::WidgetsSettings::Graph& (*settings)();
+    const gui::WidgetsSettings::Graph& (*settings)() = nullptr;
 
     /// Name of the figure, in a cell of its own or, without one, in front of the value.
-    const char* name;
+    const char* name = nullptr;
     std::optional<gui::RenderAreaType> nameArea;
 
-    gui::RenderAreaType valueArea;
-    Reading (Metrics::*read)();
-    std::string (*format)(Reading);
+    gui::RenderAreaType valueArea = {};
 
     /// The graph's slot in frame dumps.
-    gui::WidgetValueType graph;
+    gui::WidgetValueType graph = gui::WidgetValueType::NONE;
+
+    Reading (Metrics::*read)() = nullptr;
+    std::string (*format)(Reading) = nullptr;
 
     /// The value at the graph's top edge; the largest value so far while it cannot be read.
-    Reading (Metrics::*top)();
+    Reading (Metrics::*top)() = nullptr;
 };
 
 /// A text over the graphs, or in the strip, that is no figure of the settings.
@@ -81,16 +85,16 @@ protected:
 
 private:
     struct Figure {
-        const FigureSpec* spec;
-        drawer::TextDrawer* name;  // null: the name stands in front of the value
-        drawer::TextDrawer* value;
-        drawer::GraphicDrawer* graph;  // null: text only
+        const FigureSpec* spec = nullptr;
+        drawer::TextDrawer* name = nullptr;  // null: the name stands in front of the value
+        drawer::TextDrawer* value = nullptr;
+        drawer::GraphicDrawer* graph = nullptr;  // null: text only
         Reading reading;
     };
     struct Note {
-        const NoteSpec* spec;
-        drawer::TextDrawer* text;
-        drawer::RectDrawer* backdrop;  // null: none
+        const NoteSpec* spec = nullptr;
+        drawer::TextDrawer* text = nullptr;
+        drawer::RectDrawer* backdrop = nullptr;  // null: none
     };
 
     static bool isPlotted(const Figure& figure);

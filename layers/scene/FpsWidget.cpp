@@ -21,30 +21,12 @@ std::string average(Metrics& metrics) {
 }
 
 constexpr FigureSpec FIGURES[] = {
-    {settingsOf<&Fps::mCurrent>,
-     "FPS",
-     {},
-     Area::FPS_TEXT_1,
-     &Metrics::currentFps,
-     formatRate,
-     Value::FPS,
-     &Metrics::maxFps},
-    {settingsOf<&Fps::mMedian>,
-     "Med",
-     {},
-     Area::FPS_TEXT_2,
-     &Metrics::medianFps,
-     formatRate,
-     Value::NONE,
-     nullptr},
-    {settingsOf<&Fps::mStability>,
-     "Stab",
-     {},
-     Area::FPS_TEXT_3,
-     &Metrics::fpsStability,
-     formatPercent,
-     Value::NONE,
-     nullptr},
+    {settingsOf<&Fps::mCurrent>, "FPS", NO_NAME_CELL, Area::FPS_TEXT_1, Value::FPS, &Metrics::currentFps,
+     formatRate, &Metrics::maxFps},
+    {settingsOf<&Fps::mMedian>, "Med", NO_NAME_CELL, Area::FPS_TEXT_2, Value::NONE, &Metrics::medianFps,
+     formatRate, nullptr},
+    {settingsOf<&Fps::mStability>, "Stab", NO_NAME_CELL, Area::FPS_TEXT_3, Value::NONE,
+     &Metrics::fpsStability, formatPercent, nullptr},
 };
 
 constexpr NoteSpec NOTES[] = {

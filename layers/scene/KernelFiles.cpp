@@ -12,7 +12,7 @@ namespace {
 constexpr unsigned int BUFFER_SIZE = 4096;
 
 struct FileText {
-    unsigned char bytes[BUFFER_SIZE];
+    unsigned char bytes[BUFFER_SIZE] = {};
     unsigned int size = 0;
 
     std::string_view view() const { return {reinterpret_cast<const char*>(bytes), size}; }

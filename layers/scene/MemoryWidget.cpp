@@ -21,16 +21,16 @@ std::string used(Metrics& metrics) {
 }
 
 constexpr FigureSpec FIGURES[] = {
-    {settingsOf<&Memory::mPss>, "PSS", Area::MEMORY_NAME_1, Area::MEMORY_VALUE_1, &Metrics::pss, formatBytes,
-     Value::MEM_PSS, &Metrics::processMemoryTop},
-    {settingsOf<&Memory::mGpuTotal>, "GPU", Area::MEMORY_NAME_2, Area::MEMORY_VALUE_2,
-     &Metrics::gpuMemoryTotal, formatBytes, Value::MEM_GPU, &Metrics::processMemoryTop},
-    {settingsOf<&Memory::mGpuSurface>, "Surf", Area::MEMORY_NAME_3, Area::MEMORY_VALUE_3,
-     &Metrics::gpuMemorySurface, formatBytes, Value::MEM_SURF, &Metrics::processMemoryTop},
-    {settingsOf<&Memory::mGpuTexture>, "Tex", Area::MEMORY_NAME_4, Area::MEMORY_VALUE_4,
-     &Metrics::gpuMemoryTexture, formatBytes, Value::MEM_TEX, &Metrics::processMemoryTop},
-    {settingsOf<&Memory::mSysFree>, "SysFree", Area::MEMORY_NAME_5, Area::MEMORY_VALUE_5,
-     &Metrics::systemMemoryFree, formatBytes, Value::MEM_SYS_FREE, &Metrics::systemMemoryTotal},
+    {settingsOf<&Memory::mPss>, "PSS", Area::MEMORY_NAME_1, Area::MEMORY_VALUE_1, Value::MEM_PSS,
+     &Metrics::pss, formatBytes, &Metrics::processMemoryTop},
+    {settingsOf<&Memory::mGpuTotal>, "GPU", Area::MEMORY_NAME_2, Area::MEMORY_VALUE_2, Value::MEM_GPU,
+     &Metrics::gpuMemoryTotal, formatBytes, &Metrics::processMemoryTop},
+    {settingsOf<&Memory::mGpuSurface>, "Surf", Area::MEMORY_NAME_3, Area::MEMORY_VALUE_3, Value::MEM_SURF,
+     &Metrics::gpuMemorySurface, formatBytes, &Metrics::processMemoryTop},
+    {settingsOf<&Memory::mGpuTexture>, "Tex", Area::MEMORY_NAME_4, Area::MEMORY_VALUE_4, Value::MEM_TEX,
+     &Metrics::gpuMemoryTexture, formatBytes, &Metrics::processMemoryTop},
+    {settingsOf<&Memory::mSysFree>, "SysFree", Area::MEMORY_NAME_5, Area::MEMORY_VALUE_5, Value::MEM_SYS_FREE,
+     &Metrics::systemMemoryFree, formatBytes, &Metrics::systemMemoryTotal},
 };
 
 constexpr NoteSpec NOTES[] = {
