@@ -225,7 +225,7 @@ void drawHistogram(const Histogram& histogram, double width, double height, std:
         const double lastMs = firstMs + histogram.widthMs - 1.0;
         std::string label = fixedPoint(firstMs, 0);
         if (isBeyond) {
-            label = "\xE2\x89\xA5" + label;
+            label.insert(0, "\xE2\x89\xA5");
         } else if (lastMs > firstMs) {
             label += "\xE2\x80\x93" + fixedPoint(lastMs, 0);
         }

@@ -2,7 +2,6 @@
 
 #include "core/StateInfo.h"
 #include "scene/KernelFiles.h"
-#include "utils/File.h"
 #include "utils/SystemInfoHelper.h"
 
 #include <array>
@@ -11,6 +10,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <system_error>
 
 namespace control {
@@ -18,6 +18,11 @@ namespace control {
 namespace {
 
 using core::StateInfo;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { StateInfo::file_close(file); }
+};
+using File = std::unique_ptr<std::FILE, FileCloser>;
 
 constexpr const char* GPU_TABLE = "/sys/kernel/gpu/gpu_freq_table";
 
@@ -166,7 +171,7 @@ std::string beginningOf(std::FILE* file) {
 
 MetricCheck check(const Metric& metric) {
     MetricCheck result = {metric.name, metric.path, {}, {}, {}};
-    const utils::File file = utils::openForReading(metric.path);
+    const File file(StateInfo::file_open(metric.path, "r"));
     if (!file) {
         const int error = errno;
         result.error = std::generic_category().message(error);

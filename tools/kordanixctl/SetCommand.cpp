@@ -91,7 +91,8 @@ ExitCode resetProperties(bool keepsControl, std::ostream& err) {
         }
         const std::string error = platform::setProperty(name.c_str(), "");
         if (!error.empty()) {
-            return report("cannot reset " + name + ": " + error, err);
+            err << "kordanixctl: cannot reset " << name << ": " << error << '\n';
+            return FAILURE;
         }
     }
     return publishProperties(err);

@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <iostream>
 #include <iterator>
@@ -199,9 +200,7 @@ std::string unknownVerb(const CLI::App& app, const std::vector<std::string>& wor
     return word == words.end() || std::any_of(verbs.begin(), verbs.end(), isNamedSo) ? std::string() : *word;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+ExitCode run(int argc, char** argv) {
     CLI::App app{
         "Sets and shows the overlay's properties, reaches running overlays, and turns their frame "
         "dumps into traces and reports.",
@@ -241,8 +240,16 @@ int main(int argc, char** argv) {
         return result == control::SUCCESS && !std::cout ? control::FAILURE : result;
     } catch (const CLI::ParseError& error) {
         return app.exit(error) == 0 ? control::SUCCESS : control::USAGE_ERROR;
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
     } catch (const std::exception& error) {
-        std::cerr << "kordanixctl: " << error.what() << '\n';
+        std::fprintf(stderr, "kordanixctl: %s\n", error.what());
         return control::FAILURE;
     }
 }
