@@ -338,7 +338,8 @@ TEST(RenderPassTimeLine, OddNumbersGiveFiniteRectangles) {
             passes.push_back({start, end, {1}});
         }
     }
-    for (const long double duration : {10.0L, 1e-4000L, 1e300L, infinity}) {
+    for (const long double duration :
+         {10.0L, std::numeric_limits<long double>::denorm_min(), 1e300L, infinity}) {
         TimeLine line;
         line.addFrameInfo(makeFrame(1, duration, passes));
         line.draw();

@@ -426,7 +426,7 @@ TEST_F(Dump, DropsFramesThatTheDiskIsTooSlowFor) {
 TEST_F(Dump, IsWholeWhenThreadsStartFinishAndAdd) {
     std::atomic<bool> isDone{false};
     std::thread adder([&] {
-        for (std::uint64_t i = 0; !isDone; ++i) {
+        for (std::size_t i = 0; !isDone; ++i) {
             Ostra::addDump(frame(i, i % 3));
         }
     });

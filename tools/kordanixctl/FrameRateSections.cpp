@@ -19,7 +19,7 @@ constexpr std::size_t SLOWEST_IN_TABLE = 10;
 constexpr double MEAN_WINDOW_SECONDS = 0.25;
 constexpr double MAX_MEAN_POINTS = 500.0;
 
-std::string pluralFrames(std::size_t count) {
+std::string pluralFrames(std::uint64_t count) {
     return grouped(count) + (count == 1 ? " frame" : " frames");
 }
 
@@ -56,9 +56,13 @@ double scaleTop(const ReportData& data) {
     return std::ceil(top / step) * step;
 }
 
-/// Adds the mean frame time over windows of equal length.
+double meanWindow(const ReportData& data) {
+    return std::max(MEAN_WINDOW_SECONDS, data.elapsedSeconds.back() / MAX_MEAN_POINTS);
+}
+
+/// Adds the mean frame time over windows of equal length, if that makes a line.
 void addMeans(const ReportData& data, TimeChart& chart) {
-    const double window = std::max(MEAN_WINDOW_SECONDS, data.elapsedSeconds.back() / MAX_MEAN_POINTS);
+    const double window = meanWindow(data);
     double sum = 0.0;
     double count = 0.0;
     double first = data.elapsedSeconds[data.times.times.front().frame];
@@ -73,6 +77,10 @@ void addMeans(const ReportData& data, TimeChart& chart) {
             count = 0.0;
             first = now;
         }
+    }
+    if (chart.meanX.size() < 2) {
+        chart.meanX.clear();
+        chart.meanY.clear();
     }
 }
 
@@ -90,9 +98,9 @@ void writeSlowestFrames(const ReportData& data, std::ostream& out) {
     for (const std::size_t index : slowest(data.times, SLOWEST_IN_TABLE)) {
         const FrameTime& time = data.times.times[index];
         out << "<tr><td>" << data.dump.frames[time.frame].number << "</td><td>"
-            << clockText(data.elapsedSeconds[time.frame]) << "</td><td>" << fixedPoint(time.milliseconds, 0)
-            << " ms</td><td>" << load(cpu, time.frame) << "</td><td>" << load(gpu, time.frame)
-            << "</td></tr>\n";
+            << clockText(data.elapsedSeconds[time.frame], data.elapsedSeconds.back()) << "</td><td>"
+            << fixedPoint(time.milliseconds, 0) << " ms</td><td>" << load(cpu, time.frame) << "</td><td>"
+            << load(gpu, time.frame) << "</td></tr>\n";
     }
     out << "</table></section>\n";
 }
@@ -103,8 +111,9 @@ void writeHeading(const ReportData& data, std::ostream& out) {
     const Dump& dump = data.dump;
     const std::string date = dateText(dump.frames.front().timestampMs);
     out << "<h1>Frame dump report</h1>\n<p class=\"lead\">" << escapeHtml(dump.folder) << " &middot; "
-        << (date.empty() ? date : date + " &middot; ") << clockText(data.elapsedSeconds.back())
-        << " &middot; " << pluralFrames(dump.frames.size()) << ", " << dump.frames.front().number << " to "
+        << (date.empty() ? date : date + " &middot; ")
+        << clockText(data.elapsedSeconds.back(), data.elapsedSeconds.back()) << " &middot; "
+        << pluralFrames(dump.frames.size()) << ", " << dump.frames.front().number << " to "
         << dump.frames.back().number << "</p>\n";
     std::string warnings = describeLosses(dump);
     const auto warn = [&](const std::string& sentence) {
@@ -154,9 +163,9 @@ void writeFrameTimes(const ReportData& data, std::ostream& out) {
                        {},
                        {}};
     addMeans(data, chart);
-    out << "<section class=\"card\"><h2>Frame time</h2>\n<p class=\"note\">Each frame, and in bold the mean "
-           "of "
-        << fixedPoint(std::max(MEAN_WINDOW_SECONDS, data.elapsedSeconds.back() / MAX_MEAN_POINTS), 2) << " s."
+    const bool hasMeans = !chart.meanX.empty();
+    out << "<section class=\"card wide\"><h2>Frame time</h2>\n<p class=\"note\">Each frame"
+        << (hasMeans ? ", and in bold the mean of " + fixedPoint(meanWindow(data), 2) + " s." : ".")
         << (data.summary.longestMs > top ? " Triangles mark frames beyond the scale." : "") << "</p>\n";
     drawTimeChart(chart, out);
     out << "</section>\n";

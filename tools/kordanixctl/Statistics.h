@@ -3,6 +3,7 @@
 #include "Dump.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -18,8 +19,9 @@ struct FrameTime {
 /// milliseconds, so a single frame time is right to within one millisecond, and a sum of them as well.
 struct FrameTimes {
     std::vector<FrameTime> times;
-    std::uint64_t missingFrames = 0;  ///< numbers left out between two recorded frames: no time for the latter
-    std::size_t clockSteps = 0;     ///< frames without a time because the wall clock was set back
+    std::uint64_t missingFrames =
+        0;                       ///< numbers left out between two recorded frames: no time for the latter
+    std::size_t clockSteps = 0;  ///< frames without a time because the wall clock was set back
 };
 FrameTimes frameTimes(const Dump& dump);
 
