@@ -101,11 +101,10 @@ bool runFrames(const Options& options) {
     Landscape landscape;
     Progress progress;
     Pace pace(options.rate);
-    const auto count = static_cast<std::uint64_t>(std::llround(options.seconds * options.rate));
     bool isCaptureDue = options.captureAt >= 0.0;
     bool isWritten = true;
-    for (std::uint64_t frame = 1; frame <= count && isWritten; ++frame) {
-        const double seconds = static_cast<double>(frame - 1) / options.rate;
+    double seconds = 0.0;
+    for (std::uint64_t frame = 1; isWritten && (frame == 1 || seconds < options.seconds); ++frame) {
         if (options.isFixedStep) {
             setSteppedClock(seconds);
         }
@@ -124,10 +123,12 @@ bool runFrames(const Options& options) {
         overlay.endFrame();
         if (options.isFixedStep) {
             overlay.mScene.settle();
+            seconds = static_cast<double>(frame) / options.rate;
         } else {
             pace.waitForNextFrame();
+            seconds = pace.elapsed();
         }
-        progress.onFrame(static_cast<double>(frame) / options.rate, frame, overlay.isShown());
+        progress.onFrame(seconds, frame, overlay.isShown());
     }
     overlay.detach();
     return isWritten && writePicture(surface, options.png);

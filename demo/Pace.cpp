@@ -14,7 +14,8 @@ constexpr std::chrono::milliseconds LONGEST_DELAY(100);
 Pace::Pace(double rate)
     : mFrame(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
           std::chrono::duration<double>(1.0 / rate))),
-      mNext(std::chrono::steady_clock::now()) {}
+      mStart(std::chrono::steady_clock::now()),
+      mNext(mStart) {}
 
 void Pace::waitForNextFrame() {
     mNext += mFrame;
@@ -23,6 +24,10 @@ void Pace::waitForNextFrame() {
         mNext = now;
     }
     std::this_thread::sleep_until(mNext);
+}
+
+double Pace::elapsed() const {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - mStart).count();
 }
 
 }  // namespace demo

@@ -11,8 +11,12 @@ public:
 
     void waitForNextFrame();
 
+    /// Seconds since the start.
+    double elapsed() const;
+
 private:
     std::chrono::steady_clock::duration mFrame;
+    std::chrono::steady_clock::time_point mStart;
     std::chrono::steady_clock::time_point mNext;
 };
 
