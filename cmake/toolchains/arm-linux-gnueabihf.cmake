@@ -12,4 +12,6 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-set(CMAKE_CROSSCOMPILING_EMULATOR qemu-arm -L ${kordanix_sysroot})
+# The environment is for programs that start another of ours: they have to name the emulator themselves.
+set(CMAKE_CROSSCOMPILING_EMULATOR
+  qemu-arm -L ${kordanix_sysroot} -E QEMU_LD_PREFIX=${kordanix_sysroot} -E KORDANIX_EMULATOR=qemu-arm)

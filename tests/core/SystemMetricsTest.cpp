@@ -1,4 +1,5 @@
 #include "core/StateInfo.h"
+#include "doubles/Emulator.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeLog.h"
 #include "doubles/FakeOstra.h"
@@ -316,8 +317,8 @@ int deviceModelFor(const std::string& model) {
         return -1;
     }
     const std::string command =
-        "KORDANIX_TEST_PROPERTIES='ro.product.model=" + model + "' '" + self.data() +
-        "' --gtest_also_run_disabled_tests --gtest_filter='DeviceModelChild.*' >/dev/null";
+        "KORDANIX_TEST_PROPERTIES='ro.product.model=" + model + "' " + doubles::emulator() + "'" +
+        self.data() + "' --gtest_also_run_disabled_tests --gtest_filter='DeviceModelChild.*' >/dev/null";
     const int status = std::system(command.c_str());  // NOLINT(cert-env33-c): the shell sets the variable
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

@@ -1,3 +1,4 @@
+#include "doubles/Emulator.h"
 #include "doubles/FakeLog.h"
 #include "ostra/KeyChannel.h"
 #include "ostra/ProcessSocket.h"
@@ -221,6 +222,9 @@ TEST_F(Keys, AFloodAndGarbageAreSurvived) {
 }
 
 TEST_F(Keys, AForkedChildHasASocketOfItsOwn) {
+    if (doubles::isEmulated()) {
+        GTEST_SKIP() << "QEMU 7.2 ends the forked child of a process with threads when it starts a thread";
+    }
     const pid_t child = fork();
     if (child == 0) {
         const bool isRight = takeKeys(2) == std::vector<int>{1, 2};

@@ -1,3 +1,4 @@
+#include "doubles/Emulator.h"
 #include "simulator/Device.h"
 #include "simulator/DeviceSimulator.h"
 
@@ -236,8 +237,8 @@ TEST(Devices, HaveFramesOfManyKinds) {
 
 /// What the library sees in a process of its own, by the names that the probe gives its figures.
 std::map<std::string, std::string> probe(const std::string& device, double seconds) {
-    const std::string command =
-        "KORDANIX_DEVICE='" + device + "' '" SIMULATOR_PROBE "' " + std::to_string(seconds) + " 2>&1";
+    const std::string command = "KORDANIX_DEVICE='" + device + "' " + doubles::emulator() +
+                                "'" SIMULATOR_PROBE "' " + std::to_string(seconds) + " 2>&1";
     std::map<std::string, std::string> figures;
     FILE* const output = popen(command.c_str(), "r");
     std::array<char, 512> line{};

@@ -24,6 +24,7 @@
 #include "ShowCommands.h"
 #include "ValueText.h"
 #include "WatchCommand.h"
+#include "doubles/Emulator.h"
 #include "platform/TemporaryDirectory.h"
 #include "properties/SystemProperties.h"
 
@@ -365,7 +366,9 @@ struct Finished {
 
 Finished run(const std::string& arguments, const std::string& environment = {}) {
     Finished result = {-1, {}};
-    std::FILE* const pipe = popen((environment + " " KORDANIXCTL " " + arguments + " 2>&1").c_str(), "r");
+    const std::string command =
+        environment + " " + doubles::emulator() + KORDANIXCTL " " + arguments + " 2>&1";
+    std::FILE* const pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) {
         return result;
     }
