@@ -49,7 +49,9 @@ Reading leadingNumber(std::string_view text) {
     for (; i < text.size() && isDigit(text[i]); ++i) {
         number = number * 10.0 + (text[i] - '0');
     }
-    return number;
+    // No kernel writes a number beyond 64 bits; without this limit a long run of digits is infinite.
+    constexpr double LIMIT = 18446744073709551616.0;  // 2^64
+    return number < LIMIT ? Reading(number) : Reading();
 }
 
 Reading lastNumberOfRanges(std::string_view text) {

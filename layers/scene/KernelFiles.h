@@ -35,7 +35,7 @@ Reading readProcessorCount();
 /// The number of the line "NAME: NUMBER kB" of a kernel text, in bytes; the first such line counts.
 Reading findKilobytes(std::string_view text, std::string_view name);
 
-/// The unsigned decimal number that a text begins with, after blanks.
+/// The unsigned decimal number that a text begins with, after blanks; empty when it has more than 64 bits.
 Reading leadingNumber(std::string_view text);
 
 /// The last number of a kernel's list of ranges, such as 7 of "0-3,6-7".
