@@ -9,6 +9,9 @@ namespace simulator {
 
 namespace {
 
+/// A tree is destroyed from the outside in, by calls as deep as it is.
+constexpr std::size_t MAX_DEPTH = 32;
+
 /// Where the parser is. It may have read one character further than the value it reports, which is never a
 /// visible one on another line: the line of the last visible character is the value's.
 struct Place {
@@ -107,7 +110,11 @@ private:
 
     /// Pointers to open nodes stay valid: only the innermost one's list grows.
     bool open(JsonNode::Kind kind) {
-        mOpen.push_back(add(kind));
+        JsonNode* const node = add(kind);
+        if (mOpen.size() == MAX_DEPTH) {
+            throw ScriptError{node->line, "expected at most 32 lists and objects in one another"};
+        }
+        mOpen.push_back(node);
         return true;
     }
 

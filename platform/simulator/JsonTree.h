@@ -27,7 +27,8 @@ struct ScriptError {
     std::string message;
 };
 
-/// Throws ScriptError when the text is not JSON or an object has the same name twice.
+/// Throws ScriptError when the text is not JSON, an object has the same name twice, or more than 32 lists and
+/// objects stand in one another.
 JsonNode parseJson(std::string_view text);
 
 }  // namespace simulator

@@ -16,6 +16,10 @@ constexpr double MAX_REPETITIONS = 1000.0;
 constexpr double MS_PER_SECOND = 1000.0;
 constexpr double MAX_VALUE = std::numeric_limits<std::uint32_t>::max();
 
+// Bounds of what a script says, far beyond any device, within which all sums and products are finite.
+constexpr double LARGEST = 1e15;
+constexpr double SHORTEST = 1e-6;
+
 [[noreturn]] void fail(const JsonNode& node, const std::string& expected) {
     throw ScriptError{node.line, "expected " + expected};
 }
@@ -55,12 +59,18 @@ void requireObject(const JsonNode& node, std::initializer_list<std::string_view>
 
 double number(const JsonNode& node) {
     requireKind(node, JsonNode::Kind::NUMBER, "a number");
+    if (!(std::abs(node.number) <= LARGEST)) {
+        fail(node, "a number of at most 1e15 for " + nameOf(node));
+    }
     return node.number;
 }
 
 double positive(const JsonNode& node) {
     if (number(node) <= 0.0) {
         fail(node, "a number above 0 for " + nameOf(node));
+    }
+    if (node.number < SHORTEST) {
+        fail(node, "a number of at least 0.000001 for " + nameOf(node));
     }
     return node.number;
 }
@@ -106,7 +116,7 @@ std::vector<Curve::Point> readPoints(const JsonNode& node, double period) {
 
 Curve readCurve(const JsonNode& node, double commonPeriod) {
     if (node.kind == JsonNode::Kind::NUMBER) {
-        return Curve({{0.0, node.number}}, commonPeriod, true);
+        return Curve({{0.0, number(node)}}, commonPeriod, true);
     }
     if (node.kind == JsonNode::Kind::LIST) {
         return Curve(readPoints(node, commonPeriod), commonPeriod, false);
