@@ -2,6 +2,7 @@
 
 #include <utils/String8.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -41,9 +42,24 @@ struct FrameDump {
     std::vector<DumpRenderpassValue> renderPasses;
 };
 
-static_assert(sizeof(DumpValue) == 8 && sizeof(DumpRenderpassValue) == 24, "record layout");
-static_assert(sizeof(void*) != 4 || (sizeof(DumpWidgetMeta) == 12 && sizeof(FrameDump) == 56),
-              "record layout");
+static_assert(sizeof(DumpValue) == 8 && offsetof(DumpValue, intValue) == 0 &&
+                  offsetof(DumpValue, floatValue) == 0,
+              "layout of DumpValue");
+static_assert(sizeof(DumpRenderpassValue) == 24 && offsetof(DumpRenderpassValue, firstValue) == 0 &&
+                  offsetof(DumpRenderpassValue, secondValue) == 8 &&
+                  offsetof(DumpRenderpassValue, duration) == 16,
+              "layout of DumpRenderpassValue");
+static_assert(offsetof(FrameDump, frameNumber) == 0 && offsetof(FrameDump, timestampMs) == 8 &&
+                  offsetof(FrameDump, renderPassFrameId) == 16 && offsetof(FrameDump, frameDuration) == 24 &&
+                  offsetof(FrameDump, reserved) == 28 && offsetof(FrameDump, values) == 32,
+              "layout of FrameDump");
+static_assert(sizeof(void*) != 4 ||
+                  (sizeof(DumpWidgetMeta) == 12 && offsetof(DumpWidgetMeta, name) == 0 &&
+                   offsetof(DumpWidgetMeta, valueType) == 4 && offsetof(DumpWidgetMeta, flag) == 8),
+              "layout of DumpWidgetMeta on 32-bit ARM");
+static_assert(sizeof(void*) != 4 || (sizeof(FrameDump) == 56 && sizeof(FrameDump::values) == 12 &&
+                                     offsetof(FrameDump, renderPasses) == 44),
+              "layout of FrameDump on 32-bit ARM");
 
 /// A key press or release.
 struct KeyEvent {
