@@ -1,0 +1,59 @@
+// Writers of settings at their worst, while an overlay is running.
+
+#include "faults/FaultFixture.h"
+#include "platform/ChildProcess.h"
+#include "properties/SystemProperties.h"
+
+#include <csignal>
+#include <thread>
+
+namespace faults {
+namespace {
+
+class PublicationFaults : public FaultTest {};
+
+TEST_F(PublicationFaults, TwoProcessesPublishTenThousandTimes) {
+    ASSERT_EQ(showOverlay(), "");
+    mOptions.pace = std::chrono::microseconds(0);
+    HostProcess host(mOptions);
+    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const int times = IS_SANITIZED ? 2000 : 10000;
+    Publisher first(1, times / 2);
+    Publisher second(2, times / 2);
+    EXPECT_EQ(first.wait(), 0);
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_TRUE(host.waitFor("changes", [](long changes) { return changes > 100; }));
+    expectFollows(host);
+    EXPECT_EQ(host.end(), 0);
+}
+
+TEST_F(PublicationFaults, WritersAreKilledThousandsOfTimes) {
+    ASSERT_EQ(showOverlay(), "");
+    HostProcess host(mOptions);
+    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    std::mt19937 random(7);
+    const unsigned rounds = IS_SANITIZED ? 600 : 3000;
+    for (unsigned round = 0; round < rounds; ++round) {
+        const pid_t writer = platform::startChild([round] {
+            std::mt19937 own(round);
+            for (;;) {
+                setText(own);
+                setAny(own);
+                // Grows the area, too; not so far that nothing would be left for the test's own.
+                set("debug.fault.new" + std::to_string(round % 500), "x");
+                publish();
+            }
+            return 0;
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
+        kill(writer, SIGKILL);
+        ASSERT_EQ(platform::waitForChild(writer), -SIGKILL);
+        ASSERT_EQ(platform::propertyAreaError(), "");
+    }
+    expectFollows(host);
+    EXPECT_TRUE(host.waitFor("changes", [](long changes) { return changes > 100; }));
+    EXPECT_EQ(host.end(), 0);
+}
+
+}  // namespace
+}  // namespace faults

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+#include <random>
+#include <string>
+
+namespace faults {
+
+/// Writes a property, as platform::setProperty does. The short name will do for the library's own.
+std::string set(const std::string& name, const std::string& value);
+
+/// Makes what was written take effect.
+std::string publish();
+
+/// Writes and publishes what shows the overlay of API 0 in a fault_host, with the keys in force.
+std::string showOverlay();
+
+/// Gives one of the library's properties, whichever, a text that it may have, or one that it cannot read.
+/// Those which say whether the overlay is on are given the right value most of the time.
+std::string setAny(std::mt19937& random);
+
+/// Writes the text that fault_host reads: one letter over and over.
+std::string setText(std::mt19937& random);
+
+/// Another process that changes and publishes settings as fast as it can, until it has published `times`
+/// times or this object ends, which kills it.
+class Publisher {
+public:
+    explicit Publisher(unsigned seed, int times = -1);
+    ~Publisher();
+    Publisher(const Publisher&) = delete;
+    Publisher& operator=(const Publisher&) = delete;
+
+    /// Waits for the end of its own accord: 0 when everything could be written.
+    int wait();
+
+private:
+    pid_t mProcess;
+};
+
+}  // namespace faults
