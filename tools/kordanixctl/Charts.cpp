@@ -16,6 +16,8 @@ constexpr double MARGIN_REFERENCES = 54.0;
 constexpr double MARGIN_TOP = 24.0;
 constexpr double MARGIN_BOTTOM = 24.0;
 
+constexpr double MAX_BAR_WIDTH = 56.0;
+
 /// The part of an SVG that the axes enclose.
 struct PlotArea {
     PlotArea(double width, double height, double marginRight = MARGIN_RIGHT)
@@ -83,20 +85,28 @@ void drawValueAxis(const PlotArea& area, const Scale& scale, std::string_view un
     drawText("unit", "end", area.left - 6.0, area.top - 12.0, unit, out);
 }
 
-/// Seconds as they stand below a graph, without needless decimals.
-std::string tickTime(double seconds, double step) {
-    return step < 1.0 || seconds >= 120.0 ? clockText(seconds) : fixedPoint(seconds, 0) + " s";
+/// The distance of ticks on a time axis, at least `seconds`: minutes and hours divide into halves and
+/// quarters, not into tens.
+double niceTimeStep(double seconds) {
+    constexpr double HOUR = 3600.0;
+    for (const double step : {10.0, 15.0, 30.0, 60.0, 120.0, 300.0, 600.0, 900.0, 1800.0, HOUR}) {
+        if (seconds <= step) {
+            return seconds > 5.0 ? step : niceStep(seconds);
+        }
+    }
+    return std::ceil(seconds / HOUR) * HOUR;
 }
 
 void drawTimeAxis(const PlotArea& area, const Scale& scale, std::ostream& out) {
     const double wanted = (area.right - area.left) / 90.0;
-    const double seconds = niceStep((scale.lastValue - scale.firstValue) / wanted);
-    // Minutes divide into halves and quarters, not into tens.
-    const double step = seconds > 10.0 ? std::ceil(seconds / 15.0) * 15.0 : seconds;
+    const double step = niceTimeStep((scale.lastValue - scale.firstValue) / wanted);
     for (int i = 0; i * step <= scale.lastValue && i < 100; ++i) {
         const double x = scale(i * step);
         drawLine("grid", x, area.bottom, x, area.bottom + 4.0, out);
-        drawText("tick", "middle", x, area.bottom + 17.0, tickTime(i * step, step), out);
+        const std::string label = step < 60.0 && scale.lastValue < 120.0
+                                      ? fixedPoint(i * step, decimalsOf(step)) + " s"
+                                      : clockText(i * step, scale.lastValue);
+        drawText("tick", "middle", x, area.bottom + 17.0, label, out);
     }
 }
 
@@ -212,7 +222,7 @@ void drawHistogram(const Histogram& histogram, double width, double height, std:
     }
     const auto highest = static_cast<double>(*std::max_element(bars.begin(), bars.end()));
     const Scale yScale = {0.0, std::max(highest, 1.0) * 1.08, area.bottom, area.top};
-    const double pitch = (area.right - area.left) / static_cast<double>(bars.size());
+    const double pitch = std::min((area.right - area.left) / static_cast<double>(bars.size()), MAX_BAR_WIDTH);
     const double gap = std::min(2.0, pitch * 0.2);
     beginSvg(width, height, "Histogram of frame times", out);
     drawValueAxis(area, yScale, "frames", out);

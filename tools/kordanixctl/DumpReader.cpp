@@ -35,19 +35,29 @@ bool parse(const std::string& field, Number& number) {
     return result.ec == std::errc() && result.ptr == field.data() + field.size();
 }
 
+/// Floats are the widest numbers of a dump. Whatever is larger is damage, and could not be reckoned with.
+bool isInRange(double number) {
+    return std::abs(number) <= static_cast<double>(std::numeric_limits<float>::max());
+}
+
 /// A figure, or not a number for an empty field and for what the writer has no finite number for.
 bool parseFigure(const std::string& field, double& figure) {
-    if (!field.empty() && !parse(field, figure)) {
+    figure = std::numeric_limits<double>::quiet_NaN();
+    if (field.empty()) {
+        return true;
+    }
+    if (!parse(field, figure)) {
         return false;
     }
-    if (field.empty() || !std::isfinite(figure)) {
+    if (!std::isfinite(figure)) {
         figure = std::numeric_limits<double>::quiet_NaN();
+        return true;
     }
-    return true;
+    return isInRange(figure);
 }
 
 bool parseDuration(const std::string& field, double& duration) {
-    return parse(field, duration) && std::isfinite(duration) && duration >= 0.0;
+    return parse(field, duration) && duration >= 0.0 && isInRange(duration);
 }
 
 std::size_t columnOf(const Row& names, const char* name) {

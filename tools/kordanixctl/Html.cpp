@@ -51,9 +51,9 @@ std::string grouped(std::uint64_t number) {
     return text;
 }
 
-std::string clockText(double seconds) {
+std::string clockText(double seconds, double whole) {
     constexpr double SECONDS_PER_MINUTE = 60.0;
-    if (seconds < 2.0 * SECONDS_PER_MINUTE) {
+    if (whole < 2.0 * SECONDS_PER_MINUTE) {
         return fixedPoint(seconds, 1) + " s";
     }
     const double minutes = std::floor(seconds / SECONDS_PER_MINUTE);

@@ -16,7 +16,7 @@ std::string fixedPoint(double number, int decimals);
 /// With a thin space between thousands.
 std::string grouped(std::uint64_t number);
 
-/// A duration since the start: "12.3 s", from two minutes on "2:03".
-std::string clockText(double seconds);
+/// A time since the start of a dump that lasts `whole` seconds: "12.3 s", in long ones "2:03".
+std::string clockText(double seconds, double whole);
 
 }  // namespace control

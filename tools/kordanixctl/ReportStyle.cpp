@@ -59,7 +59,7 @@ svg text { font: 11px system-ui, "Segoe UI", Roboto, Arial, sans-serif; fill: va
 .pass { fill: var(--pass); }
 .odd { fill: var(--odd); }
 @media (max-width: 760px) { .tiles { grid-template-columns: 1fr 1fr; } .pair, .values { grid-template-columns: 1fr; }
-  .card { padding: 14px; overflow-x: auto; } }
+  .card { padding: 14px; overflow-x: auto; } .wide svg { min-width: 720px; } }
 @media print { body { background: #fff; } .card, .tile { break-inside: avoid; } }
 )";
 

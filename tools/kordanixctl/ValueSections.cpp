@@ -172,11 +172,16 @@ void writePassesOfSlowestFrames(const ReportData& data, std::ostream& out) {
     });
     const std::size_t captured = groups.size();
     groups.resize(std::min(captured, FRAMES_WITH_PASSES));
-    out << "<section class=\"card\"><h2>Render passes of the slowest captured frames</h2>\n<p class=\"note\">"
-        << groups.size() << " of " << captured
-        << " captured frames, by their duration on the GPU. The bars have one scale; their pieces are the "
-           "passes in "
-           "order, the rest of a frame is time outside of passes.</p>\n";
+    out << "<section class=\"card\"><h2>Render passes of the slowest captured frames</h2>\n<p "
+           "class=\"note\">";
+    if (groups.size() < captured) {
+        out << "The slowest " << groups.size() << " of " << grouped(captured) << " captured frames";
+    } else {
+        out << (captured == 1 ? "The one captured frame" : "All captured frames");
+    }
+    out << ", by duration on the GPU. The bars have one scale; their pieces are the passes in order, the "
+           "rest of "
+           "a frame is time outside of passes.</p>\n";
     const double longestMs = groups.front().lengthMs;
     for (const PassGroup& group : groups) {
         writePassGroup(data.dump, group, longestMs, out);
