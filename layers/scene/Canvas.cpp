@@ -4,6 +4,8 @@
 #include "drawers/MeshDrawer.h"
 #include "gui/LayoutDef.h"
 
+#include <algorithm>
+
 namespace scene {
 
 Canvas::Canvas(const glm::uvec2& surface)
@@ -11,6 +13,10 @@ Canvas::Canvas(const glm::uvec2& surface)
       units(isPortrait ? glm::vec2(gui::SCREEN_HEIGHT, gui::SCREEN_WIDTH)
                        : glm::vec2(gui::SCREEN_WIDTH, gui::SCREEN_HEIGHT)),
       pixels(surface) {}
+
+float Canvas::pixelsPerUnit() const {
+    return std::min(pixels.x / units.x, pixels.y / units.y);
+}
 
 void inset(drawer::Drawer& drawer, const glm::vec2& units, const Canvas& canvas) {
     drawer.mPosition += units / canvas.units;

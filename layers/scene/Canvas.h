@@ -23,8 +23,9 @@ struct Canvas {
     /// The surface in pixels.
     glm::vec2 pixels;
 
-    /// Height of a unit in pixels.
-    float pixelsPerUnit() const { return pixels.y / units.y; }
+    /// The smaller side of a unit in pixels: texts of a height in units then fit their cells on a surface of
+    /// any shape.
+    float pixelsPerUnit() const;
 };
 
 /// Takes `units` off each side of the drawer's rectangle.
