@@ -210,12 +210,4 @@ TEST_F(FrameHooks, ADumpNeedsDeveloperModeToStartButNotToEnd) {
                 ElementsAre("startDumping", "addDump", "finishDumping", "unfixClock"));
 }
 
-TEST_F(FrameHooks, FramesAreCountedWhateverTheOverlayDoes) {
-    const std::uint64_t before = StateInfo::mFrameNumber;
-    set({{"status", "false"}});
-    frame();
-    frame();
-    EXPECT_EQ(StateInfo::mFrameNumber, before + 2);
-}
-
 }  // namespace

@@ -77,21 +77,21 @@ TEST(Property, IntegersAreSignedDecimalsOfWhichTheLowBitsCount) {
     }
 }
 
-TEST(Property, StringsTakeAnyText) {
-    SysProp<std::string>& text = SysPropWatcher::createSysProp<std::string>("debug.test.string", "initial");
-    EXPECT_EQ(text.getValue(), "initial");
-    for (const char* const value : {"com.example.app", " padded ", ""}) {
-        doubles::setProperty("debug.test.string", value);
-        SysPropWatcher::forceReadAllProps();
-        EXPECT_EQ(text.getValue(), value);
-    }
-}
-
 TEST(Property, ReadsTheTextThatIsThereAtItsCreation) {
     doubles::setProperty("debug.test.there", "5");
     EXPECT_EQ(SysPropWatcher::createSysProp<int>("debug.test.there", 1).getValue(), 5);
     EXPECT_NE(&SysPropWatcher::createSysProp<int>("debug.test.there", 1),
               &SysPropWatcher::createSysProp<int>("debug.test.there", 1));
+}
+
+TEST(Property, IsRegisteredInOrderOfCreation) {
+    const std::size_t before = SysPropWatcher::mProps.size();
+    EXPECT_GT(before, 0U) << "the library's own";
+    SysPropBase* const first = &SysPropWatcher::createSysProp<bool>("debug.test.order", false);
+    SysPropBase* const second = &SysPropWatcher::createSysProp<std::string>("debug.test.order", "");
+    ASSERT_EQ(SysPropWatcher::mProps.size(), before + 2);
+    EXPECT_EQ(SysPropWatcher::mProps[before], first);
+    EXPECT_EQ(SysPropWatcher::mProps[before + 1], second);
 }
 
 TEST(Property, IsLookedUpUntilItExistsAndThenNoMore) {

@@ -170,16 +170,6 @@ TEST_F(SystemMetrics, CpuLoadWrapsAsUnsigned32Bit) {
     EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(100000.0), 3.0F);
 }
 
-TEST_F(SystemMetrics, EachStateHasAPreviousReadingOfItsOwn) {
-    StateInfo first;
-    StateInfo second;
-    doubles::setFile(STAT, statWithTicks(1, 0));
-    first.getCurrentCPUUsage(1.0);
-    doubles::setFile(STAT, statWithTicks(2, 0));
-    EXPECT_EQ(second.getCurrentCPUUsage(100000.0), -1.0F);
-    EXPECT_FLOAT_EQ(first.getCurrentCPUUsage(100000.0), 1.0F);
-}
-
 TEST_F(SystemMetrics, MemoryInUseLeavesOutFreeAndCached) {
     doubles::setFile("/proc/meminfo",
                      "MemTotal:        3826404 kB\nMemFree:          104720 kB\nMemAvailable:    1563184 kB\n"
@@ -294,17 +284,6 @@ TEST_F(SystemMetrics, FixedClocksComeFromTheTable) {
     EXPECT_EQ(StateInfo::getFixClockState(), 0);
 }
 
-TEST_F(SystemMetrics, FileOperationsAreThinWrappers) {
-    doubles::setFile(GPU_MODEL, "0123456789");
-    std::FILE* const file = StateInfo::file_open(GPU_MODEL, "r");
-    ASSERT_NE(file, nullptr);
-    std::array<unsigned char, 16> buffer{};
-    EXPECT_EQ(StateInfo::file_read(file, buffer.data(), 4), 4U);
-    EXPECT_EQ(StateInfo::file_read(file, buffer.data(), 16), 6U);
-    EXPECT_EQ(StateInfo::file_close(file), 0);
-    EXPECT_EQ(StateInfo::file_open("/proc/nothing", "r"), nullptr);
-}
-
 // The device index is computed while the library is loaded, so each property text needs a process of its own:
 // this executable again, whose exit code is the index.
 TEST(DeviceModelChild, DISABLED_exitsWithTheIndex) {
@@ -331,13 +310,6 @@ TEST(DeviceModel, IsTheFirstMatchingPrefix) {
     };
     for (const auto& [model, index] : models) {
         EXPECT_EQ(deviceModelFor(model), index) << "'" << model << "'";
-    }
-}
-
-TEST(DeviceModel, SetsTheCapOfTheFrameRate) {
-    for (const auto& [model, cap] : {std::pair{0, 60.0F}, {5, 60.0F}, {6, 120.0F}, {9, 120.0F}}) {
-        utils::deviceModel = model;
-        EXPECT_EQ(core::StateInfo().getMaxFPS(), cap) << model;
     }
 }
 

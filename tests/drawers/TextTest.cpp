@@ -206,38 +206,6 @@ TEST(Text, SkipsAndReportsBytesWithoutGlyph) {
                          "TextDrawer.cpp:draw\\([0-9]+\\) No Glyph\\(0xc3\\) in font")));
 }
 
-TEST(Text, OddBoxesNeitherCrashNorDrawNonFiniteGlyphs) {
-    const float numbers[] = {0.0F,
-                             -1.0F,
-                             1e-30F,
-                             1e30F,
-                             std::numeric_limits<float>::infinity(),
-                             std::numeric_limits<float>::quiet_NaN()};
-    for (const float width : numbers) {
-        for (const float height : numbers) {
-            for (const float screen : numbers) {
-                for (int mode = 0; mode < 4; ++mode) {
-                    RecordingText text;
-                    text.mSurfaceHeight = screen;
-                    text.mSize = {width, height};
-                    text.setText("0123456789 Ag");
-                    text.setTextSizeHint(35);
-                    text.setTextEllipsize(static_cast<TextEllipsize>(mode));
-                    text.draw();
-                    for (const RecordingText::DrawnGlyph& glyph : text.mGlyphs) {
-                        for (int column = 0; column < 4; ++column) {
-                            for (int row = 0; row < 4; ++row) {
-                                ASSERT_TRUE(std::isfinite(glyph.transform[column][row]))
-                                    << width << " x " << height << " on " << screen;
-                            }
-                        }
-                    }
-                }
-            }
-        }
-    }
-}
-
 class Textblock : public testing::Test {
 protected:
     static std::unique_ptr<drawer::TextblockDrawer> make(unsigned lines) {
@@ -296,17 +264,6 @@ TEST_F(Textblock, HandsItsGeometryAndSettingsToEveryLine) {
         EXPECT_EQ(line.mTextGravity, TextGravity::RIGHT);
         EXPECT_EQ(line.mTextSizeHint, 35U);
     }
-}
-
-TEST_F(Textblock, OfNoLinesOrOne) {
-    const auto none = make(0);
-    none->addText("a");
-    EXPECT_THAT(drawn(*none), ElementsAre("background"));
-    const auto one = make(1);
-    one->addText("a");
-    one->addText("b");
-    one->addText("c");
-    EXPECT_THAT(drawn(*one), ElementsAre("background", "c"));
 }
 
 class InfoLine : public drawer::RenderPassInfoDrawer {

@@ -26,14 +26,6 @@ TEST(GlyphAtlas, HoldsTheCharactersOfTheOverlay) {
     EXPECT_EQ(atlas().mBitmapHeight, 247U);
 }
 
-TEST(GlyphAtlas, MeasuresInLineUnits) {
-    const std::pair<char, float> advances[] = {{'.', 12.0F}, {' ', 26.0F}, {'0', 26.0F},
-                                               {'7', 26.0F}, {'A', 29.0F}, {'@', 36.0F}};
-    for (const auto& [symbol, advance] : advances) {
-        EXPECT_FLOAT_EQ(atlas().getGlyphWidth(symbol), 2.0F * advance / 61.0F) << symbol;
-    }
-}
-
 TEST(GlyphAtlas, PlacesAGlyphsBoxInTheLine) {
     const gui::Glyph* const glyph = atlas()['A'];
     ASSERT_NE(glyph, nullptr);

@@ -235,16 +235,6 @@ TEST(LayoutPlaces, AFallbackPositionStays) {
     expectRect(4, false, {36, 14, 316, 55});
 }
 
-TEST(LayoutPlaces, UnknownPositionsLeaveAWidgetAtTheOrigin) {
-    for (const int position : {8, -1, 2147483647, -2147483647 - 1}) {
-        setPositions({position, 0, 8, 8, 8});
-        LayoutManager::getInstance()->updateWidgetsLayouts(false);
-        expectRect(0, false, {0, 0, 171, 55});
-        EXPECT_TRUE(widget(0).mEnabled);
-        expectRect(1, false, {36, 14, 171, 55});
-    }
-}
-
 TEST(LayoutAreas, AreFractionsOfTheCanvasOfTheCurrentOrientation) {
     struct Case {
         int area;
@@ -300,14 +290,6 @@ TEST(LayoutDrawers, AreMovedByTheirWidget) {
     EXPECT_FLOAT_EQ(drawer.mPosition.y, (14.0F + 26.0F) / 360.0F);
     EXPECT_FLOAT_EQ(drawer.mSize.x, 77.0F / 740.0F);
     EXPECT_FLOAT_EQ(drawer.mSize.y, 15.0F / 360.0F);
-}
-
-TEST(LayoutColours, AreThePalette) {
-    ASSERT_EQ(gui::gColor.size(), 12U);
-    EXPECT_EQ(gui::gColor[1], glm::vec4(0.0F, 0.52F, 1.0F, 0.5F));
-    EXPECT_EQ(gui::gColor[3], glm::vec4(0.0F, 0.4F, 0.0F, 0.7F));
-    EXPECT_EQ(gui::gColor[8], glm::vec4(1.0F, 1.0F, 1.0F, 0.2F));
-    EXPECT_EQ(gui::gColor[11], glm::vec4(0.0F));
 }
 
 }  // namespace

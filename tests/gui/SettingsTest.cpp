@@ -50,41 +50,6 @@ TEST_F(Settings, LoadReportsAChangeOnce) {
     EXPECT_FALSE(WidgetsSettings::load());
 }
 
-TEST_F(Settings, DefaultColoursAndSwitches) {
-    const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
-    const float half = 1.0F / 2.0F;
-    struct Case {
-        const WidgetsSettings::Graph& graph;
-        bool isOn;
-        unsigned colour;
-    };
-    const Case cases[] = {
-        {widgets.mFps.mCurrent, true, 0x0084FF},
-        {widgets.mFps.mMedian, true, 0xFF7200},
-        {widgets.mFps.mStability, true, 0xFFFF00},
-        {widgets.mCpuGpu.mCpuLoad, true, 0x0084FF},
-        {widgets.mCpuGpu.mGpuFreq, false, 0xFFFF00},
-        {widgets.mCpuGpu.mGpuLoad, true, 0xFF7200},
-        {widgets.mGpuActivity.mFragmentLoad, true, 0xFF7200},
-        {widgets.mGpuActivity.mVertexLoad, true, 0x0084FF},
-        {widgets.mMemory.mPss, true, 0x0084FF},
-        {widgets.mMemory.mGpuTotal, true, 0xFFFF00},
-        {widgets.mMemory.mGpuSurface, true, 0xFF7200},
-        {widgets.mMemory.mGpuTexture, true, 0xFF0000},
-        {widgets.mMemory.mSysFree, true, 0x00FF00},
-    };
-    for (const Case& c : cases) {
-        const auto channel = [&c](unsigned shift) {
-            return static_cast<float>((c.colour >> shift) & 255U) / 255.0F;
-        };
-        const glm::vec4 colour(channel(16), channel(8), channel(0), 1.0F);
-        EXPECT_EQ(c.graph.getTextColor(), c.isOn ? colour : glm::vec4(0.0F));
-        EXPECT_EQ(c.graph.getGraphColor(2),
-                  c.isOn ? glm::vec4(colour.r, colour.g, colour.b, half) : glm::vec4(0.0F));
-    }
-    EXPECT_EQ(widgets.bgColor(), glm::vec4(0.0F, 0.0F, 0.0F, 128.0F / 255.0F));
-}
-
 TEST_F(Settings, ColoursAreDecimalTexts) {
     const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
     const std::pair<const char*, glm::vec4> cases[] = {
@@ -176,31 +141,6 @@ TEST_F(Settings, AreTakenOverByTheLayoutOnlyAfterAChange) {
         EXPECT_EQ(widget(i)->mPosition, changed[i]);
     }
     EXPECT_TRUE(widget(4)->mEnabled);
-}
-
-TEST(DumpNames, AreTheTableOfDumpableValues) {
-    struct Row {
-        const char* name;
-        unsigned type;
-        unsigned flag;
-    };
-    const Row rows[] = {{"Fps", 1, 1},
-                        {"FpsMedian", 1, 0},
-                        {"FpsStability(%)", 1, 0},
-                        {"CpuLoad(%)", 1, 1},
-                        {"GpuLoad(%)", 1, 1},
-                        {"GpuFreq(MHz)", 0, 1},
-                        {"MemPss(Bytes)", 2, 1},
-                        {"MemGpu(Bytes)", 2, 1},
-                        {"MemSurf(Bytes)", 2, 1},
-                        {"MemTex(Bytes)", 2, 1},
-                        {"MemSysFreeHeap(Bytes)", 2, 1}};
-    ASSERT_EQ(gui::gWidgetsMeta.size(), std::size(rows));
-    for (std::size_t i = 0; i < std::size(rows); ++i) {
-        EXPECT_STREQ(gui::gWidgetsMeta[i].name.string(), rows[i].name);
-        EXPECT_EQ(gui::gWidgetsMeta[i].valueType, rows[i].type) << rows[i].name;
-        EXPECT_EQ(gui::gWidgetsMeta[i].flag, rows[i].flag) << rows[i].name;
-    }
 }
 
 }  // namespace
