@@ -50,8 +50,8 @@ Reading leadingNumber(std::string_view text) {
         number = number * 10.0 + (text[i] - '0');
     }
     // No kernel writes a number beyond 64 bits; without this limit a long run of digits is infinite.
-    constexpr double LIMIT = 18446744073709551616.0;  // 2^64
-    return number < LIMIT ? Reading(number) : Reading();
+    constexpr double LIMIT = 18446744073709551616.0;       // 2^64
+    return number <= LIMIT ? Reading(number) : Reading();  // 2^64 - 1 is rounded to it
 }
 
 Reading lastNumberOfRanges(std::string_view text) {
