@@ -10,9 +10,10 @@
 
 namespace {
 
-/// What the watcher thread works on, in order of creation and registration.
+/// The watcher thread and what it works on, in order of creation and registration.
 struct Registry {
-    std::mutex mRegistryMutex;  ///< also held while everything is re-read and while the listeners run
+    std::thread mWatcherThread;  ///< never joined
+    std::mutex mRegistryMutex;   ///< also held while everything is re-read and while the listeners run
     std::vector<SysPropBase*> mProps;
     std::vector<std::function<void()>> mListeners;
 };
@@ -61,6 +62,11 @@ const prop_info* waitUntilFound(const std::string& name, std::chrono::millisecon
 }
 
 }  // namespace
+
+std::thread& SysPropWatcher::mWatcherThread = registry().mWatcherThread;
+std::mutex& SysPropWatcher::mRegistryMutex = registry().mRegistryMutex;
+std::vector<SysPropBase*>& SysPropWatcher::mProps = registry().mProps;
+std::vector<std::function<void()>>& SysPropWatcher::mListeners = registry().mListeners;
 
 SysPropBase::SysPropBase(std::string name) : mName(std::move(name)) {}
 
@@ -121,7 +127,7 @@ void SysPropWatcher::init(std::string generationName, std::chrono::milliseconds 
         return;
     }
     try {
-        std::thread(watch, std::move(generationName), period).detach();
+        registry().mWatcherThread = std::thread(watch, std::move(generationName), period);
     } catch (...) {
         gIsWatcherStarted = false;
         throw;

@@ -9,8 +9,10 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 struct prop_info;
 
@@ -19,7 +21,7 @@ struct prop_info;
 /// SysPropWatcher::createSysProp and alive until the process ends.
 class KORDANIX_EXPORT SysPropBase {
 public:
-    explicit SysPropBase(std::string name);
+    explicit SysPropBase(std::string name = {});
     virtual ~SysPropBase();
     SysPropBase(const SysPropBase&) = delete;
     SysPropBase& operator=(const SysPropBase&) = delete;
@@ -117,6 +119,13 @@ public:
     /// Adds a listener (not empty), to be run on the watcher thread under the registry mutex after every
     /// re-read that a publication causes. It must be short and must not call back into this class.
     static void addPropChangedListener(std::function<void()> listener);
+
+    // What these refer to is constructed on first use and never destroyed.
+
+    static std::thread& mWatcherThread;                     ///< not started until the first init()
+    static std::mutex& mRegistryMutex;                      ///< guards the two lists; not recursive
+    static std::vector<SysPropBase*>& mProps;               ///< in order of creation
+    static std::vector<std::function<void()>>& mListeners;  ///< in order of registration
 
 private:
     static void readAndRegister(std::unique_ptr<SysPropBase> prop);
