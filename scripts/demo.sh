@@ -18,13 +18,13 @@ mkdir -p "$out"
 demo=build/release/bin/kordanix-demo
 echo
 echo "This machine's own figures, landscape, for 6 seconds"
-"$demo" --size 1480x720 --seconds 6 --set widget_memory=true --png "$out/landscape.png"
+"$demo" --private --size 1480x720 --seconds 6 --set widget_memory=true --png "$out/landscape.png"
 echo "The same in portrait"
-"$demo" --size 720x1480 --seconds 6 --set widget_memory=true --png "$out/portrait.png"
+"$demo" --private --size 720x1480 --seconds 6 --set widget_memory=true --png "$out/portrait.png"
 for device in platform/devices/*/; do
     name=$(basename "$device")
     echo "On the simulated device '$name'"
-    "$demo" --device "$name" --size 1480x720 --seconds 6 --set widget_memory=true --png "$out/device-$name.png"
+    "$demo" --private --device "$name" --size 1480x720 --seconds 6 --set widget_memory=true --png "$out/device-$name.png"
 done
 
 echo

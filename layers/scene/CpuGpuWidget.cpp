@@ -45,7 +45,7 @@ std::string footer(Metrics& metrics) {
            clocks();
 }
 
-constexpr FigureSpec FIGURES[] = {
+constexpr FigureRow FIGURES[] = {
     {settingsOf<&CpuGpu::mCpuLoad>, "CPU", Area::CPU_GPU_NAME_1, Area::CPU_GPU_VALUE_1, Value::CPU_LOAD,
      &Metrics::cpuLoad, formatPercent, &Metrics::percentTop},
     {settingsOf<&CpuGpu::mGpuFreq>, "MHz", Area::CPU_GPU_NAME_2, Area::CPU_GPU_VALUE_2, Value::GPU_FREQ,
@@ -54,14 +54,14 @@ constexpr FigureSpec FIGURES[] = {
      &Metrics::gpuLoad, formatPercent, &Metrics::percentTop},
 };
 
-constexpr NoteSpec NOTES[] = {
+constexpr NoteRow NOTES[] = {
     {Area::CPU_GPU_LABEL, gui::TextGravity::LEFT, false, vendor},
     {Area::CPU_GPU_FOOTER, gui::TextGravity::LEFT, true, footer},
 };
 
 }  // namespace
 
-const FigureWidgetSpec CPU_GPU_WIDGET = {
+const FigureTable CPU_GPU_WIDGET = {
     gui::WidgetType::CPU_GPU, Area::CPU_GPU_STRIP, Area::CPU_GPU_GRAPH, FIGURES, std::size(FIGURES), NOTES,
     std::size(NOTES)};
 

@@ -43,14 +43,14 @@ bool setText(drawer::TextDrawer& drawer, const std::string& text) {
 
 }  // namespace
 
-FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& spec)
-    : WidgetView(spec.type),
+FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureTable& table)
+    : WidgetView(table.type),
       mCanvas(factory.getSurfaceSize()),
-      mStrip(&place(factory.createRect(), spec.stripArea)) {
-    for (std::size_t i = 0; i < spec.figureCount; ++i) {
-        const FigureSpec& row = spec.figures[i];
+      mStrip(&place(factory.createRect(), table.stripArea)) {
+    for (std::size_t i = 0; i < table.figureCount; ++i) {
+        const FigureRow& row = table.figures[i];
         Figure figure;
-        figure.spec = &row;
+        figure.row = &row;
         if (row.nameArea) {
             figure.name = &place(factory.createText(), *row.nameArea);
             figure.name->setText(row.name);
@@ -58,17 +58,17 @@ FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& sp
         }
         figure.value = &place(factory.createText(), row.valueArea);
         if (row.graph != gui::WidgetValueType::NONE) {
-            figure.graph = &place(createGraph(factory, row.graph), spec.graphArea);
+            figure.graph = &place(createGraph(factory, row.graph), table.graphArea);
             if (mFirstGraph == nullptr) {
                 mFirstGraph = figure.graph;
             }
         }
         mFigures.push_back(figure);
     }
-    for (std::size_t i = 0; i < spec.noteCount; ++i) {
-        const NoteSpec& row = spec.notes[i];
+    for (std::size_t i = 0; i < table.noteCount; ++i) {
+        const NoteRow& row = table.notes[i];
         Note note;
-        note.spec = &row;
+        note.row = &row;
         if (row.hasBackdrop) {
             note.backdrop = &place(factory.createRect(), row.area);
             note.backdrop->mColor = backdropColor();
@@ -85,10 +85,10 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     mStrip->mColor = backgroundColor();
     unsigned int shares = 1;
     for (const Figure& figure : mFigures) {
-        shares += figure.graph != nullptr && figure.spec->settings().mEnabled.getValue() ? 1 : 0;
+        shares += figure.graph != nullptr && figure.row->settings().mEnabled.getValue() ? 1 : 0;
     }
     for (Figure& figure : mFigures) {
-        const gui::WidgetsSettings::Graph& settings = figure.spec->settings();
+        const gui::WidgetsSettings::Graph& settings = figure.row->settings();
         const bool isOn = settings.mEnabled.getValue();
         for (drawer::TextDrawer* text : {figure.name, figure.value}) {
             if (text != nullptr) {
@@ -137,19 +137,19 @@ void FigureWidget::refresh(Metrics& metrics) {
     // All readings come before the first graph: a scale can depend on several of them.
     for (Figure& figure : mFigures) {
         if (figure.value->mEnabled) {
-            figure.reading = (metrics.*figure.spec->read)();
+            figure.reading = (metrics.*figure.row->read)();
         }
     }
     for (Figure& figure : mFigures) {
         if (!figure.value->mEnabled) {
             continue;
         }
-        const std::string value = figure.spec->format(figure.reading);
-        setText(*figure.value, figure.name != nullptr ? value : figure.spec->name + (' ' + value));
+        const std::string value = figure.row->format(figure.reading);
+        setText(*figure.value, figure.name != nullptr ? value : figure.row->name + (' ' + value));
         // A graph stands still while its figure cannot be read, and is not there before that.
         if (figure.graph != nullptr && figure.reading) {
             const auto sample = static_cast<float>(*figure.reading);
-            const Reading top = (metrics.*figure.spec->top)();
+            const Reading top = (metrics.*figure.row->top)();
             if (top) {
                 figure.graph->addValue(sample, static_cast<float>(*top) * HEADROOM);
             } else {
@@ -158,7 +158,7 @@ void FigureWidget::refresh(Metrics& metrics) {
         }
     }
     for (const Note& note : mNotes) {
-        if (setText(*note.text, note.spec->text(metrics))) {
+        if (setText(*note.text, note.row->text(metrics))) {
             fitBackdrop(note, mCanvas);
         }
     }

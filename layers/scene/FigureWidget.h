@@ -26,7 +26,7 @@ namespace scene {
 constexpr std::optional<gui::RenderAreaType> NO_NAME_CELL;
 
 /// One figure of a widget: a text and, unless `graph` is NONE, a graph.
-struct FigureSpec {
+struct FigureRow {
     /// Switch and colour.
     const gui::WidgetsSettings::Graph& (*settings)() = nullptr;
 
@@ -47,7 +47,7 @@ struct FigureSpec {
 };
 
 /// A text over the graphs, or in the strip, that is no figure of the settings.
-struct NoteSpec {
+struct NoteRow {
     gui::RenderAreaType area;
     gui::TextGravity gravity;
 
@@ -58,13 +58,13 @@ struct NoteSpec {
 };
 
 /// A widget of a strip of figures with their graphs below. Adding a figure is a row in its table.
-struct FigureWidgetSpec {
+struct FigureTable {
     gui::WidgetType type;
     gui::RenderAreaType stripArea;
     gui::RenderAreaType graphArea;
-    const FigureSpec* figures;
+    const FigureRow* figures;
     std::size_t figureCount;
-    const NoteSpec* notes;
+    const NoteRow* notes;
     std::size_t noteCount;
 };
 
@@ -74,8 +74,8 @@ struct FigureWidgetSpec {
 /// the grid stays visible.
 class FigureWidget : public WidgetView {
 public:
-    /// `spec` outlives the widget.
-    FigureWidget(PrimitiveFactory& factory, const FigureWidgetSpec& spec);
+    /// `table` outlives the widget.
+    FigureWidget(PrimitiveFactory& factory, const FigureTable& table);
 
     void refresh(Metrics& metrics) override;
     void draw() override;
@@ -85,14 +85,14 @@ protected:
 
 private:
     struct Figure {
-        const FigureSpec* spec = nullptr;
+        const FigureRow* row = nullptr;
         drawer::TextDrawer* name = nullptr;  // null: the name stands in front of the value
         drawer::TextDrawer* value = nullptr;
         drawer::GraphicDrawer* graph = nullptr;  // null: text only
         Reading reading;
     };
     struct Note {
-        const NoteSpec* spec = nullptr;
+        const NoteRow* row = nullptr;
         drawer::TextDrawer* text = nullptr;
         drawer::RectDrawer* backdrop = nullptr;  // null: none
     };

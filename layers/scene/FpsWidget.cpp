@@ -20,7 +20,7 @@ std::string average(Metrics& metrics) {
     return "Avg " + formatRate(metrics.averageFps());
 }
 
-constexpr FigureSpec FIGURES[] = {
+constexpr FigureRow FIGURES[] = {
     {settingsOf<&Fps::mCurrent>, "FPS", NO_NAME_CELL, Area::FPS_TEXT_1, Value::FPS, &Metrics::currentFps,
      formatRate, &Metrics::maxFps},
     {settingsOf<&Fps::mMedian>, "Med", NO_NAME_CELL, Area::FPS_TEXT_2, Value::NONE, &Metrics::medianFps,
@@ -29,13 +29,13 @@ constexpr FigureSpec FIGURES[] = {
      &Metrics::fpsStability, formatPercent, nullptr},
 };
 
-constexpr NoteSpec NOTES[] = {
+constexpr NoteRow NOTES[] = {
     {Area::FPS_NOTE, gui::TextGravity::RIGHT, true, average},
 };
 
 }  // namespace
 
-const FigureWidgetSpec FPS_WIDGET = {gui::WidgetType::FPS, Area::FPS_STRIP, Area::FPS_GRAPH, FIGURES,
-                                     std::size(FIGURES),   NOTES,           std::size(NOTES)};
+const FigureTable FPS_WIDGET = {gui::WidgetType::FPS, Area::FPS_STRIP, Area::FPS_GRAPH, FIGURES,
+                                std::size(FIGURES),   NOTES,           std::size(NOTES)};
 
 }  // namespace scene

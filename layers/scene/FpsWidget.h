@@ -5,6 +5,6 @@
 namespace scene {
 
 /// Frame rate: the current one (with the graph), the median and the stability; the mean as a note.
-extern const FigureWidgetSpec FPS_WIDGET;
+extern const FigureTable FPS_WIDGET;
 
 }  // namespace scene

@@ -20,7 +20,7 @@ std::string used(Metrics& metrics) {
     return "Used " + formatBytes(metrics.systemMemoryUsed());
 }
 
-constexpr FigureSpec FIGURES[] = {
+constexpr FigureRow FIGURES[] = {
     {settingsOf<&Memory::mPss>, "PSS", Area::MEMORY_NAME_1, Area::MEMORY_VALUE_1, Value::MEM_PSS,
      &Metrics::pss, formatBytes, &Metrics::processMemoryTop},
     {settingsOf<&Memory::mGpuTotal>, "GPU", Area::MEMORY_NAME_2, Area::MEMORY_VALUE_2, Value::MEM_GPU,
@@ -33,13 +33,13 @@ constexpr FigureSpec FIGURES[] = {
      &Metrics::systemMemoryFree, formatBytes, &Metrics::systemMemoryTotal},
 };
 
-constexpr NoteSpec NOTES[] = {
+constexpr NoteRow NOTES[] = {
     {Area::MEMORY_LABEL, gui::TextGravity::LEFT, true, used},
 };
 
 }  // namespace
 
-const FigureWidgetSpec MEMORY_WIDGET = {
+const FigureTable MEMORY_WIDGET = {
     gui::WidgetType::MEMORY, Area::MEMORY_STRIP, Area::MEMORY_GRAPH, FIGURES, std::size(FIGURES), NOTES,
     std::size(NOTES)};
 
