@@ -21,3 +21,8 @@ if(KORDANIX_SANITIZE)
     add_compile_options(-fno-sanitize-recover=undefined)
   endif()
 endif()
+
+option(KORDANIX_FUZZ "Build the fuzz targets with libFuzzer (clang), instead of the tests that replay their corpora" OFF)
+if(KORDANIX_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
