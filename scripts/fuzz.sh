@@ -32,10 +32,12 @@ for target in "${targets[@]}"; do
     corpus=build/fuzz/corpus/$target
     findings=build/fuzz/findings/$target
     log=build/fuzz/$target.log
+    options=(-max_total_time="$seconds" -max_len=8192 -timeout=20 -rss_limit_mb=2048 -print_final_stats=1)
+    [ ! -f "fuzz/dictionaries/$target.dict" ] || options+=(-dict="fuzz/dictionaries/$target.dict")
     mkdir -p "$corpus" "$findings"
     echo "$target: $seconds seconds"
-    if build/fuzz/bin/fuzz_"$target" -max_total_time="$seconds" -max_len=8192 -timeout=20 -rss_limit_mb=2048 \
-        -print_final_stats=1 -artifact_prefix="$findings/" "$corpus" "fuzz/corpus/$target" 2>"$log"; then
+    if build/fuzz/bin/fuzz_"$target" "${options[@]}" -artifact_prefix="$findings/" \
+        "$corpus" "fuzz/corpus/$target" >"$log" 2>&1; then
         echo "  no finding, $(sed -n 's/^stat::number_of_executed_units: *//p' "$log") inputs"
     else
         found+=("$target")
