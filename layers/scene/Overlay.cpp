@@ -1,8 +1,10 @@
 #include "scene/Overlay.h"
 
+#include "core/KeyEventInterceptor.h"
 #include "core/StateInfo.h"
 
 #include <mutex>
+#include <utility>
 #include <vector>
 
 namespace scene {
@@ -16,6 +18,9 @@ std::mutex& backgroundMutex() {
     return *mutex;
 }
 
+/// Publications so far. The library tells of each one in a single frame, which may be another layer's.
+std::uint32_t publications = 0;
+
 }  // namespace
 
 Overlay::Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes)
@@ -27,6 +32,7 @@ Overlay::~Overlay() {
 
 void Overlay::onAttach() {
     core::StateInfo::onAttached(backgroundMutex());
+    mSeenPublications = publications - 1;  // the first frame decides anew
 }
 
 void Overlay::onDetach() {
@@ -40,7 +46,8 @@ void Overlay::beginFrame() {
 
     // What decides on the overlay changes only with a publication, and each one shows here: asking in those
     // frames alone saves the other frames a look at the process's name.
-    const bool isChanged = core::StateInfo::isWidgetsUpdated();
+    publications += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
+    const bool isChanged = std::exchange(mSeenPublications, publications) != publications;
     if (isChanged) {
         const bool wasShown = mIsShown;
         mIsShown = core::StateInfo::isOverlayEnabled(mApi);
@@ -70,8 +77,17 @@ void Overlay::draw() {
 }
 
 void Overlay::endFrame() {
+    if (mIsShown) {
+        core::StateInfo::onPostSwapBuffers(mScene.drawers());
+        return;
+    }
+    // Keys are polled for an overlay that is shown. Without one they stay as they last were, and would start
+    // and end a dump with every frame.
     static const std::vector<drawer::Drawer*> NONE;
-    core::StateInfo::onPostSwapBuffers(mIsShown ? mScene.drawers() : NONE);
+    bool& isDumpKeyPressed = KeyEventInterceptor::getInstance()->mIsDumpKeyPressed;
+    const bool wasPressed = std::exchange(isDumpKeyPressed, false);
+    core::StateInfo::onPostSwapBuffers(NONE);
+    isDumpKeyPressed = wasPressed;
 }
 
 }  // namespace scene

@@ -7,6 +7,8 @@
 
 #include <glm/vec2.hpp>
 
+#include <cstdint>
+
 namespace scene {
 
 class RenderPassSource;
@@ -19,7 +21,8 @@ class RenderPassSource;
 ///     ...the application's own swap...
 ///     overlay.endFrame();
 ///
-/// on the rendering thread. attach() and detach() frame the whole.
+/// on the rendering thread. attach() and detach() frame the whole. A process may have overlays of several
+/// APIs; those on different threads must not be in these operations at the same time.
 class Overlay : public core::BaseLayer {
 public:
     /// The factory and the source of render passes (null if there is none) outlive the overlay.
@@ -47,6 +50,7 @@ private:
     PrimitiveFactory& mFactory;
     core::RenderingApiType mApi;
     bool mIsShown = false;
+    std::uint32_t mSeenPublications = 0;
     glm::uvec2 mSurfaceSize{0, 0};
 };
 
