@@ -100,7 +100,7 @@ bool runFrames(const Options& options) {
 
     Landscape landscape;
     Progress progress;
-    Pace pace(options.rate);
+    Pace pace;
     bool isCaptureDue = options.captureAt >= 0.0;
     bool isWritten = true;
     double seconds = 0.0;
@@ -121,11 +121,12 @@ bool runFrames(const Options& options) {
         }
         // Here an application would swap its buffers.
         overlay.endFrame();
+        const double rate = frameRate(options, seconds);
         if (options.isFixedStep) {
             overlay.mScene.settle();
-            seconds = static_cast<double>(frame) / options.rate;
+            seconds += 1.0 / rate;
         } else {
-            pace.waitForNextFrame();
+            pace.waitForNextFrame(rate);
             seconds = pace.elapsed();
         }
         progress.onFrame(seconds, frame, overlay.isShown());
@@ -173,7 +174,7 @@ int run(const Options& options) {
     }
     std::printf(
         "Overlay on a moving picture of %u by %u pixels, %g frames a second for %g seconds, with %s.\n",
-        options.width, options.height, options.rate, options.seconds,
+        options.width, options.height, frameRate(options, 0.0), options.seconds,
         options.device.empty() ? "this machine's own figures"
                                : ("the figures of the simulated device " + options.device).c_str());
     if (!options.isPrivate) {

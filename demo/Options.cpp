@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "simulator/DeviceSimulator.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -10,6 +12,10 @@ namespace demo {
 namespace {
 
 constexpr std::uint32_t LARGEST_SIDE = 8192;
+
+constexpr double DEFAULT_RATE = 60.0;
+constexpr double LOWEST_RATE = 0.1;
+constexpr double HIGHEST_RATE = 1000.0;
 
 /// "740x360"; empty when it is well-formed, else what was expected.
 std::string parseSize(const std::string& text, Options& options) {
@@ -38,6 +44,14 @@ std::string parseSetting(const std::string& text, Options& options) {
 
 }  // namespace
 
+double frameRate(const Options& options, double seconds) {
+    if (options.rate > 0.0) {
+        return options.rate;
+    }
+    const double rate = simulator::figureAt("frame_rate", seconds).value_or(DEFAULT_RATE);
+    return std::clamp(rate, LOWEST_RATE, HIGHEST_RATE);
+}
+
 bool parseOptions(int argc, char** argv, Options& options, int& exitCode) {
     CLI::App app{"Runs the overlay in front of a moving picture and writes what it looks like as a PNG file.",
                  "kordanix-demo"};
@@ -48,7 +62,9 @@ bool parseOptions(int argc, char** argv, Options& options, int& exitCode) {
     app.add_option("--size", size, "Size of the picture in pixels (default 740x360)")->type_name("WxH");
     app.add_flag("--portrait", isPortrait, "Turn the picture upright: 740x360 becomes 360x740");
     app.add_option("--seconds", options.seconds, "How long to run (default 10)")->check(CLI::Range(0.0, 1e6));
-    app.add_option("--rate", options.rate, "Frames per second (default 60)")->check(CLI::Range(0.1, 1000.0));
+    app.add_option("--rate", options.rate,
+                   "Frames per second (default: what the device's script says, or 60)")
+        ->check(CLI::Range(LOWEST_RATE, HIGHEST_RATE));
     app.add_option("--device", options.device, "Simulated device; without one, this machine's own figures")
         ->type_name("NAME");
     app.add_option("--set", settings, "Set a property before the start; may be repeated")

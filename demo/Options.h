@@ -12,7 +12,7 @@ struct Options {
     std::uint32_t width = 740;
     std::uint32_t height = 360;
     double seconds = 10.0;
-    double rate = 60.0;                                         ///< frames per second
+    double rate = 0.0;                                          ///< frames per second; 0: as frameRate() says
     std::string device;                                         ///< a simulated device; empty: this machine
     std::vector<std::pair<std::string, std::string>> settings;  ///< properties, by full or short name
     std::string png = "kordanix-demo.png";
@@ -21,6 +21,10 @@ struct Options {
     bool isFixedStep = false;  ///< time advances by one frame's length a frame, as fast as it goes
     bool isPrivate = false;    ///< settings of its own rather than the user's
 };
+
+/// Frames per second at this time after the start: those of the options, else those of the simulated device,
+/// else 60.
+double frameRate(const Options& options, double seconds);
 
 /// Parses the command line. Returns false when the program is to end at once with `exitCode`: after help was
 /// asked for, or after an error was explained.

@@ -11,14 +11,11 @@ constexpr std::chrono::milliseconds LONGEST_DELAY(100);
 
 }  // namespace
 
-Pace::Pace(double rate)
-    : mFrame(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-          std::chrono::duration<double>(1.0 / rate))),
-      mStart(std::chrono::steady_clock::now()),
-      mNext(mStart) {}
+Pace::Pace() : mStart(std::chrono::steady_clock::now()), mNext(mStart) {}
 
-void Pace::waitForNextFrame() {
-    mNext += mFrame;
+void Pace::waitForNextFrame(double rate) {
+    mNext += std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+        std::chrono::duration<double>(1.0 / rate));
     const auto now = std::chrono::steady_clock::now();
     if (now > mNext + LONGEST_DELAY) {
         mNext = now;

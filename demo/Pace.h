@@ -4,18 +4,18 @@
 
 namespace demo {
 
-/// Keeps the frame loop at its rate in real time.
+/// Keeps the frame loop at a rate in real time.
 class Pace {
 public:
-    explicit Pace(double rate);
+    Pace();
 
-    void waitForNextFrame();
+    /// `rate`: of this frame, in frames per second.
+    void waitForNextFrame(double rate);
 
     /// Seconds since the start.
     double elapsed() const;
 
 private:
-    std::chrono::steady_clock::duration mFrame;
     std::chrono::steady_clock::time_point mStart;
     std::chrono::steady_clock::time_point mNext;
 };

@@ -106,6 +106,14 @@ void useWallClock() {
     gStoppedTime.store(RUNNING, std::memory_order_relaxed);
 }
 
+std::optional<double> figureAt(const std::string& name, double seconds) {
+    const Device* const device = activeDevice();
+    if (device == nullptr || !device->script().hasFigure(name)) {
+        return {};
+    }
+    return device->script().figureAt(name, seconds);
+}
+
 std::optional<ScriptedFrame> frameAt(double seconds) {
     const Device* const device = activeDevice();
     return device != nullptr ? device->script().frameAt(seconds) : std::nullopt;

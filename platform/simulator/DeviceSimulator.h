@@ -38,6 +38,9 @@ void setTime(double seconds);
 /// Lets the device's time run again, as if it had never been stopped.
 void useWallClock();
 
+/// A figure of the device's script at this time; nothing without a device that has one of this name.
+std::optional<double> figureAt(const std::string& name, double seconds);
+
 /// The frame that the device's GPU is at work on at this time, with its render passes; nothing without a
 /// device that has some. For the frame that a capture took its samples in, ask for the time of the first
 /// sample: a capture always begins together with a frame.

@@ -29,17 +29,6 @@ constexpr double CAPTURE = 12.4;
 /// Nobody sees the frames before the capture, so they are not drawn.
 constexpr double FIRST_DRAWN = CAPTURE;
 
-/// Two slow spells, so that the frame rate's graph has a shape.
-double frameLength(double seconds) {
-    if (seconds >= 4.0 && seconds < 5.4) {
-        return 1.0 / 45.0;
-    }
-    if (seconds >= 9.0 && seconds < 9.5) {
-        return 1.0 / 28.0;
-    }
-    return 1.0 / 60.0;
-}
-
 /// The application's picture: light and dark in bands, so that what is translucent shows.
 void paint(software::Image& image) {
     for (std::uint32_t y = 0; y < image.mHeight; ++y) {
@@ -79,7 +68,8 @@ bool runFrames(software::Surface& surface) {
     scene::Overlay overlay(factory, static_cast<core::RenderingApiType>(0), &passes);
     overlay.attach();
     bool isCaptureDue = true;
-    for (double seconds = 0.0; seconds < END; seconds += frameLength(seconds)) {
+    for (double seconds = 0.0; seconds < END;
+         seconds += 1.0 / simulator::figureAt("frame_rate", seconds).value_or(60.0)) {
         demo::setSteppedClock(seconds);
         if (isCaptureDue && seconds >= CAPTURE) {
             isCaptureDue = false;
