@@ -9,6 +9,7 @@ namespace utils {
 class File {
 public:
     /// Tests false when the file cannot be opened; errno says why.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the stream fills the buffer
     explicit File(const char* path) : mStream(std::fopen(path, "r")) {
         if (mStream != nullptr) {
             static_cast<void>(std::setvbuf(mStream, mBuffer, _IOFBF, sizeof mBuffer));

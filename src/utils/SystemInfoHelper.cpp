@@ -43,11 +43,10 @@ bool isSpace(char c) {
 /// The text up to the first NUL byte or the end of the line, at most 255 bytes. What fgets() would give,
 /// which reads on to the end of the file: the kernel takes nearly as long for that as for the text.
 std::string firstText(std::FILE* file) {
-    std::array<char, 255>
-        text;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled as far as it is read
+    std::array<char, 255> text{};
     std::size_t length = 0;
     while (length < text.size()) {
-        const int c = getc_unlocked(file);  // nobody else has the stream
+        const int c = getc_unlocked(file);  // NOLINT(concurrency-mt-unsafe): nobody else has the stream
         if (c == EOF || c == '\0' || c == '\n') {
             break;
         }

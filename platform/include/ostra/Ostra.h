@@ -57,7 +57,7 @@ static_assert(sizeof(void*) != 4 ||
                   (sizeof(DumpWidgetMeta) == 12 && offsetof(DumpWidgetMeta, name) == 0 &&
                    offsetof(DumpWidgetMeta, valueType) == 4 && offsetof(DumpWidgetMeta, flag) == 8),
               "layout of DumpWidgetMeta on 32-bit ARM");
-static_assert(sizeof(void*) != 4 || (sizeof(FrameDump) == 56 && sizeof(FrameDump::values) == 12 &&
+static_assert(sizeof(void*) != 4 || (sizeof(FrameDump) == 56 && sizeof(std::vector<DumpValue>) == 12 &&
                                      offsetof(FrameDump, renderPasses) == 44),
               "layout of FrameDump on 32-bit ARM");
 
