@@ -9,7 +9,7 @@ function(kordanix_add_core target counter_source)
   # The watcher thread lives as long as the process, so its code must never be unmapped.
   target_link_options(${target} PRIVATE -Wl,-z,nodelete -Wl,-z,defs)
   set(exports ${PROJECT_SOURCE_DIR}/src/KordanixCore.map)
-  target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
+  target_link_options(${target} PRIVATE -Wl,--version-script=${exports} -Wl,--hash-style=gnu)
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
