@@ -2,8 +2,10 @@
 
 #include <pthread.h>
 #include <signal.h>
+#include <unistd.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 #include <system_error>
 
@@ -15,18 +17,20 @@ constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
 
 }  // namespace
 
-SlowReader::SlowReader(Read read) : mRead(read), mLatest(NONE) {}
+SlowReader::SlowReader(Read read) : mRead(read), mShared(std::make_unique<Shared>()) {
+    mShared->latest = NONE;
+}
 
 SlowReader::~SlowReader() {
     stop();
 }
 
 void SlowReader::start() {
-    if (mThread.joinable()) {
+    if (isRunning()) {
         return;
     }
-    mIsStopRequested = false;
-    mIsRequested = false;
+    mShared->isStopRequested = false;
+    mShared->isRequested = false;
     // A thread inherits its creator's mask: with everything blocked, the application's signals keep
     // going to the application's own threads.
     sigset_t all;
@@ -34,7 +38,8 @@ void SlowReader::start() {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &previous);
     try {
-        mThread = std::thread(&SlowReader::run, this);
+        mShared->thread = std::thread(run, std::ref(*mShared), mRead);
+        mProcess = getpid();
     } catch (const std::system_error&) {
         // Left without a thread: latest() stays empty, which the overlay shows as such.
     }
@@ -42,56 +47,63 @@ void SlowReader::start() {
 }
 
 void SlowReader::stop() {
-    if (!mThread.joinable()) {
+    if (!isRunning()) {
         return;
     }
-    {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        mIsStopRequested = true;
+    if (getpid() != mProcess) {
+        // A forked child. It can neither join a thread that is not there nor destroy what that one waited on,
+        // so that stays as it is.
+        static_cast<void>(mShared.release());  // NOLINT(bugprone-unused-return-value)
+        mShared = std::make_unique<Shared>();
+    } else {
+        {
+            const std::lock_guard<std::mutex> lock(mShared->mutex);
+            mShared->isStopRequested = true;
+        }
+        mShared->changed.notify_all();
+        mShared->thread.join();
     }
-    mChanged.notify_all();
-    mThread.join();
-    mLatest.store(NONE, std::memory_order_relaxed);
+    mShared->latest.store(NONE, std::memory_order_relaxed);
 }
 
 void SlowReader::request() {
-    if (!mThread.joinable()) {
+    if (!isRunning()) {
         return;
     }
     {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        mIsRequested = true;
+        const std::lock_guard<std::mutex> lock(mShared->mutex);
+        mShared->isRequested = true;
     }
-    mChanged.notify_all();
+    mShared->changed.notify_all();
 }
 
 Reading SlowReader::latest() const {
-    const double value = mLatest.load(std::memory_order_relaxed);
+    const double value = mShared->latest.load(std::memory_order_relaxed);
     return std::isnan(value) ? Reading() : Reading(value);
 }
 
 void SlowReader::settle() {
-    if (!mThread.joinable()) {
+    if (!isRunning()) {
         return;
     }
-    std::unique_lock<std::mutex> lock(mMutex);
-    mChanged.wait(lock, [this] { return !mIsRequested && !mIsReading; });
+    std::unique_lock<std::mutex> lock(mShared->mutex);
+    mShared->changed.wait(lock, [this] { return !mShared->isRequested && !mShared->isReading; });
 }
 
-void SlowReader::run() {
-    std::unique_lock<std::mutex> lock(mMutex);
+void SlowReader::run(Shared& shared, Read read) {
+    std::unique_lock<std::mutex> lock(shared.mutex);
     while (true) {
-        mChanged.wait(lock, [this] { return mIsRequested || mIsStopRequested; });
-        if (mIsStopRequested) {
+        shared.changed.wait(lock, [&shared] { return shared.isRequested || shared.isStopRequested; });
+        if (shared.isStopRequested) {
             return;
         }
-        mIsRequested = false;
-        mIsReading = true;
+        shared.isRequested = false;
+        shared.isReading = true;
         lock.unlock();
-        mLatest.store(mRead().value_or(NONE), std::memory_order_relaxed);
+        shared.latest.store(read().value_or(NONE), std::memory_order_relaxed);
         lock.lock();
-        mIsReading = false;
-        mChanged.notify_all();
+        shared.isReading = false;
+        shared.changed.notify_all();
     }
 }
 

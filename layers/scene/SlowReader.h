@@ -2,8 +2,11 @@
 
 #include "scene/Reading.h"
 
+#include <sys/types.h>
+
 #include <atomic>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -18,7 +21,7 @@ public:
     /// `read` runs on the reader's thread.
     explicit SlowReader(Read read);
 
-    /// As stop().
+    /// As stop(). In a forked child, which has none of its parent's threads, there is nothing to wait for.
     ~SlowReader();
 
     SlowReader(const SlowReader&) = delete;
@@ -42,17 +45,24 @@ public:
     void settle();
 
 private:
-    void run();
+    /// What both threads work on.
+    struct Shared {
+        std::thread thread;
+        std::mutex mutex;  ///< held for a few instructions only, never during a reading
+        std::condition_variable changed;
+        bool isRequested = false;      ///< under the mutex
+        bool isReading = false;        ///< under the mutex
+        bool isStopRequested = false;  ///< under the mutex
+        /// NaN stands for an empty reading. Relaxed: nothing else is published with it.
+        std::atomic<double> latest;
+    };
+
+    static void run(Shared& shared, Read read);
+    bool isRunning() const { return mShared->thread.joinable(); }
 
     Read mRead;
-    std::thread mThread;
-    std::mutex mMutex;  // held for a few instructions only, never during a reading
-    std::condition_variable mChanged;
-    bool mIsRequested = false;      // under mMutex
-    bool mIsReading = false;        // under mMutex
-    bool mIsStopRequested = false;  // under mMutex
-    /// NaN stands for an empty reading. Relaxed: nothing else is published with it.
-    std::atomic<double> mLatest;
+    std::unique_ptr<Shared> mShared;
+    pid_t mProcess = 0;  ///< the one that started the thread
 };
 
 }  // namespace scene
