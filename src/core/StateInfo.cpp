@@ -50,7 +50,11 @@ void StateInfo::init() {
     mPrevCpuUserTicks = 0;
     mPrevCpuSystemTicks = 0;
     checkGPUClockUnit();
-    mVendor = utils::checkVendor();
+    // Written only when it changes: layers of two APIs may make their objects on threads of their own.
+    const int vendor = utils::checkVendor();
+    if (vendor != mVendor) {
+        mVendor = vendor;
+    }
 }
 
 void StateInfo::onAttached(std::mutex& mutex) {

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -117,6 +118,24 @@ TEST(FrameRate, ResetAfterTheRingHasWrappedReadsLowUntilItIsFullAgain) {
         ASSERT_NEAR(state.getWindowAverageFPS(), 0.5F * static_cast<float>(i), 0.01F);
     }
     EXPECT_EQ(state.mFpsCount, 100U);
+}
+
+TEST(FrameRate, ObjectsOfTwoThreadsShareTheRingsSlotsOnly) {
+    std::vector<std::thread> threads;
+    for (const unsigned fps : {30U, 60U}) {
+        threads.emplace_back([fps] {
+            core::StateInfo state;
+            for (unsigned i = 1; i <= 2000; ++i) {
+                state.getFPS(fps, 1000000.0);
+                ASSERT_EQ(state.mFpsCount, i);
+            }
+            EXPECT_EQ(state.getAverageFPS(), static_cast<float>(fps));
+            EXPECT_EQ(state.getMedianFPS(), static_cast<float>(fps));
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
 }
 
 TEST(FrameRate, ARequestedResetIsDoneByTheNextSampleOnly) {
