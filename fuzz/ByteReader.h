@@ -11,7 +11,8 @@
 
 namespace fuzz {
 
-/// Turns a fuzzer's bytes into values. After their end everything is 0 or empty.
+/// Turns a fuzzer's bytes into values. After their end everything is 0 or empty. One value a statement (or
+/// between braces): compilers differ in the order in which they take the arguments of a call.
 class ByteReader {
 public:
     ByteReader(const std::uint8_t* data, std::size_t size) : mData(data), mLeft(size) {}

@@ -74,8 +74,8 @@ gui::RenderPassData readPass(fuzz::ByteReader& reader) {
 gui::FrameData readFrame(fuzz::ByteReader& reader) {
     constexpr std::uint32_t MOST_PASSES = 5000;
     gui::FrameData frame(reader.flag() ? reader.word() : reader.byte(), {});
-    frame.addFrameTimeInfo(static_cast<long double>(reader.number()),
-                           static_cast<long double>(reader.number()));
+    const auto start = static_cast<long double>(reader.number());
+    frame.addFrameTimeInfo(start, static_cast<long double>(reader.number()));
     const bool isRepeated = reader.upTo(31) == 31;
     for (std::uint32_t i = reader.upTo(8); i > 0; --i) {
         frame.addRenderPassInfo(readPass(reader));
@@ -103,7 +103,7 @@ struct Scene {
         constexpr float LARGEST = 1e6F;
         const bool isOnCanvas = reader.upTo(3) != 0;
         const auto coordinate = [&] { return isOnCanvas ? reader.fraction() : reader.singleNumber(); };
-        const glm::vec4 rect(coordinate(), coordinate(), coordinate(), coordinate());
+        const glm::vec4 rect{coordinate(), coordinate(), coordinate(), coordinate()};
         fuzz::surface().isAnyRectangle = false;
         for (int i = 0; i < 4; ++i) {
             fuzz::surface().isAnyRectangle =
@@ -137,7 +137,12 @@ void drawTimeLine(TimeLine& line) {
         FUZZ_CHECK(line.mTextblocks.empty());
         return;
     }
-    FUZZ_CHECK(line.mTextblocks.size() == line.mFrameData.mRenderPasses.size());
+    const std::vector<gui::RenderPassData>& passes = line.mFrameData.mRenderPasses;
+    FUZZ_CHECK(line.mTextblocks.size() == passes.size());
+    // In the order of their start times, behind them those without one.
+    for (std::size_t i = 1; i < passes.size(); ++i) {
+        FUZZ_CHECK(passes[i - 1].mStartTime <= passes[i].mStartTime || std::isnan(passes[i].mStartTime));
+    }
     if (fuzz::surface().isAnyRectangle || line.mSize.x < 0.0F) {
         return;
     }
