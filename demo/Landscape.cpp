@@ -134,12 +134,12 @@ void drawBalloon(Image& image, const Balloon& balloon, double seconds) {
                 dy < 0.0F ? std::sqrt(std::max(0.0F, 1.0F - dy * dy)) : std::max(0.0F, std::cos(dy * 1.15F));
             const float cover = dy > -1.0F && dy < 1.25F ? (half - std::abs(dx)) * radius + 0.5F : 0.0F;
             const bool isDark =
-                half > 0.0F && std::sin(std::asin(std::clamp(dx / half, -1.0F, 1.0F)) * 5.0F) > 0.0F;
+                half > 0.0F && std::sin(std::asin(std::clamp(dx / half, -1.0F, 1.0F)) * 6.0F) > 0.0F;
             blend(row[x], isDark ? balloon.dark : balloon.light, std::clamp(cover, 0.0F, 1.0F));
             const bool isBasket = std::abs(dx) < 0.16F && dy > 1.55F && dy < 1.85F;
-            if (isBasket) {
-                blend(row[x], {70, 48, 44}, 1.0F);
-            }
+            const bool isRope = dy >= 1.25F && dy < 1.6F;
+            const float rope = isRope ? (0.015F - std::abs(std::abs(dx) - 0.12F)) * radius + 0.5F : 0.0F;
+            blend(row[x], {70, 48, 44}, isBasket ? 1.0F : std::clamp(rope, 0.0F, 1.0F));
         }
     }
 }
