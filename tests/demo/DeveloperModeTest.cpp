@@ -1,0 +1,89 @@
+#include "DumpReader.h"
+#include "platform/ChildProcess.h"
+#include "platform/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+int control(const std::string& arguments) {
+    return std::system((std::string("'") + KORDANIXCTL + "' " + arguments + " >/dev/null 2>&1").c_str());
+}
+
+/// Smallest and largest figure of a value.
+std::pair<double, double> rangeOf(const control::Dump& dump, const std::string& name) {
+    const control::DumpedValue* const value = dump.findValue(name);
+    if (value == nullptr || value->figures.empty()) {
+        return {-1.0, -1.0};
+    }
+    const auto [smallest, largest] = std::minmax_element(value->figures.begin(), value->figures.end());
+    return {*smallest, *largest};
+}
+
+// A dump and a capture asked for from outside hold what the device's script says was on the screen.
+TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
+    const platform::TemporaryDirectory folder;
+    setenv("KORDANIX_RUNTIME_DIR", folder.path().c_str(), 1);
+    setenv("KORDANIX_DUMP_DIR", folder.path("dump").c_str(), 1);
+    const std::string png = folder.path("picture.png");
+    const pid_t demo = platform::startChild([&png] {
+        execl(KORDANIX_DEMO, KORDANIX_DEMO, "--device", "mali-b31", "--size", "200x100", "--seconds", "4",
+              "--set", "devmode=true", "--set", "widget_memory=true", "--set", "widget_cpu_gpu_gpu_freq=true",
+              "--png", png.c_str(), nullptr);
+        return 127;
+    });
+    bool isListening = false;
+    for (int i = 0; i < 300 && !isListening; ++i) {
+        std::this_thread::sleep_for(10ms);
+        isListening = control("key capture") == 0;
+    }
+    ASSERT_TRUE(isListening);
+    std::this_thread::sleep_for(500ms);  // the first figures are there
+    ASSERT_EQ(control("key dump"), 0);
+    std::this_thread::sleep_for(1s);
+    EXPECT_EQ(control("key capture"), 0);
+    std::this_thread::sleep_for(500ms);
+    EXPECT_EQ(control("key dump"), 0);
+    EXPECT_EQ(platform::waitForChild(demo), 0);
+
+    control::Dump dump;
+    ASSERT_EQ(control::readDump(folder.path("dump"), dump), "");
+    ASSERT_GE(dump.frames.size(), 10U);
+    EXPECT_EQ(dump.skippedRows, 0U);
+    for (std::size_t i = 1; i < dump.frames.size(); ++i) {
+        EXPECT_EQ(dump.frames[i].number, dump.frames[i - 1].number + 1) << "no frame is missing";
+        EXPECT_GE(dump.frames[i].timestampMs, dump.frames[i - 1].timestampMs);
+    }
+    // The bounds of the device's curves.
+    struct Bounds {
+        const char* name;
+        double smallest, largest;
+    };
+    for (const Bounds& bounds : {Bounds{"Fps", 1.0, 61.0},
+                                 {"GpuLoad", 10.0, 100.0},
+                                 {"GpuFreq", 100.0, 585.0},
+                                 {"MemGpu", 100e6, 400e6},
+                                 {"MemSysFreeHeap", 1e9, 4e9}}) {
+        const auto [smallest, largest] = rangeOf(dump, bounds.name);
+        EXPECT_GE(smallest, bounds.smallest) << bounds.name;
+        EXPECT_LE(largest, bounds.largest) << bounds.name;
+    }
+    ASSERT_GE(dump.passes.size(), 2U) << "of the captured frame";
+    for (const control::DumpedPass& pass : dump.passes) {
+        EXPECT_GT(pass.durationMs, 0.0);
+        EXPECT_LE(pass.durationMs, dump.frames[pass.frame].passFrameMs + 0.001);
+    }
+    EXPECT_EQ(control("trace '" + folder.path("dump") + "' '" + folder.path("trace.json") + "'"), 0);
+    EXPECT_EQ(control("report '" + folder.path("dump") + "' '" + folder.path("report.html") + "'"), 0);
+}
+
+}  // namespace
