@@ -29,7 +29,7 @@ export TSAN_OPTIONS=halt_on_error=1
 for preset in "${presets[@]}"; do
     echo
     echo "== $preset: building in build/$preset"
-    cmake --preset "$preset" >/dev/null
+    cmake --preset "$preset" -DBUILD_TESTING=ON >/dev/null
     cmake --build --preset "$preset"
     echo "== $preset: testing"
     ctest --preset "$preset" -j "$(nproc)"
