@@ -9,32 +9,24 @@
 #include "SteppedClock.h"
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
-#include "ostra/ProcessSocket.h"
-#include "properties/RuntimeDirectory.h"
+#include "ostra/OwnKeys.h"
 #include "scene/Overlay.h"
 #include "simulator/DeviceSimulator.h"
 #include "software/Png.h"
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
 
-#include <unistd.h>
-
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <string>
-#include <thread>
 
 namespace demo {
 
 namespace {
 
-constexpr int CAPTURE_KEY = 25;
-constexpr int PRESSED = 1;
-
-/// Time for the key's datagram to arrive before the next frame polls.
-constexpr std::chrono::milliseconds KEY_DELIVERY(50);
+constexpr Ostra::KeyEvent CAPTURE_KEY_PRESSED = {25, 1};
 
 std::string numbered(const std::string& file, std::uint64_t frame) {
     const std::filesystem::path path(file);
@@ -51,19 +43,6 @@ bool writePicture(const software::Surface& surface, const std::string& file) {
         return false;
     }
     return true;
-}
-
-void pressCaptureKey() {
-    const platform::RuntimeDirectory folder = platform::openRuntimeDirectory();
-    platform::ProcessMessage message;
-    message.key = {CAPTURE_KEY, PRESSED};
-    const std::string error =
-        folder.error.empty() ? platform::sendMessage(folder.path, getpid(), message) : folder.error;
-    if (!error.empty()) {
-        std::fprintf(stderr, "Cannot press the capture key: %s\n", error.c_str());
-        return;
-    }
-    std::this_thread::sleep_for(KEY_DELIVERY);
 }
 
 /// A line about once a second.
@@ -110,7 +89,7 @@ bool runFrames(const Options& options) {
         }
         if (isCaptureDue && seconds >= options.captureAt) {
             isCaptureDue = false;
-            pressCaptureKey();
+            platform::pressOwnKey(CAPTURE_KEY_PRESSED);
         }
         landscape.draw(surface.mImage, seconds);
         surface.beginOverlay();

@@ -97,12 +97,16 @@ void KeyChannel::handle(const ProcessMessage& message) {
         callListeners();
         return;
     }
+    addKey(message.key);
+}
+
+void KeyChannel::addKey(const Ostra::KeyEvent& key) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mPending.size() >= MAX_PENDING) {
         warnOnce(mIsDropWarned, "Key events are dropped, because nobody takes them");
         return;
     }
-    mPending.push_back(message.key);
+    mPending.push_back(key);
     mIsIdle.store(false, std::memory_order_relaxed);
 }
 

@@ -28,6 +28,9 @@ public:
     /// has arrived.
     std::vector<Ostra::KeyEvent> takeKeys();
 
+    /// Adds an event as if it had arrived now.
+    void addKey(const Ostra::KeyEvent& key);
+
     /// Calls `listener` from the receiving thread for every notice that the application went to the
     /// background. Listeners are never removed; an empty one is ignored.
     void addListener(std::function<void()> listener);

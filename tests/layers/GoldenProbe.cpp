@@ -5,7 +5,7 @@
 #include "core/RenderingApiType.h"
 #include "demo/DevicePasses.h"
 #include "demo/SteppedClock.h"
-#include "doubles/FakeOstra.h"
+#include "ostra/OwnKeys.h"
 #include "properties/SystemProperties.h"
 #include "scene/Overlay.h"
 #include "simulator/DeviceSimulator.h"
@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr Ostra::KeyEvent CAPTURE_KEY = {25, 1};
+constexpr Ostra::KeyEvent CAPTURE_KEY_PRESSED = {25, 1};
 
 // Seconds. The history of the graphs is full at the end, and has begun to slide.
 constexpr double END = 13.5;
@@ -73,7 +73,7 @@ bool runFrames(software::Surface& surface) {
         demo::setSteppedClock(seconds);
         if (isCaptureDue && seconds >= CAPTURE) {
             isCaptureDue = false;
-            doubles::companion().keyEvents = {CAPTURE_KEY};
+            platform::pressOwnKey(CAPTURE_KEY_PRESSED);
         }
         if (seconds >= FIRST_DRAWN) {
             paint(surface.mImage);
