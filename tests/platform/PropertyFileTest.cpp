@@ -4,12 +4,9 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <chrono>
 #include <cstddef>
 #include <fstream>
 #include <iterator>
-#include <random>
-#include <thread>
 
 #include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
@@ -139,30 +136,6 @@ TEST_F(PropertyFileTest, ManyProcessesCreateItAtOnce) {
         for (const char* name : {"from.1", "from.2", "from.3", "from.4"}) {
             ASSERT_EQ(readProperty(name), "here");
         }
-    }
-}
-
-TEST_F(PropertyFileTest, WritersKilledAtRandomInstantsTearNothing) {
-    std::mt19937 random(1);
-    for (int round = 0; round < 300; ++round) {
-        if (round % 50 == 0) {
-            std::filesystem::remove(mPath);  // some of the writers die while they create it
-        }
-        const pid_t writer = startChild([round] {
-            for (int i = 0;; ++i) {
-                setProperty("victim", std::string(91, static_cast<char>('a' + i % 26)).c_str());
-                setProperty(("round." + std::to_string(round * 2 + i % 2)).c_str(), "x");
-            }
-            return 0;
-        });
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
-        kill(writer, SIGKILL);
-        ASSERT_EQ(waitForChild(writer), -SIGKILL);
-        ASSERT_EQ(propertyAreaError(), "");
-        const std::string value = readProperty("victim");
-        ASSERT_TRUE(value.size() != 91 || value == std::string(91, value[0])) << value;
-        ASSERT_EQ(setProperty("victim", "survivor"), "");
-        ASSERT_EQ(readProperty("victim"), "survivor");
     }
 }
 

@@ -4,8 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
-
 #include "platform/TemporaryDirectory.h"
 
 namespace platform {
@@ -38,12 +36,9 @@ TEST(RuntimeDirectoryTest, RefusesWhatOthersCouldMeddleWith) {
     const std::string path = scratch.path("folder");
     ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
     ASSERT_EQ(symlink(path.c_str(), scratch.path("link").c_str()), 0);
-    std::ofstream(scratch.path("file")) << "x";
     expectRefused("relative/path", "absolute");
-    expectRefused(scratch.path("missing/folder"), "No such file");
     expectRefused(scratch.path("link"), "symbolic link");
     expectRefused(scratch.path("link/"), "symbolic link");
-    expectRefused(scratch.path("file"), "not a folder");
     ASSERT_EQ(chmod(path.c_str(), 0707), 0);
     expectRefused(path, "written to by other users");
     if (path.rfind("/tmp/", 0) == 0) {  // below it the group must not write either
