@@ -29,7 +29,9 @@ glm::vec4 backgroundColor() {
 }
 
 glm::vec4 backdropColor() {
-    return gui::gColor[0];
+    // Denser than the palette's own half-transparent black: bright lines run behind small texts.
+    constexpr float OPACITY = 0.75F;
+    return {0.0F, 0.0F, 0.0F, OPACITY};
 }
 
 glm::vec4 noColor() {
