@@ -53,8 +53,9 @@ Glyph makeGlyph(const unsigned char* record, float bitmapWidth, float bitmapHeig
 }  // namespace
 
 GlyphAtlas& GlyphAtlas::getGlyphAtlas() {
-    static GlyphAtlas atlas(embeddedFont());
-    return atlas;
+    // Never destroyed: texts may be drawn while another thread ends the process.
+    static auto* const atlas = new GlyphAtlas(embeddedFont());
+    return *atlas;
 }
 
 GlyphAtlas::GlyphAtlas(const unsigned char* record)

@@ -10,7 +10,8 @@ namespace gui {
 const float SCREEN_WIDTH = 740.0F;
 const float SCREEN_HEIGHT = 360.0F;
 
-std::vector<glm::vec4> gColor = {
+// Never destroyed, like everything that a frame may still use while another thread ends the process.
+std::vector<glm::vec4>& gColor = *new std::vector<glm::vec4>{
     {0.0F, 0.0F, 0.0F, 0.5F},   //
     {0.0F, 0.52F, 1.0F, 0.5F},  //
     {0.0F, 0.52F, 1.0F, 1.0F},  //

@@ -104,6 +104,6 @@ struct Widget {
 };
 
 /// Palette of 12 RGBA colours (0..1) that layers index. Built at load, never changed by the library.
-KORDANIX_EXPORT extern std::vector<glm::vec4> gColor;
+KORDANIX_EXPORT extern std::vector<glm::vec4>& gColor;
 
 }  // namespace gui

@@ -148,7 +148,8 @@ WidgetsSettings::Widgets& WidgetsSettings::getWidgets() {
     return widgets;
 }
 
-std::vector<Ostra::DumpWidgetMeta> gWidgetsMeta = {
+// Never destroyed: a frame may be dumped while another thread ends the process.
+std::vector<Ostra::DumpWidgetMeta>& gWidgetsMeta = *new std::vector<Ostra::DumpWidgetMeta>{
     {"Fps", 1, 1},
     {"FpsMedian", 1, 0},
     {"FpsStability(%)", 1, 0},

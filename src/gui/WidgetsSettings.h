@@ -136,6 +136,6 @@ public:
 
 /// Names and encodings of the dumpable values; a graph's slot in a dump is its index here. Built at load,
 /// never changed.
-KORDANIX_EXPORT extern std::vector<Ostra::DumpWidgetMeta> gWidgetsMeta;
+KORDANIX_EXPORT extern std::vector<Ostra::DumpWidgetMeta>& gWidgetsMeta;
 
 }  // namespace gui
