@@ -20,9 +20,9 @@
 #include <thread>
 #include <vector>
 
-// A forked child goes on with frames, and its socket has a thread.
+// The process forks with threads running, and ends without waiting for them.
 extern "C" const char* __tsan_default_options() {
-    return "die_after_fork=0";
+    return "die_after_fork=0:report_thread_leaks=0:atexit_sleep_ms=200";
 }
 
 namespace {
@@ -168,6 +168,7 @@ int main(int argc, char** argv) {
                 say(application()->report() + " children=" + std::to_string(children.size()) +
                     " failed_children=" + std::to_string(failedChildren));
             } else if (command == "stall") {
+                say("stalled");
                 std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(kind.c_str())));
             } else if (command == "reattach" || command == "renew") {
                 application()->reattach(std::atoi(kind.c_str()), 3, command == "renew");

@@ -15,10 +15,9 @@ namespace faults {
 
 namespace {
 
-using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr std::chrono::seconds PATIENCE(30);
+constexpr std::chrono::seconds PATIENCE(10);
 constexpr int COMMANDS = 0;
 constexpr int ANSWERS = 1;
 constexpr int LOG = 2;
@@ -39,6 +38,7 @@ constexpr int LOG = 2;
     if (options.prepare && !options.prepare()) {
         _exit(HostProcess::CANNOT_BE_PREPARED);
     }
+    signal(SIGPIPE, SIG_DFL);
     dup2(commands, COMMANDS);
     dup2(answers, ANSWERS);
     dup2(logFile, LOG);
@@ -81,10 +81,16 @@ void HostProcess::tell(const std::string& command) {
     static_cast<void>(!write(mCommands, line.data(), line.size()));
 }
 
+void HostProcess::stall(int milliseconds) {
+    tell("stall " + std::to_string(milliseconds));
+    readLine();
+}
+
 std::string HostProcess::readLine() {
     const auto deadline = steady_clock::now() + PATIENCE;
     while (mText.find('\n') == std::string::npos) {
-        const auto left = std::chrono::duration_cast<milliseconds>(deadline - steady_clock::now());
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - steady_clock::now());
         pollfd answers = {mAnswers, POLLIN, 0};
         char bytes[4096];
         ssize_t size = 0;
@@ -134,7 +140,7 @@ bool HostProcess::waitFor(const std::string& name, const std::string& value) {
         if (values[name] == value) {
             return true;
         }
-        std::this_thread::sleep_for(milliseconds(2));
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return false;
 }
@@ -149,7 +155,7 @@ bool HostProcess::waitFor(const std::string& name, const std::function<bool(long
         if (is(std::strtol(values[name].c_str(), nullptr, 10))) {
             return true;
         }
-        std::this_thread::sleep_for(milliseconds(2));
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return false;
 }
@@ -167,7 +173,7 @@ int HostProcess::wait() {
         if (steady_clock::now() > deadline) {
             return HANGS;
         }
-        std::this_thread::sleep_for(milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     mProcess = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);

@@ -46,6 +46,9 @@ public:
     /// Gives a command, see HostMain.cpp.
     void tell(const std::string& command);
 
+    /// Lets so many milliseconds go by without a frame; returns when that has begun.
+    void stall(int milliseconds);
+
     /// Asks for a report: values by name, and the dumps. Empty when there is none.
     std::map<std::string, std::string> report();
     const std::vector<FrameRange>& dumps() const { return mDumps; }

@@ -18,8 +18,8 @@ TEST_F(PublicationFaults, TwoProcessesPublishTenThousandTimes) {
     HostProcess host(mOptions);
     ASSERT_TRUE(host.waitFor("shown0", "1"));
     const int times = IS_SANITIZED ? 2000 : 10000;
-    Publisher first(1, times / 2);
-    Publisher second(2, times / 2);
+    Publisher first(Publisher::What::ANYTHING, 1, times / 2);
+    Publisher second(Publisher::What::ANYTHING, 2, times / 2);
     EXPECT_EQ(first.wait(), 0);
     EXPECT_EQ(second.wait(), 0);
     EXPECT_TRUE(host.waitFor("changes", [](long changes) { return changes > 100; }));

@@ -72,12 +72,12 @@ std::string setText(std::mt19937& random) {
     return set("debug.fault.text", std::string(random() % 92, static_cast<char>('a' + random() % 26)));
 }
 
-Publisher::Publisher(unsigned seed, int times)
-    : mProcess(platform::startChild([seed, times] {
+Publisher::Publisher(What what, unsigned seed, int times)
+    : mProcess(platform::startChild([what, seed, times] {
           std::mt19937 random(seed);
           for (int i = 0; i != times; ++i) {
               std::string error = setText(random);
-              for (unsigned count = random() % 4; count > 0; --count) {
+              for (auto count = random() % 4; count > 0 && what == What::ANYTHING; --count) {
                   error += setAny(random);
               }
               if (!(error + publish()).empty()) {

@@ -28,7 +28,9 @@ std::string setText(std::mt19937& random);
 /// times or this object ends, which kills it.
 class Publisher {
 public:
-    explicit Publisher(unsigned seed, int times = -1);
+    enum class What { TEXT_ALONE, ANYTHING };
+
+    Publisher(What what, unsigned seed, int times = -1);
     ~Publisher();
     Publisher(const Publisher&) = delete;
     Publisher& operator=(const Publisher&) = delete;

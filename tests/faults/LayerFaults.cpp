@@ -1,0 +1,95 @@
+// Layers of several APIs in one process, and layers that come and go.
+
+#include "faults/FaultFixture.h"
+
+namespace faults {
+namespace {
+
+class LayerFaults : public FaultTest {
+protected:
+    void SetUp() override { ASSERT_EQ(showOverlay(), ""); }
+};
+
+TEST_F(LayerFaults, TheOverlayMovesFromOneApiToTheOther) {
+    mOptions.apis = "0,1";
+    HostProcess host(mOptions);
+    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    for (int round = 0; round < 10; ++round) {
+        SCOPED_TRACE(round);
+        const char* const api = round % 2 == 0 ? "1" : "0";
+        ASSERT_EQ(set("api", api), "");
+        ASSERT_EQ(publish(), "");
+        ASSERT_TRUE(host.waitFor(std::string("shown") + api, "1"));
+        auto report = host.report();
+        EXPECT_EQ(report["shown0"] + report["shown1"], round % 2 == 0 ? "01" : "10");
+
+        // A key is one press for the layer that is shown, and none for the other.
+        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
+        ASSERT_TRUE(host.waitFor("dumping", "1"));
+        const long frames = std::stol(host.report()["frames"]);
+        ASSERT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 20; }));
+        EXPECT_EQ(host.report()["dumping"], "1");
+        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
+        ASSERT_TRUE(host.waitFor("dumping", "0"));
+    }
+    EXPECT_EQ(host.dumps().size(), 10U);
+    {
+        const Publisher publisher(Publisher::What::ANYTHING, 4);
+        EXPECT_TRUE(host.waitFor("changes", [](long changes) { return changes > 200; }));
+    }
+    expectFollows(host);
+    EXPECT_EQ(host.end(), 0);
+    EXPECT_EQ(host.dumpError(), "");
+}
+
+// The key that was pressed last is not pressed once more by every frame without a poll.
+TEST_F(LayerFaults, TheKeyOfTheLastFrameBeforeTheOverlayWentCountsOnce) {
+    HostProcess host(mOptions);
+    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    for (int round = 1; round <= 10; ++round) {
+        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
+        ASSERT_TRUE(host.waitFor("dumping", "1"));
+        ASSERT_EQ(set("status", "false"), "");
+        ASSERT_EQ(publish(), "");
+        ASSERT_TRUE(host.waitFor("shown0", "0"));
+        const long frames = std::stol(host.report()["frames"]);
+        ASSERT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 20; }));
+        ASSERT_EQ(host.report()["dumping"], "1");
+        ASSERT_EQ(showOverlay(), "");
+        ASSERT_TRUE(host.waitFor("shown0", "1"));
+        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
+        ASSERT_TRUE(host.waitFor("dumping", "0"));
+        ASSERT_EQ(host.dumps().size(), static_cast<std::size_t>(round));
+    }
+    EXPECT_EQ(host.end(), 0);
+    EXPECT_EQ(host.dumpError(), "");
+}
+
+TEST_F(LayerFaults, AThousandLayersLeaveNothingBehind) {
+    HostProcess host(mOptions);
+    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    host.tell("reattach 50");
+    host.tell("renew 50");
+    auto before = host.report();
+    host.tell("reattach 1000");
+    host.tell(IS_SANITIZED ? "renew 100" : "renew 1000");
+    auto after = host.report();
+    EXPECT_EQ(after["shown0"], "1");
+    EXPECT_EQ(after["files"], before["files"]);
+    EXPECT_EQ(after["threads"], before["threads"]);
+    if (!IS_SANITIZED) {
+        // Listeners are kept for good, some dozen bytes each; anything more would be a leak.
+        EXPECT_LE(std::stol(after["pages"]), std::stol(before["pages"]) + 100);
+    }
+    // All those listeners together.
+    ASSERT_EQ(pressKey(host, DUMP_KEY), "");
+    ASSERT_TRUE(host.waitFor("dumping", "1"));
+    ASSERT_EQ(sendToBackground(host), "");
+    ASSERT_TRUE(host.waitFor("dumping", "0"));
+    expectFollows(host);
+    EXPECT_EQ(host.end(), 0);
+    EXPECT_EQ(host.dumpError(), "");
+}
+
+}  // namespace
+}  // namespace faults
