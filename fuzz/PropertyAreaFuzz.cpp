@@ -91,6 +91,15 @@ void writeFile(const std::string& directory, const PropertyArea& area, std::size
     close(file);
 }
 
+/// What those who use an area rely on.
+void checkAccepted(const PropertyArea& area) {
+    FUZZ_CHECK(area.serial != 0 && area.count <= PropertyArea::CAPACITY);
+    for (std::uint32_t i = 0; i < area.count; ++i) {
+        FUZZ_CHECK(area.entries[i].serial != 0);
+        FUZZ_CHECK(area.entries[i].name.back() == '\0');
+    }
+}
+
 /// Opens the file as users do. What is accepted must also take a property and give it back.
 void openAndWrite(const std::string& directory, const PropertyArea& area, std::size_t size,
                   const std::string& name, const std::string& value) {
@@ -101,6 +110,10 @@ void openAndWrite(const std::string& directory, const PropertyArea& area, std::s
     const std::string expected =
         size == sizeof(area) ? platform::areaError(area) : std::string("another size");
     FUZZ_CHECK(error.empty() == expected.empty());
+
+    if (forReading.area() != nullptr) {
+        checkAccepted(*forReading.area());
+    }
 
     const platform::PropertyFile file = platform::PropertyFile::openForWriting(directory, error);
     PropertyArea* const written = file.writableArea();
