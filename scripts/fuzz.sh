@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Feeds the fuzz targets with inputs that it makes up, one target after the other, and stops at nothing: what it
-# finds lies in build/fuzz/findings/TARGET, one file an input. Inputs that reach new code are kept in
+# Feeds the fuzz targets with inputs that it makes up, one target after the other. A finding ends the run of its
+# target; the input lies in build/fuzz/findings/TARGET then. Inputs that reach new code are kept in
 # build/fuzz/corpus/TARGET for the next run; those in fuzz/corpus/TARGET are always among its first.
 # Usage: scripts/fuzz.sh [SECONDS_PER_TARGET] [TARGET...]   (default: 600 seconds, all targets)
 #        scripts/fuzz.sh --list                             (the names of the targets)
