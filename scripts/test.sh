@@ -38,7 +38,7 @@ done
 if [ "$lint" = yes ]; then
     echo
     echo "== lint"
-    scripts/lint.sh build/clang
+    scripts/lint.sh
 fi
 
 echo
