@@ -1,0 +1,243 @@
+// A wall clock that is set back and forth under a running overlay.
+
+#include "core/HWcounterAdreno.h"
+#include "core/StateInfo.h"
+#include "core/SysPropWatcher.h"
+#include "doubles/FakeClock.h"
+#include "doubles/FakeFiles.h"
+#include "doubles/FakeOstra.h"
+#include "doubles/FakeProperties.h"
+#include "doubles/RecordingFactory.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/Overlay.h"
+#include "scene/RenderPassSource.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <ostream>
+#include <random>
+#include <string>
+#include <thread>
+
+// Counters that are always ready, so that captures sample until the clock says that they are over.
+namespace core {
+
+HWcounter::HWcounter() : mState(0) {}
+HWcounter::~HWcounter() = default;
+int HWcounter::init() {
+    return mState = 1;
+}
+void HWcounter::deInit() {
+    mState = 0;
+}
+bool HWcounter::readGpuUsage(double* usage) {
+    *usage = 1.0;
+    return true;
+}
+bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, double* vertexActivity,
+                                double* fragmentActivity) {
+    *timestamp = 1000;
+    *usage = *vertexActivity = *fragmentActivity = 0.5;
+    return true;
+}
+bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
+    *diff = 0;
+    return true;
+}
+bool HWcounter::getRealtimeMonotonictimeDiff(unsigned long long* diff) {
+    *diff = 0;
+    return true;
+}
+
+}  // namespace core
+
+namespace faults {
+namespace {
+
+constexpr std::int64_t SECOND = 1000000;
+constexpr std::int64_t HOUR = 3600 * SECOND;
+constexpr std::int64_t YEAR = 365 * 24 * HOUR;
+constexpr std::int64_t NOW = 1795555555 * SECOND;
+constexpr std::int64_t FRAME = 16000;
+
+/// Rows of passes that are wider than their widget, so that they run through it.
+class LongPasses : public scene::RenderPassSource {
+public:
+    bool readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) override {
+        for (unsigned int i = 0; i < 4; ++i) {
+            gui::RenderPassData pass(0.0F, {1000000000, 1000000000, 1000000000});
+            pass.setIndex(i);
+            pass.addTimestampInfo(i, i + 1);
+            frame.addRenderPassInfo(pass);
+        }
+        frame.addFrameTimeInfo(0, 4);
+        ++reads;
+        return true;
+    }
+    unsigned reads = 0;
+};
+
+class ClockFaults : public testing::Test {
+protected:
+    ClockFaults() {
+        doubles::resetCompanion();
+        doubles::setFile("/proc/self/cmdline", "app");
+        doubles::setFile("/sys/kernel/gpu/gpu_busy", "37");
+        doubles::setWallClock(NOW);
+        // Every look at the clock takes a little, or a capture would never be over.
+        doubles::setWallClockStep(5);
+        for (const auto& [name, value] :
+             {std::pair{"status", "true"}, {"proc", "app"}, {"devmode", "true"}, {"widget_memory", "true"}}) {
+            doubles::setProperty(std::string("debug.kordanix.") + name, value);
+        }
+        mOverlay =
+            std::make_unique<scene::Overlay>(mFactory, static_cast<core::RenderingApiType>(0), &mPasses);
+        mOverlay->attach();
+    }
+    ~ClockFaults() override { doubles::releaseWallClock(); }
+
+    void frame() {
+        doubles::advanceWallClock(FRAME);
+        doubles::drawCalls().clear();
+        mOverlay->beginFrame();
+        mOverlay->draw();
+        mOverlay->endFrame();
+        for (const doubles::DrawCall& call : doubles::drawCalls()) {
+            for (const float number : {call.position.x, call.position.y, call.size.x, call.size.y,
+                                       call.translation.x, call.translation.y}) {
+                ASSERT_LT(std::abs(number), 1000.0F) << call.what;
+            }
+        }
+    }
+
+    void frames(int count) {
+        for (int i = 0; i < count; ++i) {
+            ASSERT_NO_FATAL_FAILURE(frame());
+        }
+    }
+
+    /// The key for a capture, and frames until its result is there; false when it is not there in time.
+    bool capture() {
+        const unsigned before = mPasses.reads;
+        doubles::companion().keyEvents = {{25, 1}};
+        for (int i = 0; i < 5000 && mPasses.reads == before; ++i) {
+            frame();
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        return mPasses.reads > before;
+    }
+
+    /// Where the first pass of the captured frame is drawn: it moves with the marquee.
+    static float marquee() {
+        for (const doubles::DrawCall& call : doubles::drawCalls()) {
+            if (call.what.rfind(" 0 1000000000", 0) == 0) {
+                return call.translation.x + call.position.x;
+            }
+        }
+        return std::numeric_limits<float>::quiet_NaN();
+    }
+
+    static unsigned refreshes() { return doubles::timesOpened("/sys/kernel/gpu/gpu_busy"); }
+
+    doubles::RecordingFactory mFactory;
+    LongPasses mPasses;
+    std::unique_ptr<scene::Overlay> mOverlay;
+};
+
+struct Jump {
+    const char* name;
+    std::int64_t microseconds;
+};
+
+void PrintTo(const Jump& jump, std::ostream* stream) {
+    *stream << jump.name;
+}
+
+class ClockJump : public ClockFaults, public testing::WithParamInterface<Jump> {};
+
+TEST_P(ClockJump, FiguresMarqueeCapturesAndDumpsGoOn) {
+    ASSERT_NO_FATAL_FAILURE(frames(20));
+    ASSERT_TRUE(mOverlay->isShown());
+    ASSERT_TRUE(capture());
+    doubles::companion().keyEvents = {{24, 1}};
+    ASSERT_NO_FATAL_FAILURE(frames(20));
+    const std::size_t dumped = doubles::companion().dumps.size();
+
+    doubles::companion().keyEvents = {{25, 1}};
+    ASSERT_NO_FATAL_FAILURE(frame());  // a capture begins
+    doubles::advanceWallClock(GetParam().microseconds);
+    ASSERT_NO_FATAL_FAILURE(frame());
+    EXPECT_EQ(doubles::companion().dumps.size(), dumped + 2);
+
+    // At the latest an interval after the jump, and from then on in the same rhythm.
+    unsigned before = refreshes();
+    ASSERT_NO_FATAL_FAILURE(frames(9));
+    EXPECT_GT(refreshes(), before);
+    before = refreshes();
+    ASSERT_NO_FATAL_FAILURE(frames(80));
+    EXPECT_GE(refreshes(), before + 9);
+    EXPECT_LE(refreshes(), before + 11);
+
+    ASSERT_TRUE(capture()) << "neither is the one under way stuck nor the next one impossible";
+    ASSERT_TRUE(capture());
+    ASSERT_NO_FATAL_FAILURE(frames(2));
+    const float start = marquee();
+    ASSERT_NO_FATAL_FAILURE(frames(120));
+    EXPECT_LT(marquee(), start);
+    const auto& dumps = doubles::companion().dumps;
+    EXPECT_EQ(dumps.back().frameNumber, core::StateInfo::mFrameNumber);
+    EXPECT_EQ(dumps.back().frameNumber - dumps.front().frameNumber + 1, dumps.size());
+}
+
+// Set back again and again, in the middle of whatever is going on.
+TEST_F(ClockFaults, TwoThousandJumpsInARow) {
+    std::mt19937_64 random(9);
+    for (int i = 0; i < 2000; ++i) {
+        const int bits = static_cast<int>(random() % 50);
+        const auto distance = static_cast<std::int64_t>(random() >> (63 - bits));
+        doubles::advanceWallClock(i % 2 == 0 ? -distance : distance);
+        if (i % 100 == 0) {
+            doubles::companion().keyEvents = {{24, 1}};
+        } else if (i % 7 == 0) {
+            doubles::companion().keyEvents = {{25, 1}};
+        }
+        ASSERT_NO_FATAL_FAILURE(frame());
+    }
+    doubles::setWallClock(NOW);
+    EXPECT_TRUE(capture());
+    EXPECT_TRUE(capture());
+    const unsigned before = refreshes();
+    ASSERT_NO_FATAL_FAILURE(frames(80));
+    EXPECT_GE(refreshes(), before + 9);
+}
+
+// A capture ends by the clock; when that stands still, the layer's end is its end as well.
+TEST_F(ClockFaults, AClockThatStandsStillHoldsNothingUp) {
+    ASSERT_NO_FATAL_FAILURE(frames(20));
+    ASSERT_TRUE(capture());
+    doubles::setWallClockStep(0);
+    doubles::companion().keyEvents = {{25, 1}};
+    const unsigned before = refreshes();
+    for (int i = 0; i < 500; ++i) {
+        doubles::advanceWallClock(-FRAME);
+        ASSERT_NO_FATAL_FAILURE(frame());
+    }
+    EXPECT_LE(refreshes(), before + 1);
+    mOverlay.reset();
+}
+
+INSTANTIATE_TEST_SUITE_P(Jumps, ClockJump,
+                         testing::Values(Jump{"ByAMicrosecond", -1}, Jump{"ByAFrame", -FRAME},
+                                         Jump{"ByASecond", -SECOND}, Jump{"ByAnHour", -HOUR},
+                                         Jump{"ByAWrapOfMicroseconds", -(std::int64_t{1} << 32)},
+                                         Jump{"ByAYear", -YEAR}, Jump{"BeforeTheEpoch", -60 * YEAR},
+                                         Jump{"AnHourOn", HOUR}, Jump{"AWrapOn", std::int64_t{1} << 32},
+                                         Jump{"ThirtyYearsOn", 30 * YEAR}),
+                         [](const auto& jump) { return jump.param.name; });
+
+}  // namespace
+}  // namespace faults
