@@ -54,7 +54,7 @@ private:
         bool isReading = false;        ///< under the mutex
         bool isStopRequested = false;  ///< under the mutex
         /// NaN stands for an empty reading. Relaxed: nothing else is published with it.
-        std::atomic<double> latest;
+        std::atomic<double> latest{0.0};
     };
 
     static void run(Shared& shared, Read read);

@@ -126,6 +126,7 @@ int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
     std::array<char, platform::MESSAGE_SIZE> message = {};
     va_list arguments;
     va_start(arguments, fmt);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start() stands above
     const int length = std::vsnprintf(message.data(), message.size(), fmt, arguments);
     va_end(arguments);
     int error = EINVAL;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+// NOLINTNEXTLINE(bugprone-exception-escape): out of memory may end the program
 int main(int argc, char** argv) {
     CLI::App app{"Puts pictures side by side on one, each with its caption below.", "contactsheet"};
     std::uint32_t columns = 2;
