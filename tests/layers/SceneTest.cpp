@@ -66,8 +66,13 @@ TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
 
 TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
     const std::pair<const char*, scene::Reading> numbers[] = {
-        {"12\n", 12.0}, {"  7", 7.0}, {"", {}},
-        {"x1", {}},     {"-3", {}},   {"18446744073709551615", 18446744073709551615.0}};
+        {"12\n", 12.0},
+        {"  7", 7.0},
+        {"", {}},
+        {"x1", {}},
+        {"-3", {}},
+        {"18446744073709551615", 18446744073709551615.0},
+        {"20000000000000000000", {}}};
     for (const auto& [text, number] : numbers) {
         EXPECT_EQ(scene::leadingNumber(text), number) << text;
     }
