@@ -30,9 +30,10 @@ extern "C" int execv(const char* path, char* const* arguments) {
     if (gEmulator == nullptr) {
         return gExecv(path, arguments);
     }
-    emulated = {const_cast<char*>("/usr/bin/env"), const_cast<char*>(gEmulator), const_cast<char*>(path)};
-    for (std::size_t i = 1; arguments[i] != nullptr && i + 3 < emulated.size(); ++i) {
-        emulated[i + 2] = arguments[i];
+    emulated = {const_cast<char*>("/usr/bin/env"), const_cast<char*>(gEmulator), const_cast<char*>("-0"),
+                arguments[0], const_cast<char*>(path)};
+    for (std::size_t i = 1; arguments[i] != nullptr && i + 5 < emulated.size(); ++i) {
+        emulated[i + 4] = arguments[i];
     }
     return gExecv(emulated[0], emulated.data());
 }

@@ -56,14 +56,20 @@ int countForeignFiles() {
 
 void startChild(const std::string& kind) {
     const pid_t child = fork();
-    if (child != 0) {
+    if (child < 0) {
+        ++failedChildren;
+        return;
+    }
+    if (child > 0) {
         children.insert(child);
         return;
     }
     alarm(60);
     if (kind == "exec") {
-        const char* const program = std::getenv("FAULT_HOST");
-        execl(program, program, "--count-files", nullptr);
+        char* const program = std::getenv("FAULT_HOST");
+        static char option[] = "--count-files";
+        char* const arguments[] = {program, option, nullptr};
+        execv(program, arguments);
         _exit(4);
     }
     if (kind == "exit") {

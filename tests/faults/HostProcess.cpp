@@ -43,8 +43,11 @@ constexpr int LOG = 2;
     dup2(answers, ANSWERS);
     dup2(logFile, LOG);
     closefrom(LOG + 1);
-    execl(FAULT_HOST, HostProcess::NAME, options.apis.c_str(), std::to_string(options.pace.count()).c_str(),
-          nullptr);
+    std::string pace = std::to_string(options.pace.count());
+    std::string apis = options.apis;
+    std::string name = HostProcess::NAME;
+    char* const arguments[] = {name.data(), apis.data(), pace.data(), nullptr};
+    execv(FAULT_HOST, arguments);
     _exit(127);
 }
 

@@ -1,5 +1,6 @@
 // Layers of several APIs in one process, and layers that come and go.
 
+#include "doubles/Emulator.h"
 #include "faults/FaultFixture.h"
 
 namespace faults {
@@ -77,7 +78,7 @@ TEST_F(LayerFaults, AThousandLayersLeaveNothingBehind) {
     EXPECT_EQ(after["shown0"], "1");
     EXPECT_EQ(after["files"], before["files"]);
     EXPECT_EQ(after["threads"], before["threads"]);
-    if (!IS_SANITIZED) {
+    if (!IS_SANITIZED && !doubles::isEmulated()) {  // QEMU 7.2 keeps 170 KiB of every thread that ended
         // Listeners are kept for good, some dozen bytes each; anything more would be a leak.
         EXPECT_LE(std::stol(after["pages"]), std::stol(before["pages"]) + 100);
     }

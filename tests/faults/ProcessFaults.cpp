@@ -1,5 +1,6 @@
 // What an application may do to its process while the overlay is on: fork, execute, exit.
 
+#include "doubles/Emulator.h"
 #include "faults/FaultFixture.h"
 
 #include <csignal>
@@ -38,7 +39,10 @@ TEST_F(ProcessFaults, ForkedChildrenDrawExecuteAndExit) {
     const long files = std::stol(host.report()["files"]);
 #ifndef __SANITIZE_THREAD__  // which does not work in a child of a process with threads
     for (const char* const kind : {"frames", "exit", "exec", "frames", "exit", "exec"}) {
-        host.tell(std::string("fork ") + kind);
+        // QEMU 7.2 ends the forked child of a process with threads when it starts a thread.
+        if (!doubles::isEmulated() || kind != std::string("frames")) {
+            host.tell(std::string("fork ") + kind);
+        }
     }
     ASSERT_TRUE(host.waitFor("children", "0"));
     EXPECT_EQ(host.report()["failed_children"], "0");
