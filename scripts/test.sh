@@ -39,6 +39,9 @@ if [ "$lint" = yes ]; then
     echo
     echo "== lint"
     scripts/lint.sh
+    echo
+    echo "== instructions a frame"
+    scripts/budget.sh
 fi
 
 echo
