@@ -104,6 +104,8 @@ int endAs(const std::string& kind) {
         }).detach();
         for (;;) {
             drawing->frame();
+            // Faster than any screen, but not so fast that frames of the dump have to be left out.
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
     say("end" + application()->dumps());
