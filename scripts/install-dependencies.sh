@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, measuring and the demo need; those already there
-# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench]...   (default: build)
+# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|arm]...   (default: build)
 set -euo pipefail
 
 build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev)
 test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind)
 bench=(libbenchmark-dev)
+arm=(g++-arm-linux-gnueabihf qemu-user googletest)
 
 packages=()
 for group in "${@:-build}"; do
@@ -13,7 +14,8 @@ for group in "${@:-build}"; do
         build) packages+=("${build[@]}") ;;
         test) packages+=("${test[@]}") ;;
         bench) packages+=("${bench[@]}") ;;
-        *) echo "unknown group '$group': build, test or bench" >&2; exit 2 ;;
+        arm) packages+=("${arm[@]}") ;;
+        *) echo "unknown group '$group': build, test, bench or arm" >&2; exit 2 ;;
     esac
 done
 

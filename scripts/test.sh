@@ -1,25 +1,29 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test.
-#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, format and lint
+#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, 32-bit ARM, format and lint
 #   scripts/test.sh --quick    one debug build with GCC and its tests
-#   scripts/test.sh --only P   one preset: release, debug, asan, tsan or clang
+#   scripts/test.sh --arm      32-bit ARM with GCC and with clang, run by QEMU
+#   scripts/test.sh --only P   one preset: release, debug, asan, tsan, clang, arm or arm-clang
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-usage() { sed -n '2,5s/^# \{0,1\}//p' "$0"; }
+usage() { sed -n '2,6s/^# \{0,1\}//p' "$0"; }
 
-presets=(release clang asan tsan)
+presets=(release clang asan tsan arm arm-clang)
 lint=yes
 case "${1:-}" in
     "") ;;
     --quick) presets=(debug); lint=no ;;
+    --arm) presets=(arm arm-clang); lint=no ;;
     --only) presets=("${2:?--only needs the name of a preset}"); lint=no ;;
     -h | --help) usage; exit 0 ;;
     *) usage >&2; exit 2 ;;
 esac
 
 started=$SECONDS
-scripts/install-dependencies.sh build test bench
+packages=(build test bench)
+[[ ${presets[*]} != *arm* ]] || packages+=(arm)
+scripts/install-dependencies.sh "${packages[@]}"
 
 # Leaks are part of what the address sanitizer reports; a thread sanitizer finding fails the test.
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
