@@ -6,6 +6,8 @@
 #include "properties/SystemProperties.h"
 
 #include <csignal>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace faults {
@@ -72,8 +74,8 @@ std::string setText(std::mt19937& random) {
     return set("debug.fault.text", std::string(random() % 92, static_cast<char>('a' + random() % 26)));
 }
 
-Publisher::Publisher(What what, unsigned seed, int times)
-    : mProcess(platform::startChild([what, seed, times] {
+Publisher::Publisher(What what, unsigned seed, int times, std::chrono::microseconds longestPause)
+    : mProcess(platform::startChild([=] {
           std::mt19937 random(seed);
           for (int i = 0; i != times; ++i) {
               std::string error = setText(random);
@@ -82,6 +84,9 @@ Publisher::Publisher(What what, unsigned seed, int times)
               }
               if (!(error + publish()).empty()) {
                   return 1;
+              }
+              if (longestPause.count() > 0) {
+                  std::this_thread::sleep_for(longestPause * (random() % 1000) / 1000);
               }
           }
           return 0;

@@ -2,7 +2,7 @@
 
 #include <sys/types.h>
 
-#include <functional>
+#include <chrono>
 #include <random>
 #include <string>
 
@@ -24,13 +24,13 @@ std::string setAny(std::mt19937& random);
 /// Writes the text that fault_host reads: one letter over and over.
 std::string setText(std::mt19937& random);
 
-/// Another process that changes and publishes settings as fast as it can, until it has published `times`
-/// times or this object ends, which kills it.
+/// Another process that changes and publishes settings, as fast as it can or with random pauses, until it has
+/// published `times` times or this object ends, which kills it. It lasts for a minute at the most.
 class Publisher {
 public:
     enum class What { TEXT_ALONE, ANYTHING };
 
-    Publisher(What what, unsigned seed, int times = -1);
+    Publisher(What what, unsigned seed, int times = -1, std::chrono::microseconds longestPause = {});
     ~Publisher();
     Publisher(const Publisher&) = delete;
     Publisher& operator=(const Publisher&) = delete;

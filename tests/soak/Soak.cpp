@@ -1,0 +1,297 @@
+// The demo's frame loop as fast as it can, with everything at random that can happen to an overlay: settings
+// published by other processes, surfaces that turn, captures, dumps, notices of the background, layers that
+// detach. Ends with a table of what happened, and with exit code 1 when memory or files grew, or when a dump
+// lacks a frame. Started by scripts/soak.sh, which says where properties and dumps are.
+//   fault-host SECONDS
+
+#include "DevicePasses.h"
+#include "Landscape.h"
+#include "core/KeyEventInterceptor.h"
+#include "core/StateInfo.h"
+#include "faults/Publisher.h"
+#include "ostra/ProcessSocket.h"
+#include "properties/RuntimeDirectory.h"
+#include "scene/Overlay.h"
+#include "software/SoftwareFactory.h"
+#include "software/Surface.h"
+
+#include <ostra/Ostra.h>
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <utility>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr rlim_t ADDRESS_SPACE_CEILING = rlim_t{1024} * 1024 * 1024;
+constexpr std::size_t RESIDENT_CEILING_KIB = 64 * 1024;
+/// What the highest resident memory after the warm-up may have over the highest one before its end.
+constexpr std::size_t RESIDENT_TOLERANCE_KIB = 1024;
+constexpr double WARM_UP_S = 60.0;
+/// A publisher lasts for a minute at the most.
+constexpr double PUBLISHER_S = 30.0;
+
+constexpr int DUMP_KEY = 24;
+constexpr int CAPTURE_KEY = 25;
+
+struct Size {
+    std::uint32_t width;
+    std::uint32_t height;
+};
+constexpr Size SIZES[] = {{740, 360}, {360, 740}, {1480, 720}, {370, 180}, {180, 370}, {320, 240}, {64, 64}};
+
+struct Counts {
+    unsigned long long frames = 0;
+    unsigned long long shown = 0;
+    unsigned long long changes = 0;
+    unsigned long long turns = 0;
+    unsigned long long captureKeys = 0;
+    unsigned long long dumps = 0;
+    unsigned long long dumpedFrames = 0;
+    unsigned long long lostFrames = 0;
+    unsigned long long notices = 0;
+    unsigned long long reattachments = 0;
+};
+
+std::size_t residentKib() {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        if (word == "VmRSS:") {
+            std::size_t kib = 0;
+            status >> kib;
+            return kib;
+        }
+    }
+    return 0;
+}
+
+std::size_t openFiles() {
+    std::error_code error;
+    const std::filesystem::directory_iterator entries("/proc/self/fd", error);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+/// Highest resident memory and fewest open files of some time: files that a thread happens to read come and
+/// go, those that are forgotten stay.
+struct Watermarks {
+    std::size_t resident = 0;
+    std::size_t files = std::numeric_limits<std::size_t>::max();
+
+    void add() {
+        resident = std::max(resident, residentKib());
+        files = std::min(files, openFiles());
+    }
+};
+
+/// Frames that a dump must hold, counted as they are drawn, against the rows that are in its file.
+class DumpCheck {
+public:
+    explicit DumpCheck(Counts& counts) : mCounts(counts) {}
+
+    void beforeSwap(bool isShown) {
+        const bool wasDumping = std::exchange(mWasDumping, core::StateInfo::isDumpingEnabled());
+        if (wasDumping && !mWasDumping) {
+            end();  // between two frames
+        }
+        mIsToggled = isShown && core::StateInfo::mDevModeProp.getValue() &&
+                     KeyEventInterceptor::getInstance()->mIsDumpKeyPressed;
+    }
+
+    void afterSwap() {
+        const bool isDumping = core::StateInfo::isDumpingEnabled();
+        if (mWasDumping && (isDumping || mIsToggled)) {
+            ++mPromised;
+        }
+        if (std::exchange(mWasDumping, isDumping) && !isDumping) {
+            end();
+        }
+    }
+
+    /// A layer has detached.
+    void afterDetach() {
+        if (std::exchange(mWasDumping, false)) {
+            end();
+        }
+    }
+
+private:
+    void end() {
+        Ostra::finishDumping();  // if the thread that was told of the background has not yet
+        std::ifstream frames("frames.csv");
+        unsigned long long rows = 0;
+        for (std::string row; std::getline(frames, row);) {
+            ++rows;
+        }
+        rows -= std::min(rows, 1ULL);
+        ++mCounts.dumps;
+        mCounts.dumpedFrames += rows;
+        mCounts.lostFrames += mPromised - std::min(rows, mPromised);
+        mPromised = 0;
+    }
+
+    Counts& mCounts;
+    bool mWasDumping = false;
+    bool mIsToggled = false;
+    unsigned long long mPromised = 0;
+};
+
+class Soak {
+public:
+    Soak() : mSurface(SIZES[0].width, SIZES[0].height), mFactory(mSurface), mDump(mCounts) {
+        mOverlay = std::make_unique<scene::Overlay>(mFactory, core::RenderingApiType::OPENGL_ES, &mPasses);
+        mOverlay->attach();
+    }
+
+    void frame(double seconds) {
+        mLandscape.draw(mSurface.mImage, seconds);
+        mSurface.beginOverlay();
+        mOverlay->beginFrame();
+        mCounts.changes += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
+        mOverlay->draw();
+        mDump.beforeSwap(mOverlay->isShown());
+        mOverlay->endFrame();
+        mDump.afterSwap();
+        ++mCounts.frames;
+        mCounts.shown += mOverlay->isShown() ? 1 : 0;
+        something();
+    }
+
+    Counts mCounts;
+
+private:
+    bool happens(unsigned oneOf) { return mRandom() % oneOf == 0; }
+
+    void something() {
+        if (happens(200)) {
+            const Size size = SIZES[mRandom() % std::size(SIZES)];
+            mSurface.resize(size.width, size.height);
+            ++mCounts.turns;
+        }
+        if (happens(60)) {
+            press(CAPTURE_KEY);
+            ++mCounts.captureKeys;
+        }
+        if (happens(40)) {
+            press(DUMP_KEY);
+        }
+        if (happens(300)) {
+            mOverlay->detach();
+            mDump.afterDetach();
+            mOverlay->attach();
+            ++mCounts.reattachments;
+        }
+        // Not just when a dump may begin: nobody could tell which frames are in it.
+        if (++mFramesSinceKey > 30 && happens(100)) {
+            platform::ProcessMessage notice;
+            notice.kind = platform::ProcessMessage::Kind::BACKGROUND;
+            platform::sendMessage(mFolder, getpid(), notice);
+            ++mCounts.notices;
+        }
+    }
+
+    void press(int code) {
+        mFramesSinceKey = 0;
+        platform::ProcessMessage key;
+        key.key = {code, 1};
+        platform::sendMessage(mFolder, getpid(), key);
+    }
+
+    const std::string mFolder = platform::openRuntimeDirectory().path;
+    std::mt19937 mRandom{20};
+    unsigned mFramesSinceKey = 0;
+    software::Surface mSurface;
+    software::SoftwareFactory mFactory;
+    demo::DevicePasses mPasses;
+    demo::Landscape mLandscape;
+    DumpCheck mDump;
+    std::unique_ptr<scene::Overlay> mOverlay;
+};
+
+void printTable(const Counts& counts, double seconds) {
+    const struct {
+        const char* what;
+        unsigned long long count;
+    } rows[] = {{"frames", counts.frames},
+                {"frames with the overlay", counts.shown},
+                {"publications taken over", counts.changes},
+                {"new sizes of the surface", counts.turns},
+                {"presses of the capture key", counts.captureKeys},
+                {"dumps", counts.dumps},
+                {"frames in dumps", counts.dumpedFrames},
+                {"frames that dumps lack", counts.lostFrames},
+                {"notices of the background", counts.notices},
+                {"layers detached and attached", counts.reattachments}};
+    std::printf("\n%-32s %10.0f\n", "seconds", seconds);
+    for (const auto& row : rows) {
+        std::printf("%-32s %10llu\n", row.what, row.count);
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const double seconds = argc == 2 ? std::atof(argv[1]) : 0.0;
+    if (!(seconds > 0.0)) {
+        return 2;
+    }
+    const rlimit ceiling = {ADDRESS_SPACE_CEILING, ADDRESS_SPACE_CEILING};
+    setrlimit(RLIMIT_AS, &ceiling);
+    const std::string error = faults::showOverlay();
+    if (!error.empty()) {
+        std::fprintf(stderr, "%s\n", error.c_str());
+        return 2;
+    }
+    const double warmUp = std::min(WARM_UP_S, seconds / 3.0);
+
+    Soak soak;
+    std::optional<faults::Publisher> publisher;
+    Watermarks before;
+    Watermarks after;
+    const auto start = Clock::now();
+    double nextSample = 0.0;
+    double nextPublisher = 0.0;
+    unsigned seed = 0;
+    for (double now = 0.0; now < seconds; now = std::chrono::duration<double>(Clock::now() - start).count()) {
+        if (now >= nextPublisher) {
+            publisher.reset();
+            publisher.emplace(faults::Publisher::What::ANYTHING, ++seed, -1, std::chrono::milliseconds(40));
+            nextPublisher = now + PUBLISHER_S;
+        }
+        soak.frame(now);
+        if (now >= nextSample) {
+            (now < warmUp ? before : after).add();
+            nextSample = now + 0.5;
+        }
+    }
+    publisher.reset();
+
+    printTable(soak.mCounts, seconds);
+    std::printf("%-32s %10zu\n%-32s %10zu\n%-32s %10zu\n%-32s %10zu\n", "highest memory, warm-up (KiB)",
+                before.resident, "highest memory, from then on", after.resident, "open files, warm-up",
+                before.files, "open files, from then on", after.files);
+    const bool isSteady =
+        after.resident <= before.resident + RESIDENT_TOLERANCE_KIB && after.resident <= RESIDENT_CEILING_KIB;
+    const bool isTidy = after.files <= before.files;
+    const Counts& counts = soak.mCounts;
+    const bool isWhole = counts.lostFrames == 0 && counts.dumps > 0 && counts.shown > 0 && counts.changes > 0;
+    std::printf(
+        "\n%s\n%s\n%s\n",
+        isSteady ? "Memory does not grow (by 1 MiB at the most) and stays below 64 MiB." : "MEMORY GROWS.",
+        isTidy ? "Open files do not grow." : "OPEN FILES GROW.",
+        isWhole ? "Every dump has all its frames." : "DUMPS LACK FRAMES, or nothing was dumped.");
+    return isSteady && isTidy && isWhole ? 0 : 1;
+}
