@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test.
-#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, 32-bit ARM, format and lint
+#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, format, lint, budgets
 #   scripts/test.sh --quick    one debug build with GCC and its tests
 #   scripts/test.sh --arm      32-bit ARM with GCC and with clang, run by QEMU
 #   scripts/test.sh --only P   one preset: release, debug, asan, tsan, clang, arm or arm-clang
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 
 usage() { sed -n '2,6s/^# \{0,1\}//p' "$0"; }
 
-presets=(release clang asan tsan arm arm-clang)
+presets=(release clang asan tsan)
 lint=yes
 case "${1:-}" in
     "") ;;
