@@ -13,7 +13,11 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/lib)
 set(KORDANIX_SANITIZE "" CACHE STRING "Comma-separated list for -fsanitize=, e.g. address,undefined")
 
 add_library(kordanix_options INTERFACE)
-target_compile_options(kordanix_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_compile_options(kordanix_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(KORDANIX_PLATFORM STREQUAL host)
+  # Not on Android, where the compiler is whatever the NDK brings.
+  target_compile_options(kordanix_options INTERFACE -Werror)
+endif()
 if(KORDANIX_SANITIZE)
   add_compile_options(-fsanitize=${KORDANIX_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${KORDANIX_SANITIZE})

@@ -6,7 +6,7 @@ set -euo pipefail
 build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev)
 test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind)
 bench=(libbenchmark-dev)
-arm=(g++-arm-linux-gnueabihf qemu-user googletest)
+arm=(g++-arm-linux-gnueabihf qemu-user googletest libc++-14-dev libc++abi-14-dev)
 
 packages=()
 for group in "${@:-build}"; do
