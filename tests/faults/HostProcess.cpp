@@ -183,7 +183,9 @@ int HostProcess::wait() {
 }
 
 void HostProcess::kill(int signal) const {
-    ::kill(mProcess, signal);
+    if (mProcess > 0) {
+        ::kill(mProcess, signal);
+    }
 }
 
 std::vector<std::string> HostProcess::logged(const std::string& text) const {
