@@ -199,8 +199,10 @@ TEST(Rasterizer, SurvivesAnyCoordinate) {
 
 // The ink of twice the length less that of the single length: what the ends add drops out.
 TEST(Rasterizer, LinesHaveTheirWidthAtEveryAngleAndJoinWithoutDoubleBlending) {
-    for (const auto& [degrees, width] :
+    for (const std::pair<float, float>& line :
          {std::pair(0.0F, 1.0F), {90.0F, 1.0F}, {45.0F, 1.0F}, {10.0F, 2.0F}, {63.0F, 3.5F}}) {
+        const float degrees = line.first;
+        const float width = line.second;
         SCOPED_TRACE(degrees);
         const float angle = degrees * 3.14159265F / 180.0F;
         const auto draw = [angle, width](float length, int pieces, const Paint& paint, Image image) {
