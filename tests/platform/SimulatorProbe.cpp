@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
 
     simulator::setTime(time);
     core::HWcounterThread counters(static_cast<core::RenderingApiType>(0));
-    counters.startCapturing(10);
+    counters.startCapturing(100);
     while (counters.mIsCapturing) {
         std::this_thread::yield();
     }
