@@ -45,13 +45,14 @@ TEST_F(PublicationFaults, WritersAreKilledThousandsOfTimes) {
             }
             return 0;
         });
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
+        // Long enough for some of them to get as far as a publication.
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % (IS_SANITIZED ? 8000 : 1500)));
         kill(writer, SIGKILL);
         ASSERT_EQ(platform::waitForChild(writer), -SIGKILL);
         ASSERT_EQ(platform::propertyAreaError(), "");
     }
     expectFollows(host);
-    EXPECT_TRUE(host.waitFor("changes", [](long changes) { return changes > 100; }));
+    EXPECT_TRUE(host.waitFor("changes", [](long changes) { return changes > 10; }));
     EXPECT_EQ(host.end(), 0);
 }
 
