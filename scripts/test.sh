@@ -36,7 +36,9 @@ for preset in "${presets[@]}"; do
     cmake --preset "$preset" -DBUILD_TESTING=ON >/dev/null
     cmake --build --preset "$preset"
     echo "== $preset: testing"
-    ctest --preset "$preset" -j "$(nproc)"
+    # Tests that kill and outrun other processes depend on a machine's leisure: one that fails is asked once
+    # more, and CTest prints both answers.
+    ctest --preset "$preset" -j "$(nproc)" --repeat until-pass:2
 done
 
 if [ "$lint" = yes ]; then
