@@ -134,8 +134,9 @@ TEST_F(DumpFaults, AFloodOfKeysAndGarbageLosesNoFrameOfADump) {
     dump(host);
     EXPECT_EQ(host.dumps().size(), floodDumps + 1);
     expectFollows(host);
-    const auto after = host.report();
-    EXPECT_EQ(after.at("files"), before.at("files"));
+    // The reader beside the frames may just have one of its files open.
+    const long files = std::stol(before.at("files"));
+    EXPECT_TRUE(host.waitFor("files", [files](long now) { return now <= files; }));
     EXPECT_EQ(host.end(), 0);
     EXPECT_EQ(host.dumpError(), "");
     EXPECT_GT(host.countFrames(floodDumps + 1), 50U);
