@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, measuring and the demo need; those already there
-# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|arm]...   (default: build)
+# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|arm]...   (default: build)
 set -euo pipefail
 
-build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev)
-test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind)
+build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev)
+test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind
+      libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils mesa-utils-extra glmark2-x11 glmark2-es2-x11
+      libsdl2-dev libx11-dev pkg-config)
 bench=(libbenchmark-dev)
+opengl_bench=(mangohud)
 arm=(g++-arm-linux-gnueabihf qemu-user googletest libc++-14-dev libc++abi-14-dev)
 
 packages=()
@@ -14,8 +17,9 @@ for group in "${@:-build}"; do
         build) packages+=("${build[@]}") ;;
         test) packages+=("${test[@]}") ;;
         bench) packages+=("${bench[@]}") ;;
+        opengl-bench) packages+=("${opengl_bench[@]}") ;;
         arm) packages+=("${arm[@]}") ;;
-        *) echo "unknown group '$group': build, test, bench or arm" >&2; exit 2 ;;
+        *) echo "unknown group '$group': build, test, bench, opengl-bench or arm" >&2; exit 2 ;;
     esac
 done
 
