@@ -1,0 +1,25 @@
+#pragma once
+
+#include "opengl/programs/Program.h"
+#include "software/Image.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+/// An X server without a screen, for as long as the object lives.
+class VirtualDisplay {
+public:
+    VirtualDisplay();
+
+    /// For $DISPLAY; empty when the server could not be started.
+    const std::string& name() const { return mName; }
+
+    /// What the largest window shows, once three looks in a row found the same picture of more than one
+    /// colour in it, if `isStill`; otherwise as soon as it has more than one. Nothing after half a minute.
+    std::optional<software::Image> windowPicture(bool isStill) const;
+
+private:
+    std::string mName;
+    std::unique_ptr<Program> mServer;
+};
