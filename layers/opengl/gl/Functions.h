@@ -1,0 +1,39 @@
+#pragma once
+
+#include <GL/glcorearb.h>
+
+#include "opengl/gl/Constants.h"
+#include "opengl/gl/Features.h"
+#include "opengl/gl/Version.h"
+
+namespace opengl {
+
+/// The program's own look-up of OpenGL functions.
+using GetProcAddress = void* (*)(const char* name);
+
+/// The functions of one context, with what the context is. Looked up once for each context; plain data
+/// afterwards.
+struct Functions {
+    Version version;
+    Features features;
+    int maxDrawBuffers = 1;
+    int maxClipDistances = 0;
+
+    /// A function is null exactly when its feature is off (`FunctionList.inc` says which that is).
+#define PFNGLPIXELTRANSFERFPROC PixelTransferfFunction
+#define PFNGLPIXELTRANSFERIPROC PixelTransferiFunction
+#define PFNGLDISABLECLIENTSTATEPROC ClientStateFunction
+#define PFNGLENABLECLIENTSTATEPROC ClientStateFunction
+#define OPENGL_FUNCTION(feature, TYPE, member) PFNGL##TYPE##PROC member = nullptr;
+#define OPENGL_FUNCTION_RENAMED(feature, TYPE, member, oldName) PFNGL##TYPE##PROC member = nullptr;
+#include "opengl/gl/FunctionList.inc"
+#undef OPENGL_FUNCTION
+#undef OPENGL_FUNCTION_RENAMED
+
+    /// Fills everything for the context that is current on this thread. False, and nothing may be called,
+    /// when it is neither OpenGL nor OpenGL ES from version 2.0 on, or lacks a function the overlay cannot do
+    /// without. Raises no OpenGL error.
+    bool load(GetProcAddress getProcAddress);
+};
+
+}  // namespace opengl

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <EGL/egl.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "opengl/gl/Functions.h"
+
+/// An OpenGL or OpenGL ES context with a window-like surface of its own in memory, on Mesa's software
+/// renderer (set LIBGL_ALWAYS_SOFTWARE=1). Current on the thread that made it; destroyed with the object.
+class HeadlessContext {
+public:
+    enum class Api { ES, CORE, COMPATIBILITY };
+
+    struct Options {
+        Api api = Api::ES;
+        /// At least this version; Mesa gives the highest that is compatible with it. To get an old one
+        /// itself, set MESA_GL_VERSION_OVERRIDE ("2.1", "3.2FC") or MESA_GLES_VERSION_OVERRIDE before the
+        /// process starts.
+        int major = 2;
+        int minor = 0;
+        int width = 64;
+        int height = 64;
+        bool alpha = true;
+        bool depthAndStencil = true;
+        bool srgb = false;
+        int samples = 0;
+        bool debug = false;
+        const HeadlessContext* shareWith =
+            nullptr;  ///< its textures, buffers, programs are this context's too
+    };
+
+    /// Null when there is no such context here.
+    static std::unique_ptr<HeadlessContext> create(const Options& options);
+
+    /// Nothing is current on this thread afterwards when it was this one.
+    ~HeadlessContext();
+    HeadlessContext(const HeadlessContext&) = delete;
+    HeadlessContext& operator=(const HeadlessContext&) = delete;
+
+    void makeCurrent() const;
+    /// What a window system does at a resize: a new surface, current with the old context.
+    void resize(int width, int height);
+    void swap() const { eglSwapBuffers(mDisplay, mSurface); }
+
+    const opengl::Functions& functions() const { return mFunctions; }
+    EGLDisplay display() const { return mDisplay; }
+    EGLSurface surface() const { return mSurface; }
+    EGLContext context() const { return mContext; }
+    int width() const { return mOptions.width; }
+    int height() const { return mOptions.height; }
+
+    /// The surface as RGBA, 4 bytes a pixel, the top row first. Leaves framebuffer 0 bound for reading and
+    /// the pixel store at its defaults.
+    std::vector<std::uint8_t> readPixels() const;
+
+    static void* getProcAddress(const char* name) { return reinterpret_cast<void*>(eglGetProcAddress(name)); }
+
+private:
+    explicit HeadlessContext(const Options& options) : mOptions(options) {}
+    bool open();
+    bool chooseConfig();
+    EGLSurface createSurface() const;
+
+    Options mOptions;
+    EGLDisplay mDisplay = EGL_NO_DISPLAY;
+    EGLConfig mConfig = nullptr;
+    EGLSurface mSurface = EGL_NO_SURFACE;
+    EGLContext mContext = EGL_NO_CONTEXT;
+    opengl::Functions mFunctions;
+};
