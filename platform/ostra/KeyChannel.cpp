@@ -35,6 +35,20 @@ std::vector<Ostra::KeyEvent> KeyChannel::takeKeys() {
     return keys;
 }
 
+std::optional<std::string> KeyChannel::takePicture() {
+    if (!mIsPictureWanted.load(std::memory_order_relaxed)) {
+        return std::nullopt;
+    }
+    std::string path;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mIsPictureWanted.store(false, std::memory_order_relaxed);
+        path = mDirectory + '/' + mPictureName;
+    }
+    // Whoever asks puts an empty file there first, and takes it away when it waits no longer.
+    return access(path.c_str(), F_OK) == 0 ? std::optional(std::move(path)) : std::nullopt;
+}
+
 void KeyChannel::addListener(std::function<void()> listener) {
     if (!listener) {
         return;
@@ -57,6 +71,7 @@ void KeyChannel::openLocked() {
         return;
     }
     mDescriptor = descriptor;
+    mDirectory = directory.path;
     mPath = processSocketPath(directory.path, getpid());
     if (!startHelperThread("ostra-keys", [this] { receive(); })) {
         __android_log_print(ANDROID_LOG_ERROR, TAG,
@@ -93,11 +108,23 @@ void KeyChannel::receive() {
 }
 
 void KeyChannel::handle(const ProcessMessage& message) {
-    if (message.kind == ProcessMessage::Kind::BACKGROUND) {
-        callListeners();
-        return;
+    switch (message.kind) {
+        case ProcessMessage::Kind::KEY:
+            addKey(message.key);
+            break;
+        case ProcessMessage::Kind::BACKGROUND:
+            callListeners();
+            break;
+        case ProcessMessage::Kind::PICTURE:
+            askForPicture(message.picture);
+            break;
     }
-    addKey(message.key);
+}
+
+void KeyChannel::askForPicture(const std::string& name) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mPictureName = name;
+    mIsPictureWanted.store(true, std::memory_order_relaxed);
 }
 
 void KeyChannel::addKey(const Ostra::KeyEvent& key) {

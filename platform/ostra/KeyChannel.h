@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -31,6 +32,10 @@ public:
     /// Adds an event as if it had arrived now.
     void addKey(const Ostra::KeyEvent& key);
 
+    /// The file that was asked for since the last call, see PictureRequest.h. Takes no lock, makes no system
+    /// call and allocates nothing while none was; does not open the socket.
+    std::optional<std::string> takePicture();
+
     /// Calls `listener` from the receiving thread for every notice that the application went to the
     /// background. Listeners are never removed; an empty one is ignored.
     void addListener(std::function<void()> listener);
@@ -46,6 +51,7 @@ private:
     void openLocked();
     void receive();
     void handle(const ProcessMessage& message);
+    void askForPicture(const std::string& name);
     void callListeners();
     void warnOnce(bool& isWarned, const char* text);
 
@@ -53,13 +59,18 @@ private:
     /// events themselves are handed over under the mutex.
     std::atomic<bool> mIsIdle{false};
 
+    /// A picture was asked for. Relaxed order for the same reason.
+    std::atomic<bool> mIsPictureWanted{false};
+
     std::atomic<int> mDescriptor{-1};
 
     std::mutex mMutex;  ///< guards what follows; never held while a listener runs
     bool mIsOpened = false;
     bool mIsClosing = false;
     bool mIsDropWarned = false;
+    std::string mDirectory;
     std::string mPath;
+    std::string mPictureName;  ///< in mDirectory
     std::vector<Ostra::KeyEvent> mPending;
     std::vector<std::function<void()>> mListeners;
     std::thread::id mListeningThread;  ///< of the thread that runs a listener at the moment, else none

@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::string_view KEY = "key ";
 constexpr std::string_view BACKGROUND = "background";
+constexpr std::string_view PICTURE = "picture ";
 constexpr std::string_view NAME_BEGIN = "process.";
 constexpr std::string_view NAME_END = ".sock";
 constexpr time_t SEND_PATIENCE_S = 1;
@@ -64,6 +65,31 @@ bool takeNumber(std::string_view& text, Number& number) {
     return true;
 }
 
+/// Whether a file of this name lies in the runtime directory itself, and is no hidden one.
+bool isPlainName(std::string_view name) {
+    const auto isAllowed = [](char symbol) {
+        return (symbol >= 'a' && symbol <= 'z') || (symbol >= 'A' && symbol <= 'Z') ||
+               (symbol >= '0' && symbol <= '9') || symbol == '-' || symbol == '_' || symbol == '.';
+    };
+    return !name.empty() && name.front() != '.' && std::all_of(name.begin(), name.end(), isAllowed);
+}
+
+std::optional<Ostra::KeyEvent> decodeKey(std::string_view text) {
+    Ostra::KeyEvent key = {};
+    if (!takeNumber(text, key.keyCode) || text.empty() || text.front() != ' ') {
+        return std::nullopt;
+    }
+    text.remove_prefix(1);
+    return takeNumber(text, key.action) && text.empty() ? std::optional(key) : std::nullopt;
+}
+
+/// Takes `beginning` off the front of `text`; false when the text does not begin so.
+bool takeBeginning(std::string_view& text, std::string_view beginning) {
+    const bool isThere = text.substr(0, beginning.size()) == beginning;
+    text.remove_prefix(isThere ? beginning.size() : 0);
+    return isThere;
+}
+
 /// The process id in the name of a socket file, 0 when it is none.
 pid_t processOfName(std::string_view name) {
     if (name.size() <= NAME_BEGIN.size() + NAME_END.size() ||
@@ -96,29 +122,36 @@ bool isListening(const std::string& path) {
 }  // namespace
 
 std::string encodeMessage(const ProcessMessage& message) {
-    if (message.kind == ProcessMessage::Kind::BACKGROUND) {
-        return std::string(BACKGROUND);
+    switch (message.kind) {
+        case ProcessMessage::Kind::BACKGROUND:
+            return std::string(BACKGROUND);
+        case ProcessMessage::Kind::PICTURE:
+            return std::string(PICTURE) + message.picture;
+        default:
+            return std::string(KEY) + std::to_string(message.key.keyCode) + ' ' +
+                   std::to_string(message.key.action);
     }
-    return std::string(KEY) + std::to_string(message.key.keyCode) + ' ' + std::to_string(message.key.action);
 }
 
 std::optional<ProcessMessage> decodeMessage(std::string_view text) {
     ProcessMessage message;
+    if (text.size() > MAX_MESSAGE_SIZE) {
+        return std::nullopt;
+    }
     if (text == BACKGROUND) {
         message.kind = ProcessMessage::Kind::BACKGROUND;
         return message;
     }
-    if (text.substr(0, KEY.size()) != KEY) {
+    if (takeBeginning(text, PICTURE)) {
+        message.kind = ProcessMessage::Kind::PICTURE;
+        message.picture = text;
+        return isPlainName(text) ? std::optional(message) : std::nullopt;
+    }
+    const auto key = takeBeginning(text, KEY) ? decodeKey(text) : std::nullopt;
+    if (!key) {
         return std::nullopt;
     }
-    text.remove_prefix(KEY.size());
-    if (!takeNumber(text, message.key.keyCode) || text.empty() || text.front() != ' ') {
-        return std::nullopt;
-    }
-    text.remove_prefix(1);
-    if (!takeNumber(text, message.key.action) || !text.empty()) {
-        return std::nullopt;
-    }
+    message.key = *key;
     return message;
 }
 

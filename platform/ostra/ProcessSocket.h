@@ -16,18 +16,21 @@ namespace platform {
 
 /// What can be told to a process.
 struct ProcessMessage {
-    enum class Kind { KEY, BACKGROUND };
+    enum class Kind { KEY, BACKGROUND, PICTURE };
     Kind kind = Kind::KEY;
     Ostra::KeyEvent key = {};  ///< with Kind::KEY
+    std::string picture;       ///< with Kind::PICTURE: name of a file in the runtime directory
 };
 
 /// No message is longer, in bytes; longer datagrams are not looked at.
 constexpr std::size_t MAX_MESSAGE_SIZE = 64;
 
-/// The text of a message: "key CODE ACTION" with signed decimal numbers, or "background".
+/// The text of a message: "key CODE ACTION" with signed decimal numbers, "background", or "picture NAME" with
+/// a name of ASCII letters, digits, '-', '_' and '.' that does not begin with a dot.
 std::string encodeMessage(const ProcessMessage& message);
 
-/// Nothing when the text is not exactly what encodeMessage() makes.
+/// Nothing when the text is not exactly what encodeMessage() makes of such a message, or is longer than
+/// MAX_MESSAGE_SIZE.
 std::optional<ProcessMessage> decodeMessage(std::string_view text);
 
 /// DIRECTORY/process.PID.sock.

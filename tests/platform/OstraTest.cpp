@@ -1,6 +1,7 @@
 #include "doubles/Emulator.h"
 #include "doubles/FakeLog.h"
 #include "ostra/KeyChannel.h"
+#include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
 #include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
@@ -86,13 +87,17 @@ std::vector<int> takeKeys(std::size_t count) {
 }
 
 TEST(ProcessMessages, OnlyWhatIsWrittenTheRightWayIsRead) {
-    for (const char* const text : {"background", "key 24 1", "key -2147483648 -1", "key 2147483647 0"}) {
+    for (const char* const text :
+         {"background", "key 24 1", "key -2147483648 -1", "key 2147483647 0", "picture a-B_9.part"}) {
         const auto message = platform::decodeMessage(text);
         ASSERT_TRUE(message) << text;
         EXPECT_EQ(platform::encodeMessage(*message), text);
     }
-    for (const char* const text : {"", "key", "key 24 ", "key 24 1 ", "key 24 1\n", "key  24 1", "key +24 1",
-                                   "key 24 2147483648", "Key 24 1", "background ", "key 0x18 1"}) {
+    for (const char* const text :
+         {"", "key", "key 24 ", "key 24 1 ", "key 24 1\n", "key  24 1", "key +24 1", "key 24 2147483648",
+          "Key 24 1", "background ", "key 0x18 1", "picture", "picture ", "picture .", "picture ../a",
+          "picture a/b", "picture  a", "picture a\n",
+          "picture aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa"}) {
         EXPECT_FALSE(platform::decodeMessage(text)) << '"' << text << '"';
     }
 }
@@ -178,6 +183,30 @@ TEST(Keys, AForkedChildHasASocketOfItsOwn) {
     EXPECT_TRUE(fs::exists(left));
     EXPECT_EQ(platform::listeningProcesses(FOLDER), std::vector<pid_t>{getpid()});
     EXPECT_FALSE(fs::exists(left)) << "what a killed process leaves is cleared away";
+}
+
+TEST(Pictures, AreTakenOnceAndOnlyWhileTheyAreWaitedFor) {
+    const auto ask = [](const std::string& name, bool isAwaited) {
+        if (isAwaited) {
+            std::ofstream(FOLDER + '/' + name);
+        }
+        send(getpid(), ("picture " + name).c_str());
+    };
+    EXPECT_EQ(platform::takePictureRequest(), std::nullopt);
+    Ostra::receiveKeyEvents();
+    ask("given-up", false);
+    ask("first", true);
+    ask("second", true);
+    send(getpid(), "key 1 1");
+    EXPECT_THAT(takeKeys(1), ElementsAre(1));
+    const pid_t child = platform::startChild([] { return platform::takePictureRequest() ? 1 : 0; });
+    EXPECT_EQ(platform::waitForChild(child), 0) << "a child does not answer for its parent";
+    EXPECT_EQ(platform::takePictureRequest(), FOLDER + "/second");
+    EXPECT_EQ(platform::takePictureRequest(), std::nullopt);
+    ask("given-up", false);
+    send(getpid(), "key 2 1");
+    EXPECT_THAT(takeKeys(1), ElementsAre(2));
+    EXPECT_EQ(platform::takePictureRequest(), std::nullopt);
 }
 
 TEST(Clocks, AreLeftAloneAndThatIsSaidOnce) {
