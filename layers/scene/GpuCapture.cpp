@@ -1,7 +1,6 @@
 #include "scene/GpuCapture.h"
 
 #include "core/StateInfo.h"
-#include "scene/RenderPassSource.h"
 #include "utils/Time.h"
 
 #include <algorithm>
@@ -29,7 +28,8 @@ bool GpuCapture::onFrame() {
     mFrameStartUs = now;
 
     if (mIsRunning) {
-        if (mCounters.mIsCapturing.load(std::memory_order_acquire)) {
+        const bool isPending = arePassesPending();
+        if (isPending || mCounters.mIsCapturing.load(std::memory_order_acquire)) {
             return false;
         }
         finish();
@@ -51,9 +51,27 @@ void GpuCapture::start(std::uint32_t frameUs) {
     try {
         mCounters.startCapturing(std::clamp(frameUs / US_PER_MS, std::uint32_t{1}, LONGEST_CAPTURE_MS));
     } catch (const std::system_error&) {
-        // Out of threads: the capture ends at once, without shader activity.
+        // Out of threads: the counters end at once, without shader activity.
     }
+    mProgress = RenderPassSource::Progress::NONE;
+    if (mPasses != nullptr) {
+        mPasses->startCapture();
+        mProgress = RenderPassSource::Progress::PENDING;
+    }
+    mFramesWaited = 0;
     mIsRunning = true;
+}
+
+bool GpuCapture::arePassesPending() {
+    if (mProgress != RenderPassSource::Progress::PENDING) {
+        return false;
+    }
+    mProgress = mPasses->advanceCapture();
+    if (mProgress == RenderPassSource::Progress::PENDING && ++mFramesWaited == LONGEST_WAIT) {
+        mPasses->abandonCapture();
+        mProgress = RenderPassSource::Progress::NONE;
+    }
+    return mProgress == RenderPassSource::Progress::PENDING;
 }
 
 void GpuCapture::finish() {
@@ -63,7 +81,7 @@ void GpuCapture::finish() {
     // The post-swap hook counts a frame when it has been swapped: this is the last one that was.
     mFrame = gui::FrameData(static_cast<unsigned int>(core::StateInfo::mFrameNumber), {});
     const Reading start = mVertexActivity.empty() ? Reading() : Reading(mVertexActivity.front().time);
-    if (mPasses != nullptr && !mPasses->readFrame(mFrame, start)) {
+    if (mProgress == RenderPassSource::Progress::READY && !mPasses->readFrame(mFrame, start)) {
         mFrame.mRenderPasses.clear();
     }
 }

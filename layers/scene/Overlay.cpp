@@ -42,7 +42,13 @@ void Overlay::onDetach() {
 }
 
 void Overlay::beginFrame() {
+    // Keys are polled while the overlay is on, and shown is what a publication has reached: between the two
+    // lie frames that are shown without a poll, in which a key must not be pressed once more.
+    KeyEventInterceptor& keys = *KeyEventInterceptor::getInstance();
+    keys.mIsDumpKeyPressed = false;
+    keys.mIsCaptureKeyPressed = false;
     core::StateInfo::onPreSwapBuffers(mApi);
+    mIsDumpKeyPressed = keys.mIsDumpKeyPressed;
 
     // What decides on the overlay changes only with a publication, and each one shows here: asking in those
     // frames alone saves the other frames a look at the process's name.
@@ -77,17 +83,10 @@ void Overlay::draw() {
 }
 
 void Overlay::endFrame() {
-    if (mIsShown) {
-        core::StateInfo::onPostSwapBuffers(mScene.drawers());
-        return;
-    }
-    // Keys are polled for an overlay that is shown. Without one they stay as they last were, and would start
-    // and end a dump with every frame.
     static const std::vector<drawer::Drawer*> NONE;
-    bool& isDumpKeyPressed = KeyEventInterceptor::getInstance()->mIsDumpKeyPressed;
-    const bool wasPressed = std::exchange(isDumpKeyPressed, false);
-    core::StateInfo::onPostSwapBuffers(NONE);
-    isDumpKeyPressed = wasPressed;
+    // Another overlay's frame may have begun since, and a key belongs to the one that is shown.
+    KeyEventInterceptor::getInstance()->mIsDumpKeyPressed = mIsShown && mIsDumpKeyPressed;
+    core::StateInfo::onPostSwapBuffers(mIsShown ? mScene.drawers() : NONE);
 }
 
 }  // namespace scene

@@ -50,6 +50,7 @@ private:
     PrimitiveFactory& mFactory;
     core::RenderingApiType mApi;
     bool mIsShown = false;
+    bool mIsDumpKeyPressed = false;  // in the poll of this frame
     std::uint32_t mSeenPublications = 0;
     glm::uvec2 mSurfaceSize{0, 0};
 };

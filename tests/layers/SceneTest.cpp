@@ -8,6 +8,7 @@
 #include "doubles/RecordingFactory.h"
 #include "gui/LayoutManager.h"
 #include "gui/WidgetsSettings.h"
+#include "scene/GpuCapture.h"
 #include "scene/KernelFiles.h"
 #include "scene/Overlay.h"
 #include "scene/RenderPassSource.h"
@@ -87,9 +88,15 @@ TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
     EXPECT_FALSE(scene::findKilobytes("Pss:", "Pss"));
 }
 
-/// Passes of a frame whose number the test can foretell.
+/// The pass of a frame that the test times. At first a source that knows at once.
 class OnePass : public scene::RenderPassSource {
 public:
+    void startCapture() override { ++starts; }
+    Progress advanceCapture() override {
+        ++questions;
+        return progress;
+    }
+    void abandonCapture() override { ++abandonments; }
     bool readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) override {
         gui::RenderPassData pass(0.0F, {11, 22});
         pass.setIndex(4);
@@ -99,6 +106,10 @@ public:
         ++reads;
         return true;
     }
+    Progress progress = Progress::READY;
+    int starts = 0;
+    int questions = 0;
+    int abandonments = 0;
     int reads = 0;
 };
 
@@ -261,6 +272,63 @@ TEST_F(SceneOverlay, ACaptureShowsTheFramesPasses) {
     EXPECT_THAT(drawn(), IsSupersetOf({" 4 11 22 ", "4"}));
     EXPECT_THAT(drawn(), Contains(testing::MatchesRegex("[0-9]+\\(10\\.0ms\\)")));
     EXPECT_THAT(drawn(), IsSupersetOf({"clip", "unclip"}));
+}
+
+TEST_F(SceneOverlay, ACaptureWaitsForThePassesButNotForEver) {
+    using Progress = scene::RenderPassSource::Progress;
+    publish({});
+    frames(3);
+    const auto capture = [this] {
+        doubles::companion().keyEvents = {{25, 1}};
+        frame();
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));  // the counters' end, in vain
+    };
+    mPasses.progress = Progress::PENDING;
+    capture();
+    EXPECT_EQ(mPasses.questions, 0) << "nothing can be known in the frame that starts the capture";
+    doubles::companion().keyEvents = {{25, 1}};
+    frames(scene::GpuCapture::LONGEST_WAIT - 1);
+    EXPECT_EQ(mPasses.starts, 1) << "one capture at a time";
+    EXPECT_EQ(mPasses.abandonments, 0);
+    mPasses.progress = Progress::READY;
+    frames(3);
+    EXPECT_EQ(mPasses.reads, 1);
+    EXPECT_EQ(mPasses.questions, static_cast<int>(scene::GpuCapture::LONGEST_WAIT)) << "asked once a frame";
+
+    for (const Progress end : {Progress::PENDING, Progress::NONE}) {
+        mPasses.progress = end;
+        capture();
+        frames(scene::GpuCapture::LONGEST_WAIT + 3);
+        EXPECT_EQ(mPasses.reads, 1) << "passes that are not known are not read";
+        EXPECT_EQ(mPasses.abandonments, 1);
+        EXPECT_THAT(drawn(), Contains(" 4 11 22 ")) << "what was captured before stays";
+    }
+    mPasses.progress = Progress::READY;
+    capture();
+    frames(3);
+    EXPECT_EQ(mPasses.reads, 2) << "the next capture is a new one";
+}
+
+// Switched off, which is in force at once, but not yet published: shown without a poll of the keys.
+TEST_F(SceneOverlay, AKeyIsNotPressedAgainInFramesWithoutAPoll) {
+    publish({});
+    frames(3);
+    doubles::companion().keyEvents = {{24, 1}, {25, 1}};
+    frame();
+    ASSERT_TRUE(core::StateInfo::isDumpingEnabled());
+    doubles::setProperty("debug.kordanix.status", "false");
+    SysPropWatcher::forceReadAllProps();
+    for (int i = 0; i < 50; ++i) {
+        frame();
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));  // a capture may end and start anew
+        ASSERT_TRUE(mOverlay.isShown());
+        ASSERT_TRUE(core::StateInfo::isDumpingEnabled()) << i;
+    }
+    EXPECT_EQ(mPasses.starts, 1);
+    publish({});
+    frame();
+    EXPECT_FALSE(mOverlay.isShown());
+    EXPECT_TRUE(core::StateInfo::isDumpingEnabled());
 }
 
 TEST_F(SceneOverlay, ADumpHoldsWhatIsShown) {
