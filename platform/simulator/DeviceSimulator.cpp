@@ -37,9 +37,21 @@ struct Choice {
     Clock::time_point start = Clock::now();
 };
 
+/// Found from where the program lies: installed or, in a build folder, among the sources.
+const fs::path& devicesFolder() {
+    static const auto* const folder = [] {
+        std::error_code failure;
+        const fs::path program = fs::read_symlink("/proc/self/exe", failure).parent_path();
+        const fs::path installed = program / KORDANIX_INSTALLED_DEVICES;
+        return new fs::path(fs::is_directory(installed, failure) ? installed
+                                                                 : program / KORDANIX_SOURCE_DEVICES);
+    }();
+    return *folder;
+}
+
 std::string folderOf(const std::string& choice) {
     const bool isPath = choice.find('/') != std::string::npos;
-    return isPath ? choice : std::string(KORDANIX_DEVICES_FOLDER) + '/' + choice;
+    return isPath ? choice : (devicesFolder() / choice).string();
 }
 
 Choice* makeChoice() {
@@ -83,7 +95,7 @@ const std::string& deviceError() {
 std::vector<std::string> deviceNames() {
     std::vector<std::string> names;
     std::error_code failure;
-    for (fs::directory_iterator entry(KORDANIX_DEVICES_FOLDER, failure), end; !failure && entry != end;
+    for (fs::directory_iterator entry(devicesFolder(), failure), end; !failure && entry != end;
          entry.increment(failure)) {
         if (entry->is_directory()) {
             names.push_back(entry->path().filename().string());

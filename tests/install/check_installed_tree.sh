@@ -1,0 +1,78 @@
+#!/usr/bin/env bash
+# Installs the build, moves the result, and checks that it is whole: no file of it names a folder of the build,
+# every header compiles on its own, and the example, copied out of the sources, builds as a CMake package and with
+# pkg-config, and draws what is expected.
+# Usage: check_installed_tree.sh CMAKE BUILD_FOLDER SOURCE_FOLDER COMPILER PKG_CONFIG
+set -euo pipefail
+cmake=$1 build=$2 source=$3 compiler=$4 pkg_config=$5
+
+fail() {
+    printf '%s\n' "$@" >&2
+    exit 1
+}
+
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix=$work/moved
+"$cmake" --install "$build" --prefix "$work/installed" >"$work/install.log" || fail "$(cat "$work/install.log")"
+mv "$work/installed" "$prefix"
+cp -r "$source/examples/null-layer" "$work/by-cmake"
+cp -r "$source/examples/null-layer" "$work/by-pkg-config"
+
+named=$(grep -rlaF -e "$build" -e "$source" -e "$work/installed" "$prefix" || true)
+[ -z "$named" ] || fail "These files name a folder of the build:" "$named"
+
+# Programs and libraries find each other where they lie.
+for file in "$prefix"/bin/* "$prefix"/lib/*.so; do
+    missing=$(ldd "$file" | grep 'not found' || true)
+    [ -z "$missing" ] || fail "$file:" "$missing"
+    strange=$(ldd "$file" | grep -E 'libKordanix|libkordanix|libostra' | grep -vF "$prefix/" || true)
+    [ -z "$strange" ] || fail "$file takes libraries from elsewhere:" "$strange"
+done
+
+export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+read -ra flags < <("$pkg_config" --cflags kordanix-core)
+headers=$(cd "$prefix/include/kordanix" && find core gui drawers utils scene platform -name '*.h')
+[ "$(wc -l <<<"$headers")" -gt 50 ] || fail "Headers are missing:" "$headers"
+while read -r header; do
+    "$compiler" -std=c++17 -fsyntax-only -Wall -Wextra -Werror "${flags[@]}" -x c++ \
+        -include "$prefix/include/kordanix/$header" /dev/null || fail "$header does not compile on its own"
+done <<<"$headers"
+
+"$cmake" -S "$work/by-cmake" -B "$work/by-cmake" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$prefix" \
+    >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+"$cmake" --build "$work/by-cmake" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+make -C "$work/by-pkg-config" CXX="$compiler" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+
+# What one frame draws, once the first figure is there.
+expected='rectangle
+text "FPS #"
+glyph F
+glyph P
+glyph S
+rectangle
+lines
+triangle strip
+line strip'
+
+export KORDANIX_RUNTIME_DIR=$work/run
+mkdir -m 700 "$KORDANIX_RUNTIME_DIR"
+for folder in by-cmake by-pkg-config; do
+    cd "$work/$folder"
+    # Off, nothing is drawn; the switches of the overlay decide.
+    "$prefix/bin/kordanixctl" set status false api 7 proc ./null-layer >/dev/null
+    drawn=$(./null-layer 2>"$work/log" | grep -v '^frame [1-5]$' || true)
+    [ -z "$drawn" ] || fail "$folder: switched off, it draws" "$drawn"
+
+    "$prefix/bin/kordanixctl" set status true >/dev/null
+    ./null-layer >"$work/out" 2>"$work/log" || fail "$folder:" "$(cat "$work/log")"
+    [ "$(grep -c '^frame ' "$work/out")" -eq 5 ] || fail "$folder: five frames, not" "$(cat "$work/out")"
+    # The last frame, without places and digits.
+    drawn=$(sed -e '1,/^frame 5$/d' -e '/^glyph [^FPS]/d' -e 's/ at .*//' -e 's/"FPS [0-9.]*"/"FPS #"/' "$work/out")
+    [ "$drawn" = "$expected" ] || fail "$folder: the fifth frame is" "$drawn"
+done
+
+# The demo finds its devices.
+"$prefix/bin/kordanix-demo" --private --fixed-step --device mali-b31 --size 370x180 --seconds 1 --png "$work/out.png" \
+    >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+[ -s "$work/out.png" ] || fail "The demo has drawn nothing"
