@@ -1,0 +1,54 @@
+#include "opengl/gl/Recording.h"
+
+#include "opengl/gl/Get.h"
+
+namespace opengl {
+namespace {
+
+struct QueryTarget {
+    GLenum target;
+    bool Features::*feature;
+};
+
+// What counts geometry and tessellation stages or compute shaders is left out: the overlay has none. So are
+// queries of time; the overlay does take time.
+const QueryTarget TARGETS[] = {
+    {GL_SAMPLES_PASSED, &Features::samplesQueries},
+    {GL_ANY_SAMPLES_PASSED, &Features::anySamplesQueries},
+    {GL_ANY_SAMPLES_PASSED_CONSERVATIVE, &Features::conservativeQueries},
+    {GL_PRIMITIVES_GENERATED, &Features::primitiveQueries},
+    {GL_VERTICES_SUBMITTED, &Features::statisticsQueries},
+    {GL_PRIMITIVES_SUBMITTED, &Features::statisticsQueries},
+    {GL_VERTEX_SHADER_INVOCATIONS, &Features::statisticsQueries},
+    {GL_FRAGMENT_SHADER_INVOCATIONS, &Features::statisticsQueries},
+    {GL_CLIPPING_INPUT_PRIMITIVES, &Features::statisticsQueries},
+    {GL_CLIPPING_OUTPUT_PRIMITIVES, &Features::statisticsQueries},
+};
+
+}  // namespace
+
+Recording::Recording(const Functions& gl) {
+    static_assert(sizeof TARGETS / sizeof TARGETS[0] == std::tuple_size_v<decltype(mTargets)>);
+    for (const QueryTarget& query : TARGETS) {
+        if (gl.features.queries && gl.features.*query.feature) {
+            mTargets[mTargetCount++] = query.target;
+        }
+    }
+}
+
+bool Recording::isRunning(const Functions& gl) const {
+    if (gl.features.compatibility &&
+        (getInteger(gl, LIST_INDEX) != 0 || getName(gl, RENDER_MODE) != RENDER)) {
+        return true;
+    }
+    for (std::size_t i = 0; i < mTargetCount; ++i) {
+        GLint query = 0;
+        gl.getQueryiv(mTargets[i], GL_CURRENT_QUERY, &query);
+        if (query != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace opengl

@@ -1,0 +1,133 @@
+#include "opengl/gl/SavedPixels.h"
+
+#include "opengl/gl/Get.h"
+#include "opengl/gl/SavedTarget.h"
+
+namespace opengl {
+namespace {
+
+struct Parameter {
+    GLenum name;
+    GLint wanted;
+    bool Features::*feature;
+};
+
+constexpr std::size_t PARAMETERS = 6;
+
+const Parameter UNPACKING[PARAMETERS] = {
+    {GL_UNPACK_ALIGNMENT, 1, &Features::always},     {GL_UNPACK_ROW_LENGTH, 0, &Features::unpackRows},
+    {GL_UNPACK_SKIP_ROWS, 0, &Features::unpackRows}, {GL_UNPACK_SKIP_PIXELS, 0, &Features::unpackRows},
+    {GL_UNPACK_SWAP_BYTES, 0, &Features::desktop},   {GL_UNPACK_LSB_FIRST, 0, &Features::desktop},
+};
+
+const Parameter PACKING[PARAMETERS] = {
+    {GL_PACK_ALIGNMENT, 1, &Features::always},   {GL_PACK_ROW_LENGTH, 0, &Features::packRows},
+    {GL_PACK_SKIP_ROWS, 0, &Features::packRows}, {GL_PACK_SKIP_PIXELS, 0, &Features::packRows},
+    {GL_PACK_SWAP_BYTES, 0, &Features::desktop}, {PACK_INVERT_MESA, 0, &Features::packInvert},
+};
+
+struct Factor {
+    GLenum name;
+    GLfloat neutral;
+};
+
+const Factor FACTORS[] = {
+    {RED_SCALE, 1},  {RED_BIAS, 0},  {GREEN_SCALE, 1}, {GREEN_BIAS, 0},
+    {BLUE_SCALE, 1}, {BLUE_BIAS, 0}, {ALPHA_SCALE, 1}, {ALPHA_BIAS, 0},
+};
+
+}  // namespace
+
+bool SavedPixelStore::set(const Functions& gl) {
+    const bool isUnpack = mDirection == Direction::UNPACK;
+    if (gl.features.pixelBuffers) {
+        mBuffer = getName(gl, isUnpack ? GL_PIXEL_UNPACK_BUFFER_BINDING : GL_PIXEL_PACK_BUFFER_BINDING);
+        if (!isBindableBuffer(gl, mBuffer)) {
+            return false;
+        }
+        if (mBuffer != 0) {
+            gl.bindBuffer(isUnpack ? GL_PIXEL_UNPACK_BUFFER : GL_PIXEL_PACK_BUFFER, 0);
+        }
+    }
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        const Parameter& parameter = (isUnpack ? UNPACKING : PACKING)[i];
+        mValues[i] = gl.features.*parameter.feature ? getInteger(gl, parameter.name) : parameter.wanted;
+        if (mValues[i] != parameter.wanted) {
+            gl.pixelStorei(parameter.name, parameter.wanted);
+        }
+    }
+    return true;
+}
+
+void SavedPixelStore::restore(const Functions& gl) const {
+    const bool isUnpack = mDirection == Direction::UNPACK;
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        const Parameter& parameter = (isUnpack ? UNPACKING : PACKING)[i];
+        if (mValues[i] != parameter.wanted) {
+            gl.pixelStorei(parameter.name, mValues[i]);
+        }
+    }
+    if (mBuffer != 0) {
+        gl.bindBuffer(isUnpack ? GL_PIXEL_UNPACK_BUFFER : GL_PIXEL_PACK_BUFFER, mBuffer);
+    }
+}
+
+void SavedPixelTransfer::set(const Functions& gl) {
+    if (!gl.features.compatibility) {
+        return;
+    }
+    mMapsColor = getInteger(gl, MAP_COLOR);
+    if (mMapsColor != 0) {
+        gl.pixelTransferi(MAP_COLOR, 0);
+    }
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        gl.getFloatv(FACTORS[i].name, &mValues[i]);
+        gl.pixelTransferf(FACTORS[i].name, FACTORS[i].neutral);
+    }
+}
+
+void SavedPixelTransfer::restore(const Functions& gl) const {
+    if (!gl.features.compatibility) {
+        return;
+    }
+    if (mMapsColor != 0) {
+        gl.pixelTransferi(MAP_COLOR, mMapsColor);
+    }
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        gl.pixelTransferf(FACTORS[i].name, mValues[i]);
+    }
+}
+
+bool SavedSource::set(const Functions& gl) {
+    mFramebuffer = 0;
+    if (gl.features.readFramebuffers) {
+        mFramebuffer = getName(gl, GL_READ_FRAMEBUFFER_BINDING);
+        if (!isBindableFramebuffer(gl, mFramebuffer)) {
+            return false;
+        }
+        if (mFramebuffer != 0) {
+            gl.bindFramebuffer(GL_READ_FRAMEBUFFER, 0);
+        }
+    }
+    mChangesBuffer = false;
+    if (gl.features.readBuffer) {
+        const GLenum shown = getShownBuffer(gl);
+        mBuffer = getName(gl, GL_READ_BUFFER);
+        mChangesBuffer = mBuffer != shown;
+        if (mChangesBuffer) {
+            gl.readBuffer(shown);
+        }
+    }
+    return true;
+}
+
+void SavedSource::restore(const Functions& gl) const {
+    if (mChangesBuffer) {
+        gl.readBuffer(mBuffer);
+    }
+    if (mFramebuffer != 0) {
+        gl.bindFramebuffer(GL_READ_FRAMEBUFFER, mFramebuffer);
+    }
+}
+
+}  // namespace opengl

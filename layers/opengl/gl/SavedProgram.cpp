@@ -1,0 +1,83 @@
+#include "opengl/gl/SavedProgram.h"
+
+#include "opengl/gl/Get.h"
+
+namespace opengl {
+namespace {
+
+constexpr GLenum STAGE_TYPES[] = {GL_VERTEX_SHADER, GL_TESS_CONTROL_SHADER, GL_TESS_EVALUATION_SHADER,
+                                  GL_GEOMETRY_SHADER, GL_FRAGMENT_SHADER};
+
+bool isUsableAgain(const Functions& gl, GLuint program) {
+    GLint isDeleted = GL_FALSE;
+    GLint isLinked = GL_FALSE;
+    gl.getProgramiv(program, GL_DELETE_STATUS, &isDeleted);
+    gl.getProgramiv(program, GL_LINK_STATUS, &isLinked);
+    return isDeleted == GL_FALSE && isLinked != GL_FALSE;
+}
+
+}  // namespace
+
+bool SavedProgram::read(const Functions& gl) {
+    mProgram = getName(gl, GL_CURRENT_PROGRAM);
+    if (mProgram != 0 && !isUsableAgain(gl, mProgram)) {
+        return false;
+    }
+    // Where it cannot be paused it cannot be asked for either.
+    mPausesFeedback = gl.features.transformFeedback && getInteger(gl, GL_TRANSFORM_FEEDBACK_ACTIVE) != 0 &&
+                      getInteger(gl, GL_TRANSFORM_FEEDBACK_PAUSED) == 0;
+    return !gl.features.subroutines || readSubroutines(gl);
+}
+
+bool SavedProgram::readSubroutines(const Functions& gl) {
+    mSubroutineCounts = {};
+    GLuint pipeline = 0;
+    if (mProgram == 0 && gl.features.programPipelines) {
+        pipeline = getName(gl, GL_PROGRAM_PIPELINE_BINDING);
+    }
+    if (mProgram == 0 && pipeline == 0) {
+        return true;
+    }
+    std::size_t total = 0;
+    for (std::size_t stage = 0; stage < STAGES; ++stage) {
+        auto program = static_cast<GLint>(mProgram);
+        if (pipeline != 0) {
+            gl.getProgramPipelineiv(pipeline, STAGE_TYPES[stage], &program);
+        }
+        GLint& count = mSubroutineCounts[stage];
+        if (program != 0) {
+            gl.getProgramStageiv(static_cast<GLuint>(program), STAGE_TYPES[stage],
+                                 GL_ACTIVE_SUBROUTINE_UNIFORM_LOCATIONS, &count);
+        }
+        if (total + static_cast<std::size_t>(count) > MAX_SUBROUTINES) {
+            return false;
+        }
+        for (GLint location = 0; location < count; ++location) {
+            gl.getUniformSubroutineuiv(STAGE_TYPES[stage], location, &mSubroutines[total++]);
+        }
+    }
+    return true;
+}
+
+void SavedProgram::set(const Functions& gl) const {
+    if (mPausesFeedback) {
+        gl.pauseTransformFeedback();
+    }
+}
+
+void SavedProgram::restore(const Functions& gl) const {
+    gl.useProgram(mProgram);
+    const GLuint* subroutines = mSubroutines.data();
+    for (std::size_t stage = 0; stage < STAGES; ++stage) {
+        const GLint count = mSubroutineCounts[stage];
+        if (count > 0) {
+            gl.uniformSubroutinesuiv(STAGE_TYPES[stage], count, subroutines);
+            subroutines += count;
+        }
+    }
+    if (mPausesFeedback) {
+        gl.resumeTransformFeedback();
+    }
+}
+
+}  // namespace opengl

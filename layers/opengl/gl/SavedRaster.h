@@ -1,0 +1,39 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+#include "opengl/gl/Functions.h"
+
+namespace opengl {
+
+/// Everything between vertices and blending that is switched on or off, polygon mode and clip origin. What
+/// has no effect once its switch is off (depth function, stencil operations, logic operation …) is not
+/// touched.
+class SavedRaster {
+public:
+    explicit SavedRaster(const Functions& gl);
+
+    /// All off, polygons filled, y upwards. The default framebuffer must be bound.
+    void set(const Functions& gl);
+
+    void restore(const Functions& gl) const;
+
+private:
+    static constexpr std::size_t MAX_SWITCHES = 32;
+
+    void add(GLenum name);
+
+    std::array<GLenum, MAX_SWITCHES> mSwitches = {};
+    std::size_t mSwitchCount = 0;
+    std::size_t mMultisampleFrom = 0;  ///< from here on they matter for several samples a pixel only
+    std::uint32_t mChanged = 0;        ///< bit i: mSwitches[i] was on
+    bool mChangesScissor = false;
+    bool mChangesRestart = false;  ///< that of the client state
+    std::array<GLint, 2> mPolygonMode = {};
+    GLenum mClipOrigin = 0;
+    GLenum mClipDepth = 0;
+};
+
+}  // namespace opengl

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <array>
+
+#include "opengl/gl/Functions.h"
+
+namespace opengl {
+
+/// Where drawing goes: framebuffer, draw buffers of the default framebuffer, viewport.
+class SavedTarget {
+public:
+    /// False when the framebuffer could not be bound again.
+    bool read(const Functions& gl);
+
+    /// The default framebuffer, its back buffer alone (the front one of a surface that has no back), and
+    /// width × height pixels of it.
+    void set(const Functions& gl, int width, int height);
+
+    void restore(const Functions& gl) const;
+
+private:
+    static constexpr std::size_t MAX_DRAW_BUFFERS = 16;
+
+    void setDrawBuffer(const Functions& gl);
+    void restoreDrawBuffer(const Functions& gl) const;
+    void setViewport(const Functions& gl, int width, int height);
+    void restoreViewport(const Functions& gl) const;
+
+    GLuint mFramebuffer = 0;
+    std::array<GLenum, MAX_DRAW_BUFFERS> mDrawBuffers = {};
+    GLsizei mDrawBufferCount = 0;
+    bool mChangesDrawBuffer = false;
+    std::array<GLint, 4> mViewport = {};
+    std::array<GLfloat, 4> mIndexedViewport = {};
+    bool mChangesViewport = false;
+};
+
+/// The buffer of the default framebuffer that a swap shows.
+GLenum getShownBuffer(const Functions& gl);
+
+}  // namespace opengl
