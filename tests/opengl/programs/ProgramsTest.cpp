@@ -21,8 +21,9 @@ VirtualDisplay& display() {
     return server;
 }
 
+/// The widgets' usual black background would not be seen over black.
 Command underOverlay(const Command& command) {
-    Command all{KORDANIXCTL, "run", "--"};
+    Command all{KORDANIXCTL, "run", "--set", "bg_color=#FFFFFF", "--"};
     all.insert(all.end(), command.begin(), command.end());
     return all;
 }
