@@ -21,13 +21,13 @@ public:
     }
     ~NullLayer() override { detach(); }
     void beforeSwap() {
+        *KeyEventInterceptor::getInstance() = {};  // the hook polls the keys only while the overlay is on
         core::StateInfo::onPreSwapBuffers(API);
         if (core::StateInfo::isWidgetsUpdated()) {
             layOut();  // a real layer does so after a change of the surface too
         }
         mIsShown = core::StateInfo::isOverlayEnabled(API);
         if (!mIsShown) {
-            KeyEventInterceptor::getInstance()->mIsDumpKeyPressed = false;  // polled only when shown
             return;
         }
         if (mPacing.isUpdateDuration()) {  // each 120 ms
