@@ -1,12 +1,35 @@
 #!/usr/bin/env bash
-# Measures what the library costs and prints a table of the figures against their targets.
+# Measures what the library costs and prints a table of the figures against their targets; with "opengl",
+# what the overlay costs an OpenGL program, beside other overlays.
 # Usage: scripts/bench.sh [options of Google Benchmark, e.g. --benchmark_filter=Hooks]
+#        scripts/bench.sh opengl [options of kordanix-opengl-bench, see --help]
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-dependencies.sh build bench
 
-echo "Building the benchmarks in build/release" >&2
-cmake --preset release -DKORDANIX_BENCH=ON >/dev/null
-cmake --build --preset release --target kordanix-bench >/dev/null
+build() {
+    echo "Building in build/release: $*" >&2
+    cmake --preset release -DKORDANIX_BENCH=ON >/dev/null
+    cmake --build --preset release --target "$@" >/dev/null
+}
+
+if [ "${1-}" = opengl ]; then
+    shift
+    scripts/install-dependencies.sh build opengl-bench
+    build kordanix-opengl-bench kordanix-opengl-client kordanixctl kordanix_opengl kordanix_preload
+    display=$(mktemp)
+    Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp 3>"$display" 2>/dev/null &
+    server=$!
+    trap 'kill "$server"; rm -f "$display"' EXIT
+    until [ -s "$display" ]; do
+        kill -0 "$server" 2>/dev/null || { echo "Xvfb did not start" >&2; exit 1; }
+        sleep 0.1
+    done
+    echo "Measuring, some five minutes; files of the runs: build/bench-opengl" >&2
+    DISPLAY=:$(cat "$display") build/release/bin/kordanix-opengl-bench "$@"
+    exit
+fi
+
+scripts/install-dependencies.sh build bench
+build kordanix-bench
 echo "Measuring, some two minutes" >&2
 exec build/release/bin/kordanix-bench "$@"

@@ -8,7 +8,7 @@ test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev
       libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils glmark2-x11 glmark2-es2-x11
       libsdl2-tests libx11-dev pkg-config)
 bench=(libbenchmark-dev)
-opengl_bench=(mangohud)
+opengl_bench=(mangohud xvfb valgrind libx11-dev libgl1-mesa-dri libglx-mesa0)
 arm=(g++-arm-linux-gnueabihf qemu-user googletest libc++-14-dev libc++abi-14-dev)
 
 packages=()

@@ -1,0 +1,38 @@
+#include "Candidates.h"
+
+#include <filesystem>
+#include <iostream>
+
+namespace bench {
+
+std::vector<Candidate> candidates(const std::string& build, const std::string& runtime) {
+    const std::string shim = build + "/lib/libkordanix-preload.so";
+    return {
+        {BARE, {}, {}, ""},
+        {OURS, {}, {{"LD_PRELOAD", shim}, {"KORDANIX_RUNTIME_DIR", runtime}}, "libkordanix-opengl.so"},
+        {MANGOHUD, {"mangohud"}, {}, "libMangoHud.so"},
+        {MANGOHUD_RATE, {"mangohud"}, {{"MANGOHUD_CONFIG", "fps_only"}}, "libMangoHud.so"},
+        {"Gallium HUD, fps,cpu", {}, {{"GALLIUM_HUD", "fps,cpu"}}, ""},
+        {"Gallium HUD, simple,fps", {}, {{"GALLIUM_HUD", "simple,fps"}}, ""},
+    };
+}
+
+bool enableOurs(const std::string& build, const std::string& runtime, const std::string& program) {
+    std::filesystem::create_directories(runtime);
+    std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
+    const std::string log = runtime + "/set.log";
+    const Environment environment = environmentWith({{"KORDANIX_RUNTIME_DIR", runtime}});
+    const Command settings[] = {
+        {"debug.kordanix.status", "true"}, {"debug.kordanix.proc", program}, {"debug.kordanix.api", "0"}};
+    for (const Command& setting : settings) {
+        const int status = run({build + "/bin/kordanixctl", "set", setting[0], setting[1]}, environment, log);
+        if (status != 0) {
+            std::cerr << "kordanixctl set " << setting[0] << ": exit status " << status << ", see " << log
+                      << '\n';
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace bench

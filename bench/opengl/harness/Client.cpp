@@ -1,0 +1,151 @@
+#include "Client.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+
+namespace bench {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool fail(const Candidate& candidate, const Mode& mode, const std::string& reason) {
+    std::cerr << candidate.name << " (" << mode.title << "): " << reason << '\n';
+    return false;
+}
+
+std::string contents(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// The total of one of callgrind's files; negative when there is none.
+double totalOf(const fs::path& path) {
+    constexpr char TOTALS[] = "totals: ";
+    std::ifstream file(path);
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind(TOTALS, 0) == 0) {
+            return std::stod(line.substr(sizeof(TOTALS) - 1));
+        }
+    }
+    return -1.0;
+}
+
+bool isLoaded(const nlohmann::json& libraries, const std::string& library) {
+    return std::any_of(libraries.begin(), libraries.end(), [&](const nlohmann::json& path) {
+        return path.get<std::string>().find(library) != std::string::npos;
+    });
+}
+
+}  // namespace
+
+const std::vector<Mode>& modes() {
+    // Everything that the driver does is done on the rendering thread, where it is measured: neither the
+    // driver's thread nor its rasterizer's take part of it away, and nobody pays for waking them.
+    static const std::vector<Mode> all{
+        {"noop",
+         "pixels taken out",
+         {{"GALLIUM_NOOP", "1"}, {"GALLIUM_THREAD", "0"}},
+         200,
+         5000,
+         100,
+         1200,
+         false},
+        {"pixels", "with pixels", {{"GALLIUM_THREAD", "0"}, {"LP_NUM_THREADS", "0"}}, 50, 120, 40, 60, true},
+        {"thread",
+         "pixels taken out, driver with its own thread",
+         {{"GALLIUM_NOOP", "1"}},
+         200,
+         5000,
+         100,
+         1200,
+         false},
+    };
+    return all;
+}
+
+std::string Client::path(const Candidate& candidate, const Mode& mode, const std::string& suffix) const {
+    std::string name = mode.name + '-' + candidate.name;
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return std::isalnum(c) == 0; }, '-');
+    return mFolder + '/' + name + suffix;
+}
+
+bool Client::runClient(const Candidate& candidate, const Mode& mode, Command tool,
+                       const Command& options) const {
+    Environment environment = mode.environment;
+    environment.insert(candidate.environment.begin(), candidate.environment.end());
+    // Nobody's own settings; and swaps that wait for nothing.
+    environment.insert({{"HOME", mFolder},
+                        {"XDG_CONFIG_HOME", mFolder},
+                        {"LIBGL_ALWAYS_SOFTWARE", "1"},
+                        {"vblank_mode", "0"}});
+    Command command = candidate.launcher;
+    command.insert(command.end(), tool.begin(), tool.end());
+    command.insert(command.end(), {mProgram, "--rate", std::to_string(mRate)});
+    command.insert(command.end(), options.begin(), options.end());
+    const std::string log = path(candidate, mode, ".log");
+    const int status = run(command, environmentWith(environment), log);
+    return status == 0 || fail(candidate, mode, "exit status " + std::to_string(status) + ", see " + log);
+}
+
+bool Client::measure(const Candidate& candidate, const Mode& mode, Times& times) const {
+    const std::string report = path(candidate, mode, ".json");
+    fs::remove(report);
+    Command options{"--warm-up", std::to_string(mode.warmUp),
+                    "--frames",  std::to_string(mode.frames),
+                    "--report",  report};
+    if (mode.hasPicture) {
+        options.insert(options.end(), {"--picture", path(candidate, mode, ".ppm")});
+    }
+    if (!runClient(candidate, mode, {}, options)) {
+        return false;
+    }
+    const nlohmann::json figures = nlohmann::json::parse(contents(report), nullptr, false);
+    if (!figures.is_object()) {
+        return fail(candidate, mode, "no figures in " + report);
+    }
+    times = {figures.at("swap_us").get<double>(), figures.at("frame_us").get<double>()};
+    return candidate.library.empty() || isLoaded(figures.at("libraries"), candidate.library) ||
+           fail(candidate, mode, candidate.library + " is not in the program");
+}
+
+bool Client::count(const Candidate& candidate, const Mode& mode, double& instructions) const {
+    // callgrind writes FILE.PART-THREAD for what the client dumps, and FILE-THREAD for the rest.
+    const std::string out = path(candidate, mode, ".callgrind");
+    const std::string rendering = out + ".1-01";
+    fs::remove(rendering);
+    const Command tool{"valgrind", "--tool=callgrind", "--instr-atstart=no", "--separate-threads=yes",
+                       "--callgrind-out-file=" + out};
+    const Command options{"--warm-up", std::to_string(mode.countedWarmUp), "--frames",
+                          std::to_string(mode.countedFrames)};
+    if (!runClient(candidate, mode, tool, options)) {
+        return false;
+    }
+    const double total = totalOf(rendering);
+    instructions = total / mode.countedFrames;
+    return total > 0.0 || fail(candidate, mode, "no count in " + rendering);
+}
+
+bool Client::compare(const Candidate& bare, const Candidate& candidate, const Mode& mode,
+                     double& share) const {
+    constexpr std::size_t PIXEL = 3;
+    const std::string before = contents(path(bare, mode, ".ppm"));
+    const std::string after = contents(path(candidate, mode, ".ppm"));
+    if (before.size() != after.size() || before.size() < PIXEL) {
+        return fail(candidate, mode, "the pictures are not of one size");
+    }
+    // From the end, where the pixels are.
+    std::size_t changed = 0;
+    for (std::size_t i = before.size() % PIXEL; i < before.size(); i += PIXEL) {
+        changed += before.compare(i, PIXEL, after, i, PIXEL) == 0 ? 0u : 1u;
+    }
+    share = 1000.0 * static_cast<double>(changed * PIXEL) / static_cast<double>(before.size());
+    return true;
+}
+
+}  // namespace bench

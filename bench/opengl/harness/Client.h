@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Candidates.h"
+
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// Under which conditions the client runs, the same for every candidate.
+struct Mode {
+    std::string name;   ///< for files
+    std::string title;  ///< for the table
+    Environment environment;
+    int warmUp;         ///< frames
+    int frames;         ///< whose times are taken
+    int countedWarmUp;  ///< frames
+    int countedFrames;  ///< whose instructions are counted
+    bool hasPicture;    ///< whether the overlay can be seen in the window
+};
+
+/// The two modes of the table, and a third that compares with a driver that has a thread of its own.
+const std::vector<Mode>& modes();
+
+/// What one run of the client cost its rendering thread, in microseconds a frame.
+struct Times {
+    double swap = 0.0;
+    double frame = 0.0;
+};
+
+/// Runs the client under the candidates. Files of the runs go to a folder, which stays.
+class Client {
+public:
+    Client(std::string program, std::string folder, int rate)
+        : mProgram(std::move(program)), mFolder(std::move(folder)), mRate(rate) {}
+
+    /// One run. False: a reason is printed, also when the candidate's library was not in the program.
+    bool measure(const Candidate& candidate, const Mode& mode, Times& times) const;
+
+    /// Instructions a frame of the rendering thread, counted by callgrind. False: a reason is printed.
+    bool count(const Candidate& candidate, const Mode& mode, double& instructions) const;
+
+    /// How many of the window's pixels the candidate changed in its last measured run, in thousandths.
+    /// False: a reason is printed.
+    bool compare(const Candidate& bare, const Candidate& candidate, const Mode& mode, double& share) const;
+
+private:
+    std::string path(const Candidate& candidate, const Mode& mode, const std::string& suffix) const;
+    bool runClient(const Candidate& candidate, const Mode& mode, Command tool, const Command& options) const;
+
+    std::string mProgram;
+    std::string mFolder;
+    int mRate;
+};
+
+}  // namespace bench

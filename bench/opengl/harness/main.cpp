@@ -1,0 +1,135 @@
+#include "Candidates.h"
+#include "Client.h"
+#include "Table.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct Options {
+    std::string build = "build/release";
+    std::string folder = "build/bench-opengl";
+    int rounds = 7;
+    int rate = 60;
+    std::vector<std::string> modes;
+    std::vector<std::string> without;
+    bool isUncounted = false;
+};
+
+bool contains(const std::vector<std::string>& texts, const std::string& text) {
+    return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+/// All rounds of one mode: the candidates take turns, and each round begins with the next of them.
+bool measure(const Options& options, const bench::Client& client, const bench::Mode& mode,
+             const std::vector<bench::Candidate>& candidates, std::vector<bench::Samples>& rows) {
+    const std::size_t count = candidates.size();
+    for (int round = 0; round < options.rounds; ++round) {
+        std::cerr << "\r" << mode.title << ": round " << round + 1 << " of " << options.rounds << std::flush;
+        for (std::size_t turn = 0; turn < count; ++turn) {
+            const std::size_t i = (static_cast<std::size_t>(round) + turn) % count;
+            bench::Times times;
+            if (!client.measure(candidates[i], mode, times)) {
+                return false;
+            }
+            rows[i].swap.push_back(times.swap);
+            rows[i].frame.push_back(times.frame);
+        }
+    }
+    std::cerr << '\n';
+    return true;
+}
+
+/// An overlay that cannot be seen is none, and its figures would say nothing.
+bool checkPictures(const bench::Client& client, const bench::Mode& mode,
+                   const std::vector<bench::Candidate>& candidates, std::vector<bench::Samples>& rows) {
+    for (std::size_t i = 1; i < candidates.size(); ++i) {
+        if (!client.compare(candidates.front(), candidates[i], mode, rows[i].changed)) {
+            return false;
+        }
+        if (rows[i].changed == 0.0) {
+            std::cerr << candidates[i].name << ": nothing of it is in the picture\n";
+            return false;
+        }
+    }
+    return true;
+}
+
+bool count(const bench::Client& client, const bench::Mode& mode,
+           const std::vector<bench::Candidate>& candidates, std::vector<bench::Samples>& rows) {
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        std::cerr << mode.title << ": counting the instructions of " << candidates[i].name << '\n';
+        if (!client.count(candidates[i], mode, rows[i].instructions)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<bench::Candidate> chosenCandidates(const Options& options, const std::string& runtime) {
+    std::vector<bench::Candidate> chosen = bench::candidates(options.build, runtime);
+    chosen.erase(std::remove_if(chosen.begin() + 1, chosen.end(),
+                                [&](const bench::Candidate& c) { return contains(options.without, c.name); }),
+                 chosen.end());
+    return chosen;
+}
+
+bool runAll(const Options& options) {
+    const std::string program = options.build + "/bin/kordanix-opengl-client";
+    const std::string runtime = options.folder + "/runtime";
+    std::filesystem::create_directories(options.folder);
+    if (!bench::enableOurs(options.build, runtime, program)) {
+        return false;
+    }
+    const bench::Client client(program, options.folder, options.rate);
+    const std::vector<bench::Candidate> candidates = chosenCandidates(options, runtime);
+    std::vector<std::pair<std::string, std::vector<bench::Samples>>> results;
+    for (const bench::Mode& mode : bench::modes()) {
+        if (!options.modes.empty() && !contains(options.modes, mode.name)) {
+            continue;
+        }
+        std::vector<bench::Samples> rows(candidates.size());
+        std::transform(candidates.begin(), candidates.end(), rows.begin(),
+                       [](const bench::Candidate& candidate) {
+                           return bench::Samples{candidate.name, {}, {}, 0.0, 0.0};
+                       });
+        if (!measure(options, client, mode, candidates, rows) ||
+            (mode.hasPicture && !checkPictures(client, mode, candidates, rows)) ||
+            (!options.isUncounted && !count(client, mode, candidates, rows))) {
+            return false;
+        }
+        bench::printTable(std::cout, mode, rows);
+        if (mode.name == "noop" && !options.isUncounted) {
+            bench::printTargets(std::cout, rows);
+        }
+        results.emplace_back(mode.name, std::move(rows));
+    }
+    bench::writeRounds(options.folder + "/rounds.json", results);
+    return true;
+}
+
+}  // namespace
+
+/// Exit status 1: something did not run, or an overlay was not there. Figures do not change it.
+int main(int argc, char** argv) {
+    CLI::App app{"Measures what overlays cost an OpenGL program, on the display of the environment."};
+    Options options;
+    app.add_option("--build", options.build, "The build folder")->check(CLI::ExistingDirectory);
+    app.add_option("--folder", options.folder, "Where the files of the runs go");
+    app.add_option("--rounds", options.rounds, "How often each is measured")->check(CLI::PositiveNumber);
+    app.add_option("--rate", options.rate, "Frames a second by the program's clock; 0: as fast as it runs")
+        ->check(CLI::NonNegativeNumber);
+    app.add_option("--mode", options.modes, "Only these: noop, pixels, thread");
+    app.add_option("--without", options.without, "Overlays to leave out, by their names in the table");
+    app.add_flag("--no-instructions", options.isUncounted, "Leave callgrind out");
+    CLI11_PARSE(app, argc, argv);
+    options.build = std::filesystem::absolute(options.build);
+    options.folder = std::filesystem::absolute(options.folder);
+    return runAll(options) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
