@@ -1,6 +1,6 @@
 #pragma once
 
-#include "software/Geometry.h"
+#include "raster/Geometry.h"
 
 #include <glm/vec2.hpp>
 
@@ -13,7 +13,7 @@ namespace software {
 class AreaMask {
 public:
     /// Starts anew for these pixels.
-    void begin(const PixelRect& region);
+    void begin(const raster::PixelRect& region);
 
     /// Adds a triangle given in surface pixels, of either orientation, anywhere. One with a coordinate
     /// that is not finite is left out.
@@ -28,7 +28,7 @@ private:
     void addPart(double x0, double y0, double x1, double y1, float direction);
     static void addSlice(float* cells, float x, float nextX, float area);
 
-    PixelRect mRegion;
+    raster::PixelRect mRegion;
     std::vector<float> mCells;  ///< rows of width + 2: changes of coverage from one pixel to the next
 };
 

@@ -10,7 +10,7 @@ GridPrimitive::GridPrimitive(const Surface& surface, std::unique_ptr<drawer::Mes
     : GridDrawer(std::move(lines)), mSurface(surface) {}
 
 float GridPrimitive::getAspectRatio() {
-    return mSurface.aspectRatio();
+    return mSurface.shape().aspectRatio();
 }
 
 }  // namespace software

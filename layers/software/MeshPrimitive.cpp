@@ -8,8 +8,8 @@ MeshPrimitive::MeshPrimitive(Surface& surface, scene::Topology topology)
     : mSurface(surface), mTopology(topology) {}
 
 void MeshPrimitive::draw() {
-    const Box frame = mSurface.toPixels(mPosition, mSize, mTranslation);
-    const float width = mSurface.lineWidth();
+    const raster::Box frame = mSurface.shape().toPixels(mPosition, mSize, mTranslation);
+    const float width = mSurface.shape().lineWidth();
     const float inset = mTopology == scene::Topology::LINE_STRIP ? 0.5F * width : 0.0F;
     const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
     const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
@@ -21,7 +21,7 @@ void MeshPrimitive::draw() {
 
     Image& image = mSurface.mImage;
     Rasterizer& rasterizer = mSurface.mRasterizer;
-    const PixelRect clip = touchedPixels(frame, mSurface.clip());
+    const raster::PixelRect clip = raster::touchedPixels(frame, mSurface.clip());
     const Paint paint = makePaint(mColor);
     switch (mTopology) {
         case scene::Topology::TRIANGLE_STRIP:

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "raster/AxisFilter.h"
+#include "raster/Geometry.h"
+#include "raster/GlyphScaler.h"
 #include "software/AreaMask.h"
-#include "software/AxisFilter.h"
 #include "software/Blend.h"
-#include "software/Geometry.h"
 #include "software/Image.h"
 #include "software/StrokeMask.h"
 
@@ -15,14 +16,6 @@
 
 namespace software {
 
-/// A rectangle of texels of an 8-bit coverage bitmap.
-struct TexelRect {
-    const std::uint8_t* mFirst = nullptr;  ///< top-left texel
-    std::size_t mStride = 0;               ///< texels from one row to the next
-    int mWidth = 0;
-    int mHeight = 0;
-};
-
 /// Draws anti-aliased shapes over a picture. Every shape is blended once, however many pieces it is made
 /// of, so that translucent ones have no seams. All positions are surface pixels and may lie anywhere or be
 /// no numbers at all; nothing outside `clip` (which must lie inside the picture) is touched and no more
@@ -30,33 +23,35 @@ struct TexelRect {
 class Rasterizer {
 public:
     /// By exact area: fractional edges cover their pixels in part.
-    static void fillRect(Image& image, const PixelRect& clip, const Box& box, const Paint& paint);
+    static void fillRect(Image& image, const raster::PixelRect& clip, const raster::Box& box,
+                         const Paint& paint);
 
     /// A triangle strip of `count` points.
-    void fillStrip(Image& image, const PixelRect& clip, const glm::vec2* points, std::size_t count,
+    void fillStrip(Image& image, const raster::PixelRect& clip, const glm::vec2* points, std::size_t count,
                    const Paint& paint);
 
     /// A line through `count` points with round joints and ends, `width` pixels wide (at least 1).
-    void strokeLine(Image& image, const PixelRect& clip, const glm::vec2* points, std::size_t count,
+    void strokeLine(Image& image, const raster::PixelRect& clip, const glm::vec2* points, std::size_t count,
                     float width, const Paint& paint);
 
     /// Separate lines, one for each two points. Horizontal and vertical ones are moved onto whole pixels
     /// inside `frame` and end square, so that a grid is crisp and even.
-    void strokeSegments(Image& image, const PixelRect& clip, const Box& frame, const glm::vec2* points,
-                        std::size_t count, float width, const Paint& paint);
+    void strokeSegments(Image& image, const raster::PixelRect& clip, const raster::Box& frame,
+                        const glm::vec2* points, std::size_t count, float width, const Paint& paint);
 
     /// A glyph's texels scaled into the box by area averaging; its neighbours in the bitmap never show.
-    void drawTexels(Image& image, const PixelRect& clip, const TexelRect& texels, const Box& box,
-                    const Paint& paint);
+    void drawTexels(Image& image, const raster::PixelRect& clip, const raster::TexelRect& texels,
+                    const raster::Box& box, const Paint& paint);
 
     /// A picture scaled into the box by area averaging. `source` must not be `image`.
-    void drawImage(Image& image, const PixelRect& clip, const Image& source, const Box& box);
+    void drawImage(Image& image, const raster::PixelRect& clip, const Image& source, const raster::Box& box);
 
 private:
     AreaMask mArea;
     StrokeMask mStrokes;
-    AxisFilter mColumns;
-    AxisFilter mRows;
+    raster::GlyphScaler mGlyphs;
+    raster::AxisFilter mColumns;
+    raster::AxisFilter mRows;
     std::vector<float> mSums;
 };
 

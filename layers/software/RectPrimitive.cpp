@@ -5,8 +5,8 @@
 namespace software {
 
 void RectPrimitive::draw() {
-    Rasterizer::fillRect(mSurface.mImage, mSurface.clip(), mSurface.toPixels(mPosition, mSize, mTranslation),
-                         makePaint(mColor));
+    Rasterizer::fillRect(mSurface.mImage, mSurface.clip(),
+                         mSurface.shape().toPixels(mPosition, mSize, mTranslation), makePaint(mColor));
 }
 
 }  // namespace software

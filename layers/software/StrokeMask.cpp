@@ -6,7 +6,7 @@
 
 namespace software {
 
-void StrokeMask::begin(const PixelRect& region) {
+void StrokeMask::begin(const raster::PixelRect& region) {
     mRegion = region;
     const std::size_t count = region.isEmpty() ? 0
                                                : static_cast<std::size_t>(region.width()) *
@@ -33,8 +33,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
     const double inverse = lengthSquared > 0.0 ? 1.0 / lengthSquared : 0.0;
     const double low = std::min(from.y, to.y);
     const double high = std::max(from.y, to.y);
-    const int firstRow = toInt(std::floor(low - reach), mRegion.mTop, mRegion.mBottom);
-    const int endRow = toInt(std::ceil(high + reach), mRegion.mTop, mRegion.mBottom);
+    const int firstRow = raster::toInt(std::floor(low - reach), mRegion.mTop, mRegion.mBottom);
+    const int endRow = raster::toInt(std::ceil(high + reach), mRegion.mTop, mRegion.mBottom);
     for (int y = firstRow; y < endRow; ++y) {
         const double centerY = y + 0.5 - from.y;
         // Only the part of the stroke within reach of this row decides which of its pixels are touched.
@@ -46,8 +46,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
         }
         const double x0 = from.x + start * dx;
         const double x1 = from.x + end * dx;
-        const int first = toInt(std::floor(std::min(x0, x1) - reach), mRegion.mLeft, mRegion.mRight);
-        const int last = toInt(std::ceil(std::max(x0, x1) + reach), mRegion.mLeft, mRegion.mRight);
+        const int first = raster::toInt(std::floor(std::min(x0, x1) - reach), mRegion.mLeft, mRegion.mRight);
+        const int last = raster::toInt(std::ceil(std::max(x0, x1) + reach), mRegion.mLeft, mRegion.mRight);
         float* coverage = row(y);
         for (int x = first; x < last; ++x) {
             const double centerX = x + 0.5 - from.x;
@@ -64,14 +64,14 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
     }
 }
 
-void StrokeMask::addBox(const Box& box) {
-    const PixelRect pixels = touchedPixels(box, mRegion);
+void StrokeMask::addBox(const raster::Box& box) {
+    const raster::PixelRect pixels = raster::touchedPixels(box, mRegion);
     for (int y = pixels.mTop; y < pixels.mBottom; ++y) {
-        const float inRow = overlap(box.mTop, box.mBottom, y);
+        const float inRow = raster::overlap(box.mTop, box.mBottom, y);
         float* coverage = row(y);
         for (int x = pixels.mLeft; x < pixels.mRight; ++x) {
             float& pixel = coverage[x - mRegion.mLeft];
-            pixel = std::max(pixel, inRow * overlap(box.mLeft, box.mRight, x));
+            pixel = std::max(pixel, inRow * raster::overlap(box.mLeft, box.mRight, x));
         }
     }
 }

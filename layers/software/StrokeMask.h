@@ -1,6 +1,6 @@
 #pragma once
 
-#include "software/Geometry.h"
+#include "raster/Geometry.h"
 
 #include <glm/vec2.hpp>
 
@@ -13,20 +13,20 @@ namespace software {
 class StrokeMask {
 public:
     /// Starts anew for these pixels.
-    void begin(const PixelRect& region);
+    void begin(const raster::PixelRect& region);
 
     /// Adds a stroke with round ends (surface pixels). Its weight across its direction is `width` pixels
     /// at every angle. One with a coordinate that is not finite is left out.
     void addStroke(const glm::vec2& from, const glm::vec2& to, float width);
 
     /// Adds a rectangle by exact area.
-    void addBox(const Box& box);
+    void addBox(const raster::Box& box);
 
     /// Coverage 0..1 of one row (surface pixels, within the region), region.width() values.
     float* row(int y);
 
 private:
-    PixelRect mRegion;
+    raster::PixelRect mRegion;
     std::vector<float> mCoverage;
 };
 

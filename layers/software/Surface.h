@@ -1,18 +1,17 @@
 #pragma once
 
-#include "software/Geometry.h"
+#include "raster/Geometry.h"
+#include "raster/SurfaceShape.h"
 #include "software/Image.h"
 #include "software/Rasterizer.h"
 
 #include <glm/vec2.hpp>
-#include <glm/vec3.hpp>
 
 #include <cstdint>
 
 namespace software {
 
-/// What the overlay is drawn on: the application's picture, of any size, landscape or portrait. The virtual
-/// canvas spans all of it, so that canvas fractions are fractions of the picture. One thread.
+/// What the overlay is drawn on: the application's picture, of any size, landscape or portrait. One thread.
 class Surface {
 public:
     Surface(std::uint32_t width, std::uint32_t height);
@@ -24,21 +23,13 @@ public:
     /// overlay is drawn: keeps the picture for the thumbnails, if there are any.
     void beginOverlay();
 
-    /// Canvas fractions and a translation in clip-space units to pixels. The canvas spans 2 clip-space
-    /// units, whose y points up as in clip space: a translation of (0.1, 0.1) moves by a twentieth of the
-    /// canvas to the right and a twentieth upwards.
-    Box toPixels(const glm::vec2& position, const glm::vec2& size, const glm::vec3& translation) const;
+    /// Its size, and where canvas fractions fall on it.
+    raster::SurfaceShape shape() const;
 
     /// Limits drawing to a rectangle (canvas fractions), at the nearest whole pixels.
     void setClip(const glm::vec2& position, const glm::vec2& size);
     void clearClip();
-    const PixelRect& clip() const { return mClip; }
-
-    /// Height divided by width; 1 for an empty picture.
-    float aspectRatio() const;
-
-    /// Width in pixels of the lines of graphs and grids: one canvas unit, but at least a pixel.
-    float lineWidth() const;
+    const raster::PixelRect& clip() const { return mClip; }
 
     Image mImage;                   ///< drawn on; the application may write to it between frames
     Image mBackground;              ///< the picture as beginOverlay() found it
@@ -46,7 +37,7 @@ public:
     Rasterizer mRasterizer;
 
 private:
-    PixelRect mClip;
+    raster::PixelRect mClip;
 };
 
 }  // namespace software

@@ -6,7 +6,7 @@ namespace software {
 
 void ThumbnailPrimitive::draw() {
     mSurface.mRasterizer.drawImage(mSurface.mImage, mSurface.clip(), mSurface.mBackground,
-                                   mSurface.toPixels(mPosition, mSize, mTranslation));
+                                   mSurface.shape().toPixels(mPosition, mSize, mTranslation));
 }
 
 }  // namespace software

@@ -25,7 +25,7 @@ Image blackImage(std::uint32_t width, std::uint32_t height) {
     return image;
 }
 
-PixelRect all(const Image& image) {
+raster::PixelRect all(const Image& image) {
     return {0, 0, static_cast<int>(image.mWidth), static_cast<int>(image.mHeight)};
 }
 
@@ -54,7 +54,7 @@ int maximumAlpha(const Image& image) {
 }
 
 /// A box as the strip of a graph fill: `steps` pairs of a top and a bottom point.
-std::vector<glm::vec2> stripOf(const Box& box, int steps) {
+std::vector<glm::vec2> stripOf(const raster::Box& box, int steps) {
     std::vector<glm::vec2> points;
     for (int i = 0; i <= steps; ++i) {
         const float x =
@@ -90,7 +90,7 @@ TEST(Blend, ComposesOver) {
 }
 
 TEST(Rasterizer, BoxesCoverTheirAreaAndStripsTheSameWithoutSeams) {
-    const std::pair<Box, double> cases[] = {
+    const std::pair<raster::Box, double> cases[] = {
         {{5.0F, 4.0F, 25.0F, 14.0F}, 200.0},  {{5.25F, 4.5F, 25.25F, 14.5F}, 200.0},
         {{5.2F, 4.0F, 5.7F, 24.0F}, 10.0},    {{7.9F, 3.6F, 8.2F, 4.1F}, 0.15},
         {{-10.0F, -3.0F, 10.0F, 2.5F}, 25.0}, {{35.5F, 28.5F, 1e30F, 1e30F}, 6.75},
@@ -132,19 +132,19 @@ TEST(Rasterizer, PicturesAndClipsAreWindows) {
         for (int i = 0; i < 6; ++i) {
             points.emplace_back(place(random), place(random));
         }
-        const auto draw = [&](Image& image, const PixelRect& clip, float shift) {
+        const auto draw = [&](Image& image, const raster::PixelRect& clip, float shift) {
             std::vector<glm::vec2> moved;
             for (const glm::vec2& point : points) {
                 moved.push_back(point - glm::vec2(shift));
             }
             const glm::vec2 from = glm::min(moved[0], moved[1]);
             const glm::vec2 to = glm::max(moved[0], moved[1]);
-            const Box box{from.x, from.y, to.x, to.y};
+            const raster::Box box{from.x, from.y, to.x, to.y};
             Rasterizer rasterizer;
             rasterizer.fillStrip(image, clip, moved.data(), moved.size(), HALF_WHITE);
             rasterizer.strokeLine(image, clip, moved.data(), moved.size(), 1.5F, HALF_WHITE);
             Rasterizer::fillRect(image, clip, box, HALF_WHITE);
-            rasterizer.drawTexels(image, clip, TexelRect{texels.data(), 8, 8, 8}, box, HALF_WHITE);
+            rasterizer.drawTexels(image, clip, raster::TexelRect{texels.data(), 8, 8, 8}, box, HALF_WHITE);
         };
         Image large = blackImage(64, 64);
         draw(large, all(large), 0.0F);
@@ -172,15 +172,15 @@ TEST(Rasterizer, SurvivesAnyCoordinate) {
     const auto any = [&] { return values[random() % values.size()]; };
     for (int round = 0; round < 3000; ++round) {
         Image image = blackImage(9, 7);
-        const PixelRect clip = all(image);
+        const raster::PixelRect clip = all(image);
         std::array<glm::vec2, 5> points;
         std::generate(points.begin(), points.end(), [&] { return glm::vec2(any(), any()); });
-        const Box box{any(), any(), any(), any()};
+        const raster::Box box{any(), any(), any(), any()};
         Rasterizer::fillRect(image, clip, box, WHITE);
         rasterizer.fillStrip(image, clip, points.data(), points.size(), WHITE);
         rasterizer.strokeLine(image, clip, points.data(), points.size(), 1.0F, WHITE);
         rasterizer.strokeSegments(image, clip, box, points.data(), points.size(), 1.0F, WHITE);
-        rasterizer.drawTexels(image, clip, TexelRect{texels.data(), 8, 8, 8}, box, WHITE);
+        rasterizer.drawTexels(image, clip, raster::TexelRect{texels.data(), 8, 8, 8}, box, WHITE);
         rasterizer.drawImage(image, clip, blackImage(3, 2), box);
         ASSERT_TRUE(std::all_of(image.mPixels.begin(), image.mPixels.end(),
                                 [](const Pixel& pixel) { return pixel.mAlpha == 255; }));
@@ -190,10 +190,10 @@ TEST(Rasterizer, SurvivesAnyCoordinate) {
     const std::array<glm::vec2, 3> triangle{{{-1e30F, -1e30F}, {3e30F, 0.0F}, {-1e30F, 1e30F}}};
     rasterizer.fillStrip(image, all(image), triangle.data(), triangle.size(), WHITE);
     EXPECT_DOUBLE_EQ(ink(image), 63.0);
-    const Box nowhere{NOT_A_NUMBER, 0.0F, 9.0F, 7.0F};
+    const raster::Box nowhere{NOT_A_NUMBER, 0.0F, 9.0F, 7.0F};
     image = blackImage(9, 7);
     Rasterizer::fillRect(image, all(image), nowhere, WHITE);
-    rasterizer.drawTexels(image, all(image), TexelRect{texels.data(), 8, 8, 8}, nowhere, WHITE);
+    rasterizer.drawTexels(image, all(image), raster::TexelRect{texels.data(), 8, 8, 8}, nowhere, WHITE);
     EXPECT_DOUBLE_EQ(ink(image), 0.0);
 }
 
@@ -226,7 +226,7 @@ TEST(Rasterizer, LinesHaveTheirWidthAtEveryAngleAndJoinWithoutDoubleBlending) {
 }
 
 TEST(Rasterizer, GridLinesFillWholePixelsInsideTheirFrame) {
-    const Box frame{2.0F, 3.0F, 62.0F, 43.0F};
+    const raster::Box frame{2.0F, 3.0F, 62.0F, 43.0F};
     for (const float width : {1.0F, 2.0F, 2.4F}) {
         const auto whole = static_cast<int>(std::round(width));
         for (float x = 2.0F; x <= 62.0F; x += 0.35F) {
@@ -267,10 +267,10 @@ TEST(Rasterizer, GlyphsKeepTheirInkAndNothingOfTheirNeighbours) {
     for (const float scale : {0.05F, 0.2787F, 1.0F, 3.0F}) {
         for (const float shift : {0.0F, 0.31F, 0.5F}) {
             const float start = 8.0F + shift;
-            const Box box{start, start, start + 22.0F * scale, start + 34.0F * scale};
+            const raster::Box box{start, start, start + 22.0F * scale, start + 34.0F * scale};
             const auto draw = [&](const std::vector<std::uint8_t>& texels) {
                 Image image = blackImage(80, 120);
-                const TexelRect glyph{&texels[FIRST], STRIDE, 22, 34};
+                const raster::TexelRect glyph{&texels[FIRST], STRIDE, 22, 34};
                 Rasterizer().drawTexels(image, all(image), glyph, box, WHITE);
                 return image;
             };

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace software {
+namespace raster {
 
 /// One axis of a scaled copy by area averaging: which source cells each target pixel averages, and with
 /// what weights. Beyond the source's ends lies nothing, so the weights of a pixel that the copy covers in
@@ -36,4 +36,4 @@ private:
     std::vector<float> mWeights;
 };
 
-}  // namespace software
+}  // namespace raster

@@ -1,11 +1,11 @@
-#include "software/LineFit.h"
+#include "raster/LineFit.h"
 
 #include "gui/GlyphAtlas.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace software {
+namespace raster {
 
 namespace {
 
@@ -20,6 +20,10 @@ float topOf(const gui::Glyph& glyph) {
 }
 float bottomOf(const gui::Glyph& glyph) {
     return glyph.mTransform[3][1] + glyph.mTransform[1][1];
+}
+
+float snap(float position) {
+    return std::round(position * GLYPH_STEPS) / GLYPH_STEPS;
 }
 
 /// From line units to pixel rows: base line and tops on whole rows, what lies between in proportion, what
@@ -86,7 +90,7 @@ Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& 
         box.mTop = map(topOf(glyph));
         box.mBottom = map(bottomOf(glyph));
     }
-    return box;
+    return {snap(box.mLeft), snap(box.mTop), snap(box.mRight), snap(box.mBottom)};
 }
 
-}  // namespace software
+}  // namespace raster

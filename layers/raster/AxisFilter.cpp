@@ -1,11 +1,11 @@
-#include "software/AxisFilter.h"
+#include "raster/AxisFilter.h"
 
-#include "software/Geometry.h"
+#include "raster/Geometry.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace software {
+namespace raster {
 
 bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, int limitHigh) {
     mTaps.clear();
@@ -39,4 +39,4 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
     return !mTaps.empty();
 }
 
-}  // namespace software
+}  // namespace raster

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace software {
+namespace raster {
 
 /// A rectangle in surface pixels, y downwards; (0, 0) is the top-left corner of the top-left pixel, so a
 /// pixel's centre lies at halves. Edges may have any value, not-a-number included.
@@ -56,4 +56,4 @@ inline float overlap(float low, float high, int index) {
     return std::max(0.0F, std::min(high, start + 1.0F) - std::max(low, start));
 }
 
-}  // namespace software
+}  // namespace raster

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "software/Geometry.h"
+#include "raster/Geometry.h"
 
 #include <glm/mat4x4.hpp>
 
@@ -9,7 +9,7 @@ struct Glyph;
 class GlyphAtlas;
 }  // namespace gui
 
-namespace software {
+namespace raster {
 
 /// Heights at which many letters of a font begin or end, in line units (a line is 2 high, its top at -1).
 struct FontHeights {
@@ -23,9 +23,13 @@ struct FontHeights {
 /// Measures the capital H and the small x.
 FontHeights measureFont(const gui::GlyphAtlas& atlas);
 
+/// The boxes of glyphs lie on this many steps a pixel: finer than anybody sees, and coarse enough that the
+/// same few pictures of a letter come back again and again.
+constexpr float GLYPH_STEPS = 64.0F;
+
 /// The box in surface pixels that a glyph's quad fills when drawn through the matrix (which maps to pixels
 /// without rotation), moved vertically so that the heights above fall on whole pixel rows and all letters
 /// of a line stand on one row and reach to one row.
 Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& transform);
 
-}  // namespace software
+}  // namespace raster

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "raster/Geometry.h"
+
+#include <glm/vec2.hpp>
+
+namespace raster {
+
+/// Turns a horizontal or vertical line into the box that draws it: as wide as the nearest whole number of
+/// pixels, on whole pixels inside `frame`, so that a grid is crisp and even; its ends stay where they are.
+/// False for any other line.
+bool alignLine(const glm::vec2& from, const glm::vec2& to, float width, const Box& frame, Box& box);
+
+}  // namespace raster

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "raster/Geometry.h"
+
+#include <glm/vec2.hpp>
+#include <glm/vec3.hpp>
+
+#include <cstdint>
+
+namespace raster {
+
+/// The size of a surface, and what follows from it. The virtual canvas spans all of it, so that canvas
+/// fractions are fractions of the surface. A value type.
+struct SurfaceShape {
+    std::uint32_t mWidth = 0;  ///< pixels
+    std::uint32_t mHeight = 0;
+
+    /// Canvas fractions and a translation in clip-space units to pixels. The canvas spans 2 clip-space
+    /// units, whose y points up as in clip space: a translation of (0.1, 0.1) moves by a twentieth of the
+    /// canvas to the right and a twentieth upwards.
+    Box toPixels(const glm::vec2& position, const glm::vec2& size, const glm::vec3& translation) const;
+
+    /// A rectangle in canvas fractions at the nearest whole pixels of the surface.
+    PixelRect toWholePixels(const glm::vec2& position, const glm::vec2& size) const;
+
+    /// All pixels of the surface.
+    PixelRect all() const { return {0, 0, static_cast<int>(mWidth), static_cast<int>(mHeight)}; }
+
+    /// Height divided by width; 1 for an empty surface.
+    float aspectRatio() const;
+
+    /// Width in pixels of the lines of graphs and grids: one canvas unit, but at least a pixel.
+    float lineWidth() const;
+};
+
+}  // namespace raster
