@@ -1,0 +1,214 @@
+#include "opengl/passes/PassTimer.h"
+
+#include "core/StateInfo.h"
+
+namespace opengl {
+
+namespace {
+
+constexpr long double NS_PER_MS = 1000000.0L;
+constexpr std::uint64_t NS_PER_US = 1000;
+constexpr int FULL_BITS = 64;
+
+}  // namespace
+
+std::atomic<unsigned int> PassTimer::gRecording{0};
+
+PassTimer::PassTimer(const Functions& gl) : mGl(gl) {}
+
+PassTimer::~PassTimer() {
+    // The queries go with the context.
+    stopRecording();
+}
+
+void PassTimer::startCapture() {
+    end(State::FAILED);
+    if (!mGl.features.timerQueries) {
+        return;
+    }
+    GLint bits = 0;
+    mGl.getQueryiv(GL_TIMESTAMP, GL_QUERY_COUNTER_BITS, &bits);
+    if (bits <= 0) {
+        return;
+    }
+    mCounterMask = bits >= FULL_BITS ? ~std::uint64_t{0} : (std::uint64_t{1} << bits) - 1;
+    mQueries.resize(MAX_STAMPS);
+    mGl.genQueries(static_cast<GLsizei>(MAX_STAMPS), mQueries.data());
+    mStamps.reserve(MAX_STAMPS);
+    static_cast<void>(wasDisjoint());
+    mState = State::ARMED;
+}
+
+void PassTimer::onFrameBegin() {
+    if (mState != State::ARMED) {
+        return;
+    }
+    mState = State::RECORDING;
+    mThread = std::this_thread::get_id();
+    gRecording.fetch_add(1, std::memory_order_relaxed);
+    stamp(drawFramebuffer());
+}
+
+void PassTimer::onFramebufferBound() {
+    if (mState != State::RECORDING || mThread != std::this_thread::get_id() || mStamps.empty()) {
+        return;
+    }
+    const GLuint framebuffer = drawFramebuffer();
+    if (framebuffer != mStamps.back().framebuffer && mStamps.size() < MAX_STAMPS - 1) {
+        stamp(framebuffer);
+    }
+}
+
+void PassTimer::onFrameEnd() {
+    if (mState != State::RECORDING) {
+        return;
+    }
+    stopRecording();
+    const std::size_t count = mStamps.size();
+    stamp(0);
+    // The swap that comes next counts the frame.
+    mFrameNumber = static_cast<std::uint32_t>(core::StateInfo::mFrameNumber) + 1;
+    mRead = 0;
+    if (count == 0 || mStamps.size() == count) {
+        end(State::FAILED);
+    } else {
+        mState = State::READING;
+    }
+}
+
+scene::RenderPassSource::Progress PassTimer::advanceCapture() {
+    if (mState == State::READING) {
+        readStamp();
+    }
+    switch (mState) {
+        case State::READY:
+            return Progress::READY;
+        case State::IDLE:
+        case State::FAILED:
+            return Progress::NONE;
+        default:
+            return Progress::PENDING;
+    }
+}
+
+void PassTimer::abandonCapture() {
+    end(State::FAILED);
+}
+
+bool PassTimer::readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) {
+    if (mState != State::READY) {
+        return false;
+    }
+    const std::vector<Pass> passes = findPasses();
+    frame.mFrameId = mFrameNumber;
+    frame.addFrameTimeInfo(0.0L, static_cast<long double>(mStamps.back().time) / NS_PER_MS);
+    unsigned int index = 0;
+    for (const Pass& pass : passes) {
+        const auto microseconds = static_cast<unsigned int>((pass.end - pass.start) / NS_PER_US);
+        gui::RenderPassData data(0.0F, {microseconds, pass.framebuffer});
+        data.setIndex(index++);
+        data.addTimestampInfo(static_cast<long double>(pass.start) / NS_PER_MS,
+                              static_cast<long double>(pass.end) / NS_PER_MS);
+        frame.addRenderPassInfo(data);
+    }
+    end(State::IDLE);
+    return !passes.empty();
+}
+
+std::vector<PassTimer::Pass> PassTimer::findPasses() const {
+    std::vector<Pass> passes;
+    const std::size_t intervals = mStamps.size() - 1;
+    for (std::size_t i = intervals > 1 ? 1 : 0; i < intervals; ++i) {
+        const Pass pass = {mStamps[i].framebuffer, mStamps[i].time, mStamps[i + 1].time};
+        if (pass.end < pass.start) {
+            return {};  // the GPU lost count
+        }
+        if (pass.end - pass.start < NEGLIGIBLE_NS) {
+            continue;
+        }
+        if (!passes.empty() && passes.back().framebuffer == pass.framebuffer) {
+            passes.back().end = pass.end;
+        } else {
+            passes.push_back(pass);
+        }
+    }
+    return passes;
+}
+
+GLuint PassTimer::drawFramebuffer() const {
+    GLint framebuffer = 0;
+    if (mGl.features.framebuffers) {
+        // The same value as GL_FRAMEBUFFER_BINDING where there is one binding for drawing and reading.
+        mGl.getIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
+    }
+    return static_cast<GLuint>(framebuffer);
+}
+
+void PassTimer::stamp(GLuint framebuffer) {
+    if (mGl.features.compatibility) {
+        // While a display list is compiled the call might become a part of it.
+        GLint list = 0;
+        mGl.getIntegerv(LIST_INDEX, &list);
+        if (list != 0) {
+            return;
+        }
+    }
+    mGl.queryCounter(mQueries[mStamps.size()], GL_TIMESTAMP);
+    mStamps.push_back({framebuffer, 0});
+}
+
+void PassTimer::readStamp() {
+    if (mGl.features.queryBuffers) {
+        // Results would go into the program's buffer. There will be a frame without.
+        GLint buffer = 0;
+        mGl.getIntegerv(GL_QUERY_BUFFER_BINDING, &buffer);
+        if (buffer != 0) {
+            return;
+        }
+    }
+    const GLuint query = mQueries[mRead];
+    GLuint isAvailable = GL_FALSE;
+    mGl.getQueryObjectuiv(query, GL_QUERY_RESULT_AVAILABLE, &isAvailable);
+    if (isAvailable == GL_FALSE) {
+        return;
+    }
+    GLuint64 time = 0;
+    mGl.getQueryObjectui64v(query, GL_QUERY_RESULT, &time);
+    if (mRead == 0) {
+        mFirst = time;
+    }
+    mStamps[mRead].time = (time - mFirst) & mCounterMask;
+    ++mRead;
+    if (mRead == mStamps.size()) {
+        const State state = wasDisjoint() ? State::FAILED : State::READY;
+        mGl.deleteQueries(static_cast<GLsizei>(mQueries.size()), mQueries.data());
+        mQueries.clear();
+        mState = state;
+    }
+}
+
+bool PassTimer::wasDisjoint() const {
+    GLint isDisjoint = GL_FALSE;
+    if (mGl.version.isEs) {
+        mGl.getIntegerv(GPU_DISJOINT_EXT, &isDisjoint);
+    }
+    return isDisjoint != GL_FALSE;
+}
+
+void PassTimer::stopRecording() {
+    if (mState == State::RECORDING) {
+        gRecording.fetch_sub(1, std::memory_order_relaxed);
+    }
+}
+
+void PassTimer::end(State state) {
+    stopRecording();
+    if (!mQueries.empty()) {
+        mGl.deleteQueries(static_cast<GLsizei>(mQueries.size()), mQueries.data());
+        mQueries.clear();
+    }
+    mStamps.clear();
+    mState = state;
+}
+
+}  // namespace opengl
