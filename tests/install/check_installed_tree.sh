@@ -44,6 +44,26 @@ done <<<"$headers"
 "$cmake" --build "$work/by-cmake" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 make -C "$work/by-pkg-config" CXX="$compiler" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 
+# The scene can be linked from there, all of it.
+mkdir "$work/scene"
+cat >"$work/scene/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.16)
+project(SceneLayer CXX)
+find_package(KordanixCore REQUIRED)
+add_executable(scene-layer main.cpp)
+target_link_libraries(scene-layer PRIVATE Kordanix::scene Kordanix::KordanixCore)
+END
+cat >"$work/scene/main.cpp" <<'END'
+#include "scene/Overlay.h"
+int main() {
+    void (scene::Overlay::*volatile call)() = &scene::Overlay::beginFrame;
+    return call == nullptr ? 1 : 0;
+}
+END
+"$cmake" -S "$work/scene" -B "$work/scene" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$prefix" \
+    >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+"$cmake" --build "$work/scene" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+
 # What one frame draws, once the first figure is there.
 expected='rectangle
 text "FPS #"
