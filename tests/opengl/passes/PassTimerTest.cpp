@@ -74,10 +74,6 @@ struct Kind {
     int minor;
 };
 
-void PrintTo(const Kind& kind, std::ostream* stream) {
-    *stream << kind.name;
-}
-
 /// A program that draws to framebuffers of its own, in a context of this kind.
 class PassTimerTest : public testing::TestWithParam<Kind> {
 protected:
@@ -150,7 +146,7 @@ protected:
         }
     }
 
-    void drawPass(GLuint framebuffer, int times) const {
+    void draw(GLuint framebuffer, int times) const {
         bind(framebuffer);
         draw(times);
     }
@@ -196,13 +192,10 @@ std::vector<unsigned int> framebuffersOf(const gui::FrameData& data) {
     return framebuffers;
 }
 
-const Kind OPENGL_33 = {"OpenGL33", Api::CORE, 3, 3};
-const Kind OPENGL_COMPATIBILITY = {"OpenGLCompatibility", Api::COMPATIBILITY, 2, 1};
-const Kind OPENGL_ES_2 = {"OpenGLES2", Api::ES, 2, 0};
-const Kind OPENGL_ES_3 = {"OpenGLES3", Api::ES, 3, 0};
-
 INSTANTIATE_TEST_SUITE_P(Contexts, PassTimerTest,
-                         testing::Values(OPENGL_33, OPENGL_COMPATIBILITY, OPENGL_ES_2, OPENGL_ES_3),
+                         testing::Values(Kind{"OpenGL33", Api::CORE, 3, 3},
+                                         Kind{"OpenGLCompatibility", Api::COMPATIBILITY, 2, 1},
+                                         Kind{"OpenGLES2", Api::ES, 2, 0}, Kind{"OpenGLES3", Api::ES, 3, 0}),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
 TEST_P(PassTimerTest, EveryFramebufferDrawnToIsAPass) {
@@ -217,15 +210,15 @@ TEST_P(PassTimerTest, EveryFramebufferDrawnToIsAPass) {
         const bool isKnown = capture(
             [&, first = first, second = second, unused = unused] {
                 gl().beginQuery(GL_TIME_ELAPSED, ownQuery);
-                drawPass(first, 20);
-                drawPass(first, 20);
+                draw(first, 20);
+                draw(first, 20);
                 bind(unused);
-                drawPass(second, 30);
+                draw(second, 30);
                 if (gl().features.readFramebuffers) {
                     bind(first, GL_READ_FRAMEBUFFER);
                     draw(10);
                 }
-                drawPass(0, 15);
+                draw(0, 15);
                 gl().endQuery(GL_TIME_ELAPSED);
             },
             data);
@@ -261,9 +254,9 @@ TEST_P(PassTimerTest, ReadsOneTimeStampAFrameAndNoneBeforeItIsThere) {
     mTimer->startCapture();
     EXPECT_EQ(calls.queries, static_cast<int>(PassTimer::MAX_STAMPS));
     mContext->swap();
-    EXPECT_EQ(frame([&] { drawPass(mFramebuffers[0], 20); }), Progress::PENDING);
+    EXPECT_EQ(frame([&] { draw(mFramebuffers[0], 20); }), Progress::PENDING);
     for (int i = 1; i < 50; ++i) {
-        EXPECT_EQ(frame([&] { drawPass(mFramebuffers[i % 3], 1); }), Progress::PENDING);
+        EXPECT_EQ(frame([&] { draw(mFramebuffers[i % 3], 1); }), Progress::PENDING);
         EXPECT_EQ(calls.questions, i + 1);
     }
     EXPECT_EQ(calls.reads, 0);
@@ -293,47 +286,42 @@ TEST_P(PassTimerTest, ReadsOneTimeStampAFrameAndNoneBeforeItIsThere) {
 
 TEST_P(PassTimerTest, ThreeHundredFramebuffersFillTheLastPass) {
     gui::FrameData data(0, {});
-    const bool isKnown = capture(
+    ASSERT_TRUE(capture(
         [&] {
             for (unsigned int i = 0; i < 300; ++i) {
-                drawPass(mFramebuffers[i % 2], 2);
+                draw(mFramebuffers[i % 2], 2);
             }
         },
-        data);
-    ASSERT_TRUE(isKnown);
+        data));
     EXPECT_EQ(calls.stamps, static_cast<int>(PassTimer::MAX_STAMPS));
     EXPECT_EQ(data.mRenderPasses.size(), PassTimer::MAX_STAMPS - 2) << "before the first nothing is drawn";
     EXPECT_EQ(data.mRenderPasses.back().mEndTime, data.mEndTime);
-    bind(0);
 }
 
 TEST_P(PassTimerTest, ACaptureCanBeLeftAnywhere) {
-    for (const char* const where : {"armed", "recording", "reading"}) {
-        SCOPED_TRACE(where);
-        for (const bool isContextLost : {false, true}) {
-            ASSERT_NO_FATAL_FAILURE(open(GetParam()));
-            calls.isAvailable = false;
-            mTimer->startCapture();
-            if (where == std::string("recording")) {
-                mTimer->onFrameBegin();
-                drawPass(mFramebuffers[0], 2);
-                EXPECT_TRUE(PassTimer::isAnyRecording());
-            } else if (where == std::string("reading")) {
-                frame([&] { drawPass(mFramebuffers[0], 2); });
-            }
-            if (isContextLost) {
-                const int questions = calls.questions;
-                mContext.reset();
-                mTimer.reset();
-                EXPECT_EQ(calls.questions, questions);
-                EXPECT_NE(calls.queries, 0) << "which went with the context";
-            } else {
-                mTimer->abandonCapture();
-                EXPECT_EQ(calls.queries, 0);
-                EXPECT_EQ(frame(), Progress::NONE);
-            }
-            EXPECT_FALSE(PassTimer::isAnyRecording());
+    for (int stage = 0; stage < 6; ++stage) {
+        SCOPED_TRACE(stage);
+        ASSERT_NO_FATAL_FAILURE(open(GetParam()));
+        calls.isAvailable = false;
+        mTimer->startCapture();
+        if (stage % 3 > 0) {
+            mTimer->onFrameBegin();
+            draw(mFramebuffers[0], 2);
+            EXPECT_TRUE(PassTimer::isAnyRecording());
         }
+        if (stage % 3 > 1) {
+            mTimer->onFrameEnd();
+        }
+        if (stage < 3) {
+            mContext.reset();
+            mTimer.reset();
+            EXPECT_NE(calls.queries, 0) << "which went with the context";
+        } else {
+            mTimer->abandonCapture();
+            EXPECT_EQ(calls.queries, 0);
+            EXPECT_EQ(frame(), Progress::NONE);
+        }
+        EXPECT_FALSE(PassTimer::isAnyRecording());
     }
 }
 
@@ -352,7 +340,7 @@ TEST_P(PassTimerTest, OnlyTheThreadOfTheContextCounts) {
 
 TEST_P(PassTimerTest, WithoutTimeStampsThereAreNoPasses) {
     gui::FrameData data(0, {});
-    const auto drawing = [&] { drawPass(mFramebuffers[0], 20); };
+    const auto drawing = [&] { draw(mFramebuffers[0], 20); };
     mFunctions.getQueryiv = noCounter;
     EXPECT_FALSE(capture(drawing, data)) << "a counter of no bits";
     mFunctions.features.timerQueries = false;
@@ -365,7 +353,7 @@ TEST_P(PassTimerTest, WithoutTimeStampsThereAreNoPasses) {
 
 TEST_P(PassTimerTest, TimeStampsThatAreNotToBeTrustedAreThrownAway) {
     gui::FrameData data(0, {});
-    const auto drawing = [&] { drawPass(mFramebuffers[0], 20); };
+    const auto drawing = [&] { draw(mFramebuffers[0], 20); };
     calls.disjointRead = 2;
     EXPECT_NE(capture(drawing, data), gl().version.isEs) << "disturbed while it was measured";
     calls.disjointRead = 3;
