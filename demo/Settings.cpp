@@ -2,12 +2,10 @@
 
 #include "Options.h"
 #include "Properties.h"
-#include "PropertyTable.h"
 #include "Restart.h"
-#include "ValueText.h"
+#include "SetCommand.h"
 #include "properties/SystemProperties.h"
 
-#include <optional>
 #include <string>
 
 namespace demo {
@@ -16,22 +14,13 @@ namespace {
 
 /// Takes what kordanixctl takes: short names, positions by name, colours as #RRGGBB.
 std::string write(const std::string& name, const std::string& value) {
-    const control::Property* const property = control::findProperty(name);
-    if (property == nullptr) {
-        const control::Property* const nearest = control::nearestProperty(name);
-        const std::string hint = nearest == nullptr
-                                     ? "'kordanixctl list' shows all of them"
-                                     : "did you mean '" + std::string(nearest->shortName) + "'?";
-        return "There is no property '" + name + "'; " + hint;
+    control::Assignment assignment;
+    std::string error = control::readAssignment(name, value, false, assignment);
+    if (!error.empty()) {
+        return error;
     }
-    const std::optional<std::string> text = control::toPropertyText(property->type, value);
-    if (!text) {
-        return "'" + value + "' is no value for " + name + "; expected " +
-               std::string(control::expectedText(property->type));
-    }
-    const std::string full = control::fullName(*property);
-    const std::string error = platform::setProperty(full.c_str(), text->c_str());
-    return error.empty() ? error : "Cannot set " + full + ": " + error;
+    error = platform::setProperty(assignment.name.c_str(), assignment.text.c_str());
+    return error.empty() ? error : "cannot set " + assignment.name + ": " + error;
 }
 
 }  // namespace

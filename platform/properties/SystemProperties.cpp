@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <thread>
 
@@ -129,6 +130,12 @@ std::string propertyAreaError() {
     std::string error;
     openFile(error);
     return error;
+}
+
+void changeRuntimeDirectory(const std::string& directory) {
+    setenv("KORDANIX_RUNTIME_DIR", directory.c_str(),
+           1);  // NOLINT(concurrency-mt-unsafe): as the header says
+    gArea.store(nullptr, std::memory_order_release);
 }
 
 }  // namespace platform

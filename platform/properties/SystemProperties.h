@@ -16,4 +16,9 @@ std::string setProperty(const char* name, const char* value);
 /// ever written and so there is no file yet.
 std::string propertyAreaError();
 
+/// Makes `directory` the runtime directory of this process, as if KORDANIX_RUNTIME_DIR had named it at its
+/// start (the variable is set too): what is looked up from now on is read there, what was found before stays
+/// as it is. While no other thread uses properties or the environment.
+void changeRuntimeDirectory(const std::string& directory);
+
 }  // namespace platform

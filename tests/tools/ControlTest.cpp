@@ -280,7 +280,7 @@ TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
                                {"get debug.kordanix.bg_color", 0, "4278224127\n"},
                                {"get api", 0, "-1\n"},
                                {"key volume", 2, "volume"},
-                               {"key dump --process 2000000000", 1, "does not listen"},
+                               {"key dump --process 2000000000", 1, "there is no process"},
                                {"key dump --process 0", 2, "--process"},
                                {"watch --seconds 0", 0, ""},
                                {"trace /nowhere /nowhere/out.json", 1, "no such folder"},

@@ -1,9 +1,11 @@
 #include "Doctor.h"
 
 #include "MetricChecks.h"
-#include "ProcessCommands.h"
+#include "OverlayState.h"
+#include "ProcessInfo.h"
 #include "Properties.h"
 #include "PropertyTable.h"
+#include "RunDirectories.h"
 #include "ValueText.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
@@ -17,12 +19,6 @@
 namespace control {
 
 namespace {
-
-/// What the library makes of a property, for people.
-std::string valueOf(std::string_view shortName) {
-    const Property* const property = findProperty(shortName);
-    return toDisplayText(*property, readProperty(fullName(*property)));
-}
 
 void describeProperties(std::ostream& out) {
     out << "\nProperties that are set (the rest have their defaults, see 'kordanixctl list'):\n";
@@ -45,23 +41,19 @@ void describeProperties(std::ostream& out) {
 }
 
 void describeProcesses(const std::string& directory, std::ostream& out) {
-    const bool isOn = valueOf("status") == "true";
-    const std::string wanted = valueOf("proc");
+    const bool isOn = displayedValue("status") == "true";
+    const std::string wanted = displayedValue("proc");
     out << "\nProcesses with the overlay's library that listen:\n";
     const std::vector<pid_t> processes = platform::listeningProcesses(directory);
     bool isAnyNamed = false;
     for (const pid_t process : processes) {
         const std::string name = processName(process);
-        const bool isNamed = name == wanted;
-        isAnyNamed = isAnyNamed || isNamed;
-        out << "  " << process << ' ' << name << ": ";
-        if (!isNamed) {
-            out << "does not show the overlay, which is for '" << wanted << "'\n";
-        } else if (!isOn) {
-            out << "does not show the overlay, which is switched off\n";
-        } else {
-            out << "shows the overlay, if its graphics API is number " << valueOf("api") << '\n';
-        }
+        isAnyNamed = isAnyNamed || name == wanted;
+        const std::string obstacle = overlayObstacle(name);
+        out << "  " << process << ' ' << name << ": "
+            << (obstacle.empty() ? "shows the overlay, if its graphics API is number " + displayedValue("api")
+                                 : obstacle)
+            << '\n';
     }
     if (processes.empty()) {
         out << "  none\n";
@@ -72,6 +64,16 @@ void describeProcesses(const std::string& directory, std::ostream& out) {
     if (!processes.empty() && !isAnyNamed) {
         out << "  'kordanixctl set proc NAME' chooses the process by the name above.\n";
     }
+}
+
+void describeRuns(std::ostream& out) {
+    out << "\nPrograms that 'kordanixctl run' started, each with properties of its own:\n";
+    std::string error;
+    const std::vector<Run> runs = findRuns(userDirectory(error));
+    for (const Run& run : runs) {
+        out << "  " << run.process << ' ' << processName(run.process) << ": " << run.directory << '\n';
+    }
+    out << (runs.empty() ? "  none\n" : "  'kordanixctl --process PID doctor' says more about one.\n");
 }
 
 /// A file's error goes with its advice; several metrics often share it.
@@ -121,6 +123,7 @@ ExitCode runDoctor(std::ostream& out, std::ostream& err) {
         out << "Runtime directory: " << directory.path << '\n';
         describeProperties(out);
         describeProcesses(directory.path, out);
+        describeRuns(out);
     }
     describeMetrics(out);
     return result;

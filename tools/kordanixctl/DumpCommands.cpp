@@ -1,5 +1,6 @@
 #include "DumpCommands.h"
 
+#include "Complaint.h"
 #include "DumpReader.h"
 #include "Report.h"
 #include "Trace.h"
@@ -16,34 +17,28 @@ namespace {
 /// Writes a dump to a stream. Returns an empty text, or why nothing was written.
 using DumpWriter = std::function<std::string(const Dump&, std::ostream&)>;
 
-ExitCode fail(const std::string& what, const std::string& why, std::ostream& err) {
-    err << "kordanixctl: " << what << ": " << why << '\n';
-    return FAILURE;
-}
-
 ExitCode convert(const std::string& folder, const std::string& path, const DumpWriter& write,
                  std::ostream& err) {
     Dump dump;
     const std::string error = readDump(folder, dump);
     if (!error.empty()) {
-        err << "kordanixctl: " << error << '\n';
-        return FAILURE;
+        return fail(error, err);
     }
     const std::string losses = describeLosses(dump);
     if (!losses.empty()) {
-        err << "kordanixctl: " << folder << ": " << losses << '\n';
+        complain(folder + ": " + losses, err);
     }
     errno = 0;
     std::ofstream file(path, std::ios::binary);
     if (!file) {
-        return fail(path, "cannot be written: " + std::generic_category().message(errno), err);
+        return fail(path + ": cannot be written: " + std::generic_category().message(errno), err);
     }
     const std::string reason = write(dump, file);
     file.close();
     if (!reason.empty()) {
-        return fail(folder, reason, err);
+        return fail(folder + ": " + reason, err);
     }
-    return file ? SUCCESS : fail(path, "could not be written to its end", err);
+    return file ? SUCCESS : fail(path + ": could not be written to its end", err);
 }
 
 }  // namespace

@@ -18,8 +18,4 @@ ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std:
 /// Tells overlays that their application goes to the background.
 ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::ostream& err);
 
-/// The name that "debug.kordanix.proc" is compared with: the first word of the process's command line. Empty
-/// when it cannot be read.
-std::string processName(pid_t process);
-
 }  // namespace control

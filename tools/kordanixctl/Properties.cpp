@@ -1,5 +1,6 @@
 #include "Properties.h"
 
+#include "Complaint.h"
 #include "PropertyTable.h"
 #include "properties/SystemProperties.h"
 
@@ -13,11 +14,7 @@ namespace control {
 
 ExitCode checkProperties(std::ostream& err) {
     const std::string error = platform::propertyAreaError();
-    if (error.empty()) {
-        return SUCCESS;
-    }
-    err << "kordanixctl: there are no properties: " << error << '\n';
-    return FAILURE;
+    return error.empty() ? SUCCESS : fail("there are no properties: " + error, err);
 }
 
 std::optional<std::string> readProperty(const std::string& name) {

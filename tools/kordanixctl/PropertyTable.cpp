@@ -132,7 +132,7 @@ const Property* findProperty(std::string_view name) {
     return found == rows.end() ? nullptr : found;
 }
 
-const Property* nearestProperty(std::string_view name) {
+std::string hintFor(std::string_view name) {
     const std::string_view wanted = withoutPrefix(name);
     // A quarter of the letters may be wrong, and always two.
     std::size_t smallest = std::max<std::size_t>(2, wanted.size() / 4) + 1;
@@ -144,7 +144,8 @@ const Property* nearestProperty(std::string_view name) {
             nearest = &row;
         }
     }
-    return nearest;
+    return nearest == nullptr ? "see 'kordanixctl list'"
+                              : "did you mean '" + std::string(nearest->shortName) + "'?";
 }
 
 std::string expandName(std::string_view name) {

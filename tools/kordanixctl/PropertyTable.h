@@ -53,8 +53,9 @@ std::string defaultText(const Property& property);
 /// Finds a property by its short or full name; null when the library has none of that name.
 const Property* findProperty(std::string_view name);
 
-/// The property whose short name is the most alike; null when none is so much alike that one could be meant.
-const Property* nearestProperty(std::string_view name);
+/// What to say about a name that findProperty() does not know: "did you mean 'NAME'?" with the property whose
+/// name is the most alike, or where to look when none is so much alike that it could be meant.
+std::string hintFor(std::string_view name);
 
 /// The full form of a name that need not be one of the library's: a name with a dot is taken as it is.
 std::string expandName(std::string_view name);

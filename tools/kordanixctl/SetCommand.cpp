@@ -1,5 +1,6 @@
 #include "SetCommand.h"
 
+#include "Complaint.h"
 #include "Properties.h"
 #include "PropertyTable.h"
 #include "ValueText.h"
@@ -10,75 +11,51 @@
 
 namespace control {
 
-namespace {
-
-struct Assignment {
-    std::string name;
-    std::string text;
-};
-
-/// Appends what is to be written. Returns what is wrong with the name or value, or an empty text.
-std::string addAssignment(const std::string& name, const std::string& value, bool isForced,
-                          std::vector<Assignment>& assignments) {
+std::string readAssignment(const std::string& name, const std::string& value, bool isForced,
+                           Assignment& assignment) {
     const Property* const property = findProperty(name);
     if (property == nullptr && !isForced) {
-        const Property* const nearest = nearestProperty(name);
-        return "there is no property '" + name + "'" +
-               (nearest == nullptr ? std::string("; see 'kordanixctl list'")
-                                   : "; did you mean '" + std::string(nearest->shortName) + "'?") +
-               " (--force writes it all the same)";
+        return "there is no property '" + name + "'; " + hintFor(name);
     }
     const PropertyType type = property == nullptr ? PropertyType::TEXT : property->type;
     const auto text = toPropertyText(type, value);
     if (!text) {
         return "'" + value + "' is no value for '" + name + "'; expected " + std::string(expectedText(type));
     }
-    const std::string full = property == nullptr ? expandName(name) : fullName(*property);
-    std::string error = platform::propertyNameError(full.c_str());
-    if (error.empty()) {
-        assignments.push_back({full, *text});
-        return {};
-    }
-    return "'" + full + "': " + error;
+    assignment = {property == nullptr ? expandName(name) : fullName(*property), *text};
+    const std::string error = platform::propertyNameError(assignment.name.c_str());
+    return error.empty() ? error : "'" + assignment.name + "': " + error;
 }
 
-ExitCode report(const std::string& error, std::ostream& err) {
-    if (error.empty()) {
-        return SUCCESS;
-    }
-    err << "kordanixctl: " << error << '\n';
-    return FAILURE;
-}
-
-}  // namespace
-
-ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& options, std::ostream& err) {
-    std::vector<Assignment> assignments;
-    ExitCode result = SUCCESS;
-    for (std::size_t i = 0; i < words.size(); i += 2) {
-        const std::string error = i + 1 == words.size()
-                                      ? "'" + words[i] + "' has no value; expected NAME VALUE in turns"
-                                      : addAssignment(words[i], words[i + 1], options.isForced, assignments);
-        if (!error.empty()) {
-            err << "kordanixctl: " << error << '\n';
-            result = USAGE_ERROR;
-        }
-    }
-    if (result != SUCCESS) {
-        return result;
-    }
+ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err) {
     for (const Assignment& assignment : assignments) {
         const std::string error = platform::setProperty(assignment.name.c_str(), assignment.text.c_str());
         if (!error.empty()) {
-            return report("cannot set " + assignment.name + ", so nothing is published: " + error, err);
+            return fail("cannot set " + assignment.name + ", so nothing is published: " + error, err);
         }
     }
-    return options.isPublished ? publishProperties(err) : SUCCESS;
+    return isPublished ? publishProperties(err) : SUCCESS;
+}
+
+ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& options, std::ostream& err) {
+    std::vector<Assignment> assignments(words.size() / 2);
+    ExitCode result = SUCCESS;
+    for (std::size_t i = 0; i + 1 < words.size(); i += 2) {
+        std::string error = readAssignment(words[i], words[i + 1], options.isForced, assignments[i / 2]);
+        if (!error.empty() && findProperty(words[i]) == nullptr && !options.isForced) {
+            error += " (--force writes it all the same)";
+        }
+        result = error.empty() ? result : fail(error, err, USAGE_ERROR);
+    }
+    if (words.size() % 2 != 0) {
+        result = fail("'" + words.back() + "' has no value; expected NAME VALUE in turns", err, USAGE_ERROR);
+    }
+    return result == SUCCESS ? writeAssignments(assignments, options.isPublished, err) : result;
 }
 
 ExitCode publishProperties(std::ostream& err) {
     const std::string error = publish();
-    return report(error.empty() ? error : "cannot publish: " + error, err);
+    return failUnlessEmpty(error.empty() ? error : "cannot publish: " + error, err);
 }
 
 ExitCode resetProperties(bool keepsControl, std::ostream& err) {
@@ -91,8 +68,7 @@ ExitCode resetProperties(bool keepsControl, std::ostream& err) {
         }
         const std::string error = platform::setProperty(name.c_str(), "");
         if (!error.empty()) {
-            err << "kordanixctl: cannot reset " << name << ": " << error << '\n';
-            return FAILURE;
+            return fail("cannot reset " + name + ": " + error, err);
         }
     }
     return publishProperties(err);

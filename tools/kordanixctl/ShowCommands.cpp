@@ -1,5 +1,6 @@
 #include "ShowCommands.h"
 
+#include "Complaint.h"
 #include "Properties.h"
 #include "PropertyTable.h"
 #include "ValueText.h"
@@ -33,13 +34,7 @@ ExitCode printProperty(const std::string& name, std::ostream& out, std::ostream&
     const Property* const property = findProperty(name);
     const auto text = readProperty(property == nullptr ? expandName(name) : fullName(*property));
     if (!text && property == nullptr) {
-        const Property* const nearest = nearestProperty(name);
-        err << "kordanixctl: '" << name << "' is neither set nor a property of the library";
-        if (nearest != nullptr) {
-            err << "; did you mean '" << nearest->shortName << "'?";
-        }
-        err << '\n';
-        return FAILURE;
+        return fail("'" + name + "' is neither set nor a property of the library; " + hintFor(name), err);
     }
     out << (text ? *text : defaultText(*property)) << '\n';
     return SUCCESS;

@@ -34,6 +34,22 @@ std::optional<double> millisecondsBetween(const DumpedFrame& first, const Dumped
 
 }  // namespace
 
+std::vector<PassGroup> groupPasses(const Dump& dump) {
+    std::vector<PassGroup> groups;
+    for (std::size_t i = 0; i < dump.passes.size(); ++i) {
+        const DumpedPass& pass = dump.passes[i];
+        if (i == 0 || pass.frame != dump.passes[i - 1].frame) {
+            groups.push_back({i, 0, 0.0, 0.0});
+        }
+        ++groups.back().count;
+        groups.back().sumMs += pass.durationMs;
+    }
+    for (PassGroup& group : groups) {
+        group.lengthMs = std::max(group.sumMs, dump.frames[dump.passes[group.first].frame].passFrameMs);
+    }
+    return groups;
+}
+
 FrameTimes frameTimes(const Dump& dump) {
     FrameTimes result;
     for (std::size_t i = 1; i < dump.frames.size(); ++i) {

@@ -9,6 +9,15 @@
 
 namespace control {
 
+/// The render passes of one captured frame: a range of the dump's passes.
+struct PassGroup {
+    std::size_t first;
+    std::size_t count;
+    double sumMs;
+    double lengthMs;  ///< of the frame; at least the sum
+};
+std::vector<PassGroup> groupPasses(const Dump& dump);
+
 /// How long one frame took.
 struct FrameTime {
     std::size_t frame;  ///< index of the frame that ended with it

@@ -86,43 +86,31 @@ void writeFrames(const Dump& dump, const std::vector<double>& elapsedMs, EventWr
     }
 }
 
-/// Writes the passes of one frame, which are next to each other, and returns where their slice ends.
-double writePassesOfFrame(const Dump& dump, std::size_t first, std::size_t count, double startUs,
-                          EventWriter& events) {
-    const DumpedFrame& frame = dump.frames[dump.passes[first].frame];
-    double lengthMs = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-        lengthMs += dump.passes[first + i].durationMs;
-    }
-    const double frameUs = std::max(lengthMs, frame.passFrameMs) * US_PER_MS;
-    events.slice(PASS_TRACK, "Passes of frame " + std::to_string(frame.passFrameId), startUs, frameUs,
+void writePassesOfFrame(const Dump& dump, const PassGroup& group, double startUs, EventWriter& events) {
+    const DumpedFrame& frame = dump.frames[dump.passes[group.first].frame];
+    events.slice(PASS_TRACK, "Passes of frame " + std::to_string(frame.passFrameId), startUs,
+                 group.lengthMs * US_PER_MS,
                  {{"frameId", frame.passFrameId},
                   {"recordedWithFrame", frame.number},
                   {"frameDurationMs", frame.passFrameMs},
-                  {"passes", count}});
+                  {"passes", group.count}});
     double passUs = startUs;
-    for (std::size_t i = 0; i < count; ++i) {
-        const DumpedPass& pass = dump.passes[first + i];
+    for (std::size_t i = 0; i < group.count; ++i) {
+        const DumpedPass& pass = dump.passes[group.first + i];
         const double durationUs = pass.durationMs * US_PER_MS;
         events.slice(PASS_TRACK, "Pass " + std::to_string(i), passUs, durationUs,
                      {{"firstValue", pass.firstValue}, {"secondValue", pass.secondValue}});
         passUs += durationUs;
     }
-    return startUs + frameUs;
 }
 
 void writePasses(const Dump& dump, const std::vector<double>& elapsedMs, EventWriter& events) {
     double freeUs = 0.0;
-    for (std::size_t first = 0; first < dump.passes.size();) {
-        const std::size_t frame = dump.passes[first].frame;
-        std::size_t count = 0;
-        while (first + count < dump.passes.size() && dump.passes[first + count].frame == frame) {
-            ++count;
-        }
+    for (const PassGroup& group : groupPasses(dump)) {
         // Slices of one track must not overlap, and time stamps are only right to a millisecond.
-        const double startUs = std::max(freeUs, elapsedMs[frame] * US_PER_MS);
-        freeUs = writePassesOfFrame(dump, first, count, startUs, events);
-        first += count;
+        const double startUs = std::max(freeUs, elapsedMs[dump.passes[group.first].frame] * US_PER_MS);
+        writePassesOfFrame(dump, group, startUs, events);
+        freeUs = startUs + group.lengthMs * US_PER_MS;
     }
 }
 

@@ -86,30 +86,6 @@ void writeValue(const ReportData& data, const DumpedValue& value, std::ostream& 
     out << "</div>\n";
 }
 
-/// The passes of one captured frame: a range of the dump's passes.
-struct PassGroup {
-    std::size_t first;
-    std::size_t count;
-    double sumMs;
-    double lengthMs;  ///< of the frame; at least the sum
-};
-
-std::vector<PassGroup> groupPasses(const Dump& dump) {
-    std::vector<PassGroup> groups;
-    for (std::size_t i = 0; i < dump.passes.size(); ++i) {
-        const DumpedPass& pass = dump.passes[i];
-        if (i == 0 || pass.frame != dump.passes[i - 1].frame) {
-            groups.push_back({i, 0, 0.0, 0.0});
-        }
-        ++groups.back().count;
-        groups.back().sumMs += pass.durationMs;
-    }
-    for (PassGroup& group : groups) {
-        group.lengthMs = std::max(group.sumMs, dump.frames[dump.passes[group.first].frame].passFrameMs);
-    }
-    return groups;
-}
-
 void writePassTable(const Dump& dump, const PassGroup& group, std::ostream& out) {
     out << "<details><summary>All " << group.count
         << " passes</summary>\n<table><tr><th>Pass</th><th>First value</th><th>Second value</th>"

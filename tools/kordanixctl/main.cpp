@@ -1,7 +1,12 @@
+#include "Addressing.h"
+#include "Complaint.h"
 #include "Doctor.h"
 #include "DumpCommands.h"
+#include "PictureCommand.h"
 #include "ProcessCommands.h"
+#include "ProcessInfo.h"
 #include "Properties.h"
+#include "RunCommand.h"
 #include "SetCommand.h"
 #include "ShowCommands.h"
 #include "WatchCommand.h"
@@ -9,10 +14,10 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,10 +26,20 @@ namespace {
 
 using control::ExitCode;
 
+/// Whether the verb is about the properties or overlay of some process.
+enum class Address {
+    REQUIRED,
+    HELPFUL,  ///< it does its best when several could be meant
+    NONE,
+};
+
 /// What the command line says.
 struct Arguments {
     std::function<ExitCode()> action;  ///< what the chosen verb does
+    Address address = Address::REQUIRED;
     std::vector<std::string> words;
+    std::vector<std::string> program;  ///< with its arguments, for 'run'
+    double seconds = 5.0;
     std::string name;
     control::SetOptions set;
     control::WatchOptions watch;
@@ -37,10 +52,24 @@ struct Arguments {
     std::string path;
 };
 
+/// Shows a usage line that the parser could not make itself.
+class UsageFormatter : public CLI::Formatter {
+public:
+    explicit UsageFormatter(std::string usage) : mUsage(std::move(usage)) {}
+
+    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
+        return "Usage: kordanixctl " + mUsage + '\n';
+    }
+
+private:
+    std::string mUsage;
+};
+
 CLI::App* addVerb(CLI::App& app, const char* name, const char* description) {
     CLI::App* const verb = app.add_subcommand(name, description);
     verb->set_help_flag("-h,--help", "Print this help and exit");
     verb->footer("");
+    verb->fallthrough();  // so that --process may stand after the verb too
     return verb;
 }
 
@@ -134,14 +163,6 @@ void addReset(CLI::App& app, Arguments& arguments) {
     });
 }
 
-/// The option of the verbs that reach running overlays.
-void addProcessOption(CLI::App& verb, Arguments& arguments) {
-    verb.add_option("--process", arguments.process,
-                    "Only to this process (default: to all that show an overlay)")
-        ->type_name("PID")
-        ->check(CLI::PositiveNumber);
-}
-
 void addKey(CLI::App& app, Arguments& arguments) {
     CLI::App* const verb =
         addVerb(app, "key", "Press a key of running overlays: start or stop a dump, or capture a frame");
@@ -149,7 +170,6 @@ void addKey(CLI::App& app, Arguments& arguments) {
         ->type_name("KEY")
         ->required()
         ->check(CLI::IsMember({"dump", "capture"}));
-    addProcessOption(*verb, arguments);
     verb->callback([&arguments] {
         arguments.action = [&] {
             return control::pressKey(arguments.key == "dump" ? control::Key::DUMP : control::Key::CAPTURE,
@@ -161,7 +181,6 @@ void addKey(CLI::App& app, Arguments& arguments) {
 void addBackground(CLI::App& app, Arguments& arguments) {
     CLI::App* const verb =
         addVerb(app, "background", "Tell running overlays that their application goes to the background");
-    addProcessOption(*verb, arguments);
     verb->callback([&arguments] {
         arguments.action = [&] { return control::sendToBackground(arguments.process, std::cout, std::cerr); };
     });
@@ -170,8 +189,65 @@ void addBackground(CLI::App& app, Arguments& arguments) {
 void addDoctor(CLI::App& app, Arguments& arguments) {
     addVerb(app, "doctor",
             "Say what can be measured here, who shows the overlay, and what to do about the rest")
-        ->callback(
-            [&arguments] { arguments.action = [&] { return control::runDoctor(std::cout, std::cerr); }; });
+        ->callback([&arguments] {
+            arguments.address = Address::HELPFUL;
+            arguments.action = [&] { return control::runDoctor(std::cout, std::cerr); };
+        });
+}
+
+void addRun(CLI::App& app, Arguments& arguments) {
+    CLI::App* const verb = addVerb(app, "run", "Start a program with the overlay and properties of its own");
+    verb->formatter(std::make_shared<UsageFormatter>("run [OPTIONS] [--] PROGRAM [ARGUMENTS]..."));
+    verb->footer(
+        "Everything from PROGRAM on is the program's own. Exit status: the program's; 127 when there is "
+        "no such program, 126 when it cannot be run.");
+    verb->add_option(
+            "--set", arguments.words,
+            "Set a property for the program, as 'set' does; may be given more than once. status, proc "
+            "and api are set so that the program shows the overlay")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all();
+    verb->callback([&arguments] {
+        arguments.address = Address::NONE;
+        arguments.action = [&] {
+            const char* const error =
+                arguments.program.empty() ? "run: which program? See 'kordanixctl run --help'"
+                : arguments.process       ? "run: a program that is yet to start has no --process"
+                                          : nullptr;
+            return error != nullptr ? control::fail(error, std::cerr, control::USAGE_ERROR)
+                                    : control::runProgram(arguments.words, arguments.program, std::cerr);
+        };
+    });
+}
+
+void addPicture(CLI::App& app, Arguments& arguments) {
+    CLI::App* const verb = addVerb(app, "picture", "Save the next frame of a program with the overlay in it");
+    verb->formatter(std::make_shared<UsageFormatter>("picture [OPTIONS] [PID] OUT.png"));
+    verb->add_option("out", arguments.words,
+                     "File to write, which is replaced; before it the process, which may be left out when "
+                     "only one shows an overlay")
+        ->type_name("")
+        ->required()
+        ->expected(1, 2);
+    verb->add_option("--seconds", arguments.seconds, "How long to wait for a frame")
+        ->capture_default_str()
+        ->type_name("SECONDS")
+        ->check(CLI::NonNegativeNumber);
+    verb->callback([&arguments] {
+        if (arguments.words.size() > 1) {
+            const auto process = control::toProcess(arguments.words.front());
+            if (!process || (arguments.process && arguments.process != process)) {
+                throw CLI::ValidationError("picture",
+                                           "'" + arguments.words.front() + "' is not the process to ask");
+            }
+            arguments.process = process;
+        }
+        arguments.path = arguments.words.back();
+        arguments.action = [&] {
+            return control::savePicture(arguments.process, arguments.path, arguments.seconds, std::cerr);
+        };
+    });
 }
 
 /// A verb that turns a dump into a file.
@@ -186,30 +262,69 @@ void addConversion(CLI::App& app, const char* name, const char* description, con
         ->type_name(fileType)
         ->required();
     verb->callback([&arguments, convert] {
+        arguments.address = Address::NONE;
         arguments.action = [&, convert] { return convert(arguments.folder, arguments.path, std::cerr); };
     });
 }
 
-/// The first word that should be a verb and is none; empty when all is well. (The parser would only say that
-/// a verb is missing.)
-std::string unknownVerb(const CLI::App& app, const std::vector<std::string>& words) {
-    const auto word = std::find_if(words.begin(), words.end(),
-                                   [](const std::string& text) { return text.empty() || text[0] != '-'; });
-    const std::vector<const CLI::App*> verbs = app.get_subcommands([](const CLI::App*) { return true; });
-    const auto isNamedSo = [&](const CLI::App* verb) { return verb->get_name() == *word; };
-    return word == words.end() || std::any_of(verbs.begin(), verbs.end(), isNamedSo) ? std::string() : *word;
+constexpr const char* PROCESS_OPTION = "--process";
+
+/// Where the verb stands, or the end. Options before it may have a value of their own.
+std::size_t findVerb(const std::vector<std::string>& words) {
+    std::size_t i = 0;
+    while (i < words.size() && !words[i].empty() && words[i][0] == '-') {
+        i += words[i] == PROCESS_OPTION ? 2 : 1;
+    }
+    return std::min(i, words.size());
+}
+
+bool hasVerb(const CLI::App& app, const std::string& name) {
+    return !app.get_subcommands([&](const CLI::App* verb) { return verb->get_name() == name; }).empty();
+}
+
+/// Cuts the program and its arguments off the words of 'run', which the parser is not to look at.
+std::vector<std::string> cutProgram(std::vector<std::string>& words, std::size_t verb) {
+    std::size_t i = verb + 1;
+    while (i < words.size() && words[i] != "--" && !words[i].empty() && words[i][0] == '-') {
+        i += words[i] == "--set" || words[i] == PROCESS_OPTION ? 2 : 1;
+    }
+    i = std::min(i, words.size());
+    const std::size_t first = i + (i < words.size() && words[i] == "--" ? 1 : 0);
+    std::vector<std::string> program(words.begin() + static_cast<std::ptrdiff_t>(first), words.end());
+    words.resize(i);
+    return program;
+}
+
+/// Settles whose properties and overlays the verb is about.
+ExitCode address(const Arguments& arguments) {
+    if (arguments.address == Address::NONE) {
+        return control::SUCCESS;
+    }
+    if (arguments.address == Address::HELPFUL && !arguments.process) {
+        std::ostream ignored(nullptr);
+        control::chooseRuntimeDirectory(std::nullopt, ignored);
+        return control::SUCCESS;
+    }
+    return control::chooseRuntimeDirectory(arguments.process, std::cerr);
 }
 
 ExitCode run(int argc, char** argv) {
     CLI::App app{
-        "Sets and shows the overlay's properties, reaches running overlays, and turns their frame "
-        "dumps into traces and reports.",
+        "Starts programs with the overlay, sets and shows its properties, reaches running overlays, and "
+        "turns their frame dumps into traces and reports.",
         "kordanixctl"};
     app.set_help_flag("-h,--help", "Print this help and exit");
     app.set_version_flag("--version", "kordanixctl " KORDANIX_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer("'kordanixctl VERB --help' says more. Exit status: 0 done, 1 failed, 2 not understood.");
     Arguments arguments;
+    app.add_option(PROCESS_OPTION, arguments.process,
+                   "The process whose properties and overlay are meant (default: the only program that was "
+                   "started with 'run', else all that were not); may also follow the verb")
+        ->type_name("PID")
+        ->check(CLI::PositiveNumber);
+    addRun(app, arguments);
+    addPicture(app, arguments);
     addSet(app, arguments);
     addGet(app, arguments);
     addList(app, arguments);
@@ -224,18 +339,22 @@ ExitCode run(int argc, char** argv) {
     addConversion(app, "report", "Turn a frame dump into a page with its frame times and values", "OUT.html",
                   control::makeReport, arguments);
 
-    std::vector<std::string> words;
-    std::transform(argv + std::min(argc, 1), argv + argc, std::back_inserter(words), protect);
-    const std::string unknown = unknownVerb(app, words);
-    if (!unknown.empty()) {
-        std::cerr << "kordanixctl: there is no verb '" << unknown << "'; see 'kordanixctl --help'\n";
-        return control::USAGE_ERROR;
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    const std::size_t verb = findVerb(words);
+    if (verb < words.size() && !hasVerb(app, words[verb])) {
+        return control::fail("there is no verb '" + words[verb] + "'; see 'kordanixctl --help'", std::cerr,
+                             control::USAGE_ERROR);
     }
+    if (verb < words.size() && words[verb] == "run") {
+        arguments.program = cutProgram(words, verb);
+    }
+    std::transform(words.begin(), words.end(), words.begin(), protect);
     // The parser takes words from the back.
     std::reverse(words.begin(), words.end());
     try {
         app.parse(words);
-        const ExitCode result = arguments.action();
+        const ExitCode addressed = address(arguments);
+        const ExitCode result = addressed == control::SUCCESS ? arguments.action() : addressed;
         std::cout.flush();
         return result == control::SUCCESS && !std::cout ? control::FAILURE : result;
     } catch (const CLI::ParseError& error) {
@@ -249,7 +368,6 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "kordanixctl: %s\n", error.what());
-        return control::FAILURE;
+        return control::fail(error.what(), std::cerr);
     }
 }

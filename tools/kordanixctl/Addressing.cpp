@@ -1,0 +1,98 @@
+#include "Addressing.h"
+
+#include "Complaint.h"
+#include "ProcessInfo.h"
+#include "RunDirectories.h"
+#include "ostra/ProcessSocket.h"
+#include "properties/SystemProperties.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+namespace control {
+
+namespace {
+
+/// The runtime directory of a process; empty, with the reason in `error`, when it is not to be had.
+std::string directoryOf(pid_t process, std::string& error) {
+    const std::string who = "process " + std::to_string(process);
+    if (!startTime(process)) {
+        error = "there is no " + who;
+        return {};
+    }
+    const std::string user = userDirectory(error);
+    if (user.empty()) {
+        return {};
+    }
+    const std::vector<Run> runs = findRuns(user);
+    const auto run =
+        std::find_if(runs.begin(), runs.end(), [&](const Run& each) { return each.process == process; });
+    if (run != runs.end()) {
+        return run->directory;
+    }
+    const auto directory = environmentVariable(process, "KORDANIX_RUNTIME_DIR");
+    if (!directory) {
+        error = "the environment of " + who + " cannot be read: it belongs to another user, or is protected";
+    }
+    return directory && directory->empty() ? user : directory.value_or(std::string());
+}
+
+std::string line(pid_t process) {
+    return "\n  " + std::to_string(process) + ' ' + processName(process);
+}
+
+/// The only program that was started with 'run'; nothing when there is none. With several that could be
+/// meant, `error` says which.
+std::optional<Run> onlyRun(const std::string& directory, std::string& error) {
+    const std::vector<Run> runs = findRuns(directory);
+    const std::vector<pid_t> others = platform::listeningProcesses(directory);
+    if (runs.size() == 1 && others.empty()) {
+        return runs.front();
+    }
+    if (runs.empty()) {
+        return std::nullopt;
+    }
+    error = "several programs could be meant:";
+    for (const Run& run : runs) {
+        error += line(run.process);
+    }
+    for (const pid_t other : others) {
+        error += line(other);
+    }
+    error += "\n'kordanixctl --process PID ...' chooses one; KORDANIX_RUNTIME_DIR=" + directory +
+             " stands for all that were not started with 'kordanixctl run'";
+    return std::nullopt;
+}
+
+}  // namespace
+
+ExitCode chooseRuntimeDirectory(std::optional<pid_t> process, std::ostream& err) {
+    std::string error;
+    std::string directory;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
+    const char* const chosen = std::getenv("KORDANIX_RUNTIME_DIR");
+    if (process) {
+        directory = directoryOf(*process, error);
+    } else if (chosen == nullptr || *chosen == '\0') {
+        std::string ignored;  // the verb will find out itself, and may do without
+        const std::string user = userDirectory(ignored);
+        const std::optional<Run> run = user.empty() ? std::nullopt : onlyRun(user, error);
+        directory = run ? run->directory : std::string();
+    }
+    if (!directory.empty()) {
+        platform::changeRuntimeDirectory(directory);
+    }
+    return failUnlessEmpty(error, err);
+}
+
+std::vector<pid_t> recipients(const std::string& directory, std::optional<pid_t> process) {
+    const std::vector<pid_t> listening = platform::listeningProcesses(directory);
+    const bool isOnlyListener = listening.size() == 1 && isRunDirectory(directory);
+    if (!process || isOnlyListener) {
+        return listening;
+    }
+    return {*process};
+}
+
+}  // namespace control

@@ -1,0 +1,18 @@
+#include "Complaint.h"
+
+namespace control {
+
+void complain(std::string_view text, std::ostream& err) {
+    err << "kordanixctl: " << text << '\n';
+}
+
+ExitCode fail(std::string_view error, std::ostream& err, ExitCode code) {
+    complain(error, err);
+    return code;
+}
+
+ExitCode failUnlessEmpty(std::string_view error, std::ostream& err) {
+    return error.empty() ? SUCCESS : fail(error, err);
+}
+
+}  // namespace control

@@ -1,0 +1,12 @@
+#include "Complaint.h"
+#include "PictureCommand.h"
+
+namespace control {
+
+// For builds without libpng.
+ExitCode savePicture(std::optional<pid_t> /*process*/, const std::string& /*path*/, double /*seconds*/,
+                     std::ostream& err) {
+    return fail("this kordanixctl was built without PNG files", err);
+}
+
+}  // namespace control
