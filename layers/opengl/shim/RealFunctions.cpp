@@ -1,0 +1,173 @@
+#include "opengl/shim/RealFunctions.h"
+
+#include <dlfcn.h>
+#include <link.h>
+
+#include <initializer_list>
+
+namespace opengl {
+
+namespace {
+
+/// Functions that callers of an exported function reach when the program as a whole has none: each library
+/// that was loaded for itself has its own.
+struct CallersFunction {
+    std::atomic<const void*> caller{nullptr};
+    std::atomic<void*> real{nullptr};
+};
+
+constexpr std::size_t CALLERS = 4;
+CallersFunction gCallers[HOOKS][CALLERS];
+
+std::atomic<FindSymbol> gFindSymbol{nullptr};
+
+/// The library that has the code or data at `address`, as a handle that is never given back: what has been
+/// called may be called again.
+void* libraryOf(const void* address) {
+    Dl_info info;
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
+        return nullptr;
+    }
+    return dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
+}
+
+void* findIn(void* library, Hook hook) {
+    if (library == nullptr) {
+        return nullptr;
+    }
+    void* const found = realFindSymbol()(library, HOOK_NAMES[static_cast<std::size_t>(hook)]);
+    return found == exportedFunction(hook) ? nullptr : found;
+}
+
+void* findByCaller(Hook hook, const void* caller) {
+    if (void* const found = findIn(libraryOf(caller), hook)) {
+        return found;
+    }
+    // The caller may have been left by a jump, and then is not who it seems.
+    for (const char* name :
+         {"libGL.so.1", "libGLX.so.0", "libEGL.so.1", "libGLESv2.so.2", "libOpenGL.so.0"}) {
+        if (void* const found = findIn(dlopen(name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE), hook)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+FindSymbol realFindSymbol() {
+    FindSymbol find = gFindSymbol.load(std::memory_order_relaxed);
+    if (find != nullptr) {
+        return find;
+    }
+    for (const char* version : {"GLIBC_2.34", "GLIBC_2.17", "GLIBC_2.2.5"}) {
+        find = reinterpret_cast<FindSymbol>(dlvsym(RTLD_NEXT, "dlsym", version));
+        if (find != nullptr) {
+            break;
+        }
+    }
+    gFindSymbol.store(find, std::memory_order_relaxed);
+    return find;
+}
+
+void* resolveExported(Hook hook, const void* caller) {
+    const auto index = static_cast<std::size_t>(hook);
+    Slot& slot = gSlots[index][0];
+    if (void* const real = slot.real.load(std::memory_order_acquire)) {
+        return real;
+    }
+    if (void* const real = realFindSymbol()(RTLD_NEXT, HOOK_NAMES[index])) {
+        libraryOf(real);
+        slot.real.store(real, std::memory_order_release);
+        return real;
+    }
+    for (const CallersFunction& known : gCallers[index]) {
+        if (known.caller.load(std::memory_order_acquire) == caller) {
+            if (void* const real = known.real.load(std::memory_order_acquire)) {
+                return real;
+            }
+        }
+    }
+    void* const real = findByCaller(hook, caller);
+    for (CallersFunction& free : gCallers[index]) {
+        const void* none = nullptr;
+        if (real != nullptr && free.caller.compare_exchange_strong(none, caller)) {
+            libraryOf(real);
+            free.real.store(real, std::memory_order_release);
+            break;
+        }
+    }
+    return real;
+}
+
+void* wrap(Hook hook, void* real, LookUp lookUp) {
+    const auto index = static_cast<std::size_t>(hook);
+    for (const void* wrapper : WRAPPERS[index]) {
+        if (wrapper == real) {
+            return real;  // a look-up function that looks up by another one
+        }
+    }
+    for (std::size_t i = 1; i < SLOTS; ++i) {
+        Slot& slot = gSlots[index][i];
+        void* owner = nullptr;
+        if (slot.real.compare_exchange_strong(owner, real) || owner == real) {
+            LookUp none = nullptr;
+            slot.lookUp.compare_exchange_strong(none, lookUp);
+            return WRAPPERS[index][i];
+        }
+    }
+    return real;
+}
+
+bool isMissingAfter(const void* caller, Hook hook) {
+    if (realFindSymbol()(RTLD_NEXT, HOOK_NAMES[static_cast<std::size_t>(hook)]) != nullptr) {
+        return false;
+    }
+    Dl_info info;
+    void* callersMap = nullptr;
+    void* shimsMap = nullptr;
+    if (dladdr1(caller, &info, &callersMap, RTLD_DL_LINKMAP) == 0 ||
+        dladdr1(&gSlots, &info, &shimsMap, RTLD_DL_LINKMAP) == 0) {
+        return false;
+    }
+    // What the program starts with is listed in the order in which it is searched.
+    for (const link_map* map = static_cast<link_map*>(shimsMap)->l_prev; map != nullptr; map = map->l_prev) {
+        if (map == callersMap) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void* findHooked(Hook hook, void* handle, const void* caller) {
+    const char* const name = HOOK_NAMES[static_cast<std::size_t>(hook)];
+    void* const real = realFindSymbol()(handle, name);
+    if (real == nullptr || real != exportedFunction(hook)) {
+        // By RTLD_DEFAULT, what the program or a library loaded before the shim has put in front of it.
+        return real == nullptr || handle == RTLD_DEFAULT ? real : wrap(hook, real, nullptr);
+    }
+    if (realFindSymbol()(RTLD_NEXT, name) != nullptr) {
+        return real;
+    }
+    if (handle == RTLD_DEFAULT) {
+        if (void* const callers = findIn(libraryOf(caller), hook)) {
+            return wrap(hook, callers, nullptr);
+        }
+    }
+    return realFindSymbol()(RTLD_NEXT, name);  // nothing, and dlerror() says what
+}
+
+void* wrapLookedUp(const char* name, void* found, LookUp lookUp) {
+    const Hook hook = found != nullptr && name != nullptr ? findHook(name) : Hook::COUNT;
+    if (hook == Hook::COUNT) {
+        return found;
+    }
+    if (found != exportedFunction(hook)) {
+        return wrap(hook, found, lookUp);
+    }
+    // The library refers to its own function by name, and was given the exported one.
+    void* const real = findIn(libraryOf(reinterpret_cast<void*>(lookUp)), hook);
+    return real != nullptr ? wrap(hook, real, lookUp) : found;
+}
+
+}  // namespace opengl
