@@ -281,12 +281,11 @@ OPENGL_EXPORT void* dlsym(void* __restrict handle, const char* __restrict name) 
 
 namespace opengl {
 
-#define OPENGL_WRAPPERS(name, Way)                                                                     \
-    {                                                                                                  \
-        reinterpret_cast<void*>(&::name), reinterpret_cast<void*>(&Wrapper<Hook::name, Way, 1>::call), \
-            reinterpret_cast<void*>(&Wrapper<Hook::name, Way, 2>::call),                               \
-            reinterpret_cast<void*>(&Wrapper<Hook::name, Way, 3>::call),                               \
-            void* const WRAPPERS[HOOKS][SLOTS] = {OPENGL_HOOKS(OPENGL_WRAPPERS)};
+#define OPENGL_WRAPPERS(name, Way)                                                                  \
+    {reinterpret_cast<void*>(&::name), reinterpret_cast<void*>(&Wrapper<Hook::name, Way, 1>::call), \
+     reinterpret_cast<void*>(&Wrapper<Hook::name, Way, 2>::call),                                   \
+     reinterpret_cast<void*>(&Wrapper<Hook::name, Way, 3>::call)},
+void* const WRAPPERS[HOOKS][SLOTS] = {OPENGL_HOOKS(OPENGL_WRAPPERS)};
 #undef OPENGL_WRAPPERS
 
 }  // namespace opengl
