@@ -110,23 +110,18 @@ TEST_F(FrameHooks, AChangeWhileTheOverlayIsOffReleasesTheClocks) {
     StateInfo::onPreSwapBuffers(API);
     EXPECT_THAT(doubles::companion().calls, ElementsAre("unfixClock"));
     EXPECT_EQ(StateInfo::getFixClockState(), 0);
-}
-
-TEST_F(FrameHooks, InvalidateLastsUntilTheNextFrame) {
     StateInfo::onPreSwapBuffers(API);
     StateInfo::invalidateWidgets();
     EXPECT_TRUE(StateInfo::isWidgetsUpdated());
     StateInfo::onPreSwapBuffers(API);
-    EXPECT_FALSE(StateInfo::isWidgetsUpdated());
+    EXPECT_FALSE(StateInfo::isWidgetsUpdated()) << "until the next frame only";
 }
 
 TEST_F(FrameHooks, KeysAreFlagsOfTheLastPoll) {
-    struct Case {
+    const struct {
         std::vector<Ostra::KeyEvent> keys;
-        bool dump;
-        bool capture;
-    };
-    const Case cases[] = {
+        bool dump, capture;
+    } cases[] = {
         {{DUMP_KEY}, true, false},
         {{CAPTURE_KEY}, false, true},
         {{DUMP_KEY, {24, 0}, CAPTURE_KEY, {25, 0}}, true, true},
@@ -134,7 +129,7 @@ TEST_F(FrameHooks, KeysAreFlagsOfTheLastPoll) {
         {{}, false, false},
     };
     KeyEventInterceptor* const keys = KeyEventInterceptor::getInstance();
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         doubles::companion().keyEvents = c.keys;
         keys->updateState();
         EXPECT_EQ(keys->mIsDumpKeyPressed, c.dump);
@@ -182,10 +177,8 @@ TEST_F(FrameHooks, ADumpHoldsTheFramesAfterTheFirstPressUpToTheSecond) {
         const Ostra::FrameDump& dump = doubles::companion().dumps[i];
         EXPECT_EQ(dump.frameNumber, start + 1 + i);
         EXPECT_EQ(dump.timestampMs, 1700000000123);
-        EXPECT_EQ(dump.renderPassFrameId, 0);
-        EXPECT_EQ(dump.frameDuration, 0.0F);
-        EXPECT_EQ(dump.reserved, 0U);
-        EXPECT_TRUE(dump.renderPasses.empty());
+        EXPECT_TRUE(dump.renderPassFrameId == 0 && dump.frameDuration == 0.0F && dump.reserved == 0 &&
+                    dump.renderPasses.empty());
         ASSERT_EQ(dump.values.size(), 11U);
         EXPECT_EQ(dump.values[0].intValue, i + 1);
         EXPECT_EQ(dump.values[1].intValue, 0U) << "an untouched slot is all zero";

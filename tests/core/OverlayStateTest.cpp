@@ -1,11 +1,10 @@
 #include "core/BaseLayer.h"
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
+#include "core/SysPropWatcher.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeOstra.h"
 #include "doubles/FakeProperties.h"
-
-#include "core/SysPropWatcher.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,8 +42,7 @@ TEST(BaseLayer, AttachAndDetachTakeTurns) {
     layer.detach();
     layer.detach();
     layer.attach();
-    EXPECT_EQ(layer.attached, 2);
-    EXPECT_EQ(layer.detached, 1);
+    EXPECT_TRUE(layer.attached == 2 && layer.detached == 1);
 }
 
 class OverlaySwitch : public testing::Test {
@@ -52,7 +50,11 @@ protected:
     OverlaySwitch() {
         doubles::resetCompanion();
         doubles::setFile(COMMAND_LINE, "com.example.app");
-        publish("true", "2", "com.example.app");
+        publish("false", "9", "nobody");
+        // Set but not published: the first question of the process reads it.
+        doubles::setProperty("debug.kordanix.status", "true");
+        doubles::setProperty("debug.kordanix.api", "2");
+        doubles::setProperty("debug.kordanix.proc", "com.example.app");
     }
     static void publish(const std::string& status, const std::string& api, const std::string& process) {
         doubles::setProperty("debug.kordanix.status", status);
@@ -68,24 +70,28 @@ TEST(OverlayDefaults, LeaveItOffForEveryApi) {
     }
 }
 
-TEST(OverlayDefaults, TheFirstQuestionReadsWhatWasSetSinceLoad) {
-    doubles::setFile(COMMAND_LINE, "app");
-    doubles::setProperty("debug.kordanix.status", "true");
-    doubles::setProperty("debug.kordanix.proc", "app");
-    EXPECT_TRUE(StateInfo::isOverlayEnabled(static_cast<core::RenderingApiType>(0)));
+TEST_F(OverlaySwitch, SimultaneousFirstQuestionsAllReadWhatWasSetSinceLoad) {
+    std::vector<std::thread> threads;
+    std::vector<char> answers(8, 0);
+    for (char& answer : answers) {
+        threads.emplace_back([&answer] { answer = StateInfo::isOverlayEnabled(API) ? 1 : 0; });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_THAT(answers, testing::Each(1));
     doubles::setProperty("debug.kordanix.status", "false");
-    EXPECT_TRUE(StateInfo::isOverlayEnabled(static_cast<core::RenderingApiType>(0))) << "not published";
+    EXPECT_TRUE(StateInfo::isOverlayEnabled(API)) << "not published";
 }
 
 TEST_F(OverlaySwitch, NeedsStatusApiAndProcessToAgree) {
-    struct Case {
+    const struct {
         const char* status;
         const char* api;
         const char* process;
         const char* commandLine;
         bool isOn;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"true", "2", "com.example.app", "com.example.app", true},
         {"false", "2", "com.example.app", "com.example.app", false},
         {"true", "1", "com.example.app", "com.example.app", false},
@@ -98,7 +104,7 @@ TEST_F(OverlaySwitch, NeedsStatusApiAndProcessToAgree) {
         {"true", "4294967298", "com.example.app", "com.example.app", true},
     };
     StateInfo::isOverlayEnabled(API);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         doubles::setFile(COMMAND_LINE, c.commandLine);
         publish(c.status, c.api, c.process);
         EXPECT_EQ(StateInfo::isOverlayEnabled(API), c.isOn)
@@ -110,32 +116,11 @@ TEST_F(OverlaySwitch, NeedsStatusApiAndProcessToAgree) {
     EXPECT_TRUE(StateInfo::isOverlayEnabled(API)) << "a process without a name matches an empty property";
 }
 
-TEST_F(OverlaySwitch, CachesNothingAndOpensNothingWhileOff) {
+// tests/privilege counts what is opened while the overlay is off.
+TEST_F(OverlaySwitch, CachesNothing) {
     ASSERT_TRUE(StateInfo::isOverlayEnabled(API));
     doubles::setFile(COMMAND_LINE, "com.example.other");
     EXPECT_FALSE(StateInfo::isOverlayEnabled(API));
-    publish("false", "2", "com.example.other");
-    const unsigned opened = doubles::timesOpened(COMMAND_LINE);
-    EXPECT_FALSE(StateInfo::isOverlayEnabled(API));
-    EXPECT_FALSE(StateInfo::isOverlayEnabled(OTHER_API));
-    EXPECT_EQ(doubles::timesOpened(COMMAND_LINE), opened);
-}
-
-TEST(OverlayStart, SimultaneousFirstQuestionsAllSeeThePropertiesRead) {
-    doubles::setFile(COMMAND_LINE, "app");
-    doubles::setProperty("debug.kordanix.status", "true");
-    doubles::setProperty("debug.kordanix.proc", "app");
-    std::vector<std::thread> threads;
-    std::vector<char> answers(8, 0);
-    for (std::size_t i = 0; i < answers.size(); ++i) {
-        threads.emplace_back([&answers, i] {
-            answers[i] = StateInfo::isOverlayEnabled(static_cast<core::RenderingApiType>(0)) ? 1 : 0;
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    EXPECT_THAT(answers, testing::Each(1));
 }
 
 TEST_F(OverlaySwitch, AttachFixesOrReleasesTheClocks) {
@@ -146,9 +131,8 @@ TEST_F(OverlaySwitch, AttachFixesOrReleasesTheClocks) {
     EXPECT_THAT(doubles::companion().calls, ElementsAre("registerAppBecomeBackgroundListener", "unfixClock"));
     EXPECT_EQ(StateInfo::getFixClockState(), 0);
 
-    publish("false", "9", "nobody");  // the overlay's switch is not asked
     doubles::setProperty("debug.kordanix.fixclock", "true");
-    SysPropWatcher::forceReadAllProps();
+    publish("false", "9", "nobody");  // the overlay's switch is not asked
     doubles::resetCompanion();
     doubles::companion().fixClockResult = false;
     StateInfo::onAttached(mutex);
@@ -156,17 +140,15 @@ TEST_F(OverlaySwitch, AttachFixesOrReleasesTheClocks) {
     EXPECT_EQ(StateInfo::getFixClockState(), 2);
 }
 
-TEST_F(OverlaySwitch, BackgroundEndsTheDumpUnderTheLayersMutex) {
+TEST_F(OverlaySwitch, BackgroundAndDetachEndTheDumpOnceTheFirstUnderTheLayersMutex) {
     std::mutex mutex;
     StateInfo::onAttached(mutex);
     ASSERT_EQ(doubles::companion().listeners.size(), 1U);
-    const std::function<void()> listener = doubles::companion().listeners[0];
-
     StateInfo::mIsDumpingEnabled = true;
     StateInfo::mFixClockState = 1;
     doubles::companion().calls.clear();
     mutex.lock();
-    std::thread background(listener);
+    std::thread background(doubles::companion().listeners[0]);
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
     EXPECT_TRUE(StateInfo::isDumpingEnabled()) << "waits for the mutex";
     mutex.unlock();
@@ -176,13 +158,11 @@ TEST_F(OverlaySwitch, BackgroundEndsTheDumpUnderTheLayersMutex) {
     EXPECT_THAT(doubles::companion().calls, ElementsAre("finishDumping", "unfixClock"));
     EXPECT_TRUE(mutex.try_lock()) << "and gives it back";
     mutex.unlock();
-}
-
-TEST_F(OverlaySwitch, DetachEndsTheDumpOnce) {
     StateInfo::mIsDumpingEnabled = true;
     StateInfo::onDetached();
     StateInfo::onDetached();
-    EXPECT_THAT(doubles::companion().calls, ElementsAre("finishDumping", "unfixClock", "unfixClock"));
+    EXPECT_THAT(doubles::companion().calls,
+                ElementsAre("finishDumping", "unfixClock", "finishDumping", "unfixClock", "unfixClock"));
     EXPECT_FALSE(StateInfo::isDumpingEnabled());
 }
 

@@ -7,9 +7,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -21,13 +23,12 @@ using doubles::RecordingRect;
 using testing::ElementsAre;
 
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
-template <typename Graph, typename... Rest>
-std::unique_ptr<Graph> makeFixed(Rest&&... rest) {
-    return std::make_unique<Graph>(std::make_unique<RecordingMesh>("fill"),
-                                   std::make_unique<RecordingMesh>("line"), std::make_unique<RecordingRect>(),
-                                   std::make_unique<RecordingGrid>(), std::forward<Rest>(rest)...);
+std::unique_ptr<drawer::FixedGraphicDrawer> makeFixed(const std::vector<ShaderActivity>& samples,
+                                                      long double start, long double end) {
+    return std::make_unique<drawer::FixedGraphicDrawer>(
+        std::make_unique<RecordingMesh>("fill"), std::make_unique<RecordingMesh>("line"),
+        std::make_unique<RecordingRect>(), std::make_unique<RecordingGrid>(), samples, start, end);
 }
 
 std::unique_ptr<drawer::GraphicDrawer> makeGraph(unsigned capacity, int valueType = 11) {
@@ -37,55 +38,32 @@ std::unique_ptr<drawer::GraphicDrawer> makeGraph(unsigned capacity, int valueTyp
         static_cast<gui::WidgetValueType>(valueType));
 }
 
-std::vector<float> heights(const drawer::MeshDrawer& mesh) {
-    std::vector<float> y;
-    for (const gui::Vertex& vertex : mesh.mVertices) {
-        y.push_back(vertex.y);
-    }
-    return y;
-}
-
-TEST(Graph, StartsAsAFlatLineOnTheBottomEdge) {
-    const auto graph = makeGraph(5);
-    ASSERT_EQ(graph->mLineMesh->mVertices.size(), 5U);
-    ASSERT_EQ(graph->mFillMesh->mVertices.size(), 10U);
-    graph->recalculateMesh();
-    for (std::size_t i = 0; i < 5; ++i) {
-        const float x = -1.0F + static_cast<float>(i) * 2.0F / 4.0F;
-        EXPECT_FLOAT_EQ(graph->mLineMesh->mVertices[i].x, x);
-        EXPECT_FLOAT_EQ(graph->mFillMesh->mVertices[2 * i].x, x);
-        EXPECT_FLOAT_EQ(graph->mFillMesh->mVertices[2 * i + 1].x, x);
-        EXPECT_FLOAT_EQ(graph->mLineMesh->mVertices[i].y, i % 2 == 0 ? 0.99996F : 1.0F);
-    }
-}
-
-TEST(Graph, MapsTheMaximumToTheTopEdge) {
+TEST(Graph, StartsAsAFlatLineAndMapsTheMaximumToTheTopEdge) {
     const auto graph = makeGraph(3);
+    const std::vector<gui::Vertex>& line = graph->mLineMesh->mVertices;
+    const std::vector<gui::Vertex>& fill = graph->mFillMesh->mVertices;
+    const auto expectHeights = [&](std::vector<float> expected) {
+        graph->recalculateMesh();
+        ASSERT_EQ(line.size(), 3U);
+        ASSERT_EQ(fill.size(), 6U);
+        for (std::size_t i = 0; i < 3; ++i) {
+            const float x = static_cast<float>(i) - 1.0F;
+            EXPECT_TRUE(line[i].x == x && fill[2 * i].x == x && fill[2 * i + 1].x == x) << i;
+            EXPECT_NEAR(line[i].y, expected[i], 2e-6F * std::max(1.0F, std::abs(expected[i]))) << i;
+            EXPECT_TRUE(fill[2 * i].y == line[i].y && fill[2 * i + 1].y == 1.0F) << i;
+        }
+    };
+    expectHeights({0.99996F, 1.0F, 0.99996F});
     graph->addValue(50.0F);
     graph->addValue(100.0F);
     EXPECT_THAT(graph->mValues, ElementsAre(0.0F, 50.0F, 100.0F));
-    graph->recalculateMesh();
-    const std::vector<float> y = heights(*graph->mLineMesh);
-    EXPECT_NEAR(y[0], 0.97996F, 1e-5F) << "0 is drawn as 1";
-    EXPECT_NEAR(y[1], 0.0F, 1e-6F);
-    EXPECT_NEAR(y[2], -1.00004F, 1e-6F);
-    for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ(graph->mFillMesh->mVertices[2 * i].y, y[i]);
-        EXPECT_EQ(graph->mFillMesh->mVertices[2 * i + 1].y, 1.0F);
-    }
-}
-
-TEST(Graph, AnExplicitMaximumMayShrinkAndClipsOnlyTheNewValue) {
-    const auto graph = makeGraph(3);
+    expectHeights({0.97996F, 0.0F, -1.00004F});  // 0 is drawn as 1
     graph->addValue(150.0F, 100.0F);
-    EXPECT_EQ(graph->mValues.back(), 100.0F);
-    EXPECT_EQ(graph->mMaxValue, 100.0F);
+    EXPECT_TRUE(graph->mValues.back() == 100.0F && graph->mMaxValue == 100.0F);
+    // An explicit maximum may shrink and clips only the new value; what is negative is below the bottom edge.
     graph->addValue(20.0F, 10.0F);
-    graph->recalculateMesh();
-    EXPECT_NEAR(heights(*graph->mLineMesh)[1], -19.0F, 0.001F);
     graph->addValue(-5.0F, 10.0F);
-    graph->recalculateMesh();
-    EXPECT_NEAR(heights(*graph->mLineMesh)[2], 2.0F, 0.001F) << "below the bottom edge";
+    expectHeights({-19.00004F, -1.0F, 1.99996F});
 }
 
 TEST(Graph, ClearKeepsTheNewestSample) {
@@ -118,34 +96,23 @@ TEST(Graph, DrawsBackgroundGridFillAndLineInItsRectangle) {
 }
 
 TEST(Graph, DumpsItsNewestSampleInTheEncodingOfItsSlot) {
-    struct Case {
-        int slot;
-        float value;
-        std::uint64_t asInteger;
-    };
-    const Case integers[] = {{5, 585.7F, 585},     {6, 1234.7F, 1234},    {7, -3.0F, 0},
-                             {8, NOT_A_NUMBER, 0}, {9, 4e9F, 4000000000}, {10, 0.9F, 0}};
-    for (const Case& c : integers) {
-        const auto graph = makeGraph(3, c.slot);
-        graph->addValue(c.value, 1e30F);
+    const auto dumpOf = [](int slot, float value) {
+        const auto graph = makeGraph(3, slot);
+        graph->addValue(value, 1e30F);
         Ostra::FrameDump frame{};
-        frame.values.resize(11);
+        frame.values.resize(12);
         graph->dump(frame);
-        EXPECT_EQ(frame.values[static_cast<std::size_t>(c.slot)].intValue, c.asInteger) << c.value;
+        return frame.values[static_cast<std::size_t>(slot)];
+    };
+    const std::tuple<int, float, std::uint64_t> integers[] = {
+        {5, 585.7F, 585},      {6, 1234.7F, 1234},      {7, -3.0F, 0}, {8, NOT_A_NUMBER, 0},
+        {9, 4e9F, 4000000000}, {10, 1e30F, UINT64_MAX}, {11, 7.0F, 0}};
+    for (const auto& [slot, value, integer] : integers) {
+        EXPECT_EQ(dumpOf(slot, value).intValue, integer) << value;
     }
     for (const int slot : {0, 3, 4}) {
-        const auto graph = makeGraph(3, slot);
-        graph->addValue(59.94F);
-        Ostra::FrameDump frame{};
-        frame.values.resize(11);
-        graph->dump(frame);
-        EXPECT_EQ(frame.values[static_cast<std::size_t>(slot)].floatValue, 59.94F);
+        EXPECT_EQ(dumpOf(slot, 59.94F).floatValue, 59.94F);
     }
-    const auto undumped = makeGraph(3);
-    undumped->addValue(1.0F);
-    Ostra::FrameDump frame{};
-    undumped->dump(frame);
-    EXPECT_TRUE(frame.values.empty());
 }
 
 TEST(Grid, HasSquareCellsOf22CanvasUnits) {
@@ -169,41 +136,20 @@ TEST(Grid, HasSquareCellsOf22CanvasUnits) {
         EXPECT_EQ(lines[32 + 2 * i].x, -1.0F);
         EXPECT_EQ(lines[32 + 2 * i + 1].x, 1.0F);
     }
-}
-
-TEST(Grid, IsRebuiltOnlyWhenTheSurfacesShapeChanges) {
-    RecordingGrid grid;
-    grid.mSize = {0.5F, 0.25F};
-    grid.mRatio = 0.0F;
-    grid.recalculateGrid();
-    EXPECT_EQ(grid.mesh().mClears, 0);
-    EXPECT_TRUE(grid.mMesh->mVertices.empty());
-    grid.mRatio = 0.5F;
-    grid.draw();
     grid.mSize = {0.1F, 0.1F};
     grid.draw();
-    EXPECT_EQ(grid.mesh().mClears, 1);
+    EXPECT_EQ(grid.mesh().mClears, 1) << "rebuilt only when the surface's shape changes";
     grid.mRatio = 2.0F;
     grid.draw();
     EXPECT_EQ(grid.mesh().mClears, 2);
 }
 
-std::vector<ShaderActivity> activity(const std::vector<std::pair<double, float>>& samples) {
-    std::vector<ShaderActivity> records;
-    for (const auto& [time, share] : samples) {
-        records.push_back({time, share});
-    }
-    return records;
-}
-
 TEST(ActivityGraph, StretchesTheSelectedSamplesOverItsWidth) {
-    struct Case {
-        std::vector<std::pair<double, float>> samples;
+    const struct {
+        std::vector<ShaderActivity> samples;
         long double start, end;
-        std::vector<float> x;
-        std::vector<float> y;
-    };
-    const Case cases[] = {
+        std::vector<float> x, y;
+    } cases[] = {
         {{{10, 0.0F}, {20, 0.25F}, {30, 1.0F}, {40, 0.0F}}, 15, 35, {-1, 1}, {0.5F, -1.0F}},
         {{{0, 1.5F}, {5, -0.2F}, {10, 0.5F}}, 0, 10, {-1, 0, 1}, {-1, 1, 0}},
         {{{0, 0.5F}, {1, 0.5F}, {4, 0.5F}}, 0, 4, {-1, -0.5F, 1}, {0, 0, 0}},
@@ -211,9 +157,10 @@ TEST(ActivityGraph, StretchesTheSelectedSamplesOverItsWidth) {
         {{{10, 0.5F}, {20, 0.5F}}, 0, 5, {}, {}},
         {{{10, 0.5F}, {20, 0.5F}}, 12, 18, {}, {}},
         {{{10, 0.5F}, {20, 0.5F}}, 20, 10, {}, {}},
+        {{{5, 0.5F}}, 0, 10, {-1, 1}, {0, 0}},
     };
-    for (const Case& c : cases) {
-        const auto graph = makeFixed<drawer::FixedGraphicDrawer>(activity(c.samples), c.start, c.end);
+    for (const auto& c : cases) {
+        const auto graph = makeFixed(c.samples, c.start, c.end);
         ASSERT_EQ(graph->mLineMesh->mVertices.size(), c.x.size());
         ASSERT_EQ(graph->mFillMesh->mVertices.size(), 2 * c.x.size());
         for (std::size_t i = 0; i < c.x.size(); ++i) {
@@ -230,11 +177,11 @@ TEST(ActivityGraph, StretchesTheSelectedSamplesOverItsWidth) {
 }
 
 TEST(ActivityGraph, WithoutRecordsDrawsNothing) {
-    const auto graph = makeFixed<drawer::FixedGraphicDrawer>(std::vector<ShaderActivity>{}, 0.0L, 1.0L);
+    const auto graph = makeFixed({}, 0, 1);
     doubles::drawCalls().clear();
     graph->draw();
     EXPECT_TRUE(doubles::drawCalls().empty());
-    graph->setData(activity({{1, 0.5F}, {2, 0.5F}}), 0, 3);
+    graph->setData({{1, 0.5F}, {2, 0.5F}}, 0, 3);
     graph->setColor({0.1F, 0.2F, 0.3F, 0.4F});
     graph->setGridColor(glm::vec4(0.5F));
     graph->setBackgroundColor(glm::vec4(0.6F));
@@ -243,30 +190,6 @@ TEST(ActivityGraph, WithoutRecordsDrawsNothing) {
     EXPECT_EQ(doubles::drawCalls()[0].color, glm::vec4(0.6F));
     EXPECT_EQ(doubles::drawCalls()[1].color, glm::vec4(0.5F));
     EXPECT_EQ(doubles::drawCalls()[3].color.a, 1.0F);
-}
-
-TEST(ActivityGraph, SingleInstantsAndOddNumbersStayFinite) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    const std::vector<std::pair<double, float>> series[] = {
-        {{5, 0.5F}},
-        {{5, 0.5F}, {5, 0.7F}, {5, 0.1F}},
-        {{0, NOT_A_NUMBER}, {5, INFINITE}, {10, -INFINITE}},
-        {{-infinity, 0.5F}, {0, 0.5F}, {infinity, 0.5F}},
-        {{0, 0.5F}, {1e-320, 0.5F}},
-        {{-1.7e308, 0.5F}, {1.7e308, 0.5F}},
-    };
-    for (const auto& samples : series) {
-        const auto graph = makeFixed<drawer::FixedGraphicDrawer>(
-            activity(samples), -std::numeric_limits<long double>::infinity(),
-            std::numeric_limits<long double>::infinity());
-        EXPECT_FALSE(graph->mLineMesh->mVertices.empty());
-        for (const drawer::MeshDrawer* const mesh : {graph->mLineMesh.get(), graph->mFillMesh.get()}) {
-            for (const gui::Vertex& vertex : mesh->mVertices) {
-                EXPECT_TRUE(std::abs(vertex.x) <= 1.0F && std::abs(vertex.y) <= 1.0F)
-                    << vertex.x << "," << vertex.y;
-            }
-        }
-    }
 }
 
 }  // namespace

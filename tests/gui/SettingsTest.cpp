@@ -77,12 +77,11 @@ TEST_F(Settings, BackgroundOpacityIsIn255ths) {
 
 TEST_F(Settings, AWidgetNeedsItsSwitchAndOneGraph) {
     const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
-    struct Case {
+    const struct {
         std::function<bool()> isEnabled;
         std::string widget;
         std::vector<std::string> parts;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {[&] { return widgets.mFps.enabled(); }, "widget_fps", {"_current", "_median", "_stability"}},
         {[&] { return widgets.mCpuGpu.enabled(); },
          "widget_cpu_gpu",
@@ -94,7 +93,7 @@ TEST_F(Settings, AWidgetNeedsItsSwitchAndOneGraph) {
          "widget_memory",
          {"_pss", "_gpu_total", "_gpu_surface", "_gpu_texture", "_sys_free"}},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         set({{c.widget, "true"}});
         for (const std::string& part : c.parts) {
             set({{c.widget + part, "false"}});
@@ -103,12 +102,12 @@ TEST_F(Settings, AWidgetNeedsItsSwitchAndOneGraph) {
         for (const std::string& part : c.parts) {
             set({{c.widget + part, "true"}});
             EXPECT_TRUE(c.isEnabled()) << c.widget << part;
-            set({{c.widget, "false"}});
-            EXPECT_FALSE(c.isEnabled()) << c.widget << part;
-            set({{c.widget, "true"}, {c.widget + part, "false"}});
+            set({{c.widget + part, "false"}});
         }
+        set({{c.widget, "false"}, {c.widget + c.parts[0], "true"}});
+        EXPECT_FALSE(c.isEnabled()) << c.widget;
     }
-    set({{"widget_gpu_activity_thumbnail", "true"}});
+    set({{"widget_gpu_activity", "true"}, {"widget_gpu_activity_thumbnail", "true"}});
     EXPECT_TRUE(widgets.mGpuActivity.thumbnailEnabled());
     set({{"widget_gpu_activity", "false"}});
     EXPECT_FALSE(widgets.mGpuActivity.thumbnailEnabled());
@@ -121,11 +120,13 @@ TEST_F(Settings, AreTakenOverByTheLayoutOnlyAfterAChange) {
     const auto widget = [manager](int type) {
         return manager->getWidget(static_cast<gui::WidgetType>(type));
     };
-    const int defaults[] = {0, 2, 6, 5, 1};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(widget(i)->mPosition, defaults[i]);
-        EXPECT_EQ(widget(i)->mEnabled, i != 4);
-    }
+    const auto expectPositions = [&](std::vector<int> expected, bool hasMemory) {
+        for (int i = 0; i < 5; ++i) {
+            EXPECT_EQ(widget(i)->mPosition, expected[static_cast<std::size_t>(i)]);
+            EXPECT_EQ(widget(i)->mEnabled, i != 4 || hasMemory);
+        }
+    };
+    expectPositions({0, 2, 6, 5, 1}, false);
     set({{"widget_fps_position", "7"},
          {"widget_cpu_gpu_position", "-4"},
          {"widget_gpu_activity_position", "x"},
@@ -133,14 +134,10 @@ TEST_F(Settings, AreTakenOverByTheLayoutOnlyAfterAChange) {
          {"widget_memory", "true"},
          {"widget_memory_position", "2"}});
     EXPECT_FALSE(manager->updateConfig());
-    EXPECT_EQ(widget(0)->mPosition, 0);
+    expectPositions({0, 2, 6, 5, 1}, false);
     gui::WidgetsSettings::wasChanged = true;
     EXPECT_TRUE(manager->updateConfig());
-    const int changed[] = {7, -4, 6, 3, 2};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(widget(i)->mPosition, changed[i]);
-    }
-    EXPECT_TRUE(widget(4)->mEnabled);
+    expectPositions({7, -4, 6, 3, 2}, true);
 }
 
 }  // namespace

@@ -143,6 +143,10 @@ TEST_P(GoldenPicture, LooksAsItDidWhenSomebodyLooked) {
 INSTANTIATE_TEST_SUITE_P(Overlay, GoldenPicture, testing::ValuesIn(PICTURES),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
+TEST(GoldenPicture, NeedsADeviceThatThereIs) {
+    EXPECT_EQ(render({"", "toaster", "9", "9", {}}, "none.png"), 2);
+}
+
 // The comparison must tell one device from the other, which differ in a few figures and graphs only.
 TEST(GoldenComparison, SeesOtherFigures) {
     std::string error;

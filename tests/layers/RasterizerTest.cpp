@@ -47,12 +47,6 @@ int largestDifference(const Image& a, const Image& b) {
     return largest;
 }
 
-int maximumAlpha(const Image& image) {
-    return std::max_element(image.mPixels.begin(), image.mPixels.end(),
-                            [](const Pixel& a, const Pixel& b) { return a.mAlpha < b.mAlpha; })
-        ->mAlpha;
-}
-
 /// A box as the strip of a graph fill: `steps` pairs of a top and a bottom point.
 std::vector<glm::vec2> stripOf(const raster::Box& box, int steps) {
     std::vector<glm::vec2> points;
@@ -109,17 +103,6 @@ TEST(Rasterizer, BoxesCoverTheirAreaAndStripsTheSameWithoutSeams) {
             EXPECT_LE(largestDifference(image, expected), 1) << area << ' ' << steps;
         }
     }
-}
-
-TEST(Rasterizer, SlopesCoverTheirExactArea) {
-    Image image = blackImage(40, 30);
-    const std::array<glm::vec2, 4> points{{{3.3F, 2.2F}, {36.9F, 11.7F}, {8.1F, 27.5F}, {20.0F, 29.0F}}};
-    Rasterizer().fillStrip(image, all(image), points.data(), points.size(), WHITE);
-    const auto area = [](const glm::vec2& a, const glm::vec2& b, const glm::vec2& c) {
-        return 0.5 * std::fabs((b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x));
-    };
-    EXPECT_NEAR(ink(image), area(points[0], points[1], points[2]) + area(points[1], points[2], points[3]),
-                0.1);
 }
 
 // Whatever lies outside: a small picture shows the same as the same place of a large one.
@@ -197,89 +180,15 @@ TEST(Rasterizer, SurvivesAnyCoordinate) {
     EXPECT_DOUBLE_EQ(ink(image), 0.0);
 }
 
-// The ink of twice the length less that of the single length: what the ends add drops out.
-TEST(Rasterizer, LinesHaveTheirWidthAtEveryAngleAndJoinWithoutDoubleBlending) {
-    for (const std::pair<float, float>& line :
-         {std::pair(0.0F, 1.0F), {90.0F, 1.0F}, {45.0F, 1.0F}, {10.0F, 2.0F}, {63.0F, 3.5F}}) {
-        const float degrees = line.first;
-        const float width = line.second;
-        SCOPED_TRACE(degrees);
-        const float angle = degrees * 3.14159265F / 180.0F;
-        const auto draw = [angle, width](float length, int pieces, const Paint& paint, Image image) {
-            std::vector<glm::vec2> points;
-            for (int i = 0; i <= pieces; ++i) {
-                const float at = length * static_cast<float>(i) / static_cast<float>(pieces);
-                points.push_back(glm::vec2(6.3F, 7.1F) + at * glm::vec2(std::cos(angle), std::sin(angle)));
-            }
-            Rasterizer().strokeLine(image, all(image), points.data(), points.size(), width, paint);
-            return image;
-        };
-        const Image black = blackImage(100, 100);
-        EXPECT_NEAR((ink(draw(80.0F, 1, WHITE, black)) - ink(draw(40.0F, 1, WHITE, black))) / 40.0, width,
-                    0.04 * width);
-        const Image whole = draw(60.0F, 1, HALF_WHITE, Image(100, 100));
-        const Image joined = draw(60.0F, 90, HALF_WHITE, Image(100, 100));
-        EXPECT_LE(largestDifference(whole, joined), 1);
-        EXPECT_GE(maximumAlpha(whole), 75);
-        EXPECT_LE(maximumAlpha(joined), 128);
+TEST(Rasterizer, LinesJoinWithoutDoubleBlending) {
+    const std::vector<glm::vec2> points{
+        {6.3F, 7.1F}, {20.0F, 22.0F}, {33.7F, 36.9F}, {22.0F, 21.0F}, {6.3F, 7.1F}};
+    Image image(40, 40);
+    Rasterizer().strokeLine(image, all(image), points.data(), points.size(), 3.5F, HALF_WHITE);
+    for (const Pixel& pixel : image.mPixels) {
+        ASSERT_LE(pixel.mAlpha, 128);
     }
-}
-
-TEST(Rasterizer, GridLinesFillWholePixelsInsideTheirFrame) {
-    const raster::Box frame{2.0F, 3.0F, 62.0F, 43.0F};
-    for (const float width : {1.0F, 2.0F, 2.4F}) {
-        const auto whole = static_cast<int>(std::round(width));
-        for (float x = 2.0F; x <= 62.0F; x += 0.35F) {
-            Image image(64, 48);
-            const std::array<glm::vec2, 4> points{{{x, 43.0F}, {x, 3.0F}, {2.0F, 20.4F}, {62.0F, 20.401F}}};
-            Rasterizer().strokeSegments(image, all(image), frame, points.data(), points.size(), width,
-                                        HALF_WHITE);
-            int columns = 0;
-            double centers = 0.0;
-            for (int column = 0; column < 64; ++column) {
-                const int alpha = image.row(40)[column].mAlpha;
-                ASSERT_TRUE(alpha == 0 || (alpha == 128 && column >= 2 && column < 62)) << x << ' ' << column;
-                if (alpha == 128) {
-                    ++columns;
-                    centers += column + 0.5;
-                }
-            }
-            ASSERT_EQ(columns, whole) << x;
-            ASSERT_NEAR(centers / columns, x, x < 3.5F || x > 60.5F ? 1.0 : 0.76) << width;
-            ASSERT_EQ(maximumAlpha(image), 128);  // where lines cross, too
-        }
-    }
-}
-
-TEST(Rasterizer, GlyphsKeepTheirInkAndNothingOfTheirNeighbours) {
-    constexpr std::size_t STRIDE = 32;
-    constexpr std::size_t FIRST = 5 * STRIDE + 5;
-    std::mt19937 random(11);
-    std::vector<std::uint8_t> bitmap(STRIDE * 44, 255);
-    std::vector<std::uint8_t> alone(bitmap.size(), 0);
-    double sum = 0.0;
-    for (std::size_t y = 0; y < 34; ++y) {
-        for (std::size_t x = FIRST + y * STRIDE; x < FIRST + y * STRIDE + 22; ++x) {
-            bitmap[x] = alone[x] = static_cast<std::uint8_t>(random() % 256);
-            sum += bitmap[x] / 255.0;
-        }
-    }
-    for (const float scale : {0.05F, 0.2787F, 1.0F, 3.0F}) {
-        for (const float shift : {0.0F, 0.31F, 0.5F}) {
-            const float start = 8.0F + shift;
-            const raster::Box box{start, start, start + 22.0F * scale, start + 34.0F * scale};
-            const auto draw = [&](const std::vector<std::uint8_t>& texels) {
-                Image image = blackImage(80, 120);
-                const raster::TexelRect glyph{&texels[FIRST], STRIDE, 22, 34};
-                Rasterizer().drawTexels(image, all(image), glyph, box, WHITE);
-                return image;
-            };
-            const Image image = draw(bitmap);
-            const double expected = sum * scale * scale;
-            EXPECT_NEAR(ink(image), expected, 0.01 * expected + 0.05) << scale << ' ' << shift;
-            EXPECT_EQ(largestDifference(image, draw(alone)), 0) << scale << ' ' << shift;
-        }
-    }
+    EXPECT_EQ(image.row(22)[20].mAlpha, 128);
 }
 
 TEST(Rasterizer, ScaledPicturesAverageColoursByAlpha) {

@@ -1,16 +1,10 @@
-#include "doubles/Emulator.h"
 #include "platform/TemporaryDirectory.h"
 #include "simulator/Device.h"
-#include "simulator/DeviceSimulator.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cmath>
-#include <cstdio>
 #include <fstream>
-#include <map>
 
 namespace {
 
@@ -48,11 +42,7 @@ TEST(Script, SaysWhereItIsWrongAndWhatWasExpected) {
         return line("\"curves\": {}, \"frames\": [{\"duration\": 1, \"passes\": [\n{\"start\": 1, " + text +
                     "}]}]");
     };
-    const struct {
-        std::string text;
-        int line;
-        const char* expected;
-    } cases[] = {
+    const std::tuple<std::string, int, const char*> cases[] = {
         {"", 1, "expected JSON"},
         {"{\n\n  \"period\" 5\n}", 3, "expected ':'"},
         {"{\n\"period\": 1e999}", 2, "number overflow"},
@@ -79,11 +69,11 @@ TEST(Script, SaysWhereItIsWrongAndWhatWasExpected) {
         {pass("\"duration\": 1, \"values\": [1],\n\"repeat\": {\"count\": 0, \"every\": 1}"), 5,
          "a whole number from 1 to 1000 for \"count\""},
     };
-    for (const auto& wrong : cases) {
-        SCOPED_TRACE(wrong.text);
-        const std::string error = Script().read("script.json", wrong.text);
-        EXPECT_THAT(error, testing::StartsWith("script.json:" + std::to_string(wrong.line) + ": expected"));
-        EXPECT_THAT(error, HasSubstr(wrong.expected));
+    for (const auto& [text, number, expected] : cases) {
+        SCOPED_TRACE(text);
+        const std::string error = Script().read("script.json", text);
+        EXPECT_THAT(error, testing::StartsWith("script.json:" + std::to_string(number) + ": expected"));
+        EXPECT_THAT(error, HasSubstr(expected));
     }
 }
 
@@ -98,10 +88,8 @@ TEST(Script, FramesFollowOneAnother) {
     for (const double round : {0.0, 30.0, 3000.0}) {
         const auto frame = script.frameAt((round + 15.0) / 1000.0);
         EXPECT_NEAR(frame->startMs, round + 10.0, 1e-6);
-        EXPECT_EQ(frame->durationMs, 20);
-        ASSERT_EQ(frame->passes.size(), 3U);
-        EXPECT_EQ(frame->passes[2].startMs, 11);
-        EXPECT_EQ(frame->passes[2].endMs, 12);
+        ASSERT_TRUE(frame->durationMs == 20 && frame->passes.size() == 3);
+        EXPECT_TRUE(frame->passes[2].startMs == 11 && frame->passes[2].endMs == 12);
         EXPECT_EQ(frame->passes[1].values, (std::vector<std::uint32_t>{4, 4294967295U}));
         EXPECT_EQ(frame->passes[2].values, (std::vector<std::uint32_t>{0, 4294967295U}));
     }
@@ -136,96 +124,19 @@ TEST_F(DeviceFolder, FilesShowTheFiguresOfTheMoment) {
 }
 
 TEST_F(DeviceFolder, SaysWhichFileIsWrong) {
-    const struct {
-        const char* path;
-        const char* text;
-        const char* expected;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"/sys/a", "1\n2 {lod}\n", ":2: expected the name of a curve or total of the script, found \"lod\""},
         {"/sys/a", "{load.7}", ":1: expected {NAME} or {NAME.DECIMALS}"},
         {"/sys/a", "\n\n{load", ":3: expected a }"},
         {"/properties", "a=b\n=c\n", ":2: expected NAME=VALUE"},
         {"/script.json", "{\n]", ":2: expected JSON"},
     };
-    for (const auto& wrong : cases) {
+    for (const auto& [path, text, expected] : cases) {
         write("/properties", "");
         write("/sys/a", "");
-        write(wrong.path, wrong.text);
-        EXPECT_THAT(Device().load(mFolder.path()), HasSubstr(mFolder.path() + wrong.path + wrong.expected));
+        write(path, text);
+        EXPECT_THAT(Device().load(mFolder.path()), HasSubstr(mFolder.path() + path + expected));
     }
-}
-
-/// What the library sees in a process of its own, by the names that the probe gives its figures.
-std::map<std::string, std::string> probe(const std::string& device, double seconds) {
-    const std::string command = "KORDANIX_DEVICE='" + device + "' " + doubles::emulator() +
-                                "'" SIMULATOR_PROBE "' " + std::to_string(seconds) + " 2>&1";
-    std::map<std::string, std::string> figures;
-    FILE* const output = popen(command.c_str(), "r");
-    std::array<char, 512> line{};
-    while (fgets(line.data(), line.size(), output) != nullptr) {
-        const std::string text = line.data();
-        const std::size_t equals = std::min(text.find('='), text.size() - 1);
-        figures[text.substr(0, equals)] = text.substr(equals + 1, text.size() - equals - 2);
-    }
-    figures["exit"] = std::to_string(pclose(output));
-    return figures;
-}
-
-// Every figure that the library's own readers return, against the curves: kHz and MHz, tenths of degrees.
-TEST(SimulatedDevice, IsWhatTheLibraryMeasures) {
-    constexpr double TIME = 11.25;
-    const struct {
-        const char* name;
-        int index, vendor;
-        double maxClock, clockUnit, temperatureUnit;
-    } devices[] = {{"mali-b31", 1, 0, 585.0, 1000.0, 1.0}, {"adreno-c32", 8, 1, 587.0, 1.0, 10.0}};
-    for (const auto& expected : devices) {
-        SCOPED_TRACE(expected.name);
-        Device device;
-        ASSERT_EQ(device.load(std::string(KORDANIX_DEVICES_FOLDER "/") + expected.name), "");
-        const Script& script = device.script();
-        const auto curve = [&](const char* name) { return script.figureAt(name, TIME); };
-        auto figures = probe(expected.name, TIME);
-        const auto number = [&](const char* name) { return std::strtod(figures[name].c_str(), nullptr); };
-        EXPECT_EQ(figures["exit"], "0");
-        EXPECT_EQ(figures["error"], "");
-        EXPECT_THAT(figures["process"], testing::EndsWith("simulator_probe")) << "passed through";
-        EXPECT_EQ(number("deviceModel"), expected.index);
-        EXPECT_EQ(number("vendor"), expected.vendor);
-        EXPECT_NEAR(number("gpuMaxClock"), expected.maxClock, 1e-3);
-        EXPECT_NEAR(number("gpuClock"), curve("gpu_clock") / expected.clockUnit, 1e-3);
-        EXPECT_EQ(number("gpuUsage"), std::round(curve("gpu_load")));
-        EXPECT_NEAR(number("gpuTemperature"), curve("gpu_temperature") / expected.temperatureUnit, 0.051);
-        EXPECT_NEAR(number("cpuTemperature"), curve("cpu_temperature") / 1000.0, 1e-3);
-        // The probe lets a second go by on the device's clock.
-        const Curve& load = script.curves.at("cpu_load");
-        EXPECT_NEAR(number("cpuTicks"), (load.integralTo(TIME + 1.0) - load.integralTo(TIME)) * 8.0, 2.0);
-        const long memory = std::lround(number("memoryUsage") + std::round(curve("mem_free_kb")) +
-                                        std::round(curve("mem_cached_kb")));
-        EXPECT_THAT(*device.fileAt("/proc/meminfo", 0), HasSubstr(' ' + std::to_string(memory) + " kB"));
-
-        // A capture: from the start of a frame, half a millisecond between samples, figures of the curves.
-        EXPECT_EQ(number("counterState"), 1);
-        const double start = script.frameAt(TIME)->startMs / 1000.0;
-        const double end = start + number("samples") * 0.0005;
-        EXPECT_GE(number("samples"), 1);
-        EXPECT_NEAR(number("firstTime"), start + 0.0005, 2e-6);
-        EXPECT_NEAR(number("lastTime"), end, 2e-6);
-        EXPECT_NEAR(number("lastVertex"), script.figureAt("vertex_activity", end), 1e-4);
-        EXPECT_NEAR(number("lastFragment"), script.figureAt("fragment_activity", end), 1e-4);
-        EXPECT_NEAR(number("counterUsage"), curve("gpu_load"), 1e-3);
-    }
-}
-
-TEST(SimulatedDevice, AnUnknownOneIsTheMachineItself) {
-    auto machine = probe("", 0.0);
-    auto unknown = probe("toaster", 0.0);
-    EXPECT_EQ(machine["exit"] + machine["error"], "0");
-    EXPECT_EQ(machine["samples"], "0.0000000");
-    EXPECT_NE(machine["memoryUsage"], "0.0000000");
-    EXPECT_EQ(unknown["exit"], "0");
-    EXPECT_EQ(unknown["error"], "there is no device \"toaster\"");
-    EXPECT_EQ(unknown["deviceModel"], machine["deviceModel"]);
 }
 
 }  // namespace
