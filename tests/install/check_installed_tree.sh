@@ -19,6 +19,8 @@ mv "$work/installed" "$prefix"
 cp -r "$source/examples/null-layer" "$work/by-cmake"
 cp -r "$source/examples/null-layer" "$work/by-pkg-config"
 
+# What debuggers are told may name the sources.
+strip --strip-debug "$prefix"/bin/* "$prefix"/lib/*.so "$prefix"/lib/*.a
 named=$(grep -rlaF -e "$build" -e "$source" -e "$work/installed" "$prefix" || true)
 [ -z "$named" ] || fail "These files name a folder of the build:" "$named"
 
