@@ -21,6 +21,16 @@ Box SurfaceShape::toPixels(const glm::vec2& position, const glm::vec2& size,
     return {left, top, left + size.x * width, top + size.y * height};
 }
 
+glm::mat4 SurfaceShape::localToPixels(const glm::vec2& position, const glm::vec2& size,
+                                      const glm::vec3& translation) const {
+    const Box box = toPixels(position, size, translation);
+    glm::mat4 transform(1.0F);
+    transform[0][0] = 0.5F * (box.mRight - box.mLeft);
+    transform[1][1] = 0.5F * (box.mBottom - box.mTop);
+    transform[3] = {0.5F * (box.mLeft + box.mRight), 0.5F * (box.mTop + box.mBottom), translation.z, 1.0F};
+    return transform;
+}
+
 PixelRect SurfaceShape::toWholePixels(const glm::vec2& position, const glm::vec2& size) const {
     const Box box = toPixels(position, size, glm::vec3(0.0F));
     const PixelRect limits = all();

@@ -2,6 +2,7 @@
 
 #include "raster/Geometry.h"
 
+#include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 
@@ -19,6 +20,11 @@ struct SurfaceShape {
     /// units, whose y points up as in clip space: a translation of (0.1, 0.1) moves by a twentieth of the
     /// canvas to the right and a twentieth upwards.
     Box toPixels(const glm::vec2& position, const glm::vec2& size, const glm::vec3& translation) const;
+
+    /// The matrix from local coordinates of such a rectangle, -1 to 1 from its top-left corner to its
+    /// bottom-right one, to pixels.
+    glm::mat4 localToPixels(const glm::vec2& position, const glm::vec2& size,
+                            const glm::vec3& translation) const;
 
     /// A rectangle in canvas fractions at the nearest whole pixels of the surface.
     PixelRect toWholePixels(const glm::vec2& position, const glm::vec2& size) const;

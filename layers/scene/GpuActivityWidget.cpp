@@ -86,10 +86,16 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
     mMessage->mEnabled = mVertex->mEnabled || mFragment->mEnabled;
 }
 
-void GpuActivityWidget::onFrame() {
-    if (mCapture.onFrame()) {
+bool GpuActivityWidget::onFrame() {
+    const bool isCaptured = mCapture.onFrame();
+    if (isCaptured) {
         showCapture();
     }
+    return isCaptured || isMoving();
+}
+
+bool GpuActivityWidget::isMoving() const {
+    return mCells->mEnabled && mCells->mTextWidth > 2.0F * mCells->mSize.x;
 }
 
 void GpuActivityWidget::refresh(Metrics&) {

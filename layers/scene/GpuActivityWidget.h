@@ -23,7 +23,7 @@ class GpuActivityWidget : public WidgetView {
 public:
     GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
 
-    void onFrame() override;
+    bool onFrame() override;
     void refresh(Metrics& metrics) override;
     void draw() override;
     void settle() override { mCapture.settle(); }
@@ -33,6 +33,7 @@ protected:
 
 private:
     void showCapture();
+    bool isMoving() const;
 
     GpuCapture mCapture;
     drawer::RectDrawer* mPanel;

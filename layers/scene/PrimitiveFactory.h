@@ -39,6 +39,10 @@ public:
     /// Width and height of the surface in pixels.
     virtual glm::uvec2 getSurfaceSize() const = 0;
 
+    /// The widgets are about to be drawn, exactly as they were the last time if `isSame`. Returns whether they
+    /// are to be: a layer that can show its last drawing again answers false.
+    virtual bool beginDrawing(bool /*isSame*/) { return true; }
+
     /// Until clearClip(), nothing is drawn outside this rectangle (canvas fractions, origin top-left).
     virtual void setClip(const glm::vec2& position, const glm::vec2& size) = 0;
     virtual void clearClip() = 0;

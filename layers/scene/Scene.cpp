@@ -11,6 +11,7 @@
 #include "scene/ThumbnailWidget.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace scene {
 
@@ -36,12 +37,13 @@ void Scene::layout() {
         }
     }
     const auto& memory = gui::WidgetsSettings::getWidgets().mMemory;
+    mIsChanged = true;
     mMetrics.setSlowFiguresWanted(memory.enabled() && memory.mPss.mEnabled.getValue());
 }
 
 void Scene::update() {
     for (WidgetView* widget : mShown) {
-        widget->onFrame();
+        mIsChanged = widget->onFrame() || mIsChanged;
     }
     // Asked before this frame is counted, so that the frames counted are the ones that ended in the interval.
     if (mPacing.isUpdateDuration()) {
@@ -50,6 +52,7 @@ void Scene::update() {
             widget->refresh(mMetrics);
         }
         mPacing.resetUpdateDuration();
+        mIsChanged = true;
     }
     mPacing.incFrameCount();
 }
@@ -64,6 +67,9 @@ void Scene::suspend() {
 }
 
 void Scene::draw() {
+    if (!mFactory.beginDrawing(!std::exchange(mIsChanged, false))) {
+        return;
+    }
     for (WidgetView* widget : mShown) {
         widget->draw();
     }

@@ -32,7 +32,7 @@ public:
     /// The overlay is not shown from now on: ends what runs in the background.
     void suspend();
 
-    /// Draws the widgets that are shown.
+    /// Draws the widgets that are shown, unless the factory shows again what was drawn last.
     void draw();
 
     /// What is on the screen, in drawing order, for the post-swap hook.
@@ -45,6 +45,7 @@ private:
     PrimitiveFactory& mFactory;
     Metrics mMetrics;
     UpdateHelper mPacing;
+    bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;
     std::vector<WidgetView*> mShown;
     std::vector<drawer::Drawer*> mShownDrawers;

@@ -29,8 +29,9 @@ public:
     /// gives every drawer its rectangle and takes over colours and switches.
     void layout(const Canvas& canvas);
 
-    /// Once a frame while the widget is shown.
-    virtual void onFrame() {}
+    /// Once a frame while the widget is shown. Returns whether it has to be drawn anew although no figure was
+    /// refreshed.
+    virtual bool onFrame() { return false; }
 
     /// Reads the figures and brings texts and graphs up to date.
     virtual void refresh(Metrics& metrics) = 0;

@@ -17,12 +17,7 @@ void TextPrimitive::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transfor
 
 glm::mat4 TextPrimitive::getTransform(const glm::vec2& size, const glm::vec2& position,
                                       const glm::vec3& translation) {
-    const raster::Box box = mSurface.shape().toPixels(position, size, translation);
-    glm::mat4 transform(1.0F);
-    transform[0][0] = 0.5F * (box.mRight - box.mLeft);
-    transform[1][1] = 0.5F * (box.mBottom - box.mTop);
-    transform[3] = {0.5F * (box.mLeft + box.mRight), 0.5F * (box.mTop + box.mBottom), translation.z, 1.0F};
-    return transform;
+    return mSurface.shape().localToPixels(position, size, translation);
 }
 
 float TextPrimitive::getAspectRatio() {

@@ -1,0 +1,232 @@
+#include "opengl/draw/Batch.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "opengl/draw/GlyphCache.h"
+
+namespace opengl {
+
+namespace {
+
+constexpr float FULL_COLOR = 255.0F;
+constexpr float FULL_TEXEL = 65535.0F;
+
+/// A vertex buffer of this size holds the default widgets.
+constexpr std::size_t USUAL_VERTICES = 8192;
+
+/// A triangle has at most this many corners after it has been cut at four edges.
+constexpr std::size_t MAX_CORNERS = 7;
+
+float cut(float value, float high) {
+    return value > 0.0F ? std::min(value, high) : 0.0F;  // not-a-number gives 0
+}
+
+std::uint8_t toByte(float value) {
+    return static_cast<std::uint8_t>(value + 0.5F);
+}
+
+bool isFinite(const Corner& corner) {
+    return std::isfinite(corner.point.x) && std::isfinite(corner.point.y);
+}
+
+/// One axis of a box, cut where its coverage changes: a pixel that is covered in part, whole ones, and
+/// another one in part. At most three pieces.
+struct Pieces {
+    struct Piece {
+        int mFirst;
+        int mEnd;
+        float mCoverage;
+    };
+
+    Pieces(float low, float high, int limitLow, int limitHigh) {
+        const int start = raster::toInt(std::floor(low), limitLow, limitHigh);
+        const int end = raster::toInt(std::ceil(high), limitLow, limitHigh);
+        const int wholeStart = std::min(raster::toInt(std::ceil(low), start, end), end);
+        const int wholeEnd = std::max(raster::toInt(std::floor(high), start, end), wholeStart);
+        add(start, wholeStart, low, high);
+        add(wholeStart, wholeEnd, low, high);
+        add(wholeEnd, end, low, high);
+    }
+
+    void add(int first, int end, float low, float high) {
+        if (first < end) {
+            mPieces[mCount++] = {first, end, raster::overlap(low, high, first)};
+        }
+    }
+
+    const Piece* begin() const { return mPieces; }
+    const Piece* end() const { return mPieces + mCount; }
+
+    Piece mPieces[3];
+    int mCount = 0;
+};
+
+/// Keeps the part of a convex polygon on one side of a line: where `side` is not negative.
+template <class Side>
+std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t count, Side side) {
+    std::array<Corner, MAX_CORNERS> kept{};
+    std::size_t keptCount = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const Corner& from = corners[i];
+        const Corner& to = corners[(i + 1) % count];
+        const float fromSide = side(from.point);
+        const float toSide = side(to.point);
+        if (fromSide >= 0.0F && keptCount < MAX_CORNERS) {
+            kept[keptCount++] = from;
+        }
+        if ((fromSide < 0.0F) != (toSide < 0.0F) && keptCount < MAX_CORNERS) {
+            const float share = fromSide / (fromSide - toSide);
+            kept[keptCount++] = {from.point + share * (to.point - from.point),
+                                 from.coverage + share * (to.coverage - from.coverage)};
+        }
+    }
+    corners = kept;
+    return keptCount;
+}
+
+}  // namespace
+
+Ink::Ink(const glm::vec4& color)
+    : mColor{toByte(cut(color.r, 1.0F) * FULL_COLOR), toByte(cut(color.g, 1.0F) * FULL_COLOR),
+             toByte(cut(color.b, 1.0F) * FULL_COLOR)},
+      mAlpha(cut(color.a, 1.0F) * FULL_COLOR) {}
+
+std::array<std::uint8_t, 4> Ink::covering(float coverage) const {
+    return {mColor[0], mColor[1], mColor[2], toByte(cut(coverage, 1.0F) * mAlpha)};
+}
+
+Ink Ink::fainter(float factor) const {
+    Ink ink = *this;
+    ink.mAlpha *= cut(factor, 1.0F);
+    return ink;
+}
+
+void Batch::begin(const raster::PixelRect& surface) {
+    mSurface = surface;
+    mClip = surface;
+    mVertices.clear();
+    mVertices.reserve(USUAL_VERTICES);
+    mPicture = {};
+}
+
+void Batch::addQuad(const raster::PixelRect& pixels, const Texels& texels,
+                    const std::array<std::uint8_t, 4>& color) {
+    const auto left = static_cast<float>(pixels.mLeft);
+    const auto top = static_cast<float>(pixels.mTop);
+    const auto right = static_cast<float>(pixels.mRight);
+    const auto bottom = static_cast<float>(pixels.mBottom);
+    const Vertex topLeft{left, top, texels[0], texels[1], color};
+    const Vertex topRight{right, top, texels[2], texels[1], color};
+    const Vertex bottomLeft{left, bottom, texels[0], texels[3], color};
+    const Vertex bottomRight{right, bottom, texels[2], texels[3], color};
+    mVertices.insert(mVertices.end(), {topLeft, topRight, bottomLeft, bottomLeft, topRight, bottomRight});
+}
+
+template <class TexelsOf>
+void Batch::addPieces(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip,
+                      TexelsOf texelsOf) {
+    const raster::PixelRect touched = raster::touchedPixels(box, clip);
+    if (touched.isEmpty()) {
+        return;
+    }
+    const Pieces columns(box.mLeft, box.mRight, touched.mLeft, touched.mRight);
+    const Pieces rows(box.mTop, box.mBottom, touched.mTop, touched.mBottom);
+    for (const Pieces::Piece& row : rows) {
+        for (const Pieces::Piece& column : columns) {
+            const std::array<std::uint8_t, 4> color = ink.covering(row.mCoverage * column.mCoverage);
+            if (color[3] != 0) {
+                const raster::PixelRect pixels{column.mFirst, row.mFirst, column.mEnd, row.mEnd};
+                addQuad(pixels, texelsOf(pixels), color);
+            }
+        }
+    }
+}
+
+void Batch::addRect(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip) {
+    if (ink.isVisible()) {
+        constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
+        addPieces(box, ink, clip, [](const raster::PixelRect&) {
+            return Texels{SOLID, SOLID, SOLID, SOLID};
+        });
+    }
+}
+
+void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Ink& ink) {
+    const raster::PixelRect seen = raster::intersect(pixels, mClip);
+    if (seen.isEmpty() || !ink.isVisible()) {
+        return;
+    }
+    const auto texel = [](int value) { return static_cast<std::uint16_t>(value); };
+    addQuad(seen,
+            {texel(u + seen.mLeft - pixels.mLeft), texel(v + seen.mTop - pixels.mTop),
+             texel(u + seen.mRight - pixels.mLeft), texel(v + seen.mBottom - pixels.mTop)},
+            ink.covering(1.0F));
+}
+
+void Batch::addCorner(const Corner& corner, const Ink& ink) {
+    constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
+    mVertices.push_back({corner.point.x, corner.point.y, SOLID, SOLID, ink.covering(corner.coverage)});
+}
+
+void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink,
+                        const raster::PixelRect& clip) {
+    if (!isFinite(a) || !isFinite(b) || !isFinite(c) || clip.isEmpty() || !ink.isVisible()) {
+        return;
+    }
+    const auto left = static_cast<float>(clip.mLeft);
+    const auto top = static_cast<float>(clip.mTop);
+    const auto right = static_cast<float>(clip.mRight);
+    const auto bottom = static_cast<float>(clip.mBottom);
+    const auto [lowX, highX] = std::minmax({a.point.x, b.point.x, c.point.x});
+    const auto [lowY, highY] = std::minmax({a.point.y, b.point.y, c.point.y});
+    if (lowX >= left && highX <= right && lowY >= top && highY <= bottom) {
+        addCorner(a, ink);
+        addCorner(b, ink);
+        addCorner(c, ink);
+        return;
+    }
+    if (highX <= left || lowX >= right || highY <= top || lowY >= bottom) {
+        return;
+    }
+    std::array<Corner, MAX_CORNERS> corners{a, b, c};
+    std::size_t count = 3;
+    count = cutPolygon(corners, count, [left](const glm::vec2& point) { return point.x - left; });
+    count = cutPolygon(corners, count, [right](const glm::vec2& point) { return right - point.x; });
+    count = cutPolygon(corners, count, [top](const glm::vec2& point) { return point.y - top; });
+    count = cutPolygon(corners, count, [bottom](const glm::vec2& point) { return bottom - point.y; });
+    for (std::size_t i = 2; i < count; ++i) {
+        if (isFinite(corners[0]) && isFinite(corners[i - 1]) && isFinite(corners[i])) {
+            addCorner(corners[0], ink);
+            addCorner(corners[i - 1], ink);
+            addCorner(corners[i], ink);
+        }
+    }
+}
+
+void Batch::addPicture(const raster::Box& box) {
+    const float width = box.mRight - box.mLeft;
+    const float height = box.mBottom - box.mTop;
+    if (mPicture.mCount != 0 || !(width > 0.0F) || !(height > 0.0F) || !std::isfinite(width) ||
+        !std::isfinite(height)) {
+        return;
+    }
+    mPicture.mFirst = mVertices.size();
+    mPictureScale = {static_cast<float>(mSurface.width()) / width,
+                     static_cast<float>(mSurface.height()) / height};
+    const auto share = [](int pixel, float low, float length) {
+        return static_cast<std::uint16_t>(
+            cut((static_cast<float>(pixel) - low) / length * FULL_TEXEL, FULL_TEXEL));
+    };
+    // The application's rows are counted from the bottom.
+    addPieces(box, Ink(glm::vec4(1.0F)), mClip, [&](const raster::PixelRect& pixels) {
+        const auto row = [&](int pixel) {
+            return static_cast<std::uint16_t>(FULL_TEXEL - share(pixel, box.mTop, height));
+        };
+        return Texels{share(pixels.mLeft, box.mLeft, width), row(pixels.mTop),
+                      share(pixels.mRight, box.mLeft, width), row(pixels.mBottom)};
+    });
+    mPicture.mCount = mVertices.size() - mPicture.mFirst;
+}
+
+}  // namespace opengl

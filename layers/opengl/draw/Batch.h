@@ -1,0 +1,109 @@
+#pragma once
+
+#include <glm/vec2.hpp>
+#include <glm/vec4.hpp>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "raster/Geometry.h"
+
+namespace opengl {
+
+/// A corner of a triangle as the vertex buffer has it.
+struct Vertex {
+    float x;  ///< surface pixels, y downwards
+    float y;
+    std::uint16_t u;  ///< texels of the glyph texture, or 65535ths of the application's picture
+    std::uint16_t v;
+    std::array<std::uint8_t, 4> color;  ///< straight; the alpha carries the coverage
+};
+
+static_assert(sizeof(Vertex) == 16, "uploaded as it is");
+
+/// A drawing colour; components 0..1, what lies outside is cut, not-a-number counts as 0.
+class Ink {
+public:
+    explicit Ink(const glm::vec4& color);
+
+    /// With the alpha of a pixel that is covered in part, 0..1.
+    std::array<std::uint8_t, 4> covering(float coverage) const;
+
+    /// The same colour, more transparent by a factor 0..1.
+    Ink fainter(float factor) const;
+
+    bool isVisible() const { return mAlpha > 0.0F; }
+
+private:
+    std::array<std::uint8_t, 3> mColor;
+    float mAlpha;  ///< 0..255
+};
+
+/// A corner of a triangle whose coverage, 0..1, changes from corner to corner.
+struct Corner {
+    glm::vec2 point;
+    float coverage;
+};
+
+/// The triangles of one drawing, in their order, each three vertices. Cut to the clip here, so that a clip
+/// needs no drawing call of its own. What is not finite is left out. Keeps its memory from use to use.
+class Batch {
+public:
+    /// The vertices from mFirst on, mCount of them.
+    struct Range {
+        std::size_t mFirst = 0;
+        std::size_t mCount = 0;
+    };
+
+    /// Starts anew for a surface of these pixels, without clip.
+    void begin(const raster::PixelRect& surface);
+
+    /// Until clearClip(), nothing reaches beyond these pixels.
+    void setClip(const raster::PixelRect& clip) { mClip = raster::intersect(clip, mSurface); }
+    void clearClip() { mClip = mSurface; }
+    const raster::PixelRect& clip() const { return mClip; }
+
+    /// By exact area: fractional edges cover their pixels in part.
+    void addRect(const raster::Box& box, const Ink& ink) { addRect(box, ink, mClip); }
+
+    /// The part of it inside `clip`, which lies inside the batch's own clip.
+    void addRect(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip);
+
+    /// Texels of the glyph texture from (u, v) on, one for each pixel.
+    void addTexels(const raster::PixelRect& pixels, int u, int v, const Ink& ink);
+
+    /// A triangle inside `clip`, which lies inside the batch's own clip.
+    void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink,
+                     const raster::PixelRect& clip);
+
+    /// The application's picture in the box. The first one of a drawing counts.
+    void addPicture(const raster::Box& box);
+
+    const std::vector<Vertex>& vertices() const { return mVertices; }
+
+    /// The vertices of the application's picture; none without one.
+    const Range& picture() const { return mPicture; }
+
+    /// Pixels of the surface that one pixel of the picture shows, in both directions.
+    const glm::vec2& pictureScale() const { return mPictureScale; }
+
+private:
+    /// Texel coordinates at a box's left, top, right and bottom edges.
+    using Texels = std::array<std::uint16_t, 4>;
+
+    template <class TexelsOf>
+    void addPieces(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip, TexelsOf texelsOf);
+    void addQuad(const raster::PixelRect& pixels, const Texels& texels,
+                 const std::array<std::uint8_t, 4>& color);
+    void addCorner(const Corner& corner, const Ink& ink);
+
+    raster::PixelRect mSurface;
+    raster::PixelRect mClip;
+    std::vector<Vertex> mVertices;
+    Range mPicture;
+    glm::vec2 mPictureScale{1.0F};
+};
+
+}  // namespace opengl

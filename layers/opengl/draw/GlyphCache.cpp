@@ -1,0 +1,177 @@
+#include "opengl/draw/GlyphCache.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "gui/GlyphAtlas.h"
+
+namespace opengl {
+
+namespace {
+
+constexpr std::uint8_t FULL = 255;
+
+/// Texels of the solid corner, in both directions.
+constexpr int SOLID_SIDE = 4;
+
+constexpr int SMALLEST_SIDE = 256;
+
+/// A power of two. At most half of the entries are used, so that a search is short.
+constexpr std::size_t ENTRIES = 4096;
+
+constexpr int STEPS = static_cast<int>(raster::GLYPH_STEPS);
+
+/// Glyphs of more pixels than this, or farther away, are on no surface.
+constexpr int LONGEST_SIDE = 1024;
+constexpr float FARTHEST = 65536.0F;
+
+/// Room for the pictures of all letters and for digits in many places.
+int sideFor(const raster::SurfaceShape& shape) {
+    const std::uint32_t wanted = std::min(shape.mWidth, shape.mHeight) / 2;
+    int side = SMALLEST_SIDE;
+    while (side < GlyphCache::LARGEST_SIDE && static_cast<std::uint32_t>(side) < wanted) {
+        side *= 2;
+    }
+    return side;
+}
+
+int toSteps(float position) {
+    return static_cast<int>(std::lround(position * raster::GLYPH_STEPS));
+}
+
+std::size_t hash(std::uint64_t key) {
+    constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15U;
+    constexpr int SHIFT = 40;
+    return static_cast<std::size_t>((key * MULTIPLIER) >> SHIFT);
+}
+
+}  // namespace
+
+GlyphCache::GlyphCache() : mEntries(ENTRIES) {}
+
+void GlyphCache::begin(const raster::SurfaceShape& shape) {
+    const int side = sideFor(shape);
+    if (side == mSide && !mIsFull) {
+        return;
+    }
+    if (side != mSide) {
+        mSide = side;
+        mTexels.assign(static_cast<std::size_t>(side) * static_cast<std::size_t>(side), 0);
+    }
+    empty();
+}
+
+void GlyphCache::empty() {
+    std::fill(mEntries.begin(), mEntries.end(), Entry());
+    mCount = 0;
+    mIsFull = false;
+    for (int row = 0; row < SOLID_SIDE; ++row) {
+        std::memset(mTexels.data() + static_cast<std::ptrdiff_t>(row) * mSide, FULL, SOLID_SIDE);
+    }
+    mShelfTop = 0;
+    mShelfHeight = SOLID_SIDE;
+    mShelfEnd = SOLID_SIDE;
+    forget();
+}
+
+void GlyphCache::forget() {
+    mChanged = {0, mSide};
+}
+
+GlyphCache::Rows GlyphCache::takeChanges() {
+    const Rows changed = mChanged;
+    mChanged = {};
+    return changed;
+}
+
+GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const raster::Box& box) {
+    if (!(std::fabs(box.mLeft) < FARTHEST) || !(std::fabs(box.mTop) < FARTHEST) ||
+        !(box.mRight - box.mLeft < LONGEST_SIDE) || !(box.mBottom - box.mTop < LONGEST_SIDE) || mSide == 0) {
+        return {};
+    }
+    const int left = toSteps(box.mLeft);
+    const int top = toSteps(box.mTop);
+    const int width = toSteps(box.mRight) - left;
+    const int height = toSteps(box.mBottom) - top;
+    if (width <= 0 || height <= 0) {
+        return {};
+    }
+    // Steps are divided towards minus infinity: a box can begin left of the surface.
+    const int column = (left & ~(STEPS - 1)) / STEPS;
+    const int row = (top & ~(STEPS - 1)) / STEPS;
+    const auto phaseX = static_cast<std::uint64_t>(left & (STEPS - 1));
+    const auto phaseY = static_cast<std::uint64_t>(top & (STEPS - 1));
+    const std::uint64_t key = std::uint64_t{static_cast<unsigned char>(symbol)} << 56 | phaseX << 50 |
+                              phaseY << 44 | static_cast<std::uint64_t>(width) << 22 |
+                              static_cast<std::uint64_t>(height);
+    std::size_t index = hash(key) % ENTRIES;
+    while (mEntries[index].mKey != 0 && mEntries[index].mKey != key) {
+        index = (index + 1) % ENTRIES;
+    }
+    Entry& entry = mEntries[index];
+    if (entry.mKey == 0) {
+        const auto toPixels = [](std::uint64_t steps) {
+            return static_cast<float>(steps) / raster::GLYPH_STEPS;
+        };
+        const float boxLeft = toPixels(phaseX);
+        const float boxTop = toPixels(phaseY);
+        const raster::Box local{boxLeft, boxTop, boxLeft + toPixels(static_cast<std::uint64_t>(width)),
+                                boxTop + toPixels(static_cast<std::uint64_t>(height))};
+        if (mCount >= ENTRIES / 2 || !draw(entry, glyph, local)) {
+            mIsFull = true;
+            return {};
+        }
+        entry.mKey = key;
+        ++mCount;
+    }
+    return {entry.mU,
+            entry.mV,
+            {column + entry.mLeft, row + entry.mTop, column + entry.mLeft + entry.mWidth,
+             row + entry.mTop + entry.mHeight}};
+}
+
+bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& box) {
+    constexpr raster::PixelRect LIMITS{-LONGEST_SIDE, -LONGEST_SIDE, 2 * LONGEST_SIDE, 2 * LONGEST_SIDE};
+    entry = {};
+    if (!mScaler.prepare(raster::texelsOf(glyph, gui::GlyphAtlas::getGlyphAtlas()), box, LIMITS)) {
+        return true;  // a space
+    }
+    const raster::PixelRect pixels = mScaler.pixels();
+    entry.mWidth = static_cast<std::uint16_t>(pixels.width());
+    entry.mHeight = static_cast<std::uint16_t>(pixels.height());
+    entry.mLeft = static_cast<std::int16_t>(pixels.mLeft);
+    entry.mTop = static_cast<std::int16_t>(pixels.mTop);
+    if (!place(entry)) {
+        return false;
+    }
+    for (int y = 0; y < pixels.height(); ++y) {
+        const float* coverage = mScaler.row(pixels.mTop + y);
+        std::uint8_t* texels = mTexels.data() + static_cast<std::ptrdiff_t>(entry.mV + y) * mSide + entry.mU;
+        for (int x = 0; x < pixels.width(); ++x) {
+            texels[x] = static_cast<std::uint8_t>(std::min(coverage[x], 255.0F) + 0.5F);
+        }
+    }
+    return true;
+}
+
+bool GlyphCache::place(Entry& entry) {
+    if (mShelfEnd + entry.mWidth > mSide) {
+        mShelfTop += mShelfHeight;
+        mShelfHeight = 0;
+        mShelfEnd = 0;
+    }
+    if (entry.mWidth > mSide || mShelfTop + entry.mHeight > mSide) {
+        return false;
+    }
+    entry.mU = static_cast<std::uint16_t>(mShelfEnd);
+    entry.mV = static_cast<std::uint16_t>(mShelfTop);
+    mShelfEnd += entry.mWidth;
+    mShelfHeight = std::max(mShelfHeight, static_cast<int>(entry.mHeight));
+    const bool isFirst = mChanged.mFirst == mChanged.mEnd;
+    mChanged.mFirst = isFirst ? mShelfTop : std::min(mChanged.mFirst, mShelfTop);
+    mChanged.mEnd = isFirst ? mShelfTop + entry.mHeight : std::max(mChanged.mEnd, mShelfTop + entry.mHeight);
+    return true;
+}
+
+}  // namespace opengl

@@ -1,0 +1,134 @@
+#include "opengl/draw/GraphFill.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "opengl/draw/Polyline.h"
+
+namespace opengl {
+
+namespace {
+
+/// The least and the greatest row, beyond those of any surface.
+constexpr int LIMIT = 1 << 20;
+
+/// Pixels by which two points of a level or upright line may differ.
+constexpr float TOLERANCE = 0.01F;
+
+int floorOf(float value) {
+    return raster::toInt(std::floor(value), -LIMIT, LIMIT);
+}
+int ceilOf(float value) {
+    return raster::toInt(std::ceil(value), -LIMIT, LIMIT);
+}
+
+bool isUnderGraph(const glm::vec2* points, std::size_t count) {
+    if (count < 4 || count % 2 != 0) {
+        return false;
+    }
+    for (std::size_t i = 0; i < count; i += 2) {
+        const bool isPair = isFinite(points[i]) && isFinite(points[i + 1]) &&
+                            std::fabs(points[i].x - points[i + 1].x) < TOLERANCE &&
+                            std::fabs(points[i + 1].y - points[1].y) < TOLERANCE;
+        if (!isPair || (i > 0 && points[i].x < points[i - 2].x)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The first column whose centre lies at x or to the right of it.
+int columnAt(float x) {
+    return ceilOf(x - 0.5F);
+}
+
+/// The part between two points of the upper edge, in the columns of `clip`.
+void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Ink& ink,
+              const raster::PixelRect& clip) {
+    const float fromY = std::min(from.y, bottom);
+    const float toY = std::min(to.y, bottom);
+    const float high = std::min(fromY, toY);
+    const float low = std::max(fromY, toY);
+    const int wholeBottom = floorOf(bottom);
+
+    // Rows above the edge have nothing and rows below it everything. In between the coverage rises over as
+    // much as a pixel takes of a line of this slope.
+    raster::PixelRect rows = clip;
+    rows.mTop = std::max(rows.mTop, floorOf(high));
+    rows.mBottom = std::min({rows.mBottom, ceilOf(low), wholeBottom});
+    const float slope = (toY - fromY) / (to.x - from.x);
+    const float soft = 0.5F * std::sqrt(1.0F + slope * slope);
+    if (!rows.isEmpty() && std::isfinite(soft)) {
+        const auto corner = [](float x, float y, float coverage) { return Corner{{x, y}, coverage}; };
+        const float deepest = static_cast<float>(ceilOf(low)) + soft;
+        const auto addQuad = [&](const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
+            batch.addTriangle(a, b, c, ink, rows);
+            batch.addTriangle(a, c, d, ink, rows);
+        };
+        addQuad(corner(from.x, fromY - soft, 0.0F), corner(to.x, toY - soft, 0.0F),
+                corner(to.x, toY + soft, 1.0F), corner(from.x, fromY + soft, 1.0F));
+        if (high + soft < static_cast<float>(rows.mBottom) - 0.5F) {
+            addQuad(corner(from.x, fromY + soft, 1.0F), corner(to.x, toY + soft, 1.0F),
+                    corner(to.x, deepest, 1.0F), corner(from.x, deepest, 1.0F));
+        }
+    }
+    const float below = ceilOf(low) <= wholeBottom
+                            ? static_cast<float>(ceilOf(low))
+                            : std::max(0.5F * (fromY + toY), static_cast<float>(wholeBottom));
+    batch.addRect({static_cast<float>(columnAt(from.x)), below, static_cast<float>(columnAt(to.x)), bottom},
+                  ink, clip);
+}
+
+}  // namespace
+
+void GraphFill::draw(Batch& batch, const glm::vec2* points, std::size_t count, const Ink& ink,
+                     const raster::PixelRect& clip) {
+    if (clip.isEmpty() || !ink.isVisible()) {
+        return;
+    }
+    if (!isUnderGraph(points, count)) {
+        for (std::size_t i = 2; i < count; ++i) {
+            batch.addTriangle({points[i - 2], 1.0F}, {points[i - 1], 1.0F}, {points[i], 1.0F}, ink, clip);
+        }
+        return;
+    }
+    mAll.clear();
+    for (std::size_t i = 0; i < count; i += 2) {
+        mAll.push_back(points[i]);
+    }
+    mEdge.clear();
+    appendSimplified(mAll.data(), mAll.data() + mAll.size(), mEdge);
+
+    // The first and the last column are covered in part. There the graph goes on to the columns' borders.
+    const float left = mEdge.front().x;
+    const float right = mEdge.back().x;
+    const float bottom = points[1].y;
+    const int firstWhole = ceilOf(left);
+    const int endWhole = std::max(floorOf(right), firstWhole);
+    mEdge.front().x = std::floor(left);
+    mEdge.back().x = std::ceil(right);
+    const auto drawPart = [&](int first, int end) {
+        raster::PixelRect columns = clip;
+        columns.mLeft = std::max(columns.mLeft, first);
+        columns.mRight = std::min(columns.mRight, end);
+        if (!columns.isEmpty()) {
+            drawColumns(batch, bottom, ink.fainter(raster::overlap(left, right, first)), columns);
+        }
+    };
+    drawPart(floorOf(left), firstWhole);
+    drawPart(firstWhole, endWhole);
+    drawPart(endWhole, ceilOf(right));
+}
+
+void GraphFill::drawColumns(Batch& batch, float bottom, const Ink& ink, const raster::PixelRect& clip) const {
+    for (std::size_t i = 1; i < mEdge.size(); ++i) {
+        const glm::vec2& from = mEdge[i - 1];
+        const glm::vec2& to = mEdge[i];
+        if (to.x > from.x && to.x > static_cast<float>(clip.mLeft) &&
+            from.x < static_cast<float>(clip.mRight)) {
+            addSlice(batch, from, to, bottom, ink, clip);
+        }
+    }
+}
+
+}  // namespace opengl

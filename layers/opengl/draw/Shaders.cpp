@@ -1,0 +1,111 @@
+#include "opengl/draw/Shaders.h"
+
+namespace opengl {
+
+namespace {
+
+// The dialects differ in a few words only, which the sources leave to these.
+constexpr char OLD_VERTEX[] = "#version 110\n#define IN attribute\n#define OUT varying\n";
+constexpr char OLD_FRAGMENT[] = "#version 110\n#define IN varying\n";
+constexpr char ES_VERTEX[] =
+    "#version 100\n#define IN attribute\n#define OUT varying\nprecision highp float;\n";
+constexpr char ES_FRAGMENT[] =
+    "#version 100\n#define IN varying\n"
+    "#ifdef GL_FRAGMENT_PRECISION_HIGH\nprecision highp float;\n#else\nprecision mediump float;\n#endif\n";
+constexpr char CORE_VERTEX[] = "#version 130\n#define IN in\n#define OUT out\n";
+constexpr char CORE_FRAGMENT[] =
+    "#version 130\n#define IN in\n#define texture2D texture\n#define gl_FragColor color\nout vec4 color;\n";
+constexpr char NEW_VERTEX[] = "#version 140\n#define IN in\n#define OUT out\n";
+constexpr char NEW_FRAGMENT[] =
+    "#version 140\n#define IN in\n#define texture2D texture\n#define gl_FragColor color\nout vec4 color;\n";
+
+constexpr char RED_COVERAGE[] = "#define COVERAGE r\n";
+constexpr char ALPHA_COVERAGE[] = "#define COVERAGE a\n";
+
+constexpr char VERTEX[] = R"(
+IN vec2 place;
+IN vec2 texel;
+IN vec4 ink;
+OUT vec2 coordinate;
+OUT vec4 shade;
+uniform vec4 toClip;
+uniform vec4 source;
+void main() {
+    gl_Position = vec4(place * toClip.xy + toClip.zw, 0.0, 1.0);
+    coordinate = texel * source.xy;
+    shade = ink;
+}
+)";
+
+constexpr char FRAGMENT[] = R"(
+IN vec2 coordinate;
+IN vec4 shade;
+uniform sampler2D image;
+uniform vec4 source;
+uniform float linear;
+vec3 average() {
+    vec3 sum = vec3(0.0);
+    for (int y = 0; y < 4; ++y) {
+        for (int x = 0; x < 4; ++x) {
+            vec2 offset = vec2(float(x) - 1.5, float(y) - 1.5);
+            sum += texture2D(image, coordinate + offset * source.zw).rgb;
+        }
+    }
+    return sum / 16.0;
+}
+void main() {
+    vec4 result = shade;
+    if (source.z > 0.0) {
+        result.rgb = average();
+    } else {
+        result.a *= texture2D(image, coordinate).COVERAGE;
+    }
+    if (linear > 0.0) {
+        vec3 dark = result.rgb / 12.92;
+        vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
+        result.rgb = mix(dark, light, step(vec3(0.04045), result.rgb));
+    }
+    gl_FragColor = result;
+}
+)";
+
+enum class Dialect { OLD, ES, CORE, NEW };
+
+Dialect dialectOf(const Functions& functions) {
+    constexpr int FIRST_NEW = 31;
+    const Version& version = functions.version;
+    if (version.isEs) {
+        return Dialect::ES;
+    }
+    if (functions.features.compatibility) {
+        return Dialect::OLD;
+    }
+    return 10 * version.major + version.minor >= FIRST_NEW ? Dialect::NEW : Dialect::CORE;
+}
+
+const char* pick(Dialect dialect, const char* old, const char* es, const char* core, const char* latest) {
+    switch (dialect) {
+        case Dialect::OLD:
+            return old;
+        case Dialect::ES:
+            return es;
+        case Dialect::CORE:
+            return core;
+        case Dialect::NEW:
+            break;
+    }
+    return latest;
+}
+
+}  // namespace
+
+ShaderSource vertexShader(const Functions& functions) {
+    return {{pick(dialectOf(functions), OLD_VERTEX, ES_VERTEX, CORE_VERTEX, NEW_VERTEX), "", VERTEX}};
+}
+
+ShaderSource fragmentShader(const Functions& functions) {
+    return {{pick(dialectOf(functions), OLD_FRAGMENT, ES_FRAGMENT, CORE_FRAGMENT, NEW_FRAGMENT),
+             functions.features.redTextures ? RED_COVERAGE : ALPHA_COVERAGE, FRAGMENT}};
+}
+
+}  // namespace opengl

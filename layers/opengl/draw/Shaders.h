@@ -1,0 +1,20 @@
+#pragma once
+
+#include "opengl/gl/Functions.h"
+
+namespace opengl {
+
+/// The sources of a shader, to be compiled as one.
+struct ShaderSource {
+    static constexpr int COUNT = 3;
+    const char* mTexts[COUNT];
+};
+
+/// The program for the context's version of the shading language. Attributes: `place` in pixels, `texel`,
+/// `ink`. Uniforms: `toClip`, factors and offsets from pixels to clip space; `source`, texels to texture
+/// coordinates in x and y and, for the application's picture, the distance of the samples in texture
+/// coordinates in z and w, which are 0 for glyphs; `linear`, 1 for a surface that stores sRGB on its own.
+ShaderSource vertexShader(const Functions& functions);
+ShaderSource fragmentShader(const Functions& functions);
+
+}  // namespace opengl
