@@ -17,7 +17,8 @@ if [ "${1-}" = opengl ]; then
     scripts/install-dependencies.sh build opengl-bench
     build kordanix-opengl-bench kordanix-opengl-client kordanixctl kordanix_opengl kordanix_preload
     display=$(mktemp)
-    Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp 3>"$display" 2>/dev/null &
+    # A server that starts afresh whenever the last program leaves would now and then refuse the next one.
+    Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp -noreset 3>"$display" 2>/dev/null &
     server=$!
     trap 'kill "$server"; rm -f "$display"' EXIT
     until [ -s "$display" ]; do

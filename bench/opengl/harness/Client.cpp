@@ -55,7 +55,7 @@ const std::vector<Mode>& modes() {
          100,
          1200,
          false},
-        {"pixels", "with pixels", {{"GALLIUM_THREAD", "0"}, {"LP_NUM_THREADS", "0"}}, 50, 120, 40, 60, true},
+        {"pixels", "with pixels", {{"GALLIUM_THREAD", "0"}, {"LP_NUM_THREADS", "0"}}, 20, 60, 10, 30, true},
         {"thread",
          "pixels taken out, driver with its own thread",
          {{"GALLIUM_NOOP", "1"}},

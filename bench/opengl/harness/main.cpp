@@ -84,7 +84,7 @@ bool runAll(const Options& options) {
     const std::string program = options.build + "/bin/kordanix-opengl-client";
     const std::string runtime = options.folder + "/runtime";
     std::filesystem::create_directories(options.folder);
-    if (!bench::enableOurs(options.build, runtime, program)) {
+    if (!contains(options.without, bench::OURS) && !bench::enableOurs(options.build, runtime, program)) {
         return false;
     }
     const bench::Client client(program, options.folder, options.rate);
