@@ -24,7 +24,10 @@ std::uint32_t publications = 0;
 }  // namespace
 
 Overlay::Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes)
-    : mScene(factory, api, passes), mFactory(factory), mApi(api) {}
+    : mScene(factory, api, passes),
+      mFactory(factory),
+      mKeys(*KeyEventInterceptor::getInstance()),
+      mApi(api) {}
 
 Overlay::~Overlay() {
     detach();
@@ -44,11 +47,10 @@ void Overlay::onDetach() {
 void Overlay::beginFrame() {
     // Keys are polled while the overlay is on, and shown is what a publication has reached: between the two
     // lie frames that are shown without a poll, in which a key must not be pressed once more.
-    KeyEventInterceptor& keys = *KeyEventInterceptor::getInstance();
-    keys.mIsDumpKeyPressed = false;
-    keys.mIsCaptureKeyPressed = false;
+    mKeys.mIsDumpKeyPressed = false;
+    mKeys.mIsCaptureKeyPressed = false;
     core::StateInfo::onPreSwapBuffers(mApi);
-    mIsDumpKeyPressed = keys.mIsDumpKeyPressed;
+    mIsDumpKeyPressed = mKeys.mIsDumpKeyPressed;
 
     // What decides on the overlay changes only with a publication, and each one shows here: asking in those
     // frames alone saves the other frames a look at the process's name.
@@ -85,7 +87,7 @@ void Overlay::draw() {
 void Overlay::endFrame() {
     static const std::vector<drawer::Drawer*> NONE;
     // Another overlay's frame may have begun since, and a key belongs to the one that is shown.
-    KeyEventInterceptor::getInstance()->mIsDumpKeyPressed = mIsShown && mIsDumpKeyPressed;
+    mKeys.mIsDumpKeyPressed = mIsShown && mIsDumpKeyPressed;
     core::StateInfo::onPostSwapBuffers(mIsShown ? mScene.drawers() : NONE);
 }
 

@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+class KeyEventInterceptor;
+
 namespace scene {
 
 class RenderPassSource;
@@ -48,6 +50,7 @@ public:
 
 private:
     PrimitiveFactory& mFactory;
+    KeyEventInterceptor& mKeys;
     core::RenderingApiType mApi;
     bool mIsShown = false;
     bool mIsDumpKeyPressed = false;  // in the poll of this frame
