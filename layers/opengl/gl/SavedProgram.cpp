@@ -16,6 +16,17 @@ bool isUsableAgain(const Functions& gl, GLuint program) {
     return isDeleted == GL_FALSE && isLinked != GL_FALSE;
 }
 
+/// How many subroutine uniforms, counting the elements of arrays. Drivers differ on whether a program without
+/// the stage may be asked for the places of its uniforms; for their number it may.
+GLint countSubroutines(const Functions& gl, GLuint program, GLenum stage) {
+    GLint count = 0;
+    gl.getProgramStageiv(program, stage, GL_ACTIVE_SUBROUTINE_UNIFORMS, &count);
+    if (count != 0) {
+        gl.getProgramStageiv(program, stage, GL_ACTIVE_SUBROUTINE_UNIFORM_LOCATIONS, &count);
+    }
+    return count;
+}
+
 }  // namespace
 
 bool SavedProgram::read(const Functions& gl) {
@@ -46,8 +57,7 @@ bool SavedProgram::readSubroutines(const Functions& gl) {
         }
         GLint& count = mSubroutineCounts[stage];
         if (program != 0) {
-            gl.getProgramStageiv(static_cast<GLuint>(program), STAGE_TYPES[stage],
-                                 GL_ACTIVE_SUBROUTINE_UNIFORM_LOCATIONS, &count);
+            count = countSubroutines(gl, static_cast<GLuint>(program), STAGE_TYPES[stage]);
         }
         if (total + static_cast<std::size_t>(count) > MAX_SUBROUTINES) {
             return false;
