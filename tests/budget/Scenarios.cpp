@@ -8,9 +8,9 @@
 #include "core/StateInfo.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeProperties.h"
+#include "doubles/FixedPasses.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/Overlay.h"
-#include "scene/RenderPassSource.h"
 
 #include <dlfcn.h>
 #include <ostra/Ostra.h>
@@ -89,20 +89,6 @@ int prepare(const std::filesystem::path& folder) {
     return 0;
 }
 
-class EightPasses : public scene::RenderPassSource {
-public:
-    bool readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) override {
-        for (unsigned int i = 0; i < 8; ++i) {
-            gui::RenderPassData pass(0.0F, {100 * i, 123456, 7890});
-            pass.setIndex(i);
-            pass.addTimestampInfo(i, i + 1);
-            frame.addRenderPassInfo(pass);
-        }
-        frame.addFrameTimeInfo(0, 8);
-        return true;
-    }
-};
-
 struct Scenario {
     const char* name;
     std::vector<std::pair<const char*, const char*>> settings;
@@ -144,7 +130,7 @@ int run(const Scenario& scenario, long frames) {
     gui::WidgetsSettings::getWidgets();
 
     bench::NullFactory factory;
-    EightPasses passes;
+    doubles::FixedPasses passes(8, {700, 123456, 7890});
     scene::Overlay overlay(factory, static_cast<core::RenderingApiType>(0), &passes);
     overlay.attach();
     for (long i = 0; i < frames; ++i) {

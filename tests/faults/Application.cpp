@@ -31,28 +31,12 @@ std::size_t residentPages() {
     return resident;
 }
 
-std::string dumpFolder() {
-    const char* const folder = std::getenv("FAULT_DUMPS");
-    return folder == nullptr ? std::string() : folder;
-}
-
 }  // namespace
-
-bool TwentyPasses::readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) {
-    for (unsigned int i = 0; i < 20; ++i) {
-        gui::RenderPassData pass(0.0F, {i, i * 100, 7});
-        pass.setIndex(i);
-        pass.addTimestampInfo(i, i + 1);
-        frame.addRenderPassInfo(pass);
-    }
-    frame.addFrameTimeInfo(0, 20);
-    return true;
-}
 
 Application::Application(const std::vector<int>& apis)
     : mApis(apis),
       mText(SysPropWatcher::createSysProp<std::string>("debug.fault.text", {})),
-      mDumpFolder(dumpFolder()),
+      mDumpFolder(std::getenv("FAULT_DUMPS") == nullptr ? "" : std::getenv("FAULT_DUMPS")),
       mDumps(MAX_DUMPS) {
     makeLayers();
 }

@@ -2,8 +2,8 @@
 
 #include "NullFactory.h"
 #include "core/RenderingApiType.h"
+#include "doubles/FixedPasses.h"
 #include "scene/Overlay.h"
-#include "scene/RenderPassSource.h"
 
 #include <atomic>
 #include <cstdint>
@@ -15,12 +15,6 @@ template <typename T>
 class SysProp;
 
 namespace faults {
-
-/// Twenty passes in every captured frame.
-class TwentyPasses : public scene::RenderPassSource {
-public:
-    bool readFrame(gui::FrameData& frame, scene::Reading captureStart) override;
-};
 
 /// An application with the overlay: frames of one layer or more, and what a test wants to know of them.
 class Application {
@@ -58,7 +52,7 @@ private:
 
     const std::vector<int> mApis;
     bench::NullFactory mFactory;
-    TwentyPasses mPasses;
+    doubles::FixedPasses mPasses{20, {1, 100, 7}};
     std::vector<std::unique_ptr<scene::Overlay>> mLayers;
 
     SysProp<std::string>& mText;  ///< always written as a repetition of one letter

@@ -1,67 +1,27 @@
 // A wall clock that is set back and forth under a running overlay.
 
-#include "core/HWcounterAdreno.h"
 #include "core/StateInfo.h"
 #include "core/SysPropWatcher.h"
 #include "doubles/FakeClock.h"
+#include "doubles/FakeCounters.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeOstra.h"
 #include "doubles/FakeProperties.h"
+#include "doubles/FixedPasses.h"
 #include "doubles/RecordingFactory.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/Overlay.h"
-#include "scene/RenderPassSource.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <limits>
 #include <memory>
-#include <ostream>
 #include <random>
 #include <string>
 #include <thread>
-
-namespace {
-
-std::atomic<unsigned> counterReads{0};
-
-}  // namespace
-
-// Counters that are always ready, so that captures sample until the clock says that they are over.
-namespace core {
-
-HWcounter::HWcounter() : mState(0) {}
-HWcounter::~HWcounter() = default;
-int HWcounter::init() {
-    return mState = 1;
-}
-void HWcounter::deInit() {
-    mState = 0;
-}
-bool HWcounter::readGpuUsage(double* usage) {
-    *usage = 1.0;
-    return true;
-}
-bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, double* vertexActivity,
-                                double* fragmentActivity) {
-    ++counterReads;
-    *timestamp = 1000;
-    *usage = *vertexActivity = *fragmentActivity = 0.5;
-    return true;
-}
-bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
-    *diff = 0;
-    return true;
-}
-bool HWcounter::getRealtimeMonotonictimeDiff(unsigned long long* diff) {
-    *diff = 0;
-    return true;
-}
-
-}  // namespace core
+#include <utility>
 
 namespace faults {
 namespace {
@@ -71,23 +31,6 @@ constexpr std::int64_t HOUR = 3600 * SECOND;
 constexpr std::int64_t YEAR = 365 * 24 * HOUR;
 constexpr std::int64_t NOW = 1795555555 * SECOND;
 constexpr std::int64_t FRAME = 16000;
-
-/// Rows of passes that are wider than their widget, so that they run through it.
-class LongPasses : public scene::RenderPassSource {
-public:
-    bool readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) override {
-        for (unsigned int i = 0; i < 4; ++i) {
-            gui::RenderPassData pass(0.0F, {1000000000, 1000000000, 1000000000});
-            pass.setIndex(i);
-            pass.addTimestampInfo(i, i + 1);
-            frame.addRenderPassInfo(pass);
-        }
-        frame.addFrameTimeInfo(0, 4);
-        ++reads;
-        return true;
-    }
-    unsigned reads = 0;
-};
 
 class ClockFaults : public testing::Test {
 protected:
@@ -157,20 +100,13 @@ protected:
     static unsigned refreshes() { return doubles::timesOpened("/sys/kernel/gpu/gpu_busy"); }
 
     doubles::RecordingFactory mFactory;
-    LongPasses mPasses;
+    // Rows that are wider than their widget, so that they run through it.
+    doubles::FixedPasses mPasses{4, {1000000000, 1000000000, 1000000000}};
     std::unique_ptr<scene::Overlay> mOverlay;
 };
 
-struct Jump {
-    const char* name;
-    std::int64_t microseconds;
-};
-
-void PrintTo(const Jump& jump, std::ostream* stream) {
-    *stream << jump.name;
-}
-
-class ClockJump : public ClockFaults, public testing::WithParamInterface<Jump> {};
+class ClockJump : public ClockFaults,
+                  public testing::WithParamInterface<std::pair<const char*, std::int64_t>> {};
 
 TEST_P(ClockJump, FiguresMarqueeCapturesAndDumpsGoOn) {
     ASSERT_NO_FATAL_FAILURE(frames(20));
@@ -181,15 +117,15 @@ TEST_P(ClockJump, FiguresMarqueeCapturesAndDumpsGoOn) {
     const std::size_t dumped = doubles::companion().dumps.size();
 
     // A capture of a second, as long as the frame before it, and the jump in the middle of it.
-    const unsigned reads = counterReads;
+    const unsigned reads = doubles::counters().reads;
     const unsigned results = mPasses.reads;
     doubles::advanceWallClock(SECOND);
     doubles::companion().keyEvents = {{25, 1}};
     ASSERT_NO_FATAL_FAILURE(frame());
-    while (counterReads == reads) {
+    while (doubles::counters().reads == reads) {
         std::this_thread::yield();
     }
-    doubles::advanceWallClock(GetParam().microseconds);
+    doubles::advanceWallClock(GetParam().second);
     ASSERT_NO_FATAL_FAILURE(frame());
     EXPECT_EQ(doubles::companion().dumps.size(), dumped + 2);
     EXPECT_TRUE(waitForResult(results)) << "the capture is not over";
@@ -250,14 +186,14 @@ TEST_F(ClockFaults, AClockThatStandsStillHoldsNothingUp) {
     mOverlay.reset();
 }
 
-INSTANTIATE_TEST_SUITE_P(Jumps, ClockJump,
-                         testing::Values(Jump{"ByAMicrosecond", -1}, Jump{"ByAFrame", -FRAME},
-                                         Jump{"ByASecond", -SECOND}, Jump{"ByHalfAnHour", -HOUR / 2},
-                                         Jump{"ByAWrapOfMicroseconds", -(std::int64_t{1} << 32)},
-                                         Jump{"ByAYear", -YEAR}, Jump{"BeforeTheEpoch", -60 * YEAR},
-                                         Jump{"AnHourOn", HOUR}, Jump{"AWrapOn", std::int64_t{1} << 32},
-                                         Jump{"ThirtyYearsOn", 30 * YEAR}),
-                         [](const auto& jump) { return jump.param.name; });
+INSTANTIATE_TEST_SUITE_P(
+    Jumps, ClockJump,
+    testing::Values(std::pair("ByAMicrosecond", -1), std::pair("ByAFrame", -FRAME),
+                    std::pair("ByASecond", -SECOND), std::pair("ByHalfAnHour", -HOUR / 2),
+                    std::pair("ByAWrapOfMicroseconds", -(std::int64_t{1} << 32)), std::pair("ByAYear", -YEAR),
+                    std::pair("BeforeTheEpoch", -60 * YEAR), std::pair("AnHourOn", HOUR),
+                    std::pair("AWrapOn", std::int64_t{1} << 32), std::pair("ThirtyYearsOn", 30 * YEAR)),
+    [](const auto& jump) { return jump.param.first; });
 
 }  // namespace
 }  // namespace faults

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <thread>
 
 namespace faults {
 namespace {
@@ -17,24 +16,19 @@ namespace fs = std::filesystem;
 
 class DumpFaults : public FaultTest {
 protected:
-    void SetUp() override { ASSERT_EQ(showOverlay(), ""); }
-
     /// Starts a dump, lets it have some frames and ends it.
     void dump(HostProcess& host) const {
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "1"));
-        const long frames = std::stol(host.report()["frames"]);
-        ASSERT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 60; }));
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "0"));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
+        ASSERT_TRUE(host.waitForFrames(60));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, false));
     }
 };
 
 TEST_F(DumpFaults, AFullDiskEndsOneDumpAndNothingElse) {
     fs::create_directory(mFolder.path("1"));
     fs::create_symlink("/dev/full", mFolder.path("1/frames.csv"));
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     dump(host);
     EXPECT_THAT(host.logged("The dump ends"), testing::ElementsAre(testing::HasSubstr("No space left")));
     dump(host);
@@ -47,88 +41,71 @@ TEST_F(DumpFaults, AFullDiskEndsOneDumpAndNothingElse) {
 }
 
 TEST_F(DumpFaults, TheFolderGoesWhileADumpIsWritten) {
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
-    ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-    ASSERT_TRUE(host.waitFor("dumping", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
+    ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
     ASSERT_TRUE(host.waitFor("frames", [this](long) { return fs::exists(mFolder.path("1/passes.csv")); }));
     fs::remove_all(mFolder.path("1"));
-    ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-    ASSERT_TRUE(host.waitFor("dumping", "0"));
+    ASSERT_NO_FATAL_FAILURE(setDumping(host, false));
     dump(host);
     EXPECT_EQ(host.end(), 0);
     EXPECT_EQ(host.dumpError(2), "");
 }
 
 TEST_F(DumpFaults, TheBackgroundAndADetachEndADumpWithItsFrames) {
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     for (int i = 0; i < 20; ++i) {
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "1"));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
         if (i % 2 == 0) {
             ASSERT_EQ(sendToBackground(host), "");
         } else {
             host.tell("reattach 1");
         }
-        ASSERT_TRUE(host.waitFor("dumping", "0"));
+        ASSERT_TRUE(host.waitFor("dumping", 0));
     }
     EXPECT_EQ(host.end(), 0);
     EXPECT_EQ(host.dumps().size(), 20U);
     EXPECT_EQ(host.dumpError(), "");
 }
 
-/// Sends datagrams as they are, whatever they are.
-class RawSender {
-public:
-    RawSender(const std::string& runtime, pid_t process)
-        : mSocket(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0)) {
-        sockaddr_un address = {};
-        address.sun_family = AF_UNIX;
-        platform::processSocketPath(runtime, process).copy(address.sun_path, sizeof(address.sun_path) - 1);
-        EXPECT_EQ(connect(mSocket, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
-    }
-    ~RawSender() { close(mSocket); }
-    RawSender(const RawSender&) = delete;
-    RawSender& operator=(const RawSender&) = delete;
-
-    bool send(const std::string& bytes) const {
-        return ::send(mSocket, bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
-               static_cast<ssize_t>(bytes.size());
-    }
-
-private:
-    int mSocket;
-};
-
 TEST_F(DumpFaults, AFloodOfKeysAndGarbageLosesNoFrameOfADump) {
     mOptions.device = "adreno-c32";  // whose counters make captures last
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     const auto before = host.report();
     std::mt19937 random(3);
     {
-        const RawSender sender(mOptions.runtime, host.id());
+        const int descriptor = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+        sockaddr_un address = {};
+        address.sun_family = AF_UNIX;
+        platform::processSocketPath(mOptions.runtime, host.id())
+            .copy(address.sun_path, sizeof(address.sun_path) - 1);
+        ASSERT_EQ(connect(descriptor, reinterpret_cast<sockaddr*>(&address), sizeof(address)), 0);
+        const auto send = [descriptor](const std::string& bytes) {
+            return ::send(descriptor, bytes.data(), bytes.size(), MSG_NOSIGNAL) ==
+                   static_cast<ssize_t>(bytes.size());
+        };
         for (int i = 0; i < 100000; ++i) {
             // Now and then one that starts or ends a dump or a capture, among keys that mean nothing.
             const int kind = static_cast<int>(random() % 2000);
             const int code = kind == 0 ? DUMP_KEY : kind < 20 ? CAPTURE_KEY : kind + 100;
-            ASSERT_TRUE(sender.send("key " + std::to_string(code) + (random() % 3 == 0 ? " 0" : " 1")));
+            ASSERT_TRUE(send("key " + std::to_string(code) + (random() % 3 == 0 ? " 0" : " 1")));
             if (i % 50 == 0) {
                 std::string garbage(random() % 200, '\0');
                 for (char& byte : garbage) {
                     byte = static_cast<char>(random());
                 }
-                ASSERT_TRUE(sender.send(garbage));
+                ASSERT_TRUE(send(garbage));
             }
         }
+        close(descriptor);
     }
     // What still waits to be read may hold the key once more.
     ASSERT_EQ(sendToBackground(host), "");
-    const long frames = std::stol(host.report()["frames"]);
-    ASSERT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 20; }));
+    ASSERT_TRUE(host.waitForFrames(20));
     host.tell("reattach 1");
-    ASSERT_TRUE(host.waitFor("dumping", "0"));
+    ASSERT_TRUE(host.waitFor("dumping", 0));
     const std::size_t floodDumps = host.dumps().size();
     EXPECT_GT(floodDumps, 3U);
     dump(host);

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 namespace faults {
@@ -32,6 +33,20 @@ protected:
         setenv("KORDANIX_RUNTIME_DIR", mOptions.runtime.c_str(), 1);
     }
 
+    /// A host that shows the overlay.
+    std::unique_ptr<HostProcess> startShown() const {
+        EXPECT_EQ(showOverlay(), "");
+        auto host = std::make_unique<HostProcess>(mOptions);
+        EXPECT_TRUE(host->waitFor("shown0", 1));
+        return host;
+    }
+
+    /// Starts or ends a dump.
+    void setDumping(HostProcess& host, bool isDumping) const {
+        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
+        ASSERT_TRUE(host.waitFor("dumping", isDumping ? 1 : 0));
+    }
+
     std::string pressKey(const HostProcess& host, int code) const {
         platform::ProcessMessage message;
         message.key = {code, 1};
@@ -48,8 +63,8 @@ protected:
     void expectFollows(HostProcess& host) const {
         ASSERT_EQ(set("bg_transparency", "78"), "");
         ASSERT_EQ(showOverlay(), "");
-        EXPECT_TRUE(host.waitFor("opacity", "78"));
-        EXPECT_TRUE(host.waitFor("shown0", "1"));
+        EXPECT_TRUE(host.waitFor("opacity", 78));
+        EXPECT_TRUE(host.waitFor("shown0", 1));
         auto report = host.report();
         EXPECT_EQ(report["torn"], "0");
     }

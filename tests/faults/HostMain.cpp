@@ -55,38 +55,26 @@ int countForeignFiles() {
     return count;
 }
 
-/// Without fork(), and so without anything that is done for a forked child.
-void spawnProgram() {
-    char* const program = std::getenv("FAULT_HOST");
+void startChild(const std::string& kind) {
     static char option[] = "--count-files";
+    char* const program = std::getenv("FAULT_HOST");
     char* const arguments[] = {program, option, nullptr};
     pid_t child = 0;
-    if (posix_spawn(&child, program, nullptr, nullptr, arguments, environ) == 0) {
-        children.insert(child);
+    if (kind == "spawn") {  // without fork(), and so without anything that is done for a forked child
+        child = posix_spawn(&child, program, nullptr, nullptr, arguments, environ) == 0 ? child : -1;
     } else {
-        ++failedChildren;
+        child = fork();
     }
-}
-
-void startChild(const std::string& kind) {
-    if (kind == "spawn") {
-        spawnProgram();
-        return;
-    }
-    const pid_t child = fork();
-    if (child < 0) {
-        ++failedChildren;
-        return;
-    }
-    if (child > 0) {
-        children.insert(child);
+    if (child != 0) {
+        if (child < 0) {
+            ++failedChildren;
+        } else {
+            children.insert(child);
+        }
         return;
     }
     alarm(60);
     if (kind == "exec") {
-        char* const program = std::getenv("FAULT_HOST");
-        static char option[] = "--count-files";
-        char* const arguments[] = {program, option, nullptr};
         execv(program, arguments);
         _exit(4);
     }

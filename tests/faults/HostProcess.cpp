@@ -5,9 +5,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <thread>
 
@@ -30,11 +32,7 @@ constexpr int LOG = 2;
     setenv("FAULT_DUMPS", options.folder.c_str(), 1);
     setenv("FAULT_HOST", FAULT_HOST, 1);
     unsetenv("KORDANIX_DUMP_DIR");
-    if (options.device.empty()) {
-        unsetenv("KORDANIX_DEVICE");
-    } else {
-        setenv("KORDANIX_DEVICE", options.device.c_str(), 1);
-    }
+    setenv("KORDANIX_DEVICE", options.device.c_str(), 1);  // empty: none
     if (options.prepare && !options.prepare()) {
         _exit(HostProcess::CANNOT_BE_PREPARED);
     }
@@ -133,19 +131,9 @@ std::map<std::string, std::string> HostProcess::report() {
     return parse(readLine());
 }
 
-bool HostProcess::waitFor(const std::string& name, const std::string& value) {
-    const auto deadline = steady_clock::now() + PATIENCE;
-    while (steady_clock::now() < deadline) {
-        auto values = report();
-        if (values.empty()) {
-            return false;
-        }
-        if (values[name] == value) {
-            return true;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    }
-    return false;
+bool HostProcess::waitForFrames(long count) {
+    const long frames = std::strtol(report()["frames"].c_str(), nullptr, 10);
+    return waitFor("frames", [=](long now) { return now > frames + count; });
 }
 
 bool HostProcess::waitFor(const std::string& name, const std::function<bool(long)>& is) {
@@ -230,11 +218,8 @@ std::string HostProcess::dumpError(std::size_t from) const {
 
 std::size_t HostProcess::countFrames(std::size_t dump) const {
     std::ifstream frames(mFolder + '/' + std::to_string(dump) + "/frames.csv");
-    std::size_t rows = 0;
-    for (std::string row; std::getline(frames, row);) {
-        ++rows;
-    }
-    return rows == 0 ? 0 : rows - 1;
+    const auto rows = std::count(std::istreambuf_iterator<char>(frames), {}, '\n');
+    return rows == 0 ? 0 : static_cast<std::size_t>(rows) - 1;
 }
 
 }  // namespace faults

@@ -49,12 +49,17 @@ public:
     /// Lets so many milliseconds go by without a frame; returns when that has begun.
     void stall(int milliseconds);
 
+    /// Waits until so many more frames were drawn.
+    bool waitForFrames(long count);
+
     /// Asks for a report: values by name, and the dumps. Empty when there is none.
     std::map<std::string, std::string> report();
     const std::vector<FrameRange>& dumps() const { return mDumps; }
 
-    /// Asks until the report has this value, or a value that `is` likes. False when that does not happen.
-    bool waitFor(const std::string& name, const std::string& value);
+    /// Asks until the report has this number, or one that `is` likes. False when that does not happen.
+    bool waitFor(const std::string& name, long value) {
+        return waitFor(name, [value](long now) { return now == value; });
+    }
     bool waitFor(const std::string& name, const std::function<bool(long)>& is);
 
     /// Tells the host to end in this manner and waits for it. Returns the exit code, minus the signal that

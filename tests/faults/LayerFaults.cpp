@@ -6,32 +6,26 @@
 namespace faults {
 namespace {
 
-class LayerFaults : public FaultTest {
-protected:
-    void SetUp() override { ASSERT_EQ(showOverlay(), ""); }
-};
+class LayerFaults : public FaultTest {};
 
 TEST_F(LayerFaults, TheOverlayMovesFromOneApiToTheOther) {
     mOptions.apis = "0,1";
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     for (int round = 0; round < 10; ++round) {
         SCOPED_TRACE(round);
         const char* const api = round % 2 == 0 ? "1" : "0";
         ASSERT_EQ(set("api", api), "");
         ASSERT_EQ(publish(), "");
-        ASSERT_TRUE(host.waitFor(std::string("shown") + api, "1"));
+        ASSERT_TRUE(host.waitFor(std::string("shown") + api, 1));
         auto report = host.report();
         EXPECT_EQ(report["shown0"] + report["shown1"], round % 2 == 0 ? "01" : "10");
 
         // A key is one press for the layer that is shown, and none for the other.
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "1"));
-        const long frames = std::stol(host.report()["frames"]);
-        ASSERT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 20; }));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
+        ASSERT_TRUE(host.waitForFrames(20));
         EXPECT_EQ(host.report()["dumping"], "1");
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "0"));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, false));
     }
     EXPECT_EQ(host.dumps().size(), 10U);
     {
@@ -45,21 +39,18 @@ TEST_F(LayerFaults, TheOverlayMovesFromOneApiToTheOther) {
 
 // The key that was pressed last is not pressed once more by every frame without a poll.
 TEST_F(LayerFaults, TheKeyOfTheLastFrameBeforeTheOverlayWentCountsOnce) {
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     for (int round = 1; round <= 10; ++round) {
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "1"));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
         ASSERT_EQ(set("status", "false"), "");
         ASSERT_EQ(publish(), "");
-        ASSERT_TRUE(host.waitFor("shown0", "0"));
-        const long frames = std::stol(host.report()["frames"]);
-        ASSERT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 20; }));
+        ASSERT_TRUE(host.waitFor("shown0", 0));
+        ASSERT_TRUE(host.waitForFrames(20));
         ASSERT_EQ(host.report()["dumping"], "1");
         ASSERT_EQ(showOverlay(), "");
-        ASSERT_TRUE(host.waitFor("shown0", "1"));
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "0"));
+        ASSERT_TRUE(host.waitFor("shown0", 1));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, false));
         ASSERT_EQ(host.dumps().size(), static_cast<std::size_t>(round));
     }
     EXPECT_EQ(host.end(), 0);
@@ -67,8 +58,8 @@ TEST_F(LayerFaults, TheKeyOfTheLastFrameBeforeTheOverlayWentCountsOnce) {
 }
 
 TEST_F(LayerFaults, AThousandLayersLeaveNothingBehind) {
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     host.tell("reattach 50");
     host.tell("renew 50");
     auto before = host.report();
@@ -85,10 +76,9 @@ TEST_F(LayerFaults, AThousandLayersLeaveNothingBehind) {
         EXPECT_LE(std::stol(after["pages"]), std::stol(before["pages"]) + 100);
     }
     // All those listeners together.
-    ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-    ASSERT_TRUE(host.waitFor("dumping", "1"));
+    ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
     ASSERT_EQ(sendToBackground(host), "");
-    ASSERT_TRUE(host.waitFor("dumping", "0"));
+    ASSERT_TRUE(host.waitFor("dumping", 0));
     expectFollows(host);
     EXPECT_EQ(host.end(), 0);
     EXPECT_EQ(host.dumpError(), "");

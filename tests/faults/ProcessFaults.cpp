@@ -4,9 +4,7 @@
 #include "faults/FaultFixture.h"
 
 #include <csignal>
-#include <filesystem>
 #include <memory>
-#include <ostream>
 #include <thread>
 #include <vector>
 
@@ -22,9 +20,8 @@ protected:
 
     /// Starts a dump, and a capture of GPU counters that lasts for a tenth of a second.
     void keepBusy(HostProcess& host) const {
-        ASSERT_TRUE(host.waitFor("shown0", "1"));
-        ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-        ASSERT_TRUE(host.waitFor("dumping", "1"));
+        ASSERT_TRUE(host.waitFor("shown0", 1));
+        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
         const long threads = std::stol(host.report()["threads"]);
         // A capture is as long as the frame before it was.
         host.stall(100);
@@ -44,7 +41,7 @@ TEST_F(ProcessFaults, ForkedChildrenDrawExecuteAndExit) {
             host.tell(std::string("fork ") + kind);
         }
     }
-    ASSERT_TRUE(host.waitFor("children", "0"));
+    ASSERT_TRUE(host.waitFor("children", 0));
     EXPECT_EQ(host.report()["failed_children"], "0");
 #endif
     {
@@ -55,7 +52,7 @@ TEST_F(ProcessFaults, ForkedChildrenDrawExecuteAndExit) {
             // QEMU 7.2 has the real processor's system execute what is spawned.
             host.tell(i % 2 == 0 || doubles::isEmulated() ? "fork exec" : "fork spawn");
         }
-        ASSERT_TRUE(host.waitFor("children", "0"));
+        ASSERT_TRUE(host.waitFor("children", 0));
         EXPECT_EQ(host.report()["failed_children"], "0");
     }
     expectFollows(host);
@@ -64,20 +61,11 @@ TEST_F(ProcessFaults, ForkedChildrenDrawExecuteAndExit) {
     EXPECT_EQ(host.dumpError(), "") << "children do not write into their parent's dump";
 }
 
-struct EndCase {
-    const char* kind;
-    bool isOrderly;  ///< what was handed over by now is written
-};
-
-void PrintTo(const EndCase& end, std::ostream* stream) {
-    *stream << end.kind;
-}
-
-class ProcessEnd : public ProcessFaults, public testing::WithParamInterface<EndCase> {};
+class ProcessEnd : public ProcessFaults, public testing::WithParamInterface<std::pair<const char*, bool>> {};
 
 // In the middle of publications, of a capture and of a dump.
 TEST_P(ProcessEnd, IsNeitherHeldUpNorACrash) {
-    const EndCase& end = GetParam();
+    const auto& [kind, isOrderly] = GetParam();  // orderly: what was handed over by now is written
     const Publisher publisher(Publisher::What::TEXT_ALONE, 11);
     std::mt19937 random(1);
     for (int round = 0; round < (IS_SANITIZED ? 4 : 15); ++round) {
@@ -87,18 +75,18 @@ TEST_P(ProcessEnd, IsNeitherHeldUpNorACrash) {
         HostProcess host(mOptions);
         ASSERT_NO_FATAL_FAILURE(keepBusy(host));
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 20000));
-        ASSERT_EQ(host.end(end.kind), 0) << testing::PrintToString(host.logged());
-        if (end.isOrderly) {
+        ASSERT_EQ(host.end(kind), 0) << testing::PrintToString(host.logged());
+        if (isOrderly) {
             ASSERT_EQ(host.dumpError(), "");
         }
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, ProcessEnd,
-                         testing::Values(EndCase{"return", true}, EndCase{"exit", true},
-                                         EndCase{"thread", true}, EndCase{"quick_exit", false},
-                                         EndCase{"_exit", false}),
-                         [](const auto& end) { return std::string("By_") + end.param.kind; });
+                         testing::Values(std::pair("return", true), std::pair("exit", true),
+                                         std::pair("thread", true), std::pair("quick_exit", false),
+                                         std::pair("_exit", false)),
+                         [](const auto& end) { return std::string("By_") + end.param.first; });
 
 TEST_F(ProcessFaults, SignalsEndTheApplicationAsEver) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGPIPE, SIGKILL}) {

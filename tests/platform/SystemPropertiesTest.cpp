@@ -1,6 +1,5 @@
 #include <android/log.h>
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/system_properties.h>
 #include <sys/time.h>
 
@@ -8,7 +7,6 @@
 #include <chrono>
 #include <csignal>
 #include <fstream>
-#include <new>
 #include <thread>
 
 #include "platform/ChildProcess.h"
@@ -150,41 +148,6 @@ TEST_F(SystemPropertiesTest, WaitsLastUntilTheirTimeoutWhateverWakesThem) {
         EXPECT_FALSE(__system_property_wait(mProperty, serial, &next, &strange));
     }
     EXPECT_EQ(next, 0U);
-}
-
-TEST_F(SystemPropertiesTest, NoTornValueInTenThousandWrites) {
-    ASSERT_EQ(__system_property_set("test.value", ""), 0);
-    const std::uint32_t first = __system_property_serial(mProperty);
-    // Each value can be told from its serial: the reader is to see value and serial of one write.
-    const auto valueAt = [first](std::uint32_t serial) {
-        const std::uint32_t i = serial - first;
-        return std::string(i % 92, static_cast<char>('a' + i % 26));
-    };
-    // The writer goes on until the reader has seen enough of its values, also where both share a core.
-    void* memory = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(memory, MAP_FAILED);
-    auto& isEnough = *new (memory) std::atomic<bool>(false);
-    const pid_t writer = startChild([&] {
-        for (std::uint32_t i = 1; i <= 10000 || !isEnough; ++i) {
-            if (__system_property_set("test.value", valueAt(first + i).c_str()) != 0) {
-                return 1;
-            }
-        }
-        return __system_property_set("test.value", "END") == 0 ? 0 : 1;
-    });
-    std::uint32_t serial = first;
-    int changes = 0;
-    bool isWhole = true;
-    for (Reading reading; isWhole && reading.value != "END"; serial = reading.serial) {
-        reading = readProperty(mProperty);
-        isWhole =
-            reading.serial >= serial && (reading.value == "END" || reading.value == valueAt(reading.serial));
-        EXPECT_TRUE(isWhole) << reading.value << " is not the value of write " << reading.serial - first;
-        changes += reading.serial != serial ? 1 : 0;
-        isEnough = changes >= 100 || !isWhole;
-    }
-    EXPECT_EQ(waitForChild(writer), 0);
-    EXPECT_GT(readProperty(mProperty).serial, first + 10000);
 }
 
 TEST_F(SystemPropertiesTest, ThreadsAndAForkedChildWriteTogether) {

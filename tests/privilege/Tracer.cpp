@@ -25,20 +25,10 @@ const std::map<unsigned long long, std::string> NAMES = {
     {SYS_openat, "openat"},
     {SYS_read, "read"},
     {SYS_close, "close"},
-    {SYS_write, "write"},
     {SYS_futex, "futex"},
     {SYS_fcntl, "fcntl"},
-    {SYS_mmap, "mmap"},
-    {SYS_munmap, "munmap"},
-    {SYS_mprotect, "mprotect"},
-    {SYS_madvise, "madvise"},
-    {SYS_brk, "brk"},
-    {SYS_clock_gettime, "clock_gettime"},
-    {SYS_clock_nanosleep, "clock_nanosleep"},
-    {SYS_lseek, "lseek"},
     {SYS_socket, "socket"},
     {SYS_rt_sigaction, "rt_sigaction"},
-    {SYS_sched_yield, "sched_yield"},
 #ifdef SYS_newfstatat
     {SYS_newfstatat, "fstat"},
 #endif
@@ -86,15 +76,11 @@ public:
             int signal = WSTOPSIG(status);
             if (signal == SYSCALL_STOP) {
                 onCall(thread);
-                signal = 0;
-            } else if (event == PTRACE_EVENT_EXEC) {
-                ++mTrace.programs;
-                signal = 0;
-            } else if (event == PTRACE_EVENT_FORK || event == PTRACE_EVENT_VFORK) {
-                ++mTrace.processes;
-                signal = 0;
-            } else if (event != 0 || signal == SIGSTOP) {
-                signal = 0;  // a new thread, and its first stop
+            }
+            mTrace.programs += event == PTRACE_EVENT_EXEC ? 1 : 0;
+            mTrace.processes += event == PTRACE_EVENT_FORK || event == PTRACE_EVENT_VFORK ? 1 : 0;
+            if (signal == SYSCALL_STOP || event != 0 || signal == SIGSTOP) {
+                signal = 0;  // not a signal of its own, or a new thread's first stop
             }
             ptrace(PTRACE_SYSCALL, thread, nullptr, signal);
         }
