@@ -13,8 +13,9 @@ namespace platform {
 ///
 /// The file is a binary PAM of the frame with the overlay in it: the header
 ///   "P7\nWIDTH <w>\nHEIGHT <h>\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n"
-/// and then four bytes a pixel (red, green, blue, alpha, not premultiplied), rows from top to bottom without
-/// padding. It is written as PATH.part, with mode 0600, and renamed to PATH when it is complete.
+/// and then four bytes a pixel (red, green, blue, and 255 because a screen shows it opaque), rows from top
+/// to bottom without padding. It is written as PATH.part, with mode 0600, and renamed to PATH when it is
+/// complete. Whoever cannot write it removes PATH, so that nobody waits for it.
 std::optional<std::string> takePictureRequest();
 
 }  // namespace platform

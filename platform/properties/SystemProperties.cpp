@@ -133,8 +133,8 @@ std::string propertyAreaError() {
 }
 
 void changeRuntimeDirectory(const std::string& directory) {
-    setenv("KORDANIX_RUNTIME_DIR", directory.c_str(),
-           1);  // NOLINT(concurrency-mt-unsafe): as the header says
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the header says so
+    setenv("KORDANIX_RUNTIME_DIR", directory.c_str(), 1);
     gArea.store(nullptr, std::memory_order_release);
 }
 

@@ -206,12 +206,15 @@ TEST_F(RunTest, APictureIsSavedOrItIsSaidWhyNot) {
         std::string error;
         ASSERT_TRUE(software::readPng(out, image, error)) << error;
         EXPECT_EQ(image.mWidth, 2U);
-        EXPECT_TRUE(image.mPixels[1] == (software::Pixel{'e', 'f', 'g', 255}));
+        EXPECT_TRUE(image.mPixels[1] == (software::Pixel{'e', 'f', 'g', 'h'}));
         fs::remove(out);
     }
     EXPECT_THAT(run("$CTL picture /nowhere/out.png").err,
                 HasSubstr("cannot write /nowhere/out.png: No such"));
     EXPECT_THAT(run("$CTL set status off; $CTL picture " + out).err, HasSubstr("switched off"));
+    end(program);
+    program = start("", RUN_PROBE " failure");
+    EXPECT_THAT(picture("").err, HasSubstr("could not write its picture"));
     end(program);
     program = start("", RUN_PROBE " garbage");
     EXPECT_THAT(picture("").err, HasSubstr("something other than a picture"));

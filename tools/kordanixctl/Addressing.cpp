@@ -87,7 +87,7 @@ ExitCode chooseRuntimeDirectory(std::optional<pid_t> process, std::ostream& err)
 }
 
 std::vector<pid_t> recipients(const std::string& directory, std::optional<pid_t> process) {
-    const std::vector<pid_t> listening = platform::listeningProcesses(directory);
+    std::vector<pid_t> listening = platform::listeningProcesses(directory);
     const bool isOnlyListener = listening.size() == 1 && isRunDirectory(directory);
     if (!process || isOnlyListener) {
         return listening;

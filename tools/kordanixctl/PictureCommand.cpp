@@ -61,9 +61,14 @@ public:
         return signal <= 0;
     }
 
-    bool hasArrived() const {
+    enum class State { AWAITED, ARRIVED, FAILED };
+
+    State state() const {
         struct stat status = {};
-        return stat(mPath.c_str(), &status) == 0 && status.st_size > 0;
+        if (stat(mPath.c_str(), &status) != 0) {
+            return State::FAILED;  // taken away by the process
+        }
+        return status.st_size > 0 ? State::ARRIVED : State::AWAITED;
     }
 
     std::string contents() const {
@@ -98,7 +103,7 @@ std::string await(const Delivery& delivery, pid_t process, double seconds) {
     const std::string who = "process " + std::to_string(process);
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(std::clamp(seconds, 0.0, 1e6)));
-    while (!delivery.hasArrived()) {
+    while (delivery.state() == Delivery::State::AWAITED) {
         if (Clock::now() >= end) {
             return who + " presented no frame in that time";
         }
@@ -109,7 +114,9 @@ std::string await(const Delivery& delivery, pid_t process, double seconds) {
             return "interrupted";
         }
     }
-    return {};
+    return delivery.state() == Delivery::State::ARRIVED
+               ? std::string()
+               : who + " could not write its picture; its log may say why";
 }
 
 }  // namespace
@@ -150,9 +157,6 @@ ExitCode savePicture(std::optional<pid_t> process, const std::string& path, doub
     software::Image image;
     if (!parsePam(delivery.contents(), image)) {
         return fail(who + "wrote something other than a picture", err);
-    }
-    for (software::Pixel& pixel : image.mPixels) {
-        pixel.mAlpha = 255;
     }
     return software::writePng(image, path, error) ? SUCCESS : fail(error, err);
 }

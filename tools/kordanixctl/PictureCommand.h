@@ -11,7 +11,7 @@
 namespace control {
 
 /// Has a process write its next frame with the overlay and saves it as a PNG file, which replaces what is
-/// there; opaque, as on a screen. Without a process, the only one that listens is asked. Fails when none
+/// there. Without a process, the only one that listens is asked. Fails when none
 /// comes within `seconds`.
 ExitCode savePicture(std::optional<pid_t> process, const std::string& path, double seconds,
                      std::ostream& err);

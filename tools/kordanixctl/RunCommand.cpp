@@ -60,7 +60,7 @@ Program findProgram(const std::string& name) {
     }
     std::istringstream folders(environment("PATH"));
     for (std::string folder; std::getline(folders, folder, ':');) {
-        if (look(folder.empty() ? name : folder + '/' + name)) {
+        if (look(fs::path(folder) / name)) {
             break;
         }
     }

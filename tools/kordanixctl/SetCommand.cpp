@@ -68,7 +68,7 @@ ExitCode resetProperties(bool keepsControl, std::ostream& err) {
         }
         const std::string error = platform::setProperty(name.c_str(), "");
         if (!error.empty()) {
-            return fail("cannot reset " + name + ": " + error, err);
+            return fail(std::string("cannot reset ").append(name).append(": ").append(error), err);
         }
     }
     return publishProperties(err);
