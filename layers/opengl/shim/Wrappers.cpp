@@ -129,20 +129,38 @@ struct AnyLookUp {
     }
 };
 
-void tellDestroyed(WindowSystem windowSystem, void* display, void* context) {
-    if (const LayerCalls* const layer = loadedLayer()) {
-        const int callersErrno = errno;
-        layer->contextDestroyed(windowSystem, display, context);
-        errno = callersErrno;
+/// Around the real call: before it, so that nobody finds what a new context of the same handle must not have,
+/// and after it, for a swap in between on another thread. Without a context or a display nothing is
+/// destroyed.
+class Destruction {
+public:
+    [[gnu::noinline]] Destruction(WindowSystem windowSystem, void* display, void* context)
+        : mWindowSystem(windowSystem), mDisplay(display), mContext(context) {
+        tell();
     }
-}
+    ~Destruction() { tell(); }
+    Destruction(const Destruction&) = delete;
+    Destruction& operator=(const Destruction&) = delete;
+
+private:
+    void tell() const {
+        const LayerCalls* const layer = mDisplay != nullptr ? loadedLayer() : nullptr;
+        if (layer != nullptr) {
+            const int callersErrno = errno;
+            layer->contextDestroyed(mWindowSystem, mDisplay, mContext);
+            errno = callersErrno;
+        }
+    }
+
+    WindowSystem mWindowSystem;
+    void* mDisplay;
+    void* mContext;
+};
 
 struct EglDestroy {
     using Type = unsigned int(void* display, void* context);
     [[gnu::noinline]] static unsigned int run(Real real, void* display, void* context) {
-        if (context != nullptr) {
-            tellDestroyed(WindowSystem::EGL, display, context);
-        }
+        const Destruction destruction(WindowSystem::EGL, context != nullptr ? display : nullptr, context);
         return real.function == nullptr ? 0 : reinterpret_cast<Type*>(real.function)(display, context);
     }
 };
@@ -150,7 +168,7 @@ struct EglDestroy {
 struct EglTerminate {
     using Type = unsigned int(void* display);
     [[gnu::noinline]] static unsigned int run(Real real, void* display) {
-        tellDestroyed(WindowSystem::EGL, display, nullptr);
+        const Destruction destruction(WindowSystem::EGL, display, nullptr);
         return real.function == nullptr ? 0 : reinterpret_cast<Type*>(real.function)(display);
     }
 };
@@ -158,9 +176,7 @@ struct EglTerminate {
 struct GlxDestroy {
     using Type = void(void* display, void* context);
     [[gnu::noinline]] static void run(Real real, void* display, void* context) {
-        if (context != nullptr) {
-            tellDestroyed(WindowSystem::GLX, display, context);
-        }
+        const Destruction destruction(WindowSystem::GLX, context != nullptr ? display : nullptr, context);
         if (real.function != nullptr) {
             reinterpret_cast<Type*>(real.function)(display, context);
         }

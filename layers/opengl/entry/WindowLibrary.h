@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+
+#include "opengl/gl/Functions.h"
+#include "opengl/shim/LayerCalls.h"
+
+namespace opengl {
+
+/// Width and height in pixels.
+struct SurfaceSize {
+    int width = 0;
+    int height = 0;
+
+    /// There is something to draw on: programs keep windows of a single pixel that nobody sees.
+    bool isDrawable() const { return width > 1 && height > 1; }
+    bool operator==(const SurfaceSize& other) const { return width == other.width && height == other.height; }
+    bool operator!=(const SurfaceSize& other) const { return !(*this == other); }
+};
+
+/// The EGL or GLX library that a real swap function belongs to; a process may have several. Looked up once,
+/// constant afterwards, so any thread may ask; the answers are about the calling thread.
+class WindowLibrary {
+public:
+    WindowLibrary(const Swap& swap, const ShimCalls& shim);
+
+    /// Whether it has what the layer needs of it.
+    bool isUsable() const { return mIsUsable; }
+
+    /// Whether this is the library of that swap.
+    bool isOf(const Swap& swap) const { return swap.function == mSwapFunction; }
+
+    WindowSystem windowSystem() const { return mWindowSystem; }
+
+    /// The library's look-up of OpenGL functions.
+    GetProcAddress lookUp() const { return mLookUp; }
+
+    /// The context that is current, null for none.
+    void* currentContext() const { return mGetCurrentContext(); }
+
+    /// Whether the surface of a swap is the one that the current context draws on.
+    bool isDrawnOn(const Swap& swap) const;
+
+    /// Whether the context, which is current, can still be made current: one that was destroyed lives on
+    /// until it is released.
+    bool isAlive(void* display, void* context) const;
+
+    /// May ask the server and wait for its answer. Nothing when it cannot be had.
+    SurfaceSize size(void* display, std::uintptr_t surface) const;
+
+    /// Whether an EGL surface stores sRGB.
+    bool isSrgb(void* display, std::uintptr_t surface) const;
+
+private:
+    void* find(const char* name) const;
+
+    WindowSystem mWindowSystem;
+    void* mSwapFunction;
+    void* (*mFindSymbol)(void* library, const char* name);
+    void* mLibrary = nullptr;  ///< handle, never given back
+    GetProcAddress mLookUp = nullptr;
+    bool mIsUsable = false;
+
+    // By their types in either window system, as far as the calling convention tells them apart.
+    void* (*mGetCurrentContext)() = nullptr;
+    void* (*mGetCurrentDisplay)() = nullptr;
+    void* (*mGetCurrentSurface)(int which) = nullptr;
+    std::uintptr_t (*mGetCurrentDrawable)() = nullptr;
+    unsigned int (*mQuerySurface)(void* display, void* surface, int attribute, int* value) = nullptr;
+    unsigned int (*mQueryContext)(void* display, void* context, int attribute, int* value) = nullptr;
+    void (*mQueryDrawable)(void* display, unsigned long drawable, int attribute,
+                           unsigned int* value) = nullptr;
+    unsigned long (*mGetContextId)(void* context) = nullptr;
+};
+
+}  // namespace opengl
