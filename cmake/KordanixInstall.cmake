@@ -6,7 +6,7 @@
 #   lib                          the libraries, with those that answer for the platform on the host
 #   lib/cmake/KordanixCore       find_package(KordanixCore): Kordanix::KordanixCore and, on the host, Kordanix::scene
 #   lib/pkgconfig                kordanix-core
-#   bin, share/kordanix          kordanixctl; kordanix-demo and its simulated devices
+#   bin, share/kordanix          kordanixctl, which finds the OpenGL layer in lib; kordanix-demo and its simulated devices
 #
 # On Android the library and its headers alone: a layer there is built by the NDK's or the platform's own rules.
 set(kordanix_headers_folder ${CMAKE_INSTALL_INCLUDEDIR}/kordanix)
@@ -22,7 +22,7 @@ endif()
 install(DIRECTORY platform/include/ DESTINATION ${kordanix_headers_folder}/platform FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY layers/scene DESTINATION ${kordanix_headers_folder} FILES_MATCHING PATTERN "*.h")
 
-# The libraries. Those of the OpenGL layer too: its shim and its layer look for the others where they lie.
+# The libraries. The OpenGL layer's shim looks for the layer beside itself and needs no other.
 target_include_directories(kordanix_headers INTERFACE $<INSTALL_INTERFACE:${kordanix_headers_folder}>)
 target_link_libraries(kordanix_headers INTERFACE $<INSTALL_INTERFACE:glm::glm>)
 target_include_directories(kordanix_platform_headers INTERFACE $<INSTALL_INTERFACE:${kordanix_headers_folder}/platform>)
@@ -33,12 +33,10 @@ install(TARGETS KordanixCore kordanix_platform ostra scene
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 set(kordanix_libraries KordanixCore kordanix_platform ostra)
-foreach(target kordanix_opengl kordanix_preload)
-  if(TARGET ${target})
-    install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-    list(APPEND kordanix_libraries ${target})
-  endif()
-endforeach()
+if(TARGET kordanix_opengl)
+  install(TARGETS kordanix_opengl kordanix_preload LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  list(APPEND kordanix_libraries kordanix_opengl)
+endif()
 
 # The programs.
 file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
