@@ -34,7 +34,7 @@ const FeatureSource FEATURE_SOURCES[] = {
      {{"GL_ARB_instanced_arrays", "ARB"},
       {"GL_EXT_instanced_arrays", "EXT"},
       {"GL_ANGLE_instanced_arrays", "ANGLE"}}},
-    {&Features::redTextures, 30, 30, {{"GL_ARB_texture_rg", ""}, {"GL_EXT_texture_rg", ""}}},
+    {&Features::redTextures, 30, 30, {{"GL_ARB_texture_rg", ""}}},
     {&Features::samplers, 33, 30, {{"GL_ARB_sampler_objects", ""}}},
     {&Features::pixelBuffers,
      21,

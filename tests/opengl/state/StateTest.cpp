@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <sstream>
 
+#include "drawers/RectDrawer.h"
 #include "opengl/context/HeadlessContext.h"
+#include "opengl/draw/OverlayDrawing.h"
 #include "opengl/gl/SavedState.h"
 #include "opengl/state/RandomState.h"
 #include "opengl/state/StateDump.h"
@@ -97,9 +99,8 @@ public:
         gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
         const bool isRed = gl.features.redTextures;
         mFormat = isRed ? GL_RED : GL_ALPHA;
-        const GLint internal = isRed ? GL_R8 : GL_ALPHA;
-        gl.texImage2D(GL_TEXTURE_2D, 0, gl.version.isEs ? static_cast<GLint>(mFormat) : internal, 3, 2, 0,
-                      mFormat, GL_UNSIGNED_BYTE, nullptr);
+        gl.texImage2D(GL_TEXTURE_2D, 0, isRed ? GL_R8 : GL_ALPHA, 3, 2, 0, mFormat, GL_UNSIGNED_BYTE,
+                      nullptr);
         if (gl.features.vertexArrays) {
             gl.genVertexArrays(1, &mVertexArray);
             gl.bindVertexArray(mVertexArray);
@@ -156,6 +157,43 @@ private:
     GLenum mFormat = 0;
 };
 
+/// The layer's own drawing: a rectangle and the application's picture in another, everything uploaded anew
+/// now and then.
+class LayerOverlay {
+public:
+    explicit LayerOverlay(const Functions& gl)
+        : mDrawing(gl),
+          mRect(mDrawing.factory().createRect()),
+          mPicture(mDrawing.factory().createThumbnail()) {
+        mDrawing.setSurface(16, 16, false);
+        mRect->mSize = mPicture->mSize = {0.5F, 0.5F};
+        mRect->mColor = {1, 1, 0, 0.5F};
+    }
+
+    void draw(SavedState& saved, unsigned seed) {
+        if (mIsCreated && seed % 256 == 255) {
+            mDrawing.destroy();
+            mIsCreated = false;
+        }
+        if (!mIsCreated) {
+            EXPECT_EQ(mDrawing.create(), "");
+            mIsCreated = true;
+        }
+        if (seed % 2 == 0) {
+            mDrawing.factory().beginDrawing(false);
+            mRect->draw();
+            mPicture->draw();
+        }
+        mDrawing.show(saved);
+    }
+
+private:
+    opengl::OverlayDrawing mDrawing;
+    std::unique_ptr<drawer::RectDrawer> mRect;
+    std::unique_ptr<drawer::Drawer> mPicture;
+    bool mIsCreated = false;
+};
+
 bool isExpected(const std::vector<std::uint8_t>& pixels) {
     for (std::size_t i = 0; i < pixels.size(); ++i) {
         if (std::abs(pixels[i] - EXPECTED_PIXEL[i % 4]) > 1) {
@@ -184,6 +222,7 @@ TEST(SavedState, LeavesNoTraceAndDrawsTheSame) {
 
     RandomState application(*context, *other, gl);
     const SampleOverlay overlay(gl);
+    LayerOverlay layer(gl);
     ASSERT_EQ(getError(), GLenum{GL_NO_ERROR});
     const StateDump dump;
     SavedState saved(gl);
@@ -203,6 +242,7 @@ TEST(SavedState, LeavesNoTraceAndDrawsTheSame) {
         bool isUploaded = drawn > 0;
         bool isRead = false;
         if (mayDraw) {
+            layer.draw(saved, seed);
             if (drawn == 0 || seed % 3 == 0) {
                 const bool uploads = saved.prepareUpload();
                 EXPECT_EQ(uploads, expected.uploads);
