@@ -110,6 +110,19 @@ TEST_F(PropertyFileTest, FailedCreationLeavesNothingBehind) {
     EXPECT_EQ(setProperty("a", "1"), "");
 }
 
+// A writer was killed between a value and its announcement: whoever writes next tells those who wait.
+TEST_F(PropertyFileTest, TheNextWriterAnnouncesWhatAKilledOneHasWritten) {
+    ASSERT_EQ(setProperty("first", "1"), "");
+    std::string error;
+    const PropertyFile file = PropertyFile::openForWriting(mDirectory.path(), error);
+    ASSERT_NE(file.writableArea(), nullptr) << error;
+    const std::uint32_t serial = file.area()->serial;
+    file.writableArea()->pending = 1;
+    EXPECT_EQ(setProperty("second", "2"), "");
+    EXPECT_EQ(file.area()->serial, serial + 2);
+    EXPECT_EQ(file.area()->pending, 0U);
+}
+
 TEST_F(PropertyFileTest, ManyProcessesCreateItAtOnce) {
     for (int round = 0; round < 50; ++round) {
         std::filesystem::remove(mPath);
