@@ -37,22 +37,22 @@ void SavedTarget::set(const Functions& gl, int width, int height) {
 }
 
 void SavedTarget::setDrawBuffer(const Functions& gl) {
-    // In OpenGL ES the default framebuffer has one draw buffer.
-    mDrawBufferCount = gl.version.isEs ? 1 : std::min<GLsizei>(gl.maxDrawBuffers, MAX_DRAW_BUFFERS);
-    bool isSingle = true;
-    for (GLsizei i = 0; i < mDrawBufferCount; ++i) {
-        const GLenum buffer = getName(gl, GL_DRAW_BUFFER0 + static_cast<GLenum>(i));
-        mDrawBuffers[static_cast<std::size_t>(i)] = buffer;
-        isSingle = isSingle && (i == 0 || buffer == GL_NONE);
-    }
-    if (isSingle) {
-        mDrawBufferCount = 1;
-    }
-    if (isSingle && mDrawBuffers[0] == GL_BACK) {
+    // GL_BACK comes alone: it stands for both back buffers, and a list of several buffers takes single ones
+    // only.
+    mDrawBuffers[0] = getName(gl, GL_DRAW_BUFFER0);
+    if (mDrawBuffers[0] == GL_BACK) {
         return;
     }
+    mDrawBufferCount = 1;
+    const GLsizei most = std::min<GLsizei>(gl.maxDrawBuffers, MAX_DRAW_BUFFERS);
+    // In OpenGL ES the default framebuffer has one draw buffer.
+    for (GLsizei i = 1; i < most && gl.features.desktop; ++i) {
+        const GLenum buffer = getName(gl, GL_DRAW_BUFFER0 + static_cast<GLenum>(i));
+        mDrawBuffers[static_cast<std::size_t>(i)] = buffer;
+        mDrawBufferCount = buffer != GL_NONE ? i + 1 : mDrawBufferCount;
+    }
     const GLenum shown = getShownBuffer(gl);
-    if (isSingle && mDrawBuffers[0] == shown) {
+    if (mDrawBufferCount == 1 && mDrawBuffers[0] == shown) {
         return;
     }
     mChangesDrawBuffer = true;
