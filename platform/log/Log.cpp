@@ -1,4 +1,5 @@
 #include <android/log.h>
+#include <fcntl.h>
 #include <strings.h>
 #include <unistd.h>
 
@@ -71,15 +72,33 @@ private:
 };
 
 /// Writes it all, in one piece as far as the system allows. Returns 0 or an error number.
-int writeToStandardError(std::string_view text) {
+int writeTo(int file, std::string_view text) {
     while (!text.empty()) {
-        const ssize_t written = write(STDERR_FILENO, text.data(), text.size());
+        const ssize_t written = write(file, text.data(), text.size());
         if (written < 0 && errno != EINTR) {
             return errno;
         }
         text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
     }
     return 0;
+}
+
+/// To the end of the file that KORDANIX_LOG_FILE names, else to standard error. The file is opened for each
+/// message: an application may close descriptors that it does not know and get their numbers for its own.
+int writeToLog(std::string_view text) {
+    // Read once: the application may change its environment later.
+    static const char* const name = std::getenv("KORDANIX_LOG_FILE");  // NOLINT(concurrency-mt-unsafe)
+    static const std::string& path = *new std::string(name == nullptr ? "" : name);  // also used at exit
+    if (path.empty()) {
+        return writeTo(STDERR_FILENO, text);
+    }
+    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
+    if (file < 0) {
+        return errno;
+    }
+    const int error = writeTo(file, text);
+    close(file);
+    return error;
 }
 
 /// The message in logcat's brief format: every line under the same prefix, an end of line at the end of
@@ -97,7 +116,7 @@ int writeMessage(int priority, const char* tag, std::string_view message) {
         output.append(line);
         output.append("\n");
     } while (!message.empty());
-    return writeToStandardError(output.text());
+    return writeToLog(output.text());
 }
 
 }  // namespace

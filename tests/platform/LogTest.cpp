@@ -1,12 +1,14 @@
 #include <android/log.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/socket.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 #include <functional>
 
 #include "platform/ChildProcess.h"
+#include "platform/TemporaryDirectory.h"
 
 namespace platform {
 namespace {
@@ -62,6 +64,22 @@ TEST(LogTest, EveryLineHasThePrefixAndEveryMessageIsOneWrite) {
         "I/t       " + end + std::string(1023, 'x') + "\n",
     };
     EXPECT_EQ(logged.writes, expected);
+}
+
+TEST(LogTest, AFileTakesTheMessagesInstead) {
+    const TemporaryDirectory folder;
+    const std::string path = folder.path() + "/log";
+    for (const char* const message : {"one", "two"}) {
+        const Logged logged = runLogged("I", [&] {
+            setenv("KORDANIX_LOG_FILE", path.c_str(), 1);
+            return __android_log_print(ANDROID_LOG_INFO, "t", "%s", message);
+        });
+        EXPECT_EQ(logged.result, 1);
+        EXPECT_THAT(logged.writes, testing::IsEmpty());
+    }
+    std::string text;
+    std::getline(std::ifstream(path), text, '\0');
+    EXPECT_THAT(text, testing::MatchesRegex("I/t  *\\( *[0-9]+\\): one\nI/t  *\\( *[0-9]+\\): two\n"));
 }
 
 TEST(LogTest, LevelFilters) {

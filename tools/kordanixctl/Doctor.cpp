@@ -73,7 +73,10 @@ void describeRuns(std::ostream& out) {
     for (const Run& run : runs) {
         out << "  " << run.process << ' ' << processName(run.process) << ": " << run.directory << '\n';
     }
-    out << (runs.empty() ? "  none\n" : "  'kordanixctl --process PID doctor' says more about one.\n");
+    out << (runs.empty() ? "  none\n"
+                         : "  What the overlay logs in one is in the file log of its folder; 'kordanixctl "
+                           "--process PID doctor' says "
+                           "more.\n");
 }
 
 /// A file's error goes with its advice; several metrics often share it.

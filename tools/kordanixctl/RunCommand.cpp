@@ -24,6 +24,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* SHELL = "/bin/sh";
+constexpr const char* LOG_FILE = "KORDANIX_LOG_FILE";
 
 // NOLINTBEGIN(concurrency-mt-unsafe): this process has one thread
 std::string environment(const char* name) {
@@ -196,6 +197,10 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
     if (result == SUCCESS) {
         const std::string others = environment("LD_PRELOAD");
         setEnvironment("LD_PRELOAD", others.empty() ? preload : preload + ':' + others);
+        // What the program writes to standard error stays its own.
+        if (environment(LOG_FILE).empty()) {
+            setEnvironment(LOG_FILE, directory + "/log");
+        }
         const int reason = execute(words);
         result = fail(name + ": " + std::generic_category().message(reason), err,
                       reason == ENOENT ? NOT_FOUND : NOT_EXECUTABLE);
