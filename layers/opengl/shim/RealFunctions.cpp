@@ -39,11 +39,29 @@ void* findIn(void* library, Hook hook) {
     return found == exportedFunction(hook) ? nullptr : found;
 }
 
+/// The next function of that name after the shim's. Not by a tail call, which would make it the next one
+/// after whoever called.
+void* findNext(Hook hook) {
+    void* const found = realFindSymbol()(RTLD_NEXT, HOOK_NAMES[static_cast<std::size_t>(hook)]);
+    asm volatile("" ::: "memory");
+    return found;
+}
+
 void* findByCaller(Hook hook, const void* caller) {
     if (void* const found = findIn(libraryOf(caller), hook)) {
         return found;
     }
-    // The caller may have been left by a jump, and then is not who it seems.
+    // The caller may have been left by a jump, and then is not who it seems. It may be one of the libraries
+    // whose functions are known, or one of those that are usual.
+    for (const auto& slots : gSlots) {
+        for (const Slot& slot : slots) {
+            const void* const real = slot.real.load(std::memory_order_acquire);
+            void* const found = real == nullptr ? nullptr : findIn(libraryOf(real), hook);
+            if (found != nullptr) {
+                return found;
+            }
+        }
+    }
     for (const char* name :
          {"libGL.so.1", "libGLX.so.0", "libEGL.so.1", "libGLESv2.so.2", "libOpenGL.so.0"}) {
         if (void* const found = findIn(dlopen(name, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE), hook)) {
@@ -76,7 +94,7 @@ void* resolveExported(Hook hook, const void* caller) {
     if (void* const real = slot.real.load(std::memory_order_acquire)) {
         return real;
     }
-    if (void* const real = realFindSymbol()(RTLD_NEXT, HOOK_NAMES[index])) {
+    if (void* const real = findNext(hook)) {
         libraryOf(real);
         slot.real.store(real, std::memory_order_release);
         return real;
@@ -120,7 +138,7 @@ void* wrap(Hook hook, void* real, LookUp lookUp) {
 }
 
 bool isMissingAfter(const void* caller, Hook hook) {
-    if (realFindSymbol()(RTLD_NEXT, HOOK_NAMES[static_cast<std::size_t>(hook)]) != nullptr) {
+    if (findNext(hook) != nullptr) {
         return false;
     }
     Dl_info info;
@@ -146,7 +164,7 @@ void* findHooked(Hook hook, void* handle, const void* caller) {
         // By RTLD_DEFAULT, what the program or a library loaded before the shim has put in front of it.
         return real == nullptr || handle == RTLD_DEFAULT ? real : wrap(hook, real, nullptr);
     }
-    if (realFindSymbol()(RTLD_NEXT, name) != nullptr) {
+    if (findNext(hook) != nullptr) {
         return real;
     }
     if (handle == RTLD_DEFAULT) {
@@ -154,7 +172,7 @@ void* findHooked(Hook hook, void* handle, const void* caller) {
             return wrap(hook, callers, nullptr);
         }
     }
-    return realFindSymbol()(RTLD_NEXT, name);  // nothing, and dlerror() says what
+    return findNext(hook);  // nothing, and dlerror() says what
 }
 
 void* wrapLookedUp(const char* name, void* found, LookUp lookUp) {
