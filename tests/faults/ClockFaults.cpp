@@ -29,7 +29,7 @@ namespace {
 constexpr std::int64_t SECOND = 1000000;
 constexpr std::int64_t HOUR = 3600 * SECOND;
 constexpr std::int64_t YEAR = 365 * 24 * HOUR;
-constexpr std::int64_t NOW = 1795555555 * SECOND;
+constexpr std::int64_t NOW = 1795557055 * SECOND;
 constexpr std::int64_t FRAME = 16000;
 
 class ClockFaults : public testing::Test {
