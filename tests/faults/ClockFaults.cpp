@@ -130,8 +130,8 @@ TEST_P(ClockJump, FiguresMarqueeCapturesAndDumpsGoOn) {
     doubles::advanceWallClock(GetParam().second);
     ASSERT_NO_FATAL_FAILURE(frame());
     EXPECT_EQ(doubles::companion().dumps.size(), dumped + 2);
-    doubles::setWallClockStep(5);
     EXPECT_TRUE(waitForResult(results)) << "the capture is not over";
+    doubles::setWallClockStep(5);
 
     // At the latest an interval after the jump, and from then on in the same rhythm.
     unsigned before = refreshes();
