@@ -75,4 +75,7 @@ picture docs/pictures/settings.png mali-b31 1110x540 14 12.4 widget_cpu_gpu_gpu_
     widget_fps_position=BOTTOM_LEFT widget_cpu_gpu_position=BOTTOM_RIGHT widget_memory_position=TOP_RIGHT \
     widget_gpu_activity=false widget_gpu_activity_thumbnail=false widget_memory_pss_color='#FF80C0' \
     widget_memory_gpu_surface=false widget_fps_current_color='#40E0D0' bg_color='#102840' bg_transparency=190
+scripts/screenshot.sh docs/pictures/over-glmark2.png 14 widget_memory=true -- \
+    glmark2 -b jellyfish:duration=60 -s 1280x720
+scripts/screenshot.sh docs/pictures/over-glxgears.png 14 -- glxgears -geometry 740x360
 printf '  %s\n' docs/pictures/*.png

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Runs an OpenGL program under the overlay, in a window of an X server without a screen, and takes a picture of
-# one of its frames.
+# one of its frames. With devmode=true it captures the GPU's work of a frame in between.
 # Usage: scripts/screenshot.sh OUT.png SECONDS [NAME=VALUE]... -- PROGRAM [ARGUMENT]...
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-[ $# -ge 4 ] || { sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2; }
+[ $# -ge 4 ] || { sed -n '2,5s/^# \{0,1\}//p' "$0" >&2; exit 2; }
 out=$1 seconds=$2
 shift 2
 settings=()
@@ -32,5 +32,7 @@ read -r -u "$number" display
 
 DISPLAY=:$display LIBGL_ALWAYS_SOFTWARE=1 vblank_mode=0 "$control" run "${settings[@]}" -- "$@" >/dev/null &
 program=$!
-sleep "$seconds"
+sleep "$(awk "BEGIN { print $seconds / 2 }")"
+[[ " ${settings[*]} " != *" devmode=true "* ]] || "$control" --process "$program" key capture >/dev/null
+sleep "$(awk "BEGIN { print $seconds / 2 }")"
 "$control" picture "$program" "$out"
