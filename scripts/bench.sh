@@ -25,7 +25,7 @@ if [ "${1-}" = opengl ]; then
         kill -0 "$server" 2>/dev/null || { echo "Xvfb did not start" >&2; exit 1; }
         sleep 0.1
     done
-    echo "Measuring, some five minutes; files of the runs: build/bench-opengl" >&2
+    echo "Measuring, some ten minutes; files of the runs: build/bench-opengl" >&2
     DISPLAY=:$(cat "$display") build/release/bin/kordanix-opengl-bench "$@"
     exit
 fi

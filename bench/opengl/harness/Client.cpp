@@ -44,26 +44,31 @@ bool isLoaded(const nlohmann::json& libraries, const std::string& library) {
 }  // namespace
 
 const std::vector<Mode>& modes() {
-    // Everything that the driver does is done on the rendering thread, where it is measured: neither the
-    // driver's thread nor its rasterizer's take part of it away, and nobody pays for waking them.
+    // Where not said otherwise, all that the driver does is done on the rendering thread, where it is
+    // measured: neither its own thread nor its rasterizer's take part of it away, and nobody pays for waking
+    // them.
+    static const Environment noPixels{{"GALLIUM_NOOP", "1"}, {"GALLIUM_THREAD", "0"}};
     static const std::vector<Mode> all{
-        {"noop",
-         "pixels taken out",
-         {{"GALLIUM_NOOP", "1"}, {"GALLIUM_THREAD", "0"}},
-         200,
-         5000,
-         100,
-         1200,
-         false},
-        {"pixels", "with pixels", {{"GALLIUM_THREAD", "0"}, {"LP_NUM_THREADS", "0"}}, 20, 60, 10, 30, true},
+        {"free", "pixels taken out, as fast as it runs", noPixels, 0, 200, 5000, 100, 1200, false},
+        {"rate", "pixels taken out, 60 frames a second", noPixels, 60, 200, 5000, 100, 1200, false},
         {"thread",
-         "pixels taken out, driver with its own thread",
+         "pixels taken out, as fast as it runs, driver with a thread of its own",
          {{"GALLIUM_NOOP", "1"}},
+         0,
          200,
          5000,
          100,
          1200,
          false},
+        {"pixels",
+         "with pixels, 60 frames a second",
+         {{"GALLIUM_THREAD", "0"}, {"LP_NUM_THREADS", "0"}},
+         60,
+         20,
+         60,
+         10,
+         30,
+         true},
     };
     return all;
 }
@@ -86,7 +91,7 @@ bool Client::runClient(const Candidate& candidate, const Mode& mode, Command too
                         {"vblank_mode", "0"}});
     Command command = candidate.launcher;
     command.insert(command.end(), tool.begin(), tool.end());
-    command.insert(command.end(), {mProgram, "--rate", std::to_string(mRate)});
+    command.insert(command.end(), {mProgram, "--rate", std::to_string(mode.rate)});
     command.insert(command.end(), options.begin(), options.end());
     const std::string log = path(candidate, mode, ".log");
     const int status = run(command, environmentWith(environment), log);
@@ -99,7 +104,7 @@ bool Client::measure(const Candidate& candidate, const Mode& mode, Times& times)
     Command options{"--warm-up", std::to_string(mode.warmUp),
                     "--frames",  std::to_string(mode.frames),
                     "--report",  report};
-    if (mode.hasPicture) {
+    if (mode.hasPixels) {
         options.insert(options.end(), {"--picture", path(candidate, mode, ".ppm")});
     }
     if (!runClient(candidate, mode, {}, options)) {

@@ -12,14 +12,15 @@ struct Mode {
     std::string name;   ///< for files
     std::string title;  ///< for the table
     Environment environment;
+    int rate;           ///< frames a second by the program's clock; 0: as fast as it runs
     int warmUp;         ///< frames
     int frames;         ///< whose times are taken
     int countedWarmUp;  ///< frames
     int countedFrames;  ///< whose instructions are counted
-    bool hasPicture;    ///< whether the overlay can be seen in the window
+    bool hasPixels;     ///< whether the overlay can be seen in the window
 };
 
-/// The two modes of the table, and a third that compares with a driver that has a thread of its own.
+/// With the pixels taken out, then with them.
 const std::vector<Mode>& modes();
 
 /// What one run of the client cost its rendering thread, in microseconds a frame.
@@ -31,8 +32,8 @@ struct Times {
 /// Runs the client under the candidates. Files of the runs go to a folder, which stays.
 class Client {
 public:
-    Client(std::string program, std::string folder, int rate)
-        : mProgram(std::move(program)), mFolder(std::move(folder)), mRate(rate) {}
+    Client(std::string program, std::string folder)
+        : mProgram(std::move(program)), mFolder(std::move(folder)) {}
 
     /// One run. False: a reason is printed, also when the candidate's library was not in the program.
     bool measure(const Candidate& candidate, const Mode& mode, Times& times) const;
@@ -50,7 +51,6 @@ private:
 
     std::string mProgram;
     std::string mFolder;
-    int mRate;
 };
 
 }  // namespace bench

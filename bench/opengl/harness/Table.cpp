@@ -49,8 +49,8 @@ double median(std::vector<double> values) {
 
 void printTable(std::ostream& out, const Mode& mode, const std::vector<Samples>& rows) {
     out << "\n| " << mode.title << " | swap, us | over bare, us | instructions a frame, k | over bare, k |";
-    out << (mode.hasPicture ? " picture changed |" : "") << "\n|---|---|---|---|---|"
-        << (mode.hasPicture ? "---|" : "") << '\n'
+    out << (mode.hasPixels ? " picture changed |" : "") << "\n|---|---|---|---|---|"
+        << (mode.hasPixels ? "---|" : "") << '\n'
         << std::fixed;
     for (const Samples& row : rows) {
         const Extra extra = extraOver(rows.front(), row);
@@ -58,14 +58,14 @@ void printTable(std::ostream& out, const Mode& mode, const std::vector<Samples>&
             << std::showpos << extra.swap << std::noshowpos << " | " << std::setprecision(1)
             << row.instructions / 1000.0 << " | " << std::showpos << extra.instructions / 1000.0
             << std::noshowpos << " |";
-        if (mode.hasPicture) {
+        if (mode.hasPixels) {
             out << ' ' << row.changed / 10.0 << " % |";
         }
         out << '\n';
     }
 }
 
-void printTargets(std::ostream& out, const std::vector<Samples>& rows) {
+void printTargets(std::ostream& out, const Mode& mode, const std::vector<Samples>& rows) {
     const Samples* ours = find(rows, OURS);
     const Samples* theirs = find(rows, MANGOHUD);
     const Samples* rate = find(rows, MANGOHUD_RATE);
@@ -75,7 +75,7 @@ void printTargets(std::ostream& out, const std::vector<Samples>& rows) {
     }
     const Extra cost = extraOver(*bare, *ours);
     const Extra whole = extraOver(*bare, *theirs);
-    out << "\n| target, pixels taken out | time | instructions |\n|---|---|---|\n" << std::fixed;
+    out << "\n| target, " << mode.title << " | time | instructions |\n|---|---|---|\n" << std::fixed;
     printTarget(out, "at most a third of mangohud", cost, {whole.swap / 3.0, whole.instructions / 3.0});
     printTarget(out, "below mangohud, frame rate only", cost, extraOver(*bare, *rate));
 }

@@ -24,9 +24,9 @@ double median(std::vector<double> values);
 /// A difference is the median of the differences within the rounds.
 void printTable(std::ostream& out, const Mode& mode, const std::vector<Samples>& rows);
 
-/// The targets for our overlay with the pixels taken out, each as met or missed. Nothing when one of the
+/// The targets for our overlay in a mode without pixels, each as met or missed. Nothing when one of the
 /// candidates they need was not measured.
-void printTargets(std::ostream& out, const std::vector<Samples>& rows);
+void printTargets(std::ostream& out, const Mode& mode, const std::vector<Samples>& rows);
 
 /// Every value of every round, as JSON.
 void writeRounds(const std::string& path,

@@ -16,7 +16,6 @@ struct Options {
     std::string build = "build/release";
     std::string folder = "build/bench-opengl";
     int rounds = 7;
-    int rate = 60;
     std::vector<std::string> modes;
     std::vector<std::string> without;
     bool isUncounted = false;
@@ -87,7 +86,7 @@ bool runAll(const Options& options) {
     if (!contains(options.without, bench::OURS) && !bench::enableOurs(options.build, runtime, program)) {
         return false;
     }
-    const bench::Client client(program, options.folder, options.rate);
+    const bench::Client client(program, options.folder);
     const std::vector<bench::Candidate> candidates = chosenCandidates(options, runtime);
     std::vector<std::pair<std::string, std::vector<bench::Samples>>> results;
     for (const bench::Mode& mode : bench::modes()) {
@@ -100,13 +99,13 @@ bool runAll(const Options& options) {
                            return bench::Samples{candidate.name, {}, {}, 0.0, 0.0};
                        });
         if (!measure(options, client, mode, candidates, rows) ||
-            (mode.hasPicture && !checkPictures(client, mode, candidates, rows)) ||
+            (mode.hasPixels && !checkPictures(client, mode, candidates, rows)) ||
             (!options.isUncounted && !count(client, mode, candidates, rows))) {
             return false;
         }
         bench::printTable(std::cout, mode, rows);
-        if (mode.name == "noop" && !options.isUncounted) {
-            bench::printTargets(std::cout, rows);
+        if (!mode.hasPixels && !options.isUncounted) {
+            bench::printTargets(std::cout, mode, rows);
         }
         results.emplace_back(mode.name, std::move(rows));
     }
@@ -123,9 +122,7 @@ int main(int argc, char** argv) {
     app.add_option("--build", options.build, "The build folder")->check(CLI::ExistingDirectory);
     app.add_option("--folder", options.folder, "Where the files of the runs go");
     app.add_option("--rounds", options.rounds, "How often each is measured")->check(CLI::PositiveNumber);
-    app.add_option("--rate", options.rate, "Frames a second by the program's clock; 0: as fast as it runs")
-        ->check(CLI::NonNegativeNumber);
-    app.add_option("--mode", options.modes, "Only these: noop, pixels, thread");
+    app.add_option("--mode", options.modes, "Only these: free, rate, thread, pixels");
     app.add_option("--without", options.without, "Overlays to leave out, by their names in the table");
     app.add_flag("--no-instructions", options.isUncounted, "Leave callgrind out");
     CLI11_PARSE(app, argc, argv);
