@@ -88,26 +88,38 @@ std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t cou
 }  // namespace
 
 Ink::Ink(const glm::vec4& color)
-    : mColor{toByte(cut(color.r, 1.0F) * FULL_COLOR), toByte(cut(color.g, 1.0F) * FULL_COLOR),
-             toByte(cut(color.b, 1.0F) * FULL_COLOR)},
-      mAlpha(cut(color.a, 1.0F) * FULL_COLOR) {}
+    : mFull{toByte(cut(color.r, 1.0F) * FULL_COLOR), toByte(cut(color.g, 1.0F) * FULL_COLOR),
+            toByte(cut(color.b, 1.0F) * FULL_COLOR), 0},
+      mAlpha(cut(color.a, 1.0F) * FULL_COLOR) {
+    mFull[3] = toByte(mAlpha);
+}
 
-std::array<std::uint8_t, 4> Ink::covering(float coverage) const {
-    return {mColor[0], mColor[1], mColor[2], toByte(cut(coverage, 1.0F) * mAlpha)};
+std::uint8_t Ink::alphaOf(float coverage) const {
+    return toByte(cut(coverage, 1.0F) * mAlpha);
 }
 
 Ink Ink::fainter(float factor) const {
     Ink ink = *this;
     ink.mAlpha *= cut(factor, 1.0F);
+    ink.mFull[3] = toByte(ink.mAlpha);
     return ink;
 }
 
 void Batch::begin(const raster::PixelRect& surface) {
     mSurface = surface;
     mClip = surface;
-    mVertices.clear();
-    mVertices.reserve(USUAL_VERTICES);
+    mCount = 0;
     mPicture = {};
+}
+
+/// Room for that many more vertices, to be written at once.
+Vertex* Batch::grow(std::size_t count) {
+    const std::size_t first = mCount;
+    mCount += count;
+    if (mCount > mVertices.size()) {
+        mVertices.resize(std::max(USUAL_VERTICES, 2 * mCount));
+    }
+    return mVertices.data() + first;
 }
 
 void Batch::addQuad(const raster::PixelRect& pixels, const Texels& texels,
@@ -120,7 +132,13 @@ void Batch::addQuad(const raster::PixelRect& pixels, const Texels& texels,
     const Vertex topRight{right, top, texels[2], texels[1], color};
     const Vertex bottomLeft{left, bottom, texels[0], texels[3], color};
     const Vertex bottomRight{right, bottom, texels[2], texels[3], color};
-    mVertices.insert(mVertices.end(), {topLeft, topRight, bottomLeft, bottomLeft, topRight, bottomRight});
+    Vertex* const corners = grow(6);
+    corners[0] = topLeft;
+    corners[1] = topRight;
+    corners[2] = bottomLeft;
+    corners[3] = bottomLeft;
+    corners[4] = topRight;
+    corners[5] = bottomRight;
 }
 
 template <class TexelsOf>
@@ -164,42 +182,37 @@ void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Ink& 
             ink.covering(1.0F));
 }
 
-void Batch::addCorner(const Corner& corner, const Ink& ink) {
+void Batch::addCorners(const Corner& a, const Corner& b, const Corner& c, const Ink& ink) {
     constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
-    mVertices.push_back({corner.point.x, corner.point.y, SOLID, SOLID, ink.covering(corner.coverage)});
+    Vertex* const corners = grow(3);
+    corners[0] = {a.point.x, a.point.y, SOLID, SOLID, ink.covering(a.coverage)};
+    corners[1] = {b.point.x, b.point.y, SOLID, SOLID, ink.covering(b.coverage)};
+    corners[2] = {c.point.x, c.point.y, SOLID, SOLID, ink.covering(c.coverage)};
 }
 
-void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink,
-                        const raster::PixelRect& clip) {
-    if (!isFinite(a) || !isFinite(b) || !isFinite(c) || clip.isEmpty() || !ink.isVisible()) {
+void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink, const Clip& clip) {
+    if (clip.contains(a.point) && clip.contains(b.point) && clip.contains(c.point)) {
+        addCorners(a, b, c, ink);
         return;
     }
-    const auto left = static_cast<float>(clip.mLeft);
-    const auto top = static_cast<float>(clip.mTop);
-    const auto right = static_cast<float>(clip.mRight);
-    const auto bottom = static_cast<float>(clip.mBottom);
+    if (!isFinite(a) || !isFinite(b) || !isFinite(c) || !(clip.left < clip.right) ||
+        !(clip.top < clip.bottom)) {
+        return;
+    }
     const auto [lowX, highX] = std::minmax({a.point.x, b.point.x, c.point.x});
     const auto [lowY, highY] = std::minmax({a.point.y, b.point.y, c.point.y});
-    if (lowX >= left && highX <= right && lowY >= top && highY <= bottom) {
-        addCorner(a, ink);
-        addCorner(b, ink);
-        addCorner(c, ink);
-        return;
-    }
-    if (highX <= left || lowX >= right || highY <= top || lowY >= bottom) {
+    if (highX <= clip.left || lowX >= clip.right || highY <= clip.top || lowY >= clip.bottom) {
         return;
     }
     std::array<Corner, MAX_CORNERS> corners{a, b, c};
     std::size_t count = 3;
-    count = cutPolygon(corners, count, [left](const glm::vec2& point) { return point.x - left; });
-    count = cutPolygon(corners, count, [right](const glm::vec2& point) { return right - point.x; });
-    count = cutPolygon(corners, count, [top](const glm::vec2& point) { return point.y - top; });
-    count = cutPolygon(corners, count, [bottom](const glm::vec2& point) { return bottom - point.y; });
+    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.x - clip.left; });
+    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.right - point.x; });
+    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.y - clip.top; });
+    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.bottom - point.y; });
     for (std::size_t i = 2; i < count; ++i) {
         if (isFinite(corners[0]) && isFinite(corners[i - 1]) && isFinite(corners[i])) {
-            addCorner(corners[0], ink);
-            addCorner(corners[i - 1], ink);
-            addCorner(corners[i], ink);
+            addCorners(corners[0], corners[i - 1], corners[i], ink);
         }
     }
 }
@@ -211,7 +224,7 @@ void Batch::addPicture(const raster::Box& box) {
         !std::isfinite(height)) {
         return;
     }
-    mPicture.mFirst = mVertices.size();
+    mPicture.mFirst = mCount;
     mPictureScale = {static_cast<float>(mSurface.width()) / width,
                      static_cast<float>(mSurface.height()) / height};
     const auto share = [](int pixel, float low, float length) {
@@ -226,7 +239,7 @@ void Batch::addPicture(const raster::Box& box) {
         return Texels{share(pixels.mLeft, box.mLeft, width), row(pixels.mTop),
                       share(pixels.mRight, box.mLeft, width), row(pixels.mBottom)};
     });
-    mPicture.mCount = mVertices.size() - mPicture.mFirst;
+    mPicture.mCount = mCount - mPicture.mFirst;
 }
 
 }  // namespace opengl

@@ -29,7 +29,14 @@ public:
     explicit Ink(const glm::vec4& color);
 
     /// With the alpha of a pixel that is covered in part, 0..1.
-    std::array<std::uint8_t, 4> covering(float coverage) const;
+    std::array<std::uint8_t, 4> covering(float coverage) const {
+        if (coverage == 1.0F) {
+            return mFull;
+        }
+        std::array<std::uint8_t, 4> color = mFull;
+        color[3] = coverage == 0.0F ? std::uint8_t{0} : alphaOf(coverage);
+        return color;
+    }
 
     /// The same colour, more transparent by a factor 0..1.
     Ink fainter(float factor) const;
@@ -37,7 +44,9 @@ public:
     bool isVisible() const { return mAlpha > 0.0F; }
 
 private:
-    std::array<std::uint8_t, 3> mColor;
+    std::uint8_t alphaOf(float coverage) const;
+
+    std::array<std::uint8_t, 4> mFull;
     float mAlpha;  ///< 0..255
 };
 
@@ -45,6 +54,25 @@ private:
 struct Corner {
     glm::vec2 point;
     float coverage;
+};
+
+/// Pixels that shapes are cut to.
+struct Clip {
+    explicit Clip(const raster::PixelRect& pixels)
+        : left(static_cast<float>(pixels.mLeft)),
+          top(static_cast<float>(pixels.mTop)),
+          right(static_cast<float>(pixels.mRight)),
+          bottom(static_cast<float>(pixels.mBottom)) {}
+
+    /// False for what is not a number.
+    bool contains(const glm::vec2& point) const {
+        return point.x >= left && point.x <= right && point.y >= top && point.y <= bottom;
+    }
+
+    float left;
+    float top;
+    float right;
+    float bottom;
 };
 
 /// The triangles of one drawing, in their order, each three vertices. Cut to the clip here, so that a clip
@@ -75,13 +103,13 @@ public:
     void addTexels(const raster::PixelRect& pixels, int u, int v, const Ink& ink);
 
     /// A triangle inside `clip`, which lies inside the batch's own clip.
-    void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink,
-                     const raster::PixelRect& clip);
+    void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink, const Clip& clip);
 
     /// The application's picture in the box. The first one of a drawing counts.
     void addPicture(const raster::Box& box);
 
-    const std::vector<Vertex>& vertices() const { return mVertices; }
+    const Vertex* vertices() const { return mVertices.data(); }
+    std::size_t vertexCount() const { return mCount; }
 
     /// The vertices of the application's picture; none without one.
     const Range& picture() const { return mPicture; }
@@ -97,11 +125,13 @@ private:
     void addPieces(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip, TexelsOf texelsOf);
     void addQuad(const raster::PixelRect& pixels, const Texels& texels,
                  const std::array<std::uint8_t, 4>& color);
-    void addCorner(const Corner& corner, const Ink& ink);
+    void addCorners(const Corner& a, const Corner& b, const Corner& c, const Ink& ink);
+    Vertex* grow(std::size_t count);
 
     raster::PixelRect mSurface;
     raster::PixelRect mClip;
-    std::vector<Vertex> mVertices;
+    std::vector<Vertex> mVertices;  ///< room for more than are in use
+    std::size_t mCount = 0;
     Range mPicture;
     glm::vec2 mPictureScale{1.0F};
 };

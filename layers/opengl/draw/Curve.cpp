@@ -13,7 +13,7 @@ namespace opengl {
 namespace {
 
 /// Turns by less than this (as a cosine) keep their outer corner, which reaches hardly beyond a round one.
-constexpr float GENTLE = 0.8F;
+constexpr float GENTLE = 0.6F;
 
 /// Segments shorter than this have no direction.
 constexpr float SHORTEST = 0.001F;
@@ -35,7 +35,7 @@ void Curve::draw(Batch& batch, const glm::vec2* points, std::size_t count, float
     if (clip.isEmpty() || !ink.isVisible()) {
         return;
     }
-    const Target target{batch, ink, clip, std::max(0.5F * width - 0.5F, 0.0F), 0.5F * width + 0.5F};
+    const Target target{batch, ink, Clip(clip), std::max(0.5F * width - 0.5F, 0.0F), 0.5F * width + 0.5F};
     const glm::vec2* const end = points + count;
     while (points != end) {
         const glm::vec2* const first = std::find_if(points, end, isFinite);
@@ -146,10 +146,11 @@ void Curve::addArc(const Target& target, const glm::vec2& center, const glm::vec
                    const glm::vec2& middle, const glm::vec2& to) {
     const std::array<glm::vec2, 5> directions = {from, unit(from + middle, middle), middle,
                                                  unit(middle + to, middle), to};
-    for (std::size_t i = 1; i < directions.size(); ++i) {
-        const Corner core{center + target.core * directions[i - 1], 1.0F};
+    const std::size_t step = glm::dot(from, to) > 0.0F ? 2 : 1;  // a quarter of a circle needs half of them
+    for (std::size_t i = step; i < directions.size(); i += step) {
+        const Corner core{center + target.core * directions[i - step], 1.0F};
         const Corner nextCore{center + target.core * directions[i], 1.0F};
-        const Corner border{center + target.reach * directions[i - 1], 0.0F};
+        const Corner border{center + target.reach * directions[i - step], 0.0F};
         const Corner nextBorder{center + target.reach * directions[i], 0.0F};
         if (target.core > 0.0F) {
             target.batch.addTriangle({hub, 1.0F}, core, nextCore, target.ink, target.clip);

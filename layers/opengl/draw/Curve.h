@@ -36,7 +36,7 @@ private:
     struct Target {
         Batch& batch;
         const Ink& ink;
-        const raster::PixelRect& clip;
+        Clip clip;
         float core;   ///< half width of what is covered fully
         float reach;  ///< half width of what is covered at all
     };

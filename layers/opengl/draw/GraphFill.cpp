@@ -42,6 +42,38 @@ int columnAt(float x) {
     return ceilOf(x - 0.5F);
 }
 
+/// A slice whose border is not longer than this, in pixels, needs no cutting between its rows.
+constexpr float SHORT_BORDER = 1.0F;
+
+/// The part between two points of the upper edge where it is neither steep nor near an edge of `clip`.
+bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Ink& ink,
+                    const raster::PixelRect& clip) {
+    const float slope = (to.y - from.y) / (to.x - from.x);
+    const float soft = 0.5F * std::sqrt(1.0F + slope * slope);
+    const Clip area(clip);
+    const int wholeBottom = floorOf(bottom);
+    const glm::vec2 shift(0.0F, soft);
+    const glm::vec2 lowest(0.0F, static_cast<float>(wholeBottom));
+    if (!(soft <= SHORT_BORDER) || std::max(from.y, to.y) + soft > lowest.y || !area.contains(from - shift) ||
+        !area.contains(to - shift) || wholeBottom > clip.mBottom) {
+        return false;
+    }
+    const Corner above{from - shift, 0.0F};
+    const Corner nextAbove{to - shift, 0.0F};
+    const Corner below{from + shift, 1.0F};
+    const Corner nextBelow{to + shift, 1.0F};
+    const Corner foot{{from.x, lowest.y}, 1.0F};
+    const Corner nextFoot{{to.x, lowest.y}, 1.0F};
+    batch.addTriangle(above, nextAbove, nextBelow, ink, area);
+    batch.addTriangle(above, nextBelow, below, ink, area);
+    batch.addTriangle(below, nextBelow, nextFoot, ink, area);
+    batch.addTriangle(below, nextFoot, foot, ink, area);
+    batch.addRect(
+        {static_cast<float>(columnAt(from.x)), lowest.y, static_cast<float>(columnAt(to.x)), bottom}, ink,
+        clip);
+    return true;
+}
+
 /// The part between two points of the upper edge, in the columns of `clip`.
 void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Ink& ink,
               const raster::PixelRect& clip) {
@@ -59,11 +91,12 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
     const float slope = (toY - fromY) / (to.x - from.x);
     const float soft = 0.5F * std::sqrt(1.0F + slope * slope);
     if (!rows.isEmpty() && std::isfinite(soft)) {
+        const Clip band(rows);
         const auto corner = [](float x, float y, float coverage) { return Corner{{x, y}, coverage}; };
         const float deepest = static_cast<float>(ceilOf(low)) + soft;
         const auto addQuad = [&](const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
-            batch.addTriangle(a, b, c, ink, rows);
-            batch.addTriangle(a, c, d, ink, rows);
+            batch.addTriangle(a, b, c, ink, band);
+            batch.addTriangle(a, c, d, ink, band);
         };
         addQuad(corner(from.x, fromY - soft, 0.0F), corner(to.x, toY - soft, 0.0F),
                 corner(to.x, toY + soft, 1.0F), corner(from.x, fromY + soft, 1.0F));
@@ -87,8 +120,9 @@ void GraphFill::draw(Batch& batch, const glm::vec2* points, std::size_t count, c
         return;
     }
     if (!isUnderGraph(points, count)) {
+        const Clip area(clip);
         for (std::size_t i = 2; i < count; ++i) {
-            batch.addTriangle({points[i - 2], 1.0F}, {points[i - 1], 1.0F}, {points[i], 1.0F}, ink, clip);
+            batch.addTriangle({points[i - 2], 1.0F}, {points[i - 1], 1.0F}, {points[i], 1.0F}, ink, area);
         }
         return;
     }
@@ -126,7 +160,9 @@ void GraphFill::drawColumns(Batch& batch, float bottom, const Ink& ink, const ra
         const glm::vec2& to = mEdge[i];
         if (to.x > from.x && to.x > static_cast<float>(clip.mLeft) &&
             from.x < static_cast<float>(clip.mRight)) {
-            addSlice(batch, from, to, bottom, ink, clip);
+            if (!addGentleSlice(batch, from, to, bottom, ink, clip)) {
+                addSlice(batch, from, to, bottom, ink, clip);
+            }
         }
     }
 }

@@ -48,6 +48,9 @@ public:
     /// does not let it be drawn in this frame.
     bool show(SavedState& state) { return mRenderer.show(mTarget, state); }
 
+    /// What has been drawn last.
+    const DrawTarget& target() const { return mTarget; }
+
 private:
     DrawTarget mTarget;
     GlFactory mFactory;

@@ -16,7 +16,8 @@ constexpr GLuint TEXEL = 1;
 constexpr GLuint INK = 2;
 static_assert(INK < SavedState::ATTRIBUTES);
 
-constexpr std::size_t SMALLEST_BUFFER = 65536;
+/// The buffer grows by multiples of this.
+constexpr std::size_t BUFFER_STEP = 16384;
 
 /// Texels of the picture's coordinates.
 constexpr float PICTURE_TEXELS = 65535.0F;
@@ -171,7 +172,7 @@ GLuint Renderer::createTexture(GLint filter) {
 bool Renderer::show(DrawTarget& target, SavedState& state) {
     const Functions& gl = mFunctions;
     const Batch& batch = target.batch;
-    if (mObjects.program == 0 || batch.vertices().empty()) {
+    if (mObjects.program == 0 || batch.vertexCount() == 0) {
         return true;
     }
     const auto longest = static_cast<GLint>(std::max(target.shape.mWidth, target.shape.mHeight));
@@ -200,7 +201,7 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     gl.useProgram(mObjects.program);
     setUniforms(target);
 
-    const auto count = static_cast<GLsizei>(batch.vertices().size());
+    const auto count = static_cast<GLsizei>(batch.vertexCount());
     const auto first = static_cast<GLint>(batch.picture().mFirst);
     const auto pictureCount = static_cast<GLsizei>(batch.picture().mCount);
     if (pictureCount == 0) {
@@ -287,17 +288,11 @@ bool Renderer::copyPicture(const DrawTarget& target, SavedState& state) {
 
 void Renderer::uploadVertices(const DrawTarget& target) {
     const Functions& gl = mFunctions;
-    const std::vector<Vertex>& vertices = target.batch.vertices();
-    const std::size_t size = vertices.size() * sizeof(Vertex);
-    if (size > mBufferSize) {
-        mBufferSize = std::max(SMALLEST_BUFFER, mBufferSize);
-        while (mBufferSize < size) {
-            mBufferSize *= 2;
-        }
-    }
+    const std::size_t size = target.batch.vertexCount() * sizeof(Vertex);
+    mBufferSize = std::max(mBufferSize, (size + BUFFER_STEP - 1) / BUFFER_STEP * BUFFER_STEP);
     // Storage of its own for each drawing: the one before may still be read.
     gl.bufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(mBufferSize), nullptr, GL_STREAM_DRAW);
-    gl.bufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(size), vertices.data());
+    gl.bufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(size), target.batch.vertices());
 }
 
 void Renderer::setUniforms(const DrawTarget& target) {
