@@ -1,5 +1,7 @@
 #include "opengl/gl/SavedPixels.h"
 
+#include <iterator>
+
 #include "opengl/gl/Get.h"
 #include "opengl/gl/SavedTarget.h"
 
@@ -12,18 +14,18 @@ struct Parameter {
     bool Features::*feature;
 };
 
-constexpr std::size_t PARAMETERS = 6;
-
-const Parameter UNPACKING[PARAMETERS] = {
-    {GL_UNPACK_ALIGNMENT, 1, &Features::always},     {GL_UNPACK_ROW_LENGTH, 0, &Features::unpackRows},
-    {GL_UNPACK_SKIP_ROWS, 0, &Features::unpackRows}, {GL_UNPACK_SKIP_PIXELS, 0, &Features::unpackRows},
-    {GL_UNPACK_SWAP_BYTES, 0, &Features::desktop},   {GL_UNPACK_LSB_FIRST, 0, &Features::desktop},
+// The order of bytes and bits matters to larger and to smaller pieces than bytes.
+const Parameter UNPACKING[] = {
+    {GL_UNPACK_ALIGNMENT, 1, &Features::always},
+    {GL_UNPACK_ROW_LENGTH, 0, &Features::unpackRows},
+    {GL_UNPACK_SKIP_ROWS, 0, &Features::unpackRows},
+    {GL_UNPACK_SKIP_PIXELS, 0, &Features::unpackRows},
 };
 
-const Parameter PACKING[PARAMETERS] = {
-    {GL_PACK_ALIGNMENT, 1, &Features::always},   {GL_PACK_ROW_LENGTH, 0, &Features::packRows},
-    {GL_PACK_SKIP_ROWS, 0, &Features::packRows}, {GL_PACK_SKIP_PIXELS, 0, &Features::packRows},
-    {GL_PACK_SWAP_BYTES, 0, &Features::desktop}, {PACK_INVERT_MESA, 0, &Features::packInvert},
+const Parameter PACKING[] = {
+    {GL_PACK_ALIGNMENT, 1, &Features::always},    {GL_PACK_ROW_LENGTH, 0, &Features::packRows},
+    {GL_PACK_SKIP_ROWS, 0, &Features::packRows},  {GL_PACK_SKIP_PIXELS, 0, &Features::packRows},
+    {PACK_INVERT_MESA, 0, &Features::packInvert},
 };
 
 struct Factor {
@@ -49,7 +51,7 @@ bool SavedPixelStore::set(const Functions& gl) {
             gl.bindBuffer(isUnpack ? GL_PIXEL_UNPACK_BUFFER : GL_PIXEL_PACK_BUFFER, 0);
         }
     }
-    for (std::size_t i = 0; i < COUNT; ++i) {
+    for (std::size_t i = 0; i < (isUnpack ? std::size(UNPACKING) : std::size(PACKING)); ++i) {
         const Parameter& parameter = (isUnpack ? UNPACKING : PACKING)[i];
         mValues[i] = gl.features.*parameter.feature ? getInteger(gl, parameter.name) : parameter.wanted;
         if (mValues[i] != parameter.wanted) {
@@ -61,7 +63,7 @@ bool SavedPixelStore::set(const Functions& gl) {
 
 void SavedPixelStore::restore(const Functions& gl) const {
     const bool isUnpack = mDirection == Direction::UNPACK;
-    for (std::size_t i = 0; i < COUNT; ++i) {
+    for (std::size_t i = 0; i < (isUnpack ? std::size(UNPACKING) : std::size(PACKING)); ++i) {
         const Parameter& parameter = (isUnpack ? UNPACKING : PACKING)[i];
         if (mValues[i] != parameter.wanted) {
             gl.pixelStorei(parameter.name, mValues[i]);

@@ -22,11 +22,11 @@ public:
     void restore(const Functions& gl) const;
 
 private:
-    static constexpr std::size_t COUNT = 6;
+    static constexpr std::size_t MOST = 5;
 
     Direction mDirection;
     GLuint mBuffer = 0;
-    std::array<GLint, COUNT> mValues = {};
+    std::array<GLint, MOST> mValues = {};
 };
 
 /// Arithmetic of the compatibility profile on pixels that are moved in either direction.

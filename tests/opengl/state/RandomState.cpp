@@ -1,6 +1,8 @@
 #include "opengl/state/RandomState.h"
 
+#include <algorithm>
 #include <initializer_list>
+#include <iterator>
 
 #include "opengl/state/Call.h"
 
@@ -37,57 +39,24 @@ void clearErrors() {
 }
 
 // Each is tried on every context: where it is unknown, it is an error without an effect.
-const GLenum SWITCHES[] = {GL_BLEND,
-                           GL_CULL_FACE,
-                           GL_DEPTH_TEST,
-                           GL_DITHER,
-                           GL_SCISSOR_TEST,
-                           GL_STENCIL_TEST,
-                           GL_POLYGON_OFFSET_FILL,
-                           GL_POLYGON_OFFSET_LINE,
-                           GL_SAMPLE_ALPHA_TO_COVERAGE,
-                           GL_SAMPLE_COVERAGE,
-                           GL_SAMPLE_ALPHA_TO_ONE,
-                           GL_SAMPLE_MASK,
-                           GL_SAMPLE_SHADING,
-                           GL_MULTISAMPLE,
-                           GL_COLOR_LOGIC_OP,
-                           GL_DEPTH_CLAMP,
-                           GL_FRAMEBUFFER_SRGB,
-                           GL_LINE_SMOOTH,
-                           GL_POLYGON_SMOOTH,
-                           GL_PRIMITIVE_RESTART,
-                           GL_PRIMITIVE_RESTART_FIXED_INDEX,
-                           GL_PROGRAM_POINT_SIZE,
-                           GL_RASTERIZER_DISCARD,
-                           GL_TEXTURE_CUBE_MAP_SEAMLESS,
-                           GL_CLIP_DISTANCE0,
-                           GL_CLIP_DISTANCE1,
-                           GL_CLIP_DISTANCE7,
-                           GL_DEBUG_OUTPUT,
-                           GL_BLEND_ADVANCED_COHERENT_KHR,
-                           GL_CONSERVATIVE_RASTERIZATION_INTEL,
-                           GL_DEPTH_BOUNDS_TEST_EXT,
-                           GL_ALPHA_TEST,
-                           GL_POLYGON_STIPPLE,
-                           GL_LINE_STIPPLE,
-                           GL_LIGHTING,
-                           GL_FOG,
-                           GL_COLOR_MATERIAL,
-                           GL_NORMALIZE,
-                           GL_COLOR_SUM_EXT,
-                           GL_VERTEX_PROGRAM_TWO_SIDE_ARB,
-                           GL_POINT_SPRITE_ARB,
-                           GL_TEXTURE_2D};
+// clang-format off
+const GLenum SWITCHES[] = {
+    GL_BLEND, GL_CULL_FACE, GL_DEPTH_TEST, GL_DITHER, GL_SCISSOR_TEST, GL_STENCIL_TEST,
+    GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE,
+    GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_MASK, GL_SAMPLE_SHADING, GL_MULTISAMPLE, GL_COLOR_LOGIC_OP,
+    GL_DEPTH_CLAMP, GL_FRAMEBUFFER_SRGB, GL_LINE_SMOOTH, GL_POLYGON_SMOOTH, GL_PRIMITIVE_RESTART,
+    GL_PRIMITIVE_RESTART_FIXED_INDEX, GL_PROGRAM_POINT_SIZE, GL_RASTERIZER_DISCARD,
+    GL_TEXTURE_CUBE_MAP_SEAMLESS, GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE1, GL_CLIP_DISTANCE7, GL_DEBUG_OUTPUT,
+    GL_BLEND_ADVANCED_COHERENT_KHR, GL_CONSERVATIVE_RASTERIZATION_INTEL, GL_DEPTH_BOUNDS_TEST_EXT,
+    GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_LINE_STIPPLE, GL_LIGHTING, GL_FOG, GL_COLOR_MATERIAL,
+    GL_NORMALIZE, GL_COLOR_SUM_EXT, GL_VERTEX_PROGRAM_TWO_SIDE_ARB, GL_POINT_SPRITE_ARB, GL_TEXTURE_2D};
+// clang-format on
 
-const GLenum FACTORS[] = {GL_ZERO,
-                          GL_ONE,
-                          GL_SRC_COLOR,
-                          GL_DST_ALPHA,
-                          GL_ONE_MINUS_SRC_ALPHA,
-                          GL_CONSTANT_COLOR,
-                          GL_SRC_ALPHA_SATURATE,
-                          GL_SRC_ALPHA};
+// clang-format off
+const GLenum FACTORS[] = {
+    GL_ZERO, GL_ONE, GL_SRC_COLOR, GL_DST_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_CONSTANT_COLOR,
+    GL_SRC_ALPHA_SATURATE, GL_SRC_ALPHA};
+// clang-format on
 const GLenum EQUATIONS[] = {GL_FUNC_ADD, GL_FUNC_SUBTRACT, GL_FUNC_REVERSE_SUBTRACT, GL_MIN, GL_MAX};
 const GLenum COMPARISONS[] = {GL_NEVER, GL_LESS, GL_EQUAL, GL_LEQUAL, GL_GREATER, GL_NOTEQUAL, GL_ALWAYS};
 const GLenum OPERATIONS[] = {GL_KEEP, GL_ZERO, GL_REPLACE, GL_INCR, GL_INVERT};
@@ -185,12 +154,17 @@ RandomState::RandomState(const HeadlessContext& context, const HeadlessContext& 
             CALL(EndQuery)(GL_SAMPLES_PASSED);
         }
     }
+    if (features.compatibility) {
+        const GLubyte nothing[128] = {};
+        CALL(PolygonStipple)(nothing);
+    }
     clearErrors();
 }
 
 RandomState::Expectation RandomState::set(unsigned seed) {
     Random random(seed);
     Expectation expectation;
+    wipe();
     setSwitches(random);
     setValues(random);
     setPixels(random);
@@ -217,6 +191,17 @@ void RandomState::raiseError(const Expectation& expectation) const {
     } else if (expectation.pendingError == GL_INVALID_VALUE) {
         CALL(GetVertexAttribiv)(~0U, GL_VERTEX_ATTRIB_ARRAY_SIZE, &unused);
     }
+}
+
+void RandomState::wipe() const {
+    CALL(Disable)(GL_RASTERIZER_DISCARD);
+    CALL(Disable)(GL_SCISSOR_TEST);
+    CALL(ColorMask)(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+    CALL(BindFramebuffer)(GL_FRAMEBUFFER, 0);
+    const GLenum back = GL_BACK;
+    mGl.version.isEs ? CALL(DrawBuffers)(1, &back) : CALL(DrawBuffer)(back);
+    CALL(ClearColor)(0, 0, 0, 0);
+    CALL(Clear)(GL_COLOR_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
 }
 
 void RandomState::setSwitches(Random& random) const {
@@ -247,7 +232,7 @@ void RandomState::setValues(Random& random) const {
     if (oneIn(random, 4)) {
         CALL(BlendEquation)(pick<GLenum>(random, {GL_MULTIPLY_KHR, GL_SCREEN_KHR, GL_FUNC_ADD}));
     }
-    for (GLuint i = 0; i < 3 && oneIn(random, 2); ++i) {
+    for (GLuint i = static_cast<GLuint>(below(random, 4)); i < 3; ++i) {
         CALL(ViewportIndexedf)(i, fraction(random) * 20, fraction(random) * 20, fraction(random) * 20, 8);
         CALL(ScissorIndexed)(i, size(), size(), size(), size());
         CALL(BlendFuncSeparatei)(i, factor(), factor(), factor(), factor());
@@ -358,8 +343,8 @@ void RandomState::setFixedFunction(Random& random) const {
         CALL(LoadMatrixf)(matrix);
     }
     CALL(MatrixMode)(pick<GLenum>(random, {GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}));
-    CALL(TexEnvi)
-    (GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, pick<GLint>(random, {GL_MODULATE, GL_DECAL, GL_COMBINE}));
+    const GLint environment = pick<GLint>(random, {GL_MODULATE, GL_DECAL, GL_COMBINE});
+    CALL(TexEnvi)(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, environment);
     CALL(AlphaFunc)(pick(random, COMPARISONS), fraction(random));
     CALL(ShadeModel)(pick<GLenum>(random, {GL_FLAT, GL_SMOOTH}));
     CALL(Color4f)(fraction(random), fraction(random), fraction(random), fraction(random));

@@ -36,6 +36,7 @@ private:
     using Random = std::mt19937;
 
     unsigned link(const char* vertex, const char* fragment, bool captures = false) const;
+    void wipe() const;  ///< the surface
     void setSwitches(Random& random) const;
     void setValues(Random& random) const;
     void setPixels(Random& random) const;

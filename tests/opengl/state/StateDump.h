@@ -21,8 +21,8 @@ class StateDump {
 public:
     StateDump();
 
-    /// State of the default framebuffer and of texture units is asked for by binding it for a moment; only if
-    /// the framebuffers that are bound may be bound again.
+    /// The default framebuffer's own state is asked for by binding it for a moment, if the framebuffers that
+    /// are bound may be bound again.
     std::vector<StateValue> read(bool mayBindFramebuffers) const;
 
     /// "NAME[index]: before -> after", a line for each value that differs.

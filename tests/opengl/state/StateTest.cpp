@@ -43,8 +43,6 @@ struct Subject {
     }
 };
 
-constexpr std::array<std::uint8_t, 4> EXPECTED_PIXEL = {128, 64, 96, 255};
-
 struct Vertex {
     float place[2];
     float at[2];
@@ -57,8 +55,8 @@ constexpr Vertex vertex(float x, float y, bool isOpaque) {
                     : Vertex{{x, y}, {0.4F, 0.7F}, {255, 0, 0, 128}};
 }
 
-constexpr Vertex VERTICES[] = {vertex(-1, -1, true), vertex(1, -1, true),   vertex(1, 1, true),
-                               vertex(-1, 1, true),  vertex(-1, -1, false), vertex(1, -1, false),
+constexpr Vertex VERTICES[] = {vertex(-1, -1, true), vertex(1, -1, true),  vertex(1, 1, true),
+                               vertex(-1, 1, true),  vertex(-1, 0, false), vertex(1, 0, false),
                                vertex(1, 1, false),  vertex(-1, 1, false)};
 // One triangle of each rectangle turns the other way.
 constexpr std::uint16_t INDICES[] = {0, 1, 2, 0, 3, 2, 4, 5, 6, 4, 7, 6};
@@ -194,9 +192,15 @@ private:
     bool mIsCreated = false;
 };
 
+/// Of the surface, the odd column at the right left out, so that rows end off any alignment.
+constexpr std::size_t READ_WIDTH = 15;
+
 bool isExpected(const std::vector<std::uint8_t>& pixels) {
+    constexpr std::array<std::uint8_t, 4> LOWER = {0, 128, 192, 255};
+    constexpr std::array<std::uint8_t, 4> UPPER = {128, 64, 96, 255};
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        if (std::abs(pixels[i] - EXPECTED_PIXEL[i % 4]) > 1) {
+        const int expected = (i < pixels.size() / 2 ? LOWER : UPPER)[i % 4];
+        if (std::abs(pixels[i] - expected) > 1) {
             return false;
         }
     }
@@ -226,7 +230,7 @@ TEST(SavedState, LeavesNoTraceAndDrawsTheSame) {
     ASSERT_EQ(getError(), GLenum{GL_NO_ERROR});
     const StateDump dump;
     SavedState saved(gl);
-    std::vector<std::uint8_t> pixels(4 * 16 * 16);
+    std::vector<std::uint8_t> pixels(4 * READ_WIDTH * 16);
     const char* const only = std::getenv("OPENGL_STATE_SEED");
     const unsigned first = only != nullptr ? static_cast<unsigned>(std::atoi(only)) : 0;
     const unsigned end = only != nullptr ? first + 1 : 1000;
@@ -255,14 +259,13 @@ TEST(SavedState, LeavesNoTraceAndDrawsTheSame) {
             drawn += isUploaded ? 1 : 0;
             isRead = seed % 4 != 0 && saved.prepareRead();
             if (isRead) {
-                gl.readPixels(0, 0, 16, 16, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+                gl.readPixels(0, 0, READ_WIDTH, 16, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
             }
             saved.restore();
         }
-        const auto after = dump.read(expected.rebinds);
-        EXPECT_EQ(StateDump::compare(before, after), "");
         EXPECT_EQ(getError(), expected.pendingError);
         EXPECT_EQ(getError(), GLenum{GL_NO_ERROR});
+        EXPECT_EQ(StateDump::compare(before, dump.read(expected.rebinds)), "");
         if (isRead && isUploaded && expected.isVisible) {
             EXPECT_TRUE(isExpected(pixels))
                 << testing::PrintToString(std::vector<int>(pixels.begin(), pixels.begin() + 4));
