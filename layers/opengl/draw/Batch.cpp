@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 #include "opengl/draw/GlyphCache.h"
 
@@ -23,7 +25,8 @@ float cut(float value, float high) {
 }
 
 std::uint8_t toByte(float value) {
-    return static_cast<std::uint8_t>(value + 0.5F);
+    constexpr float ROUNDING = 0.5F;  // the value is positive; a call of lround for each pixel would tell
+    return static_cast<std::uint8_t>(value + ROUNDING);
 }
 
 bool isFinite(const Corner& corner) {
@@ -58,7 +61,7 @@ struct Pieces {
     const Piece* begin() const { return mPieces; }
     const Piece* end() const { return mPieces + mCount; }
 
-    Piece mPieces[3];
+    Piece mPieces[3] = {};
     int mCount = 0;
 };
 
@@ -108,8 +111,14 @@ Ink Ink::fainter(float factor) const {
 void Batch::begin(const raster::PixelRect& surface) {
     mSurface = surface;
     mClip = surface;
-    mCount = 0;
+    std::swap(mVertices, mLastVertices);
+    mLastCount = std::exchange(mCount, 0);
     mPicture = {};
+}
+
+bool Batch::isRepeated() const {
+    return mCount == mLastCount &&
+           (mCount == 0 || std::memcmp(mVertices.data(), mLastVertices.data(), mCount * sizeof(Vertex)) == 0);
 }
 
 /// Room for that many more vertices, to be written at once.

@@ -111,6 +111,9 @@ public:
     const Vertex* vertices() const { return mVertices.data(); }
     std::size_t vertexCount() const { return mCount; }
 
+    /// Whether the drawing before this one had the same vertices.
+    bool isRepeated() const;
+
     /// The vertices of the application's picture; none without one.
     const Range& picture() const { return mPicture; }
 
@@ -132,6 +135,8 @@ private:
     raster::PixelRect mClip;
     std::vector<Vertex> mVertices;  ///< room for more than are in use
     std::size_t mCount = 0;
+    std::vector<Vertex> mLastVertices;  ///< of the drawing before
+    std::size_t mLastCount = 0;
     Range mPicture;
     glm::vec2 mPictureScale{1.0F};
 };

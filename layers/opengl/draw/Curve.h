@@ -23,11 +23,11 @@ public:
 private:
     /// The corners of a segment at one of its ends, on its two sides.
     struct Section {
-        glm::vec2 core[2];
-        glm::vec2 border[2];
+        glm::vec2 core[2] = {};
+        glm::vec2 border[2] = {};
     };
     struct Segment {
-        glm::vec2 direction;
+        glm::vec2 direction{0.0F};
         float length = 0.0F;
         Section start;
         Section end;
@@ -37,8 +37,8 @@ private:
         Batch& batch;
         const Ink& ink;
         Clip clip;
-        float core;   ///< half width of what is covered fully
-        float reach;  ///< half width of what is covered at all
+        float core = 0.0F;   ///< half width of what is covered fully
+        float reach = 0.0F;  ///< half width of what is covered at all
     };
 
     void drawRun(const Target& target);

@@ -11,6 +11,7 @@ namespace opengl {
 namespace {
 
 constexpr std::uint8_t FULL = 255;
+constexpr float ROUNDING = 0.5F;
 
 /// Texels of the solid corner, in both directions.
 constexpr int SOLID_SIDE = 4;
@@ -149,7 +150,7 @@ bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& 
         const float* coverage = mScaler.row(pixels.mTop + y);
         std::uint8_t* texels = mTexels.data() + static_cast<std::ptrdiff_t>(entry.mV + y) * mSide + entry.mU;
         for (int x = 0; x < pixels.width(); ++x) {
-            texels[x] = static_cast<std::uint8_t>(std::min(coverage[x], 255.0F) + 0.5F);
+            texels[x] = static_cast<std::uint8_t>(std::min(coverage[x], 255.0F) + ROUNDING);
         }
     }
     return true;

@@ -187,14 +187,16 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     if (gl.features.vertexArrays) {
         gl.bindVertexArray(mObjects.vertexArray);
     }
-    const bool isNew = mShownDrawing != target.drawing;
+    // What comes right after the drawing that is in the buffer may be the same once more.
+    const bool isNew =
+        mShownDrawing != target.drawing && (mShownDrawing + 1 != target.drawing || !batch.isRepeated());
     if (isNew || !gl.features.vertexArrays) {
         gl.bindBuffer(GL_ARRAY_BUFFER, mObjects.buffer);
     }
     if (isNew) {
         uploadVertices(target);
-        mShownDrawing = target.drawing;
     }
+    mShownDrawing = target.drawing;
     if (!gl.features.vertexArrays) {
         setAttributes();
     }

@@ -126,7 +126,7 @@ TEST_P(Draw, LooksAsTheSoftwareLayer) {
             const PictureDifference difference = comparePictures(surface.mImage, picture);
             EXPECT_LE(difference.largestInside, LARGEST_INSIDE);
             EXPECT_LE(difference.largestAtEdges, LARGEST_AT_JUMPS);
-            EXPECT_LE(difference.meanAtEdges, LARGEST_MEAN_AT_EDGES);
+            EXPECT_LE(difference.meanAtEdges, LARGEST_MEAN_AT_JUMPS);
             if (HasFailure()) {
                 std::string error;
                 software::writePng(surface.mImage, "draw-expected.png", error);
@@ -187,7 +187,7 @@ TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
     EXPECT_GT(uploads, 0);
     const software::Image first = made->read();
 
-    // Drawn anew, the letters are there already. Shown again, nothing is asked for.
+    // Drawn anew, it comes out as it was. Shown again, nothing is asked for.
     for (const bool isAgain : {false, true}) {
         SCOPED_TRACE(isAgain ? "shown again" : "drawn anew");
         isSame = isAgain;
@@ -197,7 +197,7 @@ TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
         const bool isShown = made->show(draw);
         const int allocations = countAllocations(false);
         EXPECT_TRUE(isShown);
-        EXPECT_EQ(uploads, isAgain ? 0 : 2);
+        EXPECT_EQ(uploads, 0);
         EXPECT_EQ(drawCalls, 3);
         EXPECT_EQ(allocations, 0);
         EXPECT_EQ(first.mPixels, made->read().mPixels);

@@ -10,6 +10,7 @@ constexpr double LARGEST_MEAN_AT_EDGES = 0.5;
 
 /// Where a graph jumps from pixel to pixel.
 constexpr int LARGEST_AT_JUMPS = 128;
+constexpr double LARGEST_MEAN_AT_JUMPS = 1.0;
 
 struct PictureDifference {
     int largestInside = 0;
