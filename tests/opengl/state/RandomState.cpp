@@ -9,6 +9,7 @@
 namespace {
 
 using Random = std::mt19937;
+using Names = std::initializer_list<GLenum>;
 
 int below(Random& random, int end) {
     return static_cast<int>(random() % static_cast<unsigned>(end));
@@ -243,7 +244,7 @@ void RandomState::setValues(Random& random) const {
     CALL(DepthFunc)(pick(random, COMPARISONS));
     CALL(DepthMask)(flag());
     CALL(DepthRangef)(fraction(random), fraction(random));
-    for (const GLenum face : {GL_FRONT, GL_BACK}) {
+    for (const GLenum face : Names{GL_FRONT, GL_BACK}) {
         CALL(StencilFuncSeparate)(face, pick(random, COMPARISONS), below(random, 8), bits(random) % 256);
         CALL(StencilOpSeparate)
         (face, pick(random, OPERATIONS), pick(random, OPERATIONS), pick(random, OPERATIONS));
@@ -270,16 +271,16 @@ void RandomState::setValues(Random& random) const {
 }
 
 void RandomState::setPixels(Random& random) const {
-    for (const GLenum name : {GL_UNPACK_ALIGNMENT, GL_PACK_ALIGNMENT}) {
+    for (const GLenum name : Names{GL_UNPACK_ALIGNMENT, GL_PACK_ALIGNMENT}) {
         CALL(PixelStorei)(name, pick(random, {1, 2, 4, 8}));
     }
     for (const GLenum name :
-         {GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_PACK_ROW_LENGTH,
-          GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS, GL_UNPACK_IMAGE_HEIGHT, GL_PACK_SKIP_IMAGES}) {
+         Names{GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_PACK_ROW_LENGTH,
+               GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS, GL_UNPACK_IMAGE_HEIGHT, GL_PACK_SKIP_IMAGES}) {
         CALL(PixelStorei)(name, oneIn(random, 2) ? 0 : below(random, 40));
     }
-    for (const GLenum name : {GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_PACK_SWAP_BYTES,
-                              GL_PACK_LSB_FIRST, GL_PACK_INVERT_MESA}) {
+    for (const GLenum name : Names{GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_PACK_SWAP_BYTES,
+                                   GL_PACK_LSB_FIRST, GL_PACK_INVERT_MESA}) {
         CALL(PixelStorei)(name, below(random, 2));
     }
 }
@@ -304,8 +305,8 @@ void RandomState::bindObjects(Random& random) {
         CALL(VertexAttrib4f)(i, fraction(random), fraction(random), fraction(random), fraction(random));
     }
     for (const GLenum target :
-         {GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER, GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER,
-          GL_UNIFORM_BUFFER, GL_COPY_READ_BUFFER, GL_QUERY_BUFFER, GL_DRAW_INDIRECT_BUFFER}) {
+         Names{GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER, GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER,
+               GL_UNIFORM_BUFFER, GL_COPY_READ_BUFFER, GL_QUERY_BUFFER, GL_DRAW_INDIRECT_BUFFER}) {
         CALL(BindBuffer)(target, pick(random, mBuffers));
     }
     for (GLuint unit = 0; unit < 3; ++unit) {
@@ -335,7 +336,7 @@ void RandomState::bindObjects(Random& random) {
 
 void RandomState::setFixedFunction(Random& random) const {
     GLfloat matrix[16];
-    for (const GLenum mode : {GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
+    for (const GLenum mode : Names{GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
         for (GLfloat& element : matrix) {
             element = fraction(random);
         }
@@ -350,11 +351,12 @@ void RandomState::setFixedFunction(Random& random) const {
     CALL(Color4f)(fraction(random), fraction(random), fraction(random), fraction(random));
     CALL(ClampColor)(GL_CLAMP_FRAGMENT_COLOR_ARB, pick<GLenum>(random, {GL_TRUE, GL_FALSE, GL_FIXED_ONLY}));
     CALL(VertexPointer)(2, GL_FLOAT, 8, nullptr);
-    for (const GLenum name : {GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_PRIMITIVE_RESTART_NV}) {
+    for (const GLenum name : Names{GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_PRIMITIVE_RESTART_NV}) {
         oneIn(random, 2) ? CALL(EnableClientState)(name) : CALL(DisableClientState)(name);
     }
     const bool isScaled = oneIn(random, 2);
-    for (const GLenum name : {GL_RED_SCALE, GL_GREEN_SCALE, GL_ALPHA_SCALE, GL_RED_BIAS, GL_ALPHA_BIAS}) {
+    for (const GLenum name :
+         Names{GL_RED_SCALE, GL_GREEN_SCALE, GL_ALPHA_SCALE, GL_RED_BIAS, GL_ALPHA_BIAS}) {
         const bool isScale = name == GL_RED_SCALE || name == GL_GREEN_SCALE || name == GL_ALPHA_SCALE;
         CALL(PixelTransferf)(name, isScaled ? fraction(random) : isScale ? 1 : 0);
     }
