@@ -36,7 +36,7 @@ private:
     struct Target {
         Batch& batch;
         const Ink& ink;
-        Clip clip;
+        Clip clip{{}};
         float core = 0.0F;   ///< half width of what is covered fully
         float reach = 0.0F;  ///< half width of what is covered at all
     };
