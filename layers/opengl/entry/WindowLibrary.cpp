@@ -18,6 +18,10 @@ void* libraryOf(void* function) {
     return dladdr(function, &info) != 0 ? dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD) : nullptr;
 }
 
+void* eglSurface(std::uintptr_t surface) {
+    return reinterpret_cast<void*>(surface);  // NOLINT(performance-no-int-to-ptr): it was a pointer
+}
+
 template <typename Function>
 void assign(Function& function, void* found) {
     function = reinterpret_cast<Function>(found);
@@ -48,12 +52,11 @@ WindowLibrary::WindowLibrary(const Swap& swap, const ShimCalls& shim)
     }
     if (isEgl) {
         assign(mGetCurrentContext, find("eglGetCurrentContext"));
-        assign(mGetCurrentDisplay, find("eglGetCurrentDisplay"));
         assign(mGetCurrentSurface, find("eglGetCurrentSurface"));
         assign(mQuerySurface, find("eglQuerySurface"));
         assign(mQueryContext, find("eglQueryContext"));
-        mIsUsable = mGetCurrentContext != nullptr && mGetCurrentDisplay != nullptr &&
-                    mGetCurrentSurface != nullptr && mQuerySurface != nullptr && mQueryContext != nullptr;
+        mIsUsable = mGetCurrentContext != nullptr && mGetCurrentSurface != nullptr &&
+                    mQuerySurface != nullptr && mQueryContext != nullptr;
     } else {
         assign(mGetCurrentContext, find("glXGetCurrentContext"));
         assign(mGetCurrentDisplay, find("glXGetCurrentDisplay"));
@@ -72,13 +75,11 @@ void* WindowLibrary::find(const char* name) const {
 }
 
 bool WindowLibrary::isDrawnOn(const Swap& swap) const {
-    if (mGetCurrentDisplay() != swap.display) {
-        return false;
+    if (mWindowSystem == WindowSystem::GLX) {
+        return mGetCurrentDrawable() == swap.surface && mGetCurrentDisplay() == swap.display;
     }
-    const std::uintptr_t current = mWindowSystem == WindowSystem::EGL
-                                       ? reinterpret_cast<std::uintptr_t>(mGetCurrentSurface(EGL_DRAW))
-                                       : mGetCurrentDrawable();
-    return current == swap.surface;
+    // No two displays have a surface in common, and each question costs a system call in libglvnd.
+    return mGetCurrentSurface(EGL_DRAW) == eglSurface(swap.surface);
 }
 
 bool WindowLibrary::isAlive(void* display, void* context) const {
@@ -99,7 +100,7 @@ SurfaceSize WindowLibrary::size(void* display, std::uintptr_t surface) const {
         return {static_cast<int>(width), static_cast<int>(height)};
     }
     SurfaceSize size;
-    auto* const handle = reinterpret_cast<void*>(surface);
+    void* const handle = eglSurface(surface);
     mQuerySurface(display, handle, EGL_WIDTH, &size.width);
     mQuerySurface(display, handle, EGL_HEIGHT, &size.height);
     return size;
@@ -108,7 +109,7 @@ SurfaceSize WindowLibrary::size(void* display, std::uintptr_t surface) const {
 bool WindowLibrary::isSrgb(void* display, std::uintptr_t surface) const {
     int value = 0;
     return mWindowSystem == WindowSystem::EGL &&
-           mQuerySurface(display, reinterpret_cast<void*>(surface), EGL_GL_COLORSPACE, &value) != EGL_FALSE &&
+           mQuerySurface(display, eglSurface(surface), EGL_GL_COLORSPACE, &value) != EGL_FALSE &&
            value == EGL_GL_COLORSPACE_SRGB;
 }
 

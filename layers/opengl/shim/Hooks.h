@@ -20,6 +20,7 @@ namespace opengl {
     HOOK(eglDestroyContext, EglDestroy)              \
     HOOK(eglTerminate, EglTerminate)                 \
     HOOK(glXDestroyContext, GlxDestroy)              \
+    HOOK(glXFreeContextEXT, GlxDestroy)              \
     HOOK(glBindFramebuffer, FramebufferBind)         \
     HOOK(glBindFramebufferEXT, FramebufferBind)      \
     HOOK(glBindFramebufferOES, FramebufferBind)

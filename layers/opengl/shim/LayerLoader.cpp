@@ -24,7 +24,7 @@ ShimCalls gShimCalls{nullptr, &gFramebufferListener};
 
 /// As the log of the host writes it: this is the one message that there is no library for.
 void logError(const char* message) {
-    const char* const level = getenv("KORDANIX_LOG");
+    const char* const level = getenv("KORDANIX_LOG");  // NOLINT(concurrency-mt-unsafe): as the log does
     if (level == nullptr || strchr("fFsS", level[0]) == nullptr || level[0] == '\0') {
         dprintf(STDERR_FILENO, "E/Kordanix(%5d): LayerLoader.cpp:%s(%d) The layer cannot be loaded: %s\n",
                 static_cast<int>(getpid()), "load", __LINE__, message == nullptr ? "" : message);
@@ -48,7 +48,7 @@ void load() {
     void* const library = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     void* const entry = library == nullptr ? nullptr : realFindSymbol()(library, "kordanixOpenGlLayer");
     if (entry == nullptr) {
-        logError(dlerror());
+        logError(dlerror());  // NOLINT(concurrency-mt-unsafe): each thread has its own
         return;
     }
     gShimCalls.findSymbol = realFindSymbol();

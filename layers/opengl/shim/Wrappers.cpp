@@ -267,6 +267,10 @@ OPENGL_EXPORT void glXDestroyContext(void* display, void* context) {
     OPENGL_RUN(glXDestroyContext, GlxDestroy, display, context);
 }
 
+OPENGL_EXPORT void glXFreeContextEXT(void* display, void* context) {
+    OPENGL_RUN(glXFreeContextEXT, GlxDestroy, display, context);
+}
+
 OPENGL_EXPORT void glBindFramebuffer(unsigned int target, unsigned int framebuffer) {
     OPENGL_RUN(glBindFramebuffer, FramebufferBind, target, framebuffer);
 }

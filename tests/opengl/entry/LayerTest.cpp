@@ -188,6 +188,34 @@ TEST_F(LayerTest, ADestroyedContextThatIsStillCurrentIsPassedThrough) {
     EXPECT_TRUE(context && swap(*context));
 }
 
+TEST_F(LayerTest, AForkedChildLeavesItsParentsContextsAlone) {
+    const opengl::LayerCalls& calls = *kordanixOpenGlLayer(&SHIM);
+    const auto context = HeadlessContext::create(sized(740, 360));
+    ASSERT_NE(context, nullptr);
+    const opengl::Swap swap = {opengl::WindowSystem::EGL, context->display(),
+                               reinterpret_cast<std::uintptr_t>(context->surface()),
+                               reinterpret_cast<void*>(&eglSwapBuffers), nullptr};
+    const opengl::SwapResult first = calls.beforeSwap(swap);
+    EXPECT_TRUE(first.hasDrawn);
+    listener = [] {};
+    const pid_t child = fork();
+    if (child == 0) {
+        // The frame is the parent's, and so is the context: EGL has nothing current here.
+        const bool isReset = listener.load() == nullptr;
+        calls.afterSwap(first.frame);
+        const bool isLeftAlone = calls.beforeSwap(swap).frame == nullptr;
+        calls.contextDestroyed(opengl::WindowSystem::EGL, context->display(), context->context());
+        _exit(isReset && isLeftAlone ? 0 : 1);
+    }
+    calls.afterSwap(first.frame);
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    const opengl::SwapResult second = calls.beforeSwap(swap);
+    EXPECT_EQ(second.frame, first.frame);
+    EXPECT_TRUE(second.hasDrawn);
+}
+
 void* lookUpWithoutShaders(const char* name) {
     return std::strcmp(name, "glCreateShader") == 0 ? nullptr : HeadlessContext::getProcAddress(name);
 }

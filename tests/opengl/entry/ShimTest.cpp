@@ -123,7 +123,7 @@ TEST(Shim, IsSmallAndNeedsTheCLibraryAlone) {
         ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSwapBuffers",
                     "eglSwapBuffersWithDamageEXT", "eglSwapBuffersWithDamageKHR", "eglTerminate",
                     "glBindFramebuffer", "glBindFramebufferEXT", "glBindFramebufferOES", "glXDestroyContext",
-                    "glXGetProcAddress", "glXGetProcAddressARB", "glXSwapBuffers", "glXSwapBuffersMscOML"));
+                    "glXFreeContextEXT", "glXGetProcAddress", "glXGetProcAddressARB", "glXSwapBuffers", "glXSwapBuffersMscOML"));
 }
 
 }  // namespace
