@@ -25,10 +25,6 @@ OutputFile::~OutputFile() {
 }
 
 std::string OutputFile::fail(int error) {
-    if (mDescriptor >= 0) {
-        ::close(mDescriptor);
-        mDescriptor = -1;
-    }
     mBuffer.clear();
     return mPath + ": " + std::generic_category().message(error);
 }

@@ -29,7 +29,9 @@ TEST_F(DumpFaults, AFullDiskEndsOneDumpAndNothingElse) {
     fs::create_symlink("/dev/full", mFolder.path("1/frames.csv"));
     const auto started = startShown();
     HostProcess& host = *started;
+    const long files = std::stol(host.report().at("files"));
     dump(host);
+    EXPECT_TRUE(host.waitFor("files", [files](long now) { return now <= files; }));
     EXPECT_THAT(host.logged("The dump ends"), testing::ElementsAre(testing::HasSubstr("No space left")));
     dump(host);
     dump(host);

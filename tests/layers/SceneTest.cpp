@@ -83,8 +83,9 @@ TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
         EXPECT_EQ(scene::lastNumberOfRanges(text), number) << text;
     }
     const char* const text = "Rss: 9 kB\nPss:      1234 kB\nPss_Dirty: 5 kB\nPss: 7 kB\n";
-    EXPECT_EQ(scene::findKilobytes(text, "Pss"), scene::Reading(1234.0 * 1024.0));
     EXPECT_FALSE(scene::findKilobytes(text, "ss"));
+    doubles::setFile("/proc/self/smaps_rollup", text);
+    EXPECT_EQ(scene::readProportionalSetSize(), scene::Reading(1234.0 * 1024.0));
     EXPECT_FALSE(scene::findKilobytes("Pss:", "Pss"));
 }
 
@@ -226,9 +227,10 @@ TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
 // Every text stays inside its widget, and no two texts of the overlay lie on each other, save for the legend,
 // whose second half covers the end of the first.
 TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
+    publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
+    glm::vec2 lastPosition(0.0F);
     for (const glm::uvec2 size : {glm::uvec2(740, 360), glm::uvec2(360, 740)}) {
         mFactory.mSize = size;
-        publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
         frames(20);
         std::vector<doubles::DrawCall> texts;
         for (const doubles::DrawCall& call : doubles::drawCalls()) {
@@ -240,6 +242,7 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
             }
         }
         ASSERT_GE(texts.size(), 15U);
+        EXPECT_NE(std::exchange(lastPosition, texts.back().position), texts.back().position);
         for (std::size_t i = 0; i < texts.size(); ++i) {
             const glm::vec2 start = texts[i].position;
             const glm::vec2 end = start + texts[i].size;
@@ -329,6 +332,28 @@ TEST_F(SceneOverlay, AKeyIsNotPressedAgainInFramesWithoutAPoll) {
     frame();
     EXPECT_FALSE(mOverlay.isShown());
     EXPECT_TRUE(core::StateInfo::isDumpingEnabled());
+}
+
+TEST_F(SceneOverlay, ADumpKeyBelongsToTheShownOverlay) {
+    scene::Overlay other(mFactory, static_cast<core::RenderingApiType>(1), nullptr);
+    other.attach();
+    publish({});
+    frames(3);
+    doubles::companion().keyEvents = {{24, 1}};
+    mOverlay.beginFrame();
+    other.beginFrame();
+    other.endFrame();
+    EXPECT_FALSE(core::StateInfo::isDumpingEnabled());
+    mOverlay.endFrame();
+    EXPECT_TRUE(core::StateInfo::isDumpingEnabled());
+    // On by the settings, but not yet published: it takes the keys and shows nothing.
+    doubles::setProperty("debug.kordanix.api", "1");
+    SysPropWatcher::forceReadAllProps();
+    doubles::companion().keyEvents = {{24, 1}};
+    other.beginFrame();
+    other.endFrame();
+    EXPECT_TRUE(core::StateInfo::isDumpingEnabled());
+    doubles::setProperty("debug.kordanix.api", "0");
 }
 
 TEST_F(SceneOverlay, ADumpHoldsWhatIsShown) {
