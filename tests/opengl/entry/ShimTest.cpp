@@ -118,12 +118,12 @@ TEST(Shim, IsSmallAndNeedsTheCLibraryAlone) {
     const std::string needed = outputOf("readelf -d " SHIM_ALONE " | grep NEEDED");
     EXPECT_THAT(linesOf(needed), ElementsAre(testing::HasSubstr("[libc.so.6]")));
     EXPECT_LT(std::stoi(outputOf("strip -o /dev/stdout " SHIM_ALONE " | wc -c")), 20 * 1024);
-    EXPECT_THAT(
-        linesOf(outputOf("nm -D --defined-only -j " SHIM_ALONE " | LC_ALL=C sort")),
-        ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSwapBuffers",
-                    "eglSwapBuffersWithDamageEXT", "eglSwapBuffersWithDamageKHR", "eglTerminate",
-                    "glBindFramebuffer", "glBindFramebufferEXT", "glBindFramebufferOES", "glXDestroyContext",
-                    "glXFreeContextEXT", "glXGetProcAddress", "glXGetProcAddressARB", "glXSwapBuffers", "glXSwapBuffersMscOML"));
+    EXPECT_THAT(linesOf(outputOf("nm -D --defined-only -j " SHIM_ALONE " | LC_ALL=C sort")),
+                ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSwapBuffers",
+                            "eglSwapBuffersWithDamageEXT", "eglSwapBuffersWithDamageKHR", "eglTerminate",
+                            "glBindFramebuffer", "glBindFramebufferEXT", "glBindFramebufferOES",
+                            "glXDestroyContext", "glXFreeContextEXT", "glXGetProcAddress",
+                            "glXGetProcAddressARB", "glXSwapBuffers", "glXSwapBuffersMscOML"));
 }
 
 }  // namespace
