@@ -77,24 +77,6 @@ TEST(Graph, ClearKeepsTheNewestSample) {
     EXPECT_EQ(graph->mLineMesh->mVertices.size(), 3U);
 }
 
-TEST(Graph, DrawsBackgroundGridFillAndLineInItsRectangle) {
-    const auto graph = makeGraph(4);
-    graph->mPosition = {0.1F, 0.2F};
-    graph->mSize = {0.3F, 0.4F};
-    graph->mTranslation = {9.0F, 9.0F, 9.0F};
-    graph->setColor({0.1F, 0.2F, 0.3F, 0.4F});
-    doubles::drawCalls().clear();
-    graph->draw();
-    EXPECT_THAT(doubles::drawnNames(), ElementsAre("background", "grid", "fill", "line"));
-    for (const doubles::DrawCall& call : doubles::drawCalls()) {
-        EXPECT_EQ(call.position, graph->mPosition);
-        EXPECT_EQ(call.size, graph->mSize);
-        EXPECT_EQ(call.translation, glm::vec3(0.0F));
-    }
-    EXPECT_EQ(doubles::drawCalls()[2].color, glm::vec4(0.1F, 0.2F, 0.3F, 0.4F));
-    EXPECT_EQ(doubles::drawCalls()[3].color, glm::vec4(0.1F, 0.2F, 0.3F, 1.0F));
-}
-
 TEST(Graph, DumpsItsNewestSampleInTheEncodingOfItsSlot) {
     const auto dumpOf = [](int slot, float value) {
         const auto graph = makeGraph(3, slot);
@@ -174,22 +156,6 @@ TEST(ActivityGraph, StretchesTheSelectedSamplesOverItsWidth) {
         graph->draw();
         EXPECT_EQ(doubles::drawCalls().size(), c.x.empty() ? 2U : 4U);
     }
-}
-
-TEST(ActivityGraph, WithoutRecordsDrawsNothing) {
-    const auto graph = makeFixed({}, 0, 1);
-    doubles::drawCalls().clear();
-    graph->draw();
-    EXPECT_TRUE(doubles::drawCalls().empty());
-    graph->setData({{1, 0.5F}, {2, 0.5F}}, 0, 3);
-    graph->setColor({0.1F, 0.2F, 0.3F, 0.4F});
-    graph->setGridColor(glm::vec4(0.5F));
-    graph->setBackgroundColor(glm::vec4(0.6F));
-    graph->draw();
-    ASSERT_THAT(doubles::drawnNames(), ElementsAre("background", "grid", "fill", "line"));
-    EXPECT_EQ(doubles::drawCalls()[0].color, glm::vec4(0.6F));
-    EXPECT_EQ(doubles::drawCalls()[1].color, glm::vec4(0.5F));
-    EXPECT_EQ(doubles::drawCalls()[3].color.a, 1.0F);
 }
 
 }  // namespace

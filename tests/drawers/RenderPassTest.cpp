@@ -197,13 +197,6 @@ TEST_F(Marquee, ARowThatFitsCountsItsCyclesWithoutMoving) {
     EXPECT_EQ(row.mMarqueeCyclesDone, 1U) << "T / speed = 4000 ms";
 }
 
-TEST_F(Marquee, AStepByHandStartsACycleAnew) {
-    row.measureWidgets();
-    row.mElapsedMs = 77;
-    row.calculateCircularMarquee();
-    EXPECT_TRUE(row.mIsAnimating && row.mElapsedMs == 0);
-}
-
 TEST(RenderPassDump, IsWrittenOncePerFrame) {
     AnimatedRow row;
     Ostra::FrameDump dump{};

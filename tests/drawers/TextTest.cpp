@@ -1,6 +1,5 @@
 #include "doubles/FakeLog.h"
 #include "doubles/RecordingPrimitives.h"
-#include "drawers/RenderPassInfoDrawer.h"
 #include "drawers/TextDrawer.h"
 #include "drawers/TextblockDrawer.h"
 #include "gui/GlyphAtlas.h"
@@ -211,73 +210,6 @@ TEST_F(Textblock, ShowsTheLastLinesOldestFirst) {
             expected.erase(expected.begin() + 1);
         }
         EXPECT_EQ(drawn(*block), expected);
-    }
-}
-
-TEST_F(Textblock, HandsItsGeometryAndSettingsToEveryLine) {
-    const auto block = make(2);
-    block->addText("a");
-    block->addText("b");
-    block->mTranslation = {0.7F, 0.0F, 0.0F};
-    block->setTextColor({0.1F, 0.2F, 0.3F, 0.4F});
-    block->setTextEllipsize(TextEllipsize::MIDDLE);
-    block->setTextGravity(TextGravity::RIGHT);
-    block->setBackgroundColor(glm::vec4(0.9F));
-    drawn(*block);
-    const std::vector<doubles::DrawCall>& calls = doubles::drawCalls();
-    ASSERT_EQ(calls.size(), 3U);
-    EXPECT_EQ(calls[0].color, glm::vec4(0.9F));
-    EXPECT_EQ(calls[0].size, block->mSize);
-    for (std::size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(calls[i].translation, block->mTranslation);
-        const drawer::TextDrawer& line = *block->mLineDrawers[i];
-        EXPECT_NEAR(line.mPosition.y, 0.2F + 0.15F * static_cast<float>(i), 1e-6F);
-        EXPECT_NEAR(line.mSize.y, 0.15F, 1e-6F);
-        EXPECT_EQ(line.mTextColor, glm::vec4(0.1F, 0.2F, 0.3F, 0.4F));
-        EXPECT_EQ(line.mTextEllipsize, TextEllipsize::MIDDLE);
-        EXPECT_EQ(line.mTextGravity, TextGravity::RIGHT);
-        EXPECT_EQ(line.mTextSizeHint, 35U);
-    }
-}
-
-class InfoLine : public drawer::RenderPassInfoDrawer {
-public:
-    InfoLine()
-        : RenderPassInfoDrawer(std::make_unique<RecordingText>(), std::make_unique<RecordingText>(),
-                               std::make_unique<RecordingText>(),
-                               std::make_unique<doubles::RecordingRect>()) {
-        mPosition = {0.1F, 0.5F};
-        mSize = {0.8F, 0.05F};
-        mTranslation = {0.3F, 0.0F, 0.0F};
-    }
-    unsigned getOrientation() override { return mIsLandscape; }
-    unsigned mIsLandscape = 1;
-};
-
-TEST(RenderPassInfoLine, ShowsFrameAndLegend) {
-    InfoLine line;
-    EXPECT_EQ(line.mFrameText->mText, "N/A");
-    line.setFrameIdAndDuration(4294967295U, 16.66L);
-    doubles::drawCalls().clear();
-    line.draw();
-    EXPECT_THAT(doubles::drawnNames(),
-                ElementsAre("background", "4294967295(16.7ms)", "@Vertex @Fragment", "@Fragment"));
-    EXPECT_EQ(doubles::drawCalls()[0].translation, line.mTranslation);
-    EXPECT_EQ(doubles::drawCalls()[1].translation, glm::vec3(0.0F));
-    EXPECT_EQ(line.mVertexLegend->mTextGravity, TextGravity::RIGHT);
-    EXPECT_EQ(line.mFragmentLegend->mTextGravity, TextGravity::RIGHT);
-}
-
-TEST(RenderPassInfoLine, MarginFollowsTheOrientation) {
-    InfoLine line;
-    for (const auto& [orientation, margin] :
-         {std::pair{1U, 6.0F / 728.0F}, {0U, 6.0F / 348.0F}, {7U, 6.0F / 728.0F}}) {
-        line.mIsLandscape = orientation;
-        const glm::vec4 area = line.getTextDrawnArea();
-        EXPECT_EQ(area, glm::vec4(0.1F + margin, 0.5F, 0.8F - 2.0F * margin, 0.05F));
-        line.drawText();
-        EXPECT_FLOAT_EQ(line.mFragmentLegend->mPosition.x, 0.1F + margin);
-        EXPECT_FLOAT_EQ(line.mFrameText->mSize.x, 0.8F - 2.0F * margin);
     }
 }
 

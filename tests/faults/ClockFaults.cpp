@@ -18,7 +18,6 @@
 #include <cmath>
 #include <limits>
 #include <memory>
-#include <random>
 #include <string>
 #include <thread>
 #include <utility>
@@ -150,28 +149,6 @@ TEST_P(ClockJump, FiguresMarqueeCapturesAndDumpsGoOn) {
     const auto& dumps = doubles::companion().dumps;
     EXPECT_EQ(dumps.back().frameNumber, core::StateInfo::mFrameNumber);
     EXPECT_EQ(dumps.back().frameNumber - dumps.front().frameNumber + 1, dumps.size());
-}
-
-// Set back again and again, in the middle of whatever is going on.
-TEST_F(ClockFaults, TwoThousandJumpsInARow) {
-    std::mt19937_64 random(9);
-    for (int i = 0; i < 2000; ++i) {
-        const int bits = static_cast<int>(random() % 50);
-        const auto distance = static_cast<std::int64_t>(random() >> (63 - bits));
-        doubles::advanceWallClock(i % 2 == 0 ? -distance : distance);
-        if (i % 100 == 0) {
-            doubles::companion().keyEvents = {{24, 1}};
-        } else if (i % 7 == 0) {
-            doubles::companion().keyEvents = {{25, 1}};
-        }
-        ASSERT_NO_FATAL_FAILURE(frame());
-    }
-    doubles::setWallClock(NOW);
-    EXPECT_TRUE(capture());
-    EXPECT_TRUE(capture());
-    const unsigned before = refreshes();
-    ASSERT_NO_FATAL_FAILURE(frames(80));
-    EXPECT_GE(refreshes(), before + 9);
 }
 
 // A capture ends by the clock; when that stands still, the layer's end is its end as well.

@@ -47,18 +47,6 @@ int largestDifference(const Image& a, const Image& b) {
     return largest;
 }
 
-/// A box as the strip of a graph fill: `steps` pairs of a top and a bottom point.
-std::vector<glm::vec2> stripOf(const raster::Box& box, int steps) {
-    std::vector<glm::vec2> points;
-    for (int i = 0; i <= steps; ++i) {
-        const float x =
-            box.mLeft + (box.mRight - box.mLeft) * static_cast<float>(i) / static_cast<float>(steps);
-        points.emplace_back(x, box.mTop);
-        points.emplace_back(x, box.mBottom);
-    }
-    return points;
-}
-
 }  // namespace
 
 TEST(Blend, ComposesOver) {
@@ -80,28 +68,6 @@ TEST(Blend, ComposesOver) {
         const Paint paint = makePaint(blend.mColor);
         blendOver(pixel, paint.mColor, toAlpha(paint.mAlpha));
         EXPECT_TRUE(pixel == blend.mResult) << &blend - cases;
-    }
-}
-
-TEST(Rasterizer, BoxesCoverTheirAreaAndStripsTheSameWithoutSeams) {
-    const std::pair<raster::Box, double> cases[] = {
-        {{5.0F, 4.0F, 25.0F, 14.0F}, 200.0},  {{5.25F, 4.5F, 25.25F, 14.5F}, 200.0},
-        {{5.2F, 4.0F, 5.7F, 24.0F}, 10.0},    {{7.9F, 3.6F, 8.2F, 4.1F}, 0.15},
-        {{-10.0F, -3.0F, 10.0F, 2.5F}, 25.0}, {{35.5F, 28.5F, 1e30F, 1e30F}, 6.75},
-        {{12.0F, 4.0F, 12.0F, 20.0F}, 0.0},
-    };
-    for (const auto& [box, area] : cases) {
-        Image image = blackImage(40, 30);
-        Rasterizer::fillRect(image, all(image), box, WHITE);
-        EXPECT_NEAR(ink(image), area, 0.12);
-        Image expected = blackImage(40, 30);
-        Rasterizer::fillRect(expected, all(expected), box, HALF_WHITE);
-        for (const int steps : {1, 7, 100}) {
-            image = blackImage(40, 30);
-            const std::vector<glm::vec2> points = stripOf(box, steps);
-            Rasterizer().fillStrip(image, all(image), points.data(), points.size(), HALF_WHITE);
-            EXPECT_LE(largestDifference(image, expected), 1) << area << ' ' << steps;
-        }
     }
 }
 
@@ -178,37 +144,4 @@ TEST(Rasterizer, SurvivesAnyCoordinate) {
     Rasterizer::fillRect(image, all(image), nowhere, WHITE);
     rasterizer.drawTexels(image, all(image), raster::TexelRect{texels.data(), 8, 8, 8}, nowhere, WHITE);
     EXPECT_DOUBLE_EQ(ink(image), 0.0);
-}
-
-TEST(Rasterizer, LinesJoinWithoutDoubleBlending) {
-    const std::vector<glm::vec2> points{
-        {6.3F, 7.1F}, {20.0F, 22.0F}, {33.7F, 36.9F}, {22.0F, 21.0F}, {6.3F, 7.1F}};
-    Image image(40, 40);
-    Rasterizer().strokeLine(image, all(image), points.data(), points.size(), 3.5F, HALF_WHITE);
-    for (const Pixel& pixel : image.mPixels) {
-        ASSERT_LE(pixel.mAlpha, 128);
-    }
-    EXPECT_EQ(image.row(22)[20].mAlpha, 128);
-}
-
-TEST(Rasterizer, ScaledPicturesAverageColoursByAlpha) {
-    Image source(90, 60);
-    for (std::size_t y = 0; y < 60; ++y) {
-        for (std::size_t x = 0; x < 90; ++x) {
-            // Left: columns of opaque red and of invisible green. Right: a checkerboard of black and white.
-            const std::uint8_t check = (x + y) % 2 == 0 ? 255 : 0;
-            source.row(y)[x] = x >= 45      ? Pixel{check, check, check, 255}
-                               : x % 2 == 0 ? Pixel{255, 0, 0, 255}
-                                            : Pixel{0, 255, 0, 0};
-        }
-    }
-    Image image(20, 10);
-    Rasterizer().drawImage(image, all(image), source, {2.0F, 1.0F, 12.0F, 7.0F});
-    EXPECT_TRUE(image.row(3)[1] == Pixel());
-    EXPECT_TRUE(image.row(3)[12] == Pixel());
-    const Pixel left = image.row(3)[4];
-    EXPECT_TRUE(left.mRed == 255 && left.mGreen == 0);
-    EXPECT_NEAR(left.mAlpha, 128, 15);
-    EXPECT_NEAR(image.row(3)[9].mRed, 128, 2);
-    EXPECT_EQ(image.row(3)[9].mAlpha, 255);
 }

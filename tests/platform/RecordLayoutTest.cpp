@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstring>
-#include <utility>
 
 namespace {
 
@@ -33,25 +32,6 @@ TEST(RecordLayout, VectorsNamesAndFloatsAreWhereTheOtherSideLooks) {
     Ostra::DumpValue value{};
     value.floatValue = 1.0F;
     EXPECT_EQ(std::memcmp(&value, "\0\0\x80\x3F\0\0\0\0", 8), 0);
-}
-
-using android::String8;
-
-TEST(String8Test, IsAValueInOnePointerThatIsNeverNull) {
-    static_assert(sizeof(String8) == sizeof(void*), "part of a binary contract");
-    const String8 original("fps");
-    String8 copy(original);
-    String8 assigned("something else");
-    assigned = original;
-    copy = "changed";
-    EXPECT_STREQ(copy.string(), "changed");
-    EXPECT_EQ(assigned, original);
-    EXPECT_NE(assigned.string(), original.string()) << "shared bytes";
-    EXPECT_STREQ(String8(std::move(copy)).string(), "changed");
-    for (const String8& empty : {String8(), String8(""), String8(nullptr), copy}) {
-        EXPECT_TRUE(*empty.string() == '\0' && empty.length() == 0);
-    }
-    EXPECT_TRUE(String8("a") < String8("\xc3\xa4") && String8("A") < String8("AB")) << "by unsigned bytes";
 }
 
 }  // namespace

@@ -77,24 +77,6 @@ TEST(Script, SaysWhereItIsWrongAndWhatWasExpected) {
     }
 }
 
-TEST(Script, FramesFollowOneAnother) {
-    Script script;
-    ASSERT_EQ(script.read("", R"({"period": 1, "curves": {}, "frames": [
-        {"duration": 10, "passes": [{"start": 1, "duration": 2, "values": [5]}]},
-        {"duration": 20, "passes": [{"start": 3, "duration": 1, "values": [9, 4294967290],
-                                     "repeat": {"count": 3, "every": 4, "add": [-5, 5]}}]}]})"),
-              "");
-    EXPECT_EQ(script.frameAt(0.009)->durationMs, 10);
-    for (const double round : {0.0, 30.0, 3000.0}) {
-        const auto frame = script.frameAt((round + 15.0) / 1000.0);
-        EXPECT_NEAR(frame->startMs, round + 10.0, 1e-6);
-        ASSERT_TRUE(frame->durationMs == 20 && frame->passes.size() == 3);
-        EXPECT_TRUE(frame->passes[2].startMs == 11 && frame->passes[2].endMs == 12);
-        EXPECT_EQ(frame->passes[1].values, (std::vector<std::uint32_t>{4, 4294967295U}));
-        EXPECT_EQ(frame->passes[2].values, (std::vector<std::uint32_t>{0, 4294967295U}));
-    }
-}
-
 class DeviceFolder : public testing::Test {
 protected:
     DeviceFolder() {

@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -115,46 +114,6 @@ TEST(DumpReader, ReadsWhatTheCompanionLibraryWrites) {
     EXPECT_THAT(dump.values[1].figures, ElementsAre(5e9));
     ASSERT_EQ(dump.passes.size(), 2U);
     EXPECT_EQ(dump.passes[1].secondValue, 4U);
-}
-
-TEST(Statistics, PercentilesMediansAndLowRatesAgreeWithCounting) {
-    std::mt19937 random(7);
-    for (const std::size_t count : {1U, 2U, 101U, 1999U}) {
-        std::vector<double> figures(count);
-        std::generate(figures.begin(), figures.end(), [&] { return static_cast<double>(1 + random() % 50); });
-        /// How many lie from one figure up to, but not at, another one.
-        const auto between = [&](double first, double end) {
-            return std::count_if(figures.begin(), figures.end(),
-                                 [&](double figure) { return figure >= first && figure < end; });
-        };
-        const auto percentOf = [&](std::ptrdiff_t part) {
-            return static_cast<double>(part) * 100.0 / static_cast<double>(count);
-        };
-        std::vector<double> sorted = figures;
-        std::sort(sorted.begin(), sorted.end());
-        for (const double percent : {1.0, 50.0, 95.0, 99.0, 100.0}) {
-            const double found = percentile(sorted, percent);
-            EXPECT_GE(percentOf(between(0.0, found + 1.0)), percent);
-            EXPECT_LT(percentOf(between(0.0, found)), percent);
-        }
-        const double center = median(figures);
-        EXPECT_EQ(center, (sorted[(count - 1) / 2] + sorted[count / 2]) / 2.0);
-        EXPECT_NEAR(stability(figures), percentOf(between(center * 0.8, center * 1.2 + 1e-9)), 1e-9);
-        const std::size_t slow = std::max<std::size_t>(count / 100, 1);
-        double total = 0.0;
-        std::for_each(sorted.rbegin(), sorted.rbegin() + static_cast<std::ptrdiff_t>(slow),
-                      [&](double milliseconds) { total += milliseconds; });
-        EXPECT_DOUBLE_EQ(lowRate(sorted, 0.01).value_or(0.0), 1000.0 * static_cast<double>(slow) / total);
-
-        const Histogram bins = histogram(sorted);
-        double first = bins.firstMs;
-        for (const std::size_t bin : bins.counts) {
-            EXPECT_EQ(static_cast<std::ptrdiff_t>(bin), between(first, first + bins.widthMs));
-            first += bins.widthMs;
-        }
-        EXPECT_EQ(static_cast<std::ptrdiff_t>(bins.beyond), between(first, INFINITY));
-    }
-    EXPECT_EQ(lowRate({0.0, 0.0}, 1.0), std::nullopt);
 }
 
 TEST(Statistics, FrameTimesLeaveOutGapsAndClockSteps) {
