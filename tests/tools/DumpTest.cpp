@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -125,6 +126,9 @@ TEST(Statistics, FrameTimesLeaveOutGapsAndClockSteps) {
     EXPECT_EQ(times.clockSteps, 2U);
     EXPECT_THAT(sortedMilliseconds(times), ElementsAre(16.0, 16.0, 17.0, 17.0, 9223372036854775390.0));
     EXPECT_THAT(slowest(times, 3), ElementsAre(4U, 1U, 3U));
+    EXPECT_EQ(lowRate({10.0, 20.0, 30.0, 50.0}, 0.5), std::optional(25.0));
+    EXPECT_EQ(lowRate({0.0, 0.0}, 1.0), std::nullopt);
+    EXPECT_EQ(percentile({10.0, 20.0, 30.0, 50.0}, 51.0), 30.0);
     const std::vector<double> elapsed = elapsedTimes(dump);
     EXPECT_EQ(elapsed[5], 416.0);
     EXPECT_TRUE(std::is_sorted(elapsed.begin(), elapsed.end()));
