@@ -54,23 +54,6 @@ TEST_F(DumpFaults, TheFolderGoesWhileADumpIsWritten) {
     EXPECT_EQ(host.dumpError(2), "");
 }
 
-TEST_F(DumpFaults, TheBackgroundAndADetachEndADumpWithItsFrames) {
-    const auto started = startShown();
-    HostProcess& host = *started;
-    for (int i = 0; i < 20; ++i) {
-        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
-        if (i % 2 == 0) {
-            ASSERT_EQ(sendToBackground(host), "");
-        } else {
-            host.tell("reattach 1");
-        }
-        ASSERT_TRUE(host.waitFor("dumping", 0));
-    }
-    EXPECT_EQ(host.end(), 0);
-    EXPECT_EQ(host.dumps().size(), 20U);
-    EXPECT_EQ(host.dumpError(), "");
-}
-
 TEST_F(DumpFaults, AFloodOfKeysAndGarbageLosesNoFrameOfADump) {
     mOptions.device = "adreno-c32";  // whose counters make captures last
     const auto started = startShown();

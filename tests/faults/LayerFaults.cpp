@@ -37,26 +37,6 @@ TEST_F(LayerFaults, TheOverlayMovesFromOneApiToTheOther) {
     EXPECT_EQ(host.dumpError(), "");
 }
 
-// The key that was pressed last is not pressed once more by every frame without a poll.
-TEST_F(LayerFaults, TheKeyOfTheLastFrameBeforeTheOverlayWentCountsOnce) {
-    const auto started = startShown();
-    HostProcess& host = *started;
-    for (int round = 1; round <= 10; ++round) {
-        ASSERT_NO_FATAL_FAILURE(setDumping(host, true));
-        ASSERT_EQ(set("status", "false"), "");
-        ASSERT_EQ(publish(), "");
-        ASSERT_TRUE(host.waitFor("shown0", 0));
-        ASSERT_TRUE(host.waitForFrames(20));
-        ASSERT_EQ(host.report()["dumping"], "1");
-        ASSERT_EQ(showOverlay(), "");
-        ASSERT_TRUE(host.waitFor("shown0", 1));
-        ASSERT_NO_FATAL_FAILURE(setDumping(host, false));
-        ASSERT_EQ(host.dumps().size(), static_cast<std::size_t>(round));
-    }
-    EXPECT_EQ(host.end(), 0);
-    EXPECT_EQ(host.dumpError(), "");
-}
-
 TEST_F(LayerFaults, AThousandLayersLeaveNothingBehind) {
     const auto started = startShown();
     HostProcess& host = *started;
