@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::chrono::milliseconds BETWEEN_LOOKS(150);
 constexpr int LOOKS = 200;
-constexpr int STILL_LOOKS = 3;
+constexpr int USABLE_LOOKS = 3;
 
 /// The largest window that is shown; an empty picture when there is none.
 software::Image lookAtWindow(Display* display) {
@@ -88,12 +88,13 @@ std::optional<software::Image> VirtualDisplay::windowPicture(bool isStill) const
     Display* const display = XOpenDisplay(mName.c_str());
     std::optional<software::Image> found;
     software::Image last;
-    int same = 0;
+    int usable = 0;
     for (int look = 0; display != nullptr && !found && look < LOOKS; ++look) {
         std::this_thread::sleep_for(BETWEEN_LOOKS);
         software::Image picture = lookAtWindow(display);
-        same = picture.mPixels == last.mPixels && hasSeveralColours(picture) ? same + 1 : 0;
-        if (isStill ? same >= STILL_LOOKS : hasSeveralColours(picture)) {
+        const bool isUsable = hasSeveralColours(picture) && (!isStill || picture.mPixels == last.mPixels);
+        usable = isUsable ? usable + 1 : 0;
+        if (usable >= USABLE_LOOKS) {
             found = picture;
         }
         last = std::move(picture);

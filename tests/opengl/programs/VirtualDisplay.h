@@ -15,8 +15,8 @@ public:
     /// For $DISPLAY; empty when the server could not be started.
     const std::string& name() const { return mName; }
 
-    /// What the largest window shows, once three looks in a row found the same picture of more than one
-    /// colour in it, if `isStill`; otherwise as soon as it has more than one. Nothing after half a minute.
+    /// What the largest window shows, once three looks in a row found more than one colour in it and, if
+    /// `isStill`, the same picture. Nothing after half a minute.
     std::optional<software::Image> windowPicture(bool isStill) const;
 
 private:
