@@ -45,7 +45,8 @@ public:
     GlFactory& factory() { return mFactory; }
 
     /// Draws what the primitives have left, between save() and restore(). False when the application's state
-    /// does not let it be drawn in this frame.
+    /// does not let it be drawn in this frame. The thumbnail shows the frame in which its drawing was shown
+    /// first, as the texts do.
     bool show(SavedState& state) { return mRenderer.show(mTarget, state); }
 
     /// What has been drawn last.

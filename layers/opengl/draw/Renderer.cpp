@@ -1,26 +1,16 @@
 #include "opengl/draw/Renderer.h"
 
 #include <algorithm>
-#include <array>
 
 #include "opengl/draw/DrawTarget.h"
-#include "opengl/draw/Shaders.h"
 #include "opengl/gl/SavedState.h"
 
 namespace opengl {
 
 namespace {
 
-constexpr GLuint PLACE = 0;
-constexpr GLuint TEXEL = 1;
-constexpr GLuint INK = 2;
-static_assert(INK < SavedState::ATTRIBUTES);
-
 /// The buffer grows by multiples of this.
 constexpr std::size_t BUFFER_STEP = 16384;
-
-/// Texels of the picture's coordinates.
-constexpr float PICTURE_TEXELS = 65535.0F;
 
 /// Samples that the shader takes for a pixel of the picture, in each direction.
 constexpr float SAMPLES = 4.0F;
@@ -37,13 +27,10 @@ std::string Renderer::create() {
     if (mLargestTexture < GlyphCache::LARGEST_SIDE) {
         return "textures of " + std::to_string(GlyphCache::LARGEST_SIDE) + " texels are not supported";
     }
-    std::string error = createProgram();
+    std::string error = mPrograms[isLinear() ? 1 : 0].create(mFunctions, isLinear());
     if (!error.empty()) {
-        destroy();
         return error;
     }
-    mFunctions.useProgram(mObjects.program);
-    mFunctions.uniform1i(mFunctions.getUniformLocation(mObjects.program, "image"), SavedState::TEXTURE_UNIT);
     createBuffer();
     mObjects.glyphs = createTexture(GL_NEAREST);
     return {};
@@ -51,8 +38,8 @@ std::string Renderer::create() {
 
 void Renderer::destroy() {
     const Functions& gl = mFunctions;
-    if (mObjects.program != 0) {
-        gl.deleteProgram(mObjects.program);
+    for (Program& program : mPrograms) {
+        program.destroy(gl);
     }
     for (const GLuint texture : {mObjects.glyphs, mObjects.picture}) {
         if (texture != 0) {
@@ -70,74 +57,17 @@ void Renderer::destroy() {
 
 void Renderer::abandon() {
     mObjects = {};
-    mUniforms = {};
+    mPrograms = {};
     mGlyphSide = 0;
     mBufferSize = 0;
     mShownDrawing = 0;
     mPictureSize = {0, 0};
-    mUniformSize = {0, 0};
-    mUniformSide = 0;
-    mUniformSrgb = -1;
-}
-
-GLuint Renderer::compile(GLenum stage, const char* const* sources, int count, std::string& error) {
-    const Functions& gl = mFunctions;
-    const GLuint shader = gl.createShader(stage);
-    gl.shaderSource(shader, count, sources, nullptr);
-    gl.compileShader(shader);
-    GLint isCompiled = GL_FALSE;
-    gl.getShaderiv(shader, GL_COMPILE_STATUS, &isCompiled);
-    if (isCompiled == GL_FALSE) {
-        std::array<char, 512> log{};
-        gl.getShaderInfoLog(shader, static_cast<GLsizei>(log.size()), nullptr, log.data());
-        error = std::string("a shader does not compile: ") + log.data();
-        gl.deleteShader(shader);
-        return 0;
-    }
-    return shader;
-}
-
-std::string Renderer::createProgram() {
-    const Functions& gl = mFunctions;
-    std::string error;
-    const ShaderSource vertexSource = vertexShader(gl);
-    const ShaderSource fragmentSource = fragmentShader(gl);
-    const GLuint vertex = compile(GL_VERTEX_SHADER, vertexSource.mTexts, ShaderSource::COUNT, error);
-    const GLuint fragment =
-        vertex != 0 ? compile(GL_FRAGMENT_SHADER, fragmentSource.mTexts, ShaderSource::COUNT, error) : 0;
-    if (fragment != 0) {
-        mObjects.program = gl.createProgram();
-        gl.attachShader(mObjects.program, vertex);
-        gl.attachShader(mObjects.program, fragment);
-        gl.bindAttribLocation(mObjects.program, PLACE, "place");
-        gl.bindAttribLocation(mObjects.program, TEXEL, "texel");
-        gl.bindAttribLocation(mObjects.program, INK, "ink");
-        gl.linkProgram(mObjects.program);
-        gl.detachShader(mObjects.program, vertex);
-        gl.detachShader(mObjects.program, fragment);
-        gl.deleteShader(fragment);
-        GLint isLinked = GL_FALSE;
-        gl.getProgramiv(mObjects.program, GL_LINK_STATUS, &isLinked);
-        if (isLinked == GL_FALSE) {
-            std::array<char, 512> log{};
-            gl.getProgramInfoLog(mObjects.program, static_cast<GLsizei>(log.size()), nullptr, log.data());
-            error = std::string("the shaders do not link: ") + log.data();
-        }
-    }
-    if (vertex != 0) {
-        gl.deleteShader(vertex);
-    }
-    if (error.empty()) {
-        mUniforms.toClip = gl.getUniformLocation(mObjects.program, "toClip");
-        mUniforms.source = gl.getUniformLocation(mObjects.program, "source");
-        mUniforms.linear = gl.getUniformLocation(mObjects.program, "linear");
-    }
-    return error;
+    mPictureDrawing = 0;
 }
 
 void Renderer::createBuffer() {
     const Functions& gl = mFunctions;
-    gl.genBuffers(1, &mObjects.buffer);
+    mObjects.buffer = newBuffer(gl);
     if (gl.features.vertexArrays) {
         gl.genVertexArrays(1, &mObjects.vertexArray);
         gl.bindVertexArray(mObjects.vertexArray);
@@ -149,18 +79,19 @@ void Renderer::createBuffer() {
 void Renderer::setAttributes() {
     const Functions& gl = mFunctions;
     constexpr GLsizei STRIDE = sizeof(Vertex);
-    gl.enableVertexAttribArray(PLACE);
-    gl.enableVertexAttribArray(TEXEL);
-    gl.enableVertexAttribArray(INK);
-    gl.vertexAttribPointer(PLACE, 2, GL_FLOAT, GL_FALSE, STRIDE, offset(offsetof(Vertex, x)));
-    gl.vertexAttribPointer(TEXEL, 2, GL_UNSIGNED_SHORT, GL_FALSE, STRIDE, offset(offsetof(Vertex, u)));
-    gl.vertexAttribPointer(INK, 4, GL_UNSIGNED_BYTE, GL_TRUE, STRIDE, offset(offsetof(Vertex, color)));
+    gl.enableVertexAttribArray(Program::PLACE);
+    gl.enableVertexAttribArray(Program::TEXEL);
+    gl.enableVertexAttribArray(Program::INK);
+    gl.vertexAttribPointer(Program::PLACE, 2, GL_FLOAT, GL_FALSE, STRIDE, offset(offsetof(Vertex, x)));
+    gl.vertexAttribPointer(Program::TEXEL, 2, GL_UNSIGNED_SHORT, GL_FALSE, STRIDE,
+                           offset(offsetof(Vertex, u)));
+    gl.vertexAttribPointer(Program::INK, 4, GL_UNSIGNED_BYTE, GL_TRUE, STRIDE,
+                           offset(offsetof(Vertex, color)));
 }
 
 GLuint Renderer::createTexture(GLint filter) {
     const Functions& gl = mFunctions;
-    GLuint texture = 0;
-    gl.genTextures(1, &texture);
+    const GLuint texture = newTexture(gl);
     gl.bindTexture(GL_TEXTURE_2D, texture);
     gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
     gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
@@ -172,8 +103,12 @@ GLuint Renderer::createTexture(GLint filter) {
 bool Renderer::show(DrawTarget& target, SavedState& state) {
     const Functions& gl = mFunctions;
     const Batch& batch = target.batch;
-    if (mObjects.program == 0 || batch.vertexCount() == 0) {
+    if (mObjects.buffer == 0 || batch.vertexCount() == 0) {
         return true;
+    }
+    Program& program = mPrograms[isLinear() ? 1 : 0];
+    if (!program && !program.create(gl, isLinear()).empty()) {
+        return false;
     }
     const auto longest = static_cast<GLint>(std::max(target.shape.mWidth, target.shape.mHeight));
     const bool hasPicture = batch.picture().mCount != 0 && longest <= mLargestTexture;
@@ -200,8 +135,7 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     if (!gl.features.vertexArrays) {
         setAttributes();
     }
-    gl.useProgram(mObjects.program);
-    setUniforms(target);
+    program.use(gl, {target.shape.mWidth, target.shape.mHeight}, mGlyphSide);
 
     const auto count = static_cast<GLsizei>(batch.vertexCount());
     const auto first = static_cast<GLint>(batch.picture().mFirst);
@@ -215,7 +149,7 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
         gl.drawArrays(GL_TRIANGLES, 0, first);
     }
     if (hasPicture) {
-        showPicture(batch);
+        showPicture(batch, program);
         gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
     }
     if (rest < count) {
@@ -224,20 +158,14 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     return true;
 }
 
-void Renderer::showPicture(const Batch& batch) {
+void Renderer::showPicture(const Batch& batch, const Program& program) {
     const Functions& gl = mFunctions;
     const glm::vec2 step = batch.pictureScale() / SAMPLES;
     gl.bindTexture(GL_TEXTURE_2D, mObjects.picture);
-    gl.uniform4f(mUniforms.source, 1.0F / PICTURE_TEXELS, 1.0F / PICTURE_TEXELS,
-                 step.x / static_cast<float>(mPictureSize.x), step.y / static_cast<float>(mPictureSize.y));
+    program.beginPicture(gl, step / glm::vec2(mPictureSize));
     gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(batch.picture().mFirst),
                   static_cast<GLsizei>(batch.picture().mCount));
-    setGlyphSource(mGlyphSide);
-}
-
-void Renderer::setGlyphSource(int side) {
-    const float scale = 1.0F / static_cast<float>(side);
-    mFunctions.uniform4f(mUniforms.source, scale, scale, 0.0F, 0.0F);
+    program.endPicture(gl);
 }
 
 bool Renderer::uploadGlyphs(DrawTarget& target, SavedState& state) {
@@ -266,10 +194,13 @@ bool Renderer::uploadGlyphs(DrawTarget& target, SavedState& state) {
 
 bool Renderer::copyPicture(const DrawTarget& target, SavedState& state) {
     const Functions& gl = mFunctions;
+    const glm::uvec2 size(target.shape.mWidth, target.shape.mHeight);
+    if (mPictureDrawing == target.drawing && mPictureSize == size) {
+        return true;
+    }
     if (!state.prepareCopy()) {
         return false;
     }
-    const glm::uvec2 size(target.shape.mWidth, target.shape.mHeight);
     const auto width = static_cast<GLsizei>(size.x);
     const auto height = static_cast<GLsizei>(size.y);
     if (mObjects.picture == 0) {
@@ -285,6 +216,7 @@ bool Renderer::copyPicture(const DrawTarget& target, SavedState& state) {
         mPictureSize = size;
     }
     gl.copyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
+    mPictureDrawing = target.drawing;
     return true;
 }
 
@@ -295,25 +227,6 @@ void Renderer::uploadVertices(const DrawTarget& target) {
     // Storage of its own for each drawing: the one before may still be read.
     gl.bufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(mBufferSize), nullptr, GL_STREAM_DRAW);
     gl.bufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(size), target.batch.vertices());
-}
-
-void Renderer::setUniforms(const DrawTarget& target) {
-    const Functions& gl = mFunctions;
-    const glm::uvec2 size(target.shape.mWidth, target.shape.mHeight);
-    if (mUniformSize != size) {
-        gl.uniform4f(mUniforms.toClip, 2.0F / static_cast<float>(size.x), -2.0F / static_cast<float>(size.y),
-                     -1.0F, 1.0F);
-        mUniformSize = size;
-    }
-    if (mUniformSide != mGlyphSide) {
-        setGlyphSource(mGlyphSide);
-        mUniformSide = mGlyphSide;
-    }
-    const int isLinear = mIsSrgb && !gl.features.framebufferSrgb ? 1 : 0;
-    if (mUniformSrgb != isLinear) {
-        gl.uniform1f(mUniforms.linear, static_cast<float>(isLinear));
-        mUniformSrgb = isLinear;
-    }
 }
 
 }  // namespace opengl

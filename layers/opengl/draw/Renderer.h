@@ -2,10 +2,12 @@
 
 #include <glm/vec2.hpp>
 
+#include <array>
 #include <cstddef>
 #include <string>
 
 #include "opengl/draw/Batch.h"
+#include "opengl/draw/Program.h"
 #include "opengl/gl/Functions.h"
 
 namespace opengl {
@@ -14,7 +16,9 @@ class SavedState;
 struct DrawTarget;
 
 /// Shows a batch in one context: one program, one vertex buffer, one texture for glyphs and one for the
-/// application's picture, at most three drawing calls, and nothing uploaded that has not changed.
+/// application's picture, at most three drawing calls, and nothing uploaded that has not changed. The
+/// application's picture is that of the frame in which the drawing was shown first, or in which the surface
+/// got its size: a drawing that is shown again shows it again.
 class Renderer {
 public:
     explicit Renderer(const Functions& functions) : mFunctions(functions) {}
@@ -31,35 +35,26 @@ public:
 private:
     /// Names in the context; 0 where there is none.
     struct Objects {
-        GLuint program = 0;
         GLuint buffer = 0;
         GLuint vertexArray = 0;
         GLuint glyphs = 0;
         GLuint picture = 0;
     };
 
-    /// Locations of the program's uniforms.
-    struct Uniforms {
-        GLint toClip = -1;
-        GLint source = -1;
-        GLint linear = -1;
-    };
+    /// Whether colours are written as linear ones, which the surface converts whether wanted or not.
+    bool isLinear() const { return mIsSrgb && !mFunctions.features.framebufferSrgb; }
 
-    std::string createProgram();
-    GLuint compile(GLenum stage, const char* const* sources, int count, std::string& error);
     void createBuffer();
     GLuint createTexture(GLint filter);
     void setAttributes();
     bool uploadGlyphs(DrawTarget& target, SavedState& state);
     bool copyPicture(const DrawTarget& target, SavedState& state);
     void uploadVertices(const DrawTarget& target);
-    void setUniforms(const DrawTarget& target);
-    void setGlyphSource(int side);
-    void showPicture(const Batch& batch);
+    void showPicture(const Batch& batch, const Program& program);
 
     const Functions& mFunctions;
     Objects mObjects;
-    Uniforms mUniforms;
+    std::array<Program, 2> mPrograms;  ///< the second one with linear colours, each when it is needed first
     bool mIsSrgb = false;
 
     // What the context has.
@@ -68,9 +63,7 @@ private:
     std::size_t mBufferSize = 0;
     unsigned int mShownDrawing = 0;
     glm::uvec2 mPictureSize{0, 0};
-    glm::uvec2 mUniformSize{0, 0};
-    int mUniformSide = 0;
-    int mUniformSrgb = -1;
+    unsigned int mPictureDrawing = 0;  ///< the one the picture was copied for
 };
 
 }  // namespace opengl

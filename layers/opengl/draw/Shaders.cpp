@@ -22,6 +22,8 @@ constexpr char NEW_FRAGMENT[] =
 constexpr char RED_COVERAGE[] = "#define COVERAGE r\n";
 constexpr char ALPHA_COVERAGE[] = "#define COVERAGE a\n";
 
+constexpr char LINEAR[] = "#define LINEAR\n";
+
 constexpr char VERTEX[] = R"(
 IN vec2 place;
 IN vec2 texel;
@@ -42,29 +44,29 @@ IN vec2 coordinate;
 IN vec4 shade;
 uniform sampler2D image;
 uniform vec4 source;
-uniform float linear;
-vec3 average() {
-    vec3 sum = vec3(0.0);
-    for (int y = 0; y < 4; ++y) {
-        for (int x = 0; x < 4; ++x) {
-            vec2 offset = vec2(float(x) - 1.5, float(y) - 1.5);
-            sum += texture2D(image, coordinate + offset * source.zw).rgb;
+vec4 total() {
+    // As many as the draw needs, and one for nearly all: where a rasterizer runs both sides of a branch, only
+    // a loop leaves samples out. Its bound is one for which compilers do not unroll it.
+    int samples = source.z > 0.0 ? 16 : 1;
+    vec4 sum = vec4(0.0);
+    for (int i = 0; i < 64; ++i) {
+        if (i >= samples) {
+            break;
         }
+        float row = floor(float(i) / 4.0);
+        vec2 offset = vec2(float(i) - 4.0 * row, row) - 1.5;
+        sum += texture2D(image, coordinate + offset * source.zw);
     }
-    return sum / 16.0;
+    return sum;
 }
 void main() {
-    vec4 result = shade;
-    if (source.z > 0.0) {
-        result.rgb = average();
-    } else {
-        result.a *= texture2D(image, coordinate).COVERAGE;
-    }
-    if (linear > 0.0) {
-        vec3 dark = result.rgb / 12.92;
-        vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
-        result.rgb = mix(dark, light, step(vec3(0.04045), result.rgb));
-    }
+    vec4 sum = total();
+    vec4 result = source.z > 0.0 ? vec4(sum.rgb / 16.0, shade.a) : vec4(shade.rgb, shade.a * sum.COVERAGE);
+#ifdef LINEAR
+    vec3 dark = result.rgb / 12.92;
+    vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
+    result.rgb = mix(dark, light, step(vec3(0.04045), result.rgb));
+#endif
     gl_FragColor = result;
 }
 )";
@@ -100,12 +102,13 @@ const char* pick(Dialect dialect, const char* old, const char* es, const char* c
 }  // namespace
 
 ShaderSource vertexShader(const Functions& functions) {
-    return {{pick(dialectOf(functions), OLD_VERTEX, ES_VERTEX, CORE_VERTEX, NEW_VERTEX), "", VERTEX}};
+    return {{pick(dialectOf(functions), OLD_VERTEX, ES_VERTEX, CORE_VERTEX, NEW_VERTEX), "", "", VERTEX}};
 }
 
-ShaderSource fragmentShader(const Functions& functions) {
+ShaderSource fragmentShader(const Functions& functions, bool isLinear) {
     return {{pick(dialectOf(functions), OLD_FRAGMENT, ES_FRAGMENT, CORE_FRAGMENT, NEW_FRAGMENT),
-             functions.features.redTextures ? RED_COVERAGE : ALPHA_COVERAGE, FRAGMENT}};
+             functions.features.redTextures ? RED_COVERAGE : ALPHA_COVERAGE, isLinear ? LINEAR : "",
+             FRAGMENT}};
 }
 
 }  // namespace opengl

@@ -6,15 +6,17 @@ namespace opengl {
 
 /// The sources of a shader, to be compiled as one.
 struct ShaderSource {
-    static constexpr int COUNT = 3;
+    static constexpr int COUNT = 4;
     const char* mTexts[COUNT];
 };
 
 /// The program for the context's version of the shading language. Attributes: `place` in pixels, `texel`,
 /// `ink`. Uniforms: `toClip`, factors and offsets from pixels to clip space; `source`, texels to texture
 /// coordinates in x and y and, for the application's picture, the distance of the samples in texture
-/// coordinates in z and w, which are 0 for glyphs; `linear`, 1 for a surface that stores sRGB on its own.
+/// coordinates in z and w, which are 0 for glyphs.
 ShaderSource vertexShader(const Functions& functions);
-ShaderSource fragmentShader(const Functions& functions);
+
+/// Linear colours are for a surface that stores sRGB on its own.
+ShaderSource fragmentShader(const Functions& functions, bool isLinear);
 
 }  // namespace opengl
