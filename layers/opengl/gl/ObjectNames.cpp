@@ -1,0 +1,44 @@
+#include "opengl/gl/ObjectNames.h"
+
+#include <atomic>
+
+namespace opengl {
+namespace {
+
+/// Not too far: drivers keep tables as long as the largest name.
+constexpr GLuint FIRST = 0x1D000;
+
+/// Another one each time, so that contexts which share objects do not meet. Order does not matter.
+std::atomic<GLuint> gNext{FIRST};
+
+bool mayChoose(const Functions& gl) {
+    return !gl.version.isCore;
+}
+
+}  // namespace
+
+GLuint newTexture(const Functions& gl) {
+    GLuint name = 0;
+    if (!mayChoose(gl)) {
+        gl.genTextures(1, &name);
+        return name;
+    }
+    do {
+        name = gNext.fetch_add(1, std::memory_order_relaxed);
+    } while (gl.isTexture(name));
+    return name;
+}
+
+GLuint newBuffer(const Functions& gl) {
+    GLuint name = 0;
+    if (!mayChoose(gl)) {
+        gl.genBuffers(1, &name);
+        return name;
+    }
+    do {
+        name = gNext.fetch_add(1, std::memory_order_relaxed);
+    } while (gl.isBuffer(name));
+    return name;
+}
+
+}  // namespace opengl
