@@ -232,6 +232,21 @@ TEST_P(Draw, SurvivesValuesThatAreNoNumbers) {
     }
 }
 
+TEST_P(Draw, TakesNoNamesThatAProgramMayChoose) {
+    const auto made = stage(SIZES[2]);
+    ASSERT_NE(made, nullptr);
+    opengl::GlFactory& factory = made->drawing().factory();
+    const Drawers drawers = makeScene(factory);
+    ASSERT_TRUE(made->show([&] {
+        factory.beginDrawing(false);
+        drawScene(factory, drawers, false);
+    }));
+    const opengl::Functions& gl = made->functions();
+    for (GLuint name = 1; name < 1000 && !gl.version.isCore; ++name) {
+        ASSERT_FALSE(gl.isTexture(name) || gl.isBuffer(name)) << name;
+    }
+}
+
 TEST_P(Draw, AFullGlyphTextureIsEmptiedForTheNextDrawing) {
     const auto made = stage(SIZES[2]);
     ASSERT_NE(made, nullptr);
