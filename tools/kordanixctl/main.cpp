@@ -204,7 +204,8 @@ void addRun(CLI::App& app, Arguments& arguments) {
     verb->add_option(
             "--set", arguments.words,
             "Set a property for the program, as 'set' does; may be given more than once. status, proc "
-            "and api are set so that the program shows the overlay")
+            "and api are set so that the program shows the overlay; when PROGRAM starts another one that "
+            "shall show it, proc=NAME with the first word of that one's command line")
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();
