@@ -68,23 +68,25 @@ struct Pieces {
 /// Keeps the part of a convex polygon on one side of a line: where `side` is not negative.
 template <class Side>
 std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t count, Side side) {
-    std::array<Corner, MAX_CORNERS> kept{};
+    std::array<Corner, MAX_CORNERS> kept;
     std::size_t keptCount = 0;
+    const Corner* from = &corners[count - 1];
+    float fromSide = side(from->point);
     for (std::size_t i = 0; i < count; ++i) {
-        const Corner& from = corners[i];
-        const Corner& to = corners[(i + 1) % count];
-        const float fromSide = side(from.point);
+        const Corner& to = corners[i];
         const float toSide = side(to.point);
-        if (fromSide >= 0.0F && keptCount < MAX_CORNERS) {
-            kept[keptCount++] = from;
-        }
         if ((fromSide < 0.0F) != (toSide < 0.0F) && keptCount < MAX_CORNERS) {
             const float share = fromSide / (fromSide - toSide);
-            kept[keptCount++] = {from.point + share * (to.point - from.point),
-                                 from.coverage + share * (to.coverage - from.coverage)};
+            kept[keptCount++] = {from->point + share * (to.point - from->point),
+                                 from->coverage + share * (to.coverage - from->coverage)};
         }
+        if (toSide >= 0.0F && keptCount < MAX_CORNERS) {
+            kept[keptCount++] = to;
+        }
+        from = &to;
+        fromSide = toSide;
     }
-    corners = kept;
+    std::copy_n(kept.begin(), keptCount, corners.begin());
     return keptCount;
 }
 
@@ -121,14 +123,14 @@ bool Batch::isRepeated() const {
            (mCount == 0 || std::memcmp(mVertices.data(), mLastVertices.data(), mCount * sizeof(Vertex)) == 0);
 }
 
-/// Room for that many more vertices, to be written at once.
-Vertex* Batch::grow(std::size_t count) {
-    const std::size_t first = mCount;
-    mCount += count;
-    if (mCount > mVertices.size()) {
-        mVertices.resize(std::max(USUAL_VERTICES, 2 * mCount));
-    }
-    return mVertices.data() + first;
+void Batch::makeRoom() {
+    mVertices.resize(std::max(USUAL_VERTICES, 2 * mCount));
+}
+
+Batch::Range Batch::repeat(const Range& last) {
+    const Range now{mCount, last.mCount};
+    std::copy_n(mLastVertices.data() + last.mFirst, last.mCount, grow(last.mCount));
+    return now;
 }
 
 void Batch::addQuad(const raster::PixelRect& pixels, const Texels& texels,
@@ -213,12 +215,23 @@ void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const
     if (highX <= clip.left || lowX >= clip.right || highY <= clip.top || lowY >= clip.bottom) {
         return;
     }
-    std::array<Corner, MAX_CORNERS> corners{a, b, c};
+    std::array<Corner, MAX_CORNERS> corners;
+    corners[0] = a;
+    corners[1] = b;
+    corners[2] = c;
     std::size_t count = 3;
-    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.x - clip.left; });
-    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.right - point.x; });
-    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.y - clip.top; });
-    count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.bottom - point.y; });
+    if (lowX < clip.left) {
+        count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.x - clip.left; });
+    }
+    if (highX > clip.right) {
+        count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.right - point.x; });
+    }
+    if (lowY < clip.top) {
+        count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.y - clip.top; });
+    }
+    if (highY > clip.bottom) {
+        count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.bottom - point.y; });
+    }
     for (std::size_t i = 2; i < count; ++i) {
         if (isFinite(corners[0]) && isFinite(corners[i - 1]) && isFinite(corners[i])) {
             addCorners(corners[0], corners[i - 1], corners[i], ink);

@@ -108,6 +108,9 @@ public:
     /// The application's picture in the box. The first one of a drawing counts.
     void addPicture(const raster::Box& box);
 
+    /// Vertices of the drawing before once more; where they are now.
+    Range repeat(const Range& last);
+
     const Vertex* vertices() const { return mVertices.data(); }
     std::size_t vertexCount() const { return mCount; }
 
@@ -129,7 +132,17 @@ private:
     void addQuad(const raster::PixelRect& pixels, const Texels& texels,
                  const std::array<std::uint8_t, 4>& color);
     void addCorners(const Corner& a, const Corner& b, const Corner& c, const Ink& ink);
-    Vertex* grow(std::size_t count);
+
+    /// Room for that many more vertices, to be written at once.
+    Vertex* grow(std::size_t count) {
+        const std::size_t first = mCount;
+        mCount += count;
+        if (mCount > mVertices.size()) {
+            makeRoom();
+        }
+        return mVertices.data() + first;
+    }
+    void makeRoom();
 
     raster::PixelRect mSurface;
     raster::PixelRect mClip;

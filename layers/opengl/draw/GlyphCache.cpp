@@ -38,7 +38,7 @@ int sideFor(const raster::SurfaceShape& shape) {
 }
 
 int toSteps(float position) {
-    return static_cast<int>(std::lround(position * raster::GLYPH_STEPS));
+    return static_cast<int>(position * raster::GLYPH_STEPS + (position < 0.0F ? -ROUNDING : ROUNDING));
 }
 
 std::size_t hash(std::uint64_t key) {
@@ -67,6 +67,7 @@ void GlyphCache::empty() {
     std::fill(mEntries.begin(), mEntries.end(), Entry());
     mCount = 0;
     mIsFull = false;
+    ++mEmptied;
     for (int row = 0; row < SOLID_SIDE; ++row) {
         std::memset(mTexels.data() + static_cast<std::ptrdiff_t>(row) * mSide, FULL, SOLID_SIDE);
     }

@@ -51,6 +51,9 @@ public:
     /// Whether a picture found no room in this drawing, which the next one can mend.
     bool isFull() const { return mIsFull; }
 
+    /// How often the texture has been emptied: until it is again, pictures stay where they are.
+    unsigned int emptied() const { return mEmptied; }
+
     /// Side of the texture in texels, a power of two; its texels, rows from top to bottom.
     int side() const { return mSide; }
     const std::uint8_t* texels() const { return mTexels.data(); }
@@ -83,6 +86,7 @@ private:
     std::vector<Entry> mEntries;
     std::size_t mCount = 0;
     bool mIsFull = false;
+    unsigned int mEmptied = 0;
     int mShelfTop = 0;  ///< pictures stand side by side on shelves
     int mShelfHeight = 0;
     int mShelfEnd = 0;

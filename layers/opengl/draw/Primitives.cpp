@@ -15,6 +15,21 @@ void GlRect::draw() {
 }
 
 void GlMesh::draw() {
+    bool isSame = mKept.begin(mTarget, *this, mColor);
+    isSame = isSame && mVertices.size() == mKeptVertices.size() &&
+             std::equal(mVertices.begin(), mVertices.end(), mKeptVertices.begin(),
+                        [](const gui::Vertex& a, const gui::Vertex& b) { return a.x == b.x && a.y == b.y; });
+    if (isSame) {
+        mKept.repeat(mTarget.batch);
+        return;
+    }
+    mKeptVertices.assign(mVertices.begin(), mVertices.end());
+    mKept.start(mTarget.batch);
+    drawVertices();
+    mKept.finish(mTarget.batch);
+}
+
+void GlMesh::drawVertices() {
     const raster::Box frame = mTarget.shape.toPixels(mPosition, mSize, mTranslation);
     const float width = mTarget.shape.lineWidth();
     const float inset = mTopology == scene::Topology::LINE_STRIP ? 0.5F * width : 0.0F;
@@ -81,12 +96,33 @@ float GlGrid::getAspectRatio() {
     return mTarget.shape.aspectRatio();
 }
 
+void GlText::draw() {
+    const bool isSame = mKept.begin(mTarget, *this, mTextColor) && mText == mKeptText &&
+                        mTextSizeHint == mKeptSizeHint && mTextEllipsize == mKeptEllipsize &&
+                        mTextGravity == mKeptGravity;
+    if (isSame) {
+        mKept.repeat(mTarget.batch);
+        return;
+    }
+    mKeptText = mText;
+    mKeptSizeHint = mTextSizeHint;
+    mKeptEllipsize = mTextEllipsize;
+    mKeptGravity = mTextGravity;
+    mKept.start(mTarget.batch);
+    TextDrawer::draw();
+    mKept.finish(mTarget.batch);
+}
+
 void GlText::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
                        char symbol) {
     static const raster::FontHeights FONT = raster::measureFont(gui::GlyphAtlas::getGlyphAtlas());
     const GlyphCache::Picture picture =
         mTarget.glyphs.find(symbol, glyph, raster::fitGlyph(FONT, glyph, transform));
-    mTarget.batch.addTexels(picture.mPixels, picture.mU, picture.mV, Ink(color));
+    if (color != mInkColor) {
+        mInkColor = color;
+        mInk = Ink(color);
+    }
+    mTarget.batch.addTexels(picture.mPixels, picture.mU, picture.mV, mInk);
 }
 
 glm::mat4 GlText::getTransform(const glm::vec2& size, const glm::vec2& position,

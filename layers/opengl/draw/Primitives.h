@@ -2,7 +2,9 @@
 
 #include <glm/vec2.hpp>
 
+#include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "drawers/GridDrawer.h"
@@ -11,6 +13,7 @@
 #include "drawers/TextDrawer.h"
 #include "opengl/draw/Curve.h"
 #include "opengl/draw/GraphFill.h"
+#include "opengl/draw/Kept.h"
 #include "scene/PrimitiveFactory.h"
 
 namespace opengl {
@@ -37,12 +40,15 @@ public:
     void clear() override { mVertices.clear(); }
 
 private:
+    void drawVertices();
     void drawLines(const raster::Box& frame, float width, const Ink& ink, const raster::PixelRect& clip);
 
     DrawTarget& mTarget;
     scene::Topology mTopology;
     Curve mCurve;
     GraphFill mFill;
+    Kept mKept;
+    std::vector<gui::Vertex> mKeptVertices;
     std::vector<glm::vec2> mPoints;   ///< the vertices in surface pixels, kept for its memory
     std::vector<raster::Box> mLevel;  ///< the horizontal lines
     std::vector<raster::Box> mUpright;
@@ -61,6 +67,7 @@ private:
 class GlText : public drawer::TextDrawer {
 public:
     explicit GlText(DrawTarget& target) : mTarget(target) {}
+    void draw() override;
     void drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
                    char symbol) override;
     glm::mat4 getTransform(const glm::vec2& size, const glm::vec2& position,
@@ -70,6 +77,13 @@ public:
 
 private:
     DrawTarget& mTarget;
+    Kept mKept;
+    std::string mKeptText;
+    std::uint32_t mKeptSizeHint = 0;
+    gui::TextEllipsize mKeptEllipsize = gui::TextEllipsize::NONE;
+    gui::TextGravity mKeptGravity = gui::TextGravity::LEFT;
+    glm::vec4 mInkColor{0.0F};  ///< of mInk, which the glyphs of a line have in common
+    Ink mInk{glm::vec4(0.0F)};
 };
 
 /// The application's picture in its rectangle.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "opengl/draw/DrawTarget.h"
+#include "opengl/gl/ObjectNames.h"
 #include "opengl/gl/SavedState.h"
 
 namespace opengl {

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <glm/vec2.hpp>
+#include <glm/vec3.hpp>
+#include <glm/vec4.hpp>
+
+#include <cstdint>
+
+#include "drawers/Drawer.h"
+#include "opengl/draw/DrawTarget.h"
+
+namespace opengl {
+
+/// What a primitive left in the drawing before this one, to be taken over instead of being worked out again.
+/// The primitive compares what only itself knows.
+class Kept {
+public:
+    /// Begins a primitive. Whether all that decides its triangles, besides what it compares itself, is as in
+    /// the drawing before.
+    bool begin(const DrawTarget& target, const drawer::Drawer& drawer, const glm::vec4& color) {
+        const Key key{
+            drawer.mPosition,    drawer.mSize,        drawer.mTranslation,  color,
+            target.batch.clip(), target.shape.mWidth, target.shape.mHeight, target.glyphs.emptied()};
+        const bool isSame = mDrawing + 1 == target.drawing && key == mKey;
+        mKey = key;
+        mDrawing = target.drawing;
+        return isSame;
+    }
+
+    /// Instead of drawing: takes over what was left.
+    void repeat(Batch& batch) { mRange = batch.repeat(mRange); }
+
+    /// Around drawing.
+    void start(const Batch& batch) { mRange.mFirst = batch.vertexCount(); }
+    void finish(const Batch& batch) { mRange.mCount = batch.vertexCount() - mRange.mFirst; }
+
+private:
+    struct Key {
+        glm::vec2 position{0.0F};
+        glm::vec2 size{0.0F};
+        glm::vec3 translation{0.0F};
+        glm::vec4 color{0.0F};
+        raster::PixelRect clip;
+        std::uint32_t width = 0;
+        std::uint32_t height = 0;
+        unsigned int emptied = 0;
+
+        static bool isSame(const raster::PixelRect& a, const raster::PixelRect& b) {
+            return a.mLeft == b.mLeft && a.mTop == b.mTop && a.mRight == b.mRight && a.mBottom == b.mBottom;
+        }
+        bool operator==(const Key& other) const {
+            return position == other.position && size == other.size && translation == other.translation &&
+                   color == other.color && isSame(clip, other.clip) && width == other.width &&
+                   height == other.height && emptied == other.emptied;
+        }
+    };
+
+    Key mKey;
+    Batch::Range mRange;
+    unsigned int mDrawing = 0;
+};
+
+}  // namespace opengl
