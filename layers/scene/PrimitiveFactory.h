@@ -39,8 +39,8 @@ public:
     /// Width and height of the surface in pixels.
     virtual glm::uvec2 getSurfaceSize() const = 0;
 
-    /// The widgets are about to be drawn, exactly as they were the last time if `isSame`. Returns whether they
-    /// are to be: a layer that can show its last drawing again answers false.
+    /// The widgets are about to be drawn, exactly as they were the last time if `isSame`. Returns whether
+    /// they are to be: a layer that can show its last drawing again answers false.
     virtual bool beginDrawing(bool /*isSame*/) { return true; }
 
     /// Until clearClip(), nothing is drawn outside this rectangle (canvas fractions, origin top-left).
