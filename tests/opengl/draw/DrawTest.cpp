@@ -206,6 +206,67 @@ TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
     }
 }
 
+// What is as before is taken over from the drawing before; everything else must show.
+TEST_P(Draw, WhateverChangesShows) {
+    struct Pair {
+        std::unique_ptr<drawer::TextDrawer> text;
+        std::unique_ptr<drawer::MeshDrawer> mesh;
+    };
+    const auto make = [](opengl::GlFactory& factory) {
+        Pair pair{factory.createText(), factory.createMesh(scene::Topology::TRIANGLE_STRIP)};
+        pair.text->setText("Kept 48");
+        pair.text->mPosition = {0.1F, 0.1F};
+        pair.text->mSize = {0.6F, 0.2F};
+        pair.mesh->mVertices = {{-1.0F, 1.0F}, {-1.0F, 0.2F}, {1.0F, 1.0F}, {1.0F, -0.4F}};
+        pair.mesh->mPosition = {0.1F, 0.4F};
+        pair.mesh->mSize = {0.6F, 0.3F};
+        pair.text->mTextColor = pair.mesh->mColor = glm::vec4(1.0F);
+        return pair;
+    };
+    bool isClipped = false;
+    const std::vector<std::function<void(Pair&)>> changes = {
+        [](Pair& pair) { pair.text->mTextColor.r = pair.mesh->mColor.r = 0.2F; },
+        [](Pair& pair) { pair.text->setText("Kept 49"); },
+        [](Pair& pair) { pair.text->setTextGravity(gui::TextGravity::RIGHT); },
+        [](Pair& pair) { pair.text->setTextSizeHint(20); },
+        [](Pair& pair) { pair.text->setTextEllipsize(gui::TextEllipsize::START); },
+        [](Pair& pair) { pair.text->mTranslation.x = pair.mesh->mTranslation.y = 0.1F; },
+        [](Pair& pair) { pair.mesh->mVertices[3].y = -0.9F; },
+        [](Pair& pair) { pair.text->mSize.x = pair.mesh->mSize.x = 0.3F; },
+        [&](Pair&) { isClipped = true; },
+    };
+    const auto show = [&](GlStage& made, const Pair& pair) {
+        made.context().makeCurrent();
+        made.paintBlocks();
+        return made.show([&] {
+            opengl::GlFactory& factory = made.drawing().factory();
+            factory.beginDrawing(false);
+            if (isClipped) {
+                factory.setClip({0.0F, 0.0F}, {0.3F, 1.0F});
+            }
+            pair.text->draw();
+            pair.mesh->draw();
+            factory.clearClip();
+        });
+    };
+    const auto kept = stage(SIZES[2]);
+    ASSERT_NE(kept, nullptr);
+    Pair changed = make(kept->drawing().factory());
+    ASSERT_TRUE(show(*kept, changed));
+    for (std::size_t i = 0; i < changes.size(); ++i) {
+        changes[i](changed);
+        ASSERT_TRUE(show(*kept, changed));
+        const software::Image picture = kept->read();
+        const auto fresh = stage(SIZES[2]);
+        Pair anew = make(fresh->drawing().factory());
+        for (std::size_t k = 0; k <= i; ++k) {
+            changes[k](anew);
+        }
+        ASSERT_TRUE(show(*fresh, anew));
+        EXPECT_EQ(picture.mPixels, fresh->read().mPixels) << "after change " << i;
+    }
+}
+
 TEST_P(Draw, SurvivesValuesThatAreNoNumbers) {
     const auto made = stage(SIZES[2]);
     ASSERT_NE(made, nullptr);
