@@ -66,10 +66,10 @@ VirtualDisplay::VirtualDisplay() {
     if (pipe(ends) != 0) {
         return;
     }
-    mServer =
-        std::make_unique<Program>(std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]),
-                                                           "-screen", "0", "1280x800x24", "-nolisten", "tcp"},
-                                  std::map<std::string, std::string>{});
+    mServer = std::make_unique<Program>(
+        std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", "1280x800x24",
+                                 "-nolisten", "tcp", "-noreset"},
+        std::map<std::string, std::string>{});
     close(ends[1]);
     // The server writes its number and a new line when it is ready, and nothing if it fails.
     std::string number;
