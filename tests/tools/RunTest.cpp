@@ -183,7 +183,10 @@ TEST_F(RunTest, AVerbIsAboutTheProcessThatIsMeant) {
     waitpid(second, nullptr, 0);
     EXPECT_EQ(run("$CTL get proc").out, "third\n") << "what the program started goes on";
     EXPECT_EQ(run("$CTL background").status, 0) << "and ends with that";
-    EXPECT_EQ(run("sleep 0.2; $CTL get proc").out, "nobody\n");
+    const char* const untilItHasEnded =
+        "for i in $(seq 100); do [ \"$($CTL get proc)\" != third ] && break; "
+        "sleep 0.1; done; ";
+    EXPECT_EQ(run(std::string(untilItHasEnded) + "$CTL get proc").out, "nobody\n");
     EXPECT_THAT(run("$CTL background").err, HasSubstr("no overlay is running"));
 }
 
