@@ -17,8 +17,6 @@ std::string readFile(const std::string& name) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-#ifdef KORDANIX_FONTGEN
-
 /// Runs fontgen for a font "font.bin": what it says.
 std::string runFontgen(const std::string& face, const std::string& folder) {
     const std::string command = std::string(KORDANIX_FONTGEN) + " --face '" + face + "' --output '" + folder +
@@ -45,7 +43,5 @@ TEST(Fontgen, SaysWhatIsWrongAndWritesNothing) {
         EXPECT_NE(access(folder.path("font.bin").c_str(), F_OK), 0) << face;
     }
 }
-
-#endif
 
 }  // namespace
