@@ -1,5 +1,6 @@
 #include "software/MeshPrimitive.h"
 
+#include "raster/MeshPoints.h"
 #include "software/Surface.h"
 
 namespace software {
@@ -11,13 +12,7 @@ void MeshPrimitive::draw() {
     const raster::Box frame = mSurface.shape().toPixels(mPosition, mSize, mTranslation);
     const float width = mSurface.shape().lineWidth();
     const float inset = mTopology == scene::Topology::LINE_STRIP ? 0.5F * width : 0.0F;
-    const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
-    const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
-                         0.5F * (frame.mBottom - frame.mTop) - inset);
-    mPoints.clear();
-    for (const gui::Vertex& vertex : mVertices) {
-        mPoints.push_back(center + half * glm::vec2(vertex.x, vertex.y));
-    }
+    raster::placeVertices(mVertices, frame, inset, mPoints);
 
     Image& image = mSurface.mImage;
     Rasterizer& rasterizer = mSurface.mRasterizer;

@@ -7,6 +7,7 @@
 #include "opengl/draw/DrawTarget.h"
 #include "raster/GridLine.h"
 #include "raster/LineFit.h"
+#include "raster/MeshPoints.h"
 
 namespace opengl {
 
@@ -33,13 +34,7 @@ void GlMesh::drawVertices() {
     const raster::Box frame = mTarget.shape.toPixels(mPosition, mSize, mTranslation);
     const float width = mTarget.shape.lineWidth();
     const float inset = mTopology == scene::Topology::LINE_STRIP ? 0.5F * width : 0.0F;
-    const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
-    const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
-                         0.5F * (frame.mBottom - frame.mTop) - inset);
-    mPoints.clear();
-    for (const gui::Vertex& vertex : mVertices) {
-        mPoints.push_back(center + half * glm::vec2(vertex.x, vertex.y));
-    }
+    raster::placeVertices(mVertices, frame, inset, mPoints);
     const raster::PixelRect clip = raster::touchedPixels(frame, mTarget.batch.clip());
     const Ink ink(mColor);
     switch (mTopology) {
