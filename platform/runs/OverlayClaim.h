@@ -1,0 +1,32 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+/// Which process of a run shows the overlay: the first one that presents a frame, unless `run` was told a
+/// name.
+namespace platform {
+
+enum class Claim {
+    OWN,      ///< this process shows the overlay; its name and API are in the properties, published
+    FOREIGN,  ///< another process of the run was first: no frame hook is to be called
+    BUSY,     ///< somebody is writing properties; ask again at the next frame
+    NONE,     ///< not in a run, or the run was told whom to show it in: the properties decide
+};
+
+/// Before the first frame hook of a process, and again while it answers BUSY. Takes the properties' write
+/// lock without waiting for it, and under it writes "debug.kordanix.proc" (as the library reads this
+/// process's name), "debug.kordanix.api" and the claim itself, with this process's number. A claim whose
+/// process has ended can be taken over. Some file operations; never waits. Any thread, one at a time.
+Claim claimOverlay(const std::string& processName, std::int32_t api);
+
+/// The process that has the claim of the run whose folder it is; nothing while none has.
+std::optional<pid_t> overlayClaimant(const std::string& folder);
+
+/// Makes a run's overlay claimable; by `run`, before it starts a program without a name being set.
+std::string openOverlayClaim(const std::string& folder);
+
+}  // namespace platform
