@@ -1,6 +1,6 @@
 #include "ostra/DumpControl.h"
-#include "ostra/KeyChannel.h"
 #include "ostra/PerProcess.h"
+#include "ostra/ProcessChannel.h"
 
 #include <android/log.h>
 #include <ostra/Ostra.h>
@@ -11,15 +11,15 @@
 namespace Ostra {
 
 using platform::DumpControl;
-using platform::KeyChannel;
 using platform::PerProcess;
+using platform::ProcessChannel;
 
 void registerAppBecomeBackgroundListener(std::function<void()> listener) {
-    PerProcess<KeyChannel>::get().addListener(std::move(listener));
+    PerProcess<ProcessChannel>::get().addListener(std::move(listener));
 }
 
 std::vector<KeyEvent> receiveKeyEvents() {
-    return PerProcess<KeyChannel>::get().takeKeys();
+    return PerProcess<ProcessChannel>::get().takeKeys();
 }
 
 bool fixClock(unsigned long long /*cpuClock*/, unsigned long long /*gpuClock*/) {

@@ -1,12 +1,12 @@
 #include "ostra/OwnKeys.h"
 
-#include "ostra/KeyChannel.h"
 #include "ostra/PerProcess.h"
+#include "ostra/ProcessChannel.h"
 
 namespace platform {
 
 void pressOwnKey(const Ostra::KeyEvent& key) {
-    PerProcess<KeyChannel>::get().addKey(key);
+    PerProcess<ProcessChannel>::get().addKey(key);
 }
 
 }  // namespace platform

@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::string_view KEY = "key ";
 constexpr std::string_view BACKGROUND = "background";
-constexpr std::string_view PICTURE = "picture ";
+constexpr std::string_view PICTURE = "picture";
 constexpr std::string_view NAME_BEGIN = "process.";
 constexpr std::string_view NAME_END = ".sock";
 constexpr time_t SEND_PATIENCE_S = 1;
@@ -63,15 +63,6 @@ bool takeNumber(std::string_view& text, Number& number) {
     }
     text.remove_prefix(static_cast<std::size_t>(result.ptr - text.data()));
     return true;
-}
-
-/// Whether a file of this name lies in the runtime directory itself, and is no hidden one.
-bool isPlainName(std::string_view name) {
-    const auto isAllowed = [](char symbol) {
-        return (symbol >= 'a' && symbol <= 'z') || (symbol >= 'A' && symbol <= 'Z') ||
-               (symbol >= '0' && symbol <= '9') || symbol == '-' || symbol == '_' || symbol == '.';
-    };
-    return !name.empty() && name.front() != '.' && std::all_of(name.begin(), name.end(), isAllowed);
 }
 
 std::optional<Ostra::KeyEvent> decodeKey(std::string_view text) {
@@ -126,7 +117,7 @@ std::string encodeMessage(const ProcessMessage& message) {
         case ProcessMessage::Kind::BACKGROUND:
             return std::string(BACKGROUND);
         case ProcessMessage::Kind::PICTURE:
-            return std::string(PICTURE) + message.picture;
+            return std::string(PICTURE);
         default:
             return std::string(KEY) + std::to_string(message.key.keyCode) + ' ' +
                    std::to_string(message.key.action);
@@ -142,10 +133,9 @@ std::optional<ProcessMessage> decodeMessage(std::string_view text) {
         message.kind = ProcessMessage::Kind::BACKGROUND;
         return message;
     }
-    if (takeBeginning(text, PICTURE)) {
+    if (text == PICTURE) {
         message.kind = ProcessMessage::Kind::PICTURE;
-        message.picture = text;
-        return isPlainName(text) ? std::optional(message) : std::nullopt;
+        return message;
     }
     const auto key = takeBeginning(text, KEY) ? decodeKey(text) : std::nullopt;
     if (!key) {

@@ -19,14 +19,13 @@ struct ProcessMessage {
     enum class Kind { KEY, BACKGROUND, PICTURE };
     Kind kind = Kind::KEY;
     Ostra::KeyEvent key = {};  ///< with Kind::KEY
-    std::string picture;       ///< with Kind::PICTURE: name of a file in the runtime directory
 };
 
 /// No message is longer, in bytes; longer datagrams are not looked at.
 constexpr std::size_t MAX_MESSAGE_SIZE = 64;
 
-/// The text of a message: "key CODE ACTION" with signed decimal numbers, "background", or "picture NAME" with
-/// a name of ASCII letters, digits, '-', '_' and '.' that does not begin with a dot.
+/// The text of a message: "key CODE ACTION" with signed decimal numbers, "background" or "picture" (see
+/// PictureRequest.h).
 std::string encodeMessage(const ProcessMessage& message);
 
 /// Nothing when the text is not exactly what encodeMessage() makes of such a message, or is longer than

@@ -5,6 +5,7 @@
 #include "OverlayState.h"
 #include "Pam.h"
 #include "ProcessInfo.h"
+#include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
 #include "software/Image.h"
@@ -139,14 +140,12 @@ ExitCode savePicture(std::optional<pid_t> process, const std::string& path, doub
     if (!obstacle.empty()) {
         return fail(who + obstacle, err);
     }
-    const std::string name = "picture-" + std::to_string(getpid()) + ".pam";
-    const Delivery delivery(directory.path + '/' + name);
+    const Delivery delivery(platform::picturePath(directory.path, *target));
     if (!delivery.isOpen()) {
         return fail("cannot write to " + directory.path + ": " + std::generic_category().message(errno), err);
     }
     platform::ProcessMessage message;
     message.kind = platform::ProcessMessage::Kind::PICTURE;
-    message.picture = name;
     error = platform::sendMessage(directory.path, *target, message);
     if (error.empty()) {
         error = await(delivery, *target, seconds);

@@ -19,7 +19,7 @@ struct ProcessMessage;
 /// Receives what is sent to this process (see ProcessSocket.h) on a thread of its own, which sleeps until
 /// something arrives. The socket is opened by the first takeKeys() or addListener(); when that fails, an
 /// error is logged once and nothing ever arrives. One per process, see PerProcess.h; any thread.
-class KeyChannel {
+class ProcessChannel {
 public:
     /// Key events that wait to be taken. When that many wait, later ones are dropped until somebody takes
     /// them, and one warning is logged.
@@ -51,7 +51,6 @@ private:
     void openLocked();
     void receive();
     void handle(const ProcessMessage& message);
-    void askForPicture(const std::string& name);
     void callListeners();
     void warnOnce(bool& isWarned, const char* text);
 
@@ -70,7 +69,6 @@ private:
     bool mIsDropWarned = false;
     std::string mDirectory;
     std::string mPath;
-    std::string mPictureName;  ///< in mDirectory
     std::vector<Ostra::KeyEvent> mPending;
     std::vector<std::function<void()>> mListeners;
     std::thread::id mListeningThread;  ///< of the thread that runs a listener at the moment, else none

@@ -1,6 +1,7 @@
-#include "ostra/KeyChannel.h"
+#include "ostra/ProcessChannel.h"
 
 #include "ostra/HelperThread.h"
+#include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
 
@@ -23,7 +24,7 @@ constexpr std::chrono::milliseconds EXIT_PATIENCE{200};
 
 }  // namespace
 
-std::vector<Ostra::KeyEvent> KeyChannel::takeKeys() {
+std::vector<Ostra::KeyEvent> ProcessChannel::takeKeys() {
     std::vector<Ostra::KeyEvent> keys;
     if (mIsIdle.load(std::memory_order_relaxed)) {
         return keys;
@@ -35,7 +36,7 @@ std::vector<Ostra::KeyEvent> KeyChannel::takeKeys() {
     return keys;
 }
 
-std::optional<std::string> KeyChannel::takePicture() {
+std::optional<std::string> ProcessChannel::takePicture() {
     if (!mIsPictureWanted.load(std::memory_order_relaxed)) {
         return std::nullopt;
     }
@@ -43,13 +44,12 @@ std::optional<std::string> KeyChannel::takePicture() {
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mIsPictureWanted.store(false, std::memory_order_relaxed);
-        path = mDirectory + '/' + mPictureName;
+        path = picturePath(mDirectory, getpid());
     }
-    // Whoever asks puts an empty file there first, and takes it away when it waits no longer.
     return access(path.c_str(), F_OK) == 0 ? std::optional(std::move(path)) : std::nullopt;
 }
 
-void KeyChannel::addListener(std::function<void()> listener) {
+void ProcessChannel::addListener(std::function<void()> listener) {
     if (!listener) {
         return;
     }
@@ -58,7 +58,7 @@ void KeyChannel::addListener(std::function<void()> listener) {
     openLocked();
 }
 
-void KeyChannel::openLocked() {
+void ProcessChannel::openLocked() {
     if (mIsOpened) {
         return;
     }
@@ -83,7 +83,7 @@ void KeyChannel::openLocked() {
     }
 }
 
-void KeyChannel::receive() {
+void ProcessChannel::receive() {
     char text[MAX_MESSAGE_SIZE];
     while (true) {
         const ssize_t size = recv(mDescriptor, text, sizeof(text), MSG_TRUNC);
@@ -107,7 +107,7 @@ void KeyChannel::receive() {
     }
 }
 
-void KeyChannel::handle(const ProcessMessage& message) {
+void ProcessChannel::handle(const ProcessMessage& message) {
     switch (message.kind) {
         case ProcessMessage::Kind::KEY:
             addKey(message.key);
@@ -116,18 +116,12 @@ void KeyChannel::handle(const ProcessMessage& message) {
             callListeners();
             break;
         case ProcessMessage::Kind::PICTURE:
-            askForPicture(message.picture);
+            mIsPictureWanted.store(true, std::memory_order_relaxed);
             break;
     }
 }
 
-void KeyChannel::askForPicture(const std::string& name) {
-    const std::lock_guard<std::mutex> lock(mMutex);
-    mPictureName = name;
-    mIsPictureWanted.store(true, std::memory_order_relaxed);
-}
-
-void KeyChannel::addKey(const Ostra::KeyEvent& key) {
+void ProcessChannel::addKey(const Ostra::KeyEvent& key) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mPending.size() >= MAX_PENDING) {
         warnOnce(mIsDropWarned, "Key events are dropped, because nobody takes them");
@@ -137,7 +131,7 @@ void KeyChannel::addKey(const Ostra::KeyEvent& key) {
     mIsIdle.store(false, std::memory_order_relaxed);
 }
 
-void KeyChannel::callListeners() {
+void ProcessChannel::callListeners() {
     std::unique_lock<std::mutex> lock(mMutex);
     mListeningThread = std::this_thread::get_id();
     // By index and by copy: a listener may add another one.
@@ -151,14 +145,14 @@ void KeyChannel::callListeners() {
     mListenersDone.notify_all();
 }
 
-void KeyChannel::warnOnce(bool& isWarned, const char* text) {
+void ProcessChannel::warnOnce(bool& isWarned, const char* text) {
     if (!isWarned) {
         isWarned = true;
         __android_log_print(ANDROID_LOG_WARN, TAG, "%s", text);
     }
 }
 
-void KeyChannel::onForked() {
+void ProcessChannel::onForked() {
     // Left open, it would keep the parent's socket alive without anybody to read it.
     const int descriptor = mDescriptor;
     if (descriptor >= 0) {
@@ -166,7 +160,7 @@ void KeyChannel::onForked() {
     }
 }
 
-void KeyChannel::onExit() {
+void ProcessChannel::onExit() {
     std::unique_lock<std::mutex> lock(mMutex);
     mIsClosing = true;
     if (!mPath.empty()) {

@@ -1,0 +1,59 @@
+#include "ostra/DumpNotice.h"
+
+#include "io/PlainFile.h"
+#include "properties/RuntimeDirectory.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace platform {
+
+namespace {
+
+/// By DumpNotice::State.
+constexpr std::array<const char*, 3> STATES = {"running", "done", "failed"};
+constexpr std::size_t MAX_SIZE = 16384;
+
+std::string noticePath(const std::string& directory, pid_t process) {
+    return directory + "/dump." + std::to_string(process);
+}
+
+}  // namespace
+
+// One line with the number, the state, the frames and the error; the rest is the folder, whose name may hold
+// any character.
+void writeDumpNotice(const DumpNotice& notice) {
+    const RuntimeDirectory directory = openRuntimeDirectory();
+    if (!directory.error.empty()) {
+        return;
+    }
+    std::string error = notice.error;
+    std::replace(error.begin(), error.end(), '\n', ' ');
+    const char* const state = STATES[static_cast<std::size_t>(notice.state)];
+    replaceFile(noticePath(directory.path, getpid()), std::to_string(notice.number) + ' ' + state + ' ' +
+                                                          std::to_string(notice.frames) + ' ' + error + '\n' +
+                                                          notice.folder);
+}
+
+std::optional<DumpNotice> readDumpNotice(const std::string& directory, pid_t process) {
+    std::string text;
+    if (readPlainFile(noticePath(directory, process), text, MAX_SIZE) != 0) {
+        return std::nullopt;
+    }
+    DumpNotice notice;
+    std::string state;
+    std::istringstream stream(text);
+    stream >> notice.number >> state >> notice.frames;
+    const auto* const known = std::find(STATES.begin(), STATES.end(), state);
+    if (stream.get() != ' ' || known == STATES.end() || !std::getline(stream, notice.error) || stream.eof()) {
+        return std::nullopt;
+    }
+    notice.state = static_cast<DumpNotice::State>(known - STATES.begin());
+    std::getline(stream, notice.folder, '\0');
+    return notice;
+}
+
+}  // namespace platform
