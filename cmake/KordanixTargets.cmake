@@ -16,7 +16,7 @@ endfunction()
 # kordanix_add_test(NAME SOURCES...): a GoogleTest executable whose cases CTest knows one by one.
 function(kordanix_add_test name)
   add_executable(${name} ${ARGN})
-  target_link_libraries(${name} PRIVATE kordanix_options GTest::gmock_main)
+  target_link_libraries(${name} PRIVATE kordanix_options TestSupport GTest::gmock_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_precompile_headers(${name} REUSE_FROM test_headers)
   gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
