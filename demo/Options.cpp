@@ -1,6 +1,7 @@
 #include "Options.h"
 
 #include "simulator/DeviceSimulator.h"
+#include "utils/StringFormat.h"
 
 #include <CLI/CLI.hpp>
 
@@ -16,6 +17,23 @@ constexpr std::uint32_t LARGEST_SIDE = 8192;
 constexpr double DEFAULT_RATE = 60.0;
 constexpr double LOWEST_RATE = 0.1;
 constexpr double HIGHEST_RATE = 1000.0;
+
+constexpr double LONGEST_SECONDS = 1e6;
+constexpr double MOST_FRAMES = 1e9;
+
+/// A number within limits. (CLI::Range lets "nan" pass, and a whole number wraps before it looks.)
+CLI::Validator between(double least, double most, const char* what) {
+    return CLI::Validator(
+        [=](const std::string& text) {
+            double number = 0.0;
+            const bool isNumber = CLI::detail::lexical_cast(text, number);
+            return isNumber && number >= least && number <= most
+                       ? std::string()
+                       : "'" + text + "': expected " + what +
+                             utils::strFormat(" from %.10g to %.10g", least, most);
+        },
+        "");
+}
 
 /// "740x360"; empty when it is well-formed, else what was expected.
 std::string parseSize(const std::string& text, Options& options) {
@@ -61,20 +79,23 @@ bool parseOptions(int argc, char** argv, Options& options, int& exitCode) {
     bool isPortrait = false;
     app.add_option("--size", size, "Size of the picture in pixels (default 740x360)")->type_name("WxH");
     app.add_flag("--portrait", isPortrait, "Turn the picture upright: 740x360 becomes 360x740");
-    app.add_option("--seconds", options.seconds, "How long to run (default 10)")->check(CLI::Range(0.0, 1e6));
+    app.add_option("--seconds", options.seconds, "How long to run (default 10)")
+        ->check(between(0.0, LONGEST_SECONDS, "seconds"));
     app.add_option("--rate", options.rate,
                    "Frames per second (default: what the device's script says, or 60)")
-        ->check(CLI::Range(LOWEST_RATE, HIGHEST_RATE));
+        ->check(between(LOWEST_RATE, HIGHEST_RATE, "frames per second"));
     app.add_option("--device", options.device, "Simulated device; without one, this machine's own figures")
         ->type_name("NAME");
     app.add_option("--set", settings, "Set a property before the start; may be repeated")
         ->type_name("NAME=VALUE");
     app.add_option("--png", options.png, "Picture written at the end (default kordanix-demo.png)")
         ->type_name("FILE");
-    app.add_option("--every", options.every, "Also write a picture each N frames, numbered")->type_name("N");
+    app.add_option("--every", options.every, "Also write a picture each N frames, numbered")
+        ->type_name("N")
+        ->check(between(1.0, MOST_FRAMES, "a number of frames"));
     app.add_option("--capture-at", options.captureAt, "Press the capture key after this many seconds")
         ->type_name("SECONDS")
-        ->check(CLI::Range(0.0, 1e6));
+        ->check(between(0.0, LONGEST_SECONDS, "seconds"));
     app.add_flag("--fixed-step", options.isFixedStep,
                  "Advance time by one frame's length a frame, for pictures that come out the same each time "
                  "(with a simulated device)");

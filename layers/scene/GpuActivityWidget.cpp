@@ -49,6 +49,7 @@ GpuActivityWidget::GpuActivityWidget(PrimitiveFactory& factory, core::RenderingA
                                      RenderPassSource* passes)
     : WidgetView(gui::WidgetType::GPU_ACTIVITY),
       mCapture(api, passes),
+      mCanvas(factory.getSurfaceSize()),
       mPanel(&place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE)),
       mCaption(&place(std::make_unique<PassCaption>(factory), Area::GPU_ACTIVITY_LINE_1)),
       mCells(&place(std::make_unique<PassCellsRow>(factory), Area::GPU_ACTIVITY_LINE_2)),
@@ -80,6 +81,8 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
     mCaption->mVertexLegend->setTextColor(settings.mVertexLoad.getTextColor());
     mCaption->mVertexLegend->setText(mFragment->mEnabled ? "@Vertex @Fragment" : "@Vertex");
     mCaption->mFragmentLegend->setTextColor(settings.mFragmentLoad.getTextColor());
+    mCanvas = canvas;
+    mCaption->fitTexts(mCanvas);
 
     mMessage->setTextColor(plainTextColor());
     setTextHeight(*mMessage, NOTE_TEXT_HEIGHT, canvas);
@@ -113,6 +116,7 @@ void GpuActivityWidget::showCapture() {
         mTimeline->addFrameInfo(mCapture.mFrame);
         mCaption->setFrameIdAndDuration(mCapture.mFrame.mFrameId,
                                         mCapture.mFrame.mEndTime - mCapture.mFrame.mStartTime);
+        mCaption->fitTexts(mCanvas);
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scene/Canvas.h"
 #include "scene/GpuCapture.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
@@ -36,6 +37,7 @@ private:
     bool isMoving() const;
 
     GpuCapture mCapture;
+    Canvas mCanvas;  // of the last layout
     drawer::RectDrawer* mPanel;
     PassCaption* mCaption;
     PassCellsRow* mCells;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 namespace scene {
@@ -18,8 +19,23 @@ constexpr unsigned int CPU_DAMPER_SPAN = 2;
 
 constexpr std::uint32_t NO_MEMORY_USAGE = 0xFFFFFFFF;
 
+/// The library's readers take integers as unsigned: a negative one comes out as 2^32 less its size, divided
+/// by 1000 where the file counts in thousandths. No true figure reaches half of that.
+constexpr float NEGATIVE_FIGURE = 2147483648.0F / 1000.0F;
+
 Reading fromReader(float figure) {
-    return std::isfinite(figure) && figure >= 0.0F ? Reading(figure) : Reading();
+    return figure >= 0.0F && figure < NEGATIVE_FIGURE ? Reading(figure) : Reading();
+}
+
+/// A state that looks for the GPU's clock unit and vendor only where there is something to find: without the
+/// file the library logs an error.
+core::StateInfo makeState() {
+    std::FILE* const model = core::StateInfo::file_open("/sys/kernel/gpu/gpu_model", "r");
+    if (model == nullptr) {
+        return core::StateInfo(core::StateInfo::NO_GPU);
+    }
+    core::StateInfo::file_close(model);
+    return {};
 }
 
 /// What the CPU-load reader must be told for a true interval so that it answers in percent of all
@@ -33,7 +49,7 @@ double cpuLoadElapsed(double microseconds) {
 
 }  // namespace
 
-Metrics::Metrics() : mCpuDamper(CPU_DAMPER_SPAN), mPss(readProportionalSetSize) {}
+Metrics::Metrics() : mState(makeState()), mCpuDamper(CPU_DAMPER_SPAN), mPss(readProportionalSetSize) {}
 
 void Metrics::beginRefresh(std::uint32_t frames, double elapsedUs) {
     mFps = mState.getFPS(frames, elapsedUs);
@@ -44,6 +60,7 @@ void Metrics::beginRefresh(std::uint32_t frames, double elapsedUs) {
     mSinceSlowRequestUs += elapsedUs;
     if (mIsSlowWanted && mSinceSlowRequestUs >= SLOW_PERIOD_US) {
         mSinceSlowRequestUs = 0.0;
+        mPss.start();  // if the process had no thread to spare before
         mPss.request();
     }
 }

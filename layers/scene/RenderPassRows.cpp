@@ -4,8 +4,10 @@
 #include "drawers/TextDrawer.h"
 #include "drawers/TextblockDrawer.h"
 #include "gui/LayoutManager.h"
+#include "scene/Canvas.h"
 #include "scene/Style.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace scene {
@@ -81,6 +83,17 @@ PassCaption::PassCaption(PrimitiveFactory& factory)
 
 unsigned int PassCaption::getOrientation() {
     return layoutOrientation();
+}
+
+void PassCaption::fitTexts(const Canvas& canvas) {
+    constexpr float GAP = 1.0F;  // in units of a line, which is 2 high
+    const float width = lineWidth(mFrameText->mText) + GAP + lineWidth(mVertexLegend->mText);
+    const glm::vec4 area = getTextDrawnArea();
+    const float widest = 2.0F * area.z * canvas.pixels.x / width;
+    const bool isFit = area.w * canvas.pixels.y <= widest;
+    for (drawer::TextDrawer* text : {mFrameText.get(), mVertexLegend.get(), mFragmentLegend.get()}) {
+        text->setTextSizeHint(isFit ? 0 : std::max(static_cast<unsigned int>(widest), 1U));
+    }
 }
 
 }  // namespace scene

@@ -9,6 +9,8 @@
 
 namespace scene {
 
+struct Canvas;
+
 /// What a layer adds to the library's render-pass drawers: the blocks, the orientation and the clip.
 
 /// The frame's passes in a row of cells that slides as long as the frame is shown. Only the part inside the
@@ -46,6 +48,9 @@ public:
     explicit PassCaption(PrimitiveFactory& factory);
 
     unsigned int getOrientation() override;
+
+    /// Makes the texts so small that they stand side by side: on a narrow surface each would fill the row.
+    void fitTexts(const Canvas& canvas);
 };
 
 /// A block of text lines built from the factory's primitives.

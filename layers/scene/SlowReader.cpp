@@ -5,15 +5,25 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <exception>
 #include <functional>
 #include <limits>
-#include <system_error>
 
 namespace scene {
 
 namespace {
 
 constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
+constexpr char THREAD_NAME[] = "kordanix-memory";  // 15 bytes at most
+
+/// A process that is out of memory must not end because of the overlay.
+Reading readOrNothing(SlowReader::Read read) {
+    try {
+        return read();
+    } catch (const std::exception&) {
+        return {};
+    }
+}
 
 }  // namespace
 
@@ -39,9 +49,10 @@ void SlowReader::start() {
     pthread_sigmask(SIG_SETMASK, &all, &previous);
     try {
         mShared->thread = std::thread(run, std::ref(*mShared), mRead);
+        pthread_setname_np(mShared->thread.native_handle(), THREAD_NAME);
         mProcess = getpid();
-    } catch (const std::system_error&) {
-        // Left without a thread: latest() stays empty, which the overlay shows as such.
+    } catch (const std::exception&) {
+        // No thread or no memory: latest() stays empty until a later start() succeeds.
     }
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
@@ -100,7 +111,7 @@ void SlowReader::run(Shared& shared, Read read) {
         shared.isRequested = false;
         shared.isReading = true;
         lock.unlock();
-        shared.latest.store(read().value_or(NONE), std::memory_order_relaxed);
+        shared.latest.store(readOrNothing(read).value_or(NONE), std::memory_order_relaxed);
         lock.lock();
         shared.isReading = false;
         shared.changed.notify_all();

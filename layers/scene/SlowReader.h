@@ -18,7 +18,7 @@ class SlowReader {
 public:
     using Read = Reading (*)();
 
-    /// `read` runs on the reader's thread.
+    /// `read` runs on the reader's thread. If it throws, the reading is empty.
     explicit SlowReader(Read read);
 
     /// As stop(). In a forked child, which has none of its parent's threads, there is nothing to wait for.
@@ -27,8 +27,8 @@ public:
     SlowReader(const SlowReader&) = delete;
     SlowReader& operator=(const SlowReader&) = delete;
 
-    /// Starts the thread unless it runs. A process that is out of threads gets none, and the reading
-    /// stays empty. The thread takes no signals of the application.
+    /// Starts the thread unless it runs. When no thread can be had the reading stays empty; call again later.
+    /// The thread takes none of the application's signals.
     void start();
 
     /// Ends the thread after the reading under way, if there is one, and empties the latest reading.

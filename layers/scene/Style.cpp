@@ -44,11 +44,16 @@ void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& ca
         static_cast<unsigned int>(std::max(std::lround(canvasUnits * canvas.pixelsPerUnit()), 1L)));
 }
 
-glm::vec2 measureText(const drawer::TextDrawer& text, const Canvas& canvas) {
-    float width = 0.0F;  // in units of a line, which is 2 high
-    for (const char symbol : text.mText) {
+float lineWidth(const std::string& text) {
+    float width = 0.0F;
+    for (const char symbol : text) {
         width += gui::GlyphAtlas::getGlyphAtlas().getGlyphWidth(symbol);
     }
+    return width;
+}
+
+glm::vec2 measureText(const drawer::TextDrawer& text, const Canvas& canvas) {
+    const float width = lineWidth(text.mText);
     const glm::vec2 box = text.mSize * canvas.pixels;
     float height = text.mTextSizeHint == 0 ? box.y : std::min(box.y, static_cast<float>(text.mTextSizeHint));
     if (width * height > 2.0F * box.x) {

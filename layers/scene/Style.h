@@ -3,6 +3,8 @@
 #include <glm/vec2.hpp>
 #include <glm/vec4.hpp>
 
+#include <string>
+
 namespace drawer {
 class TextDrawer;
 }
@@ -38,6 +40,9 @@ constexpr float NOTE_TEXT_HEIGHT = 10.0F;
 
 /// Limits the text's height; a text whose cell is too narrow for that is squeezed.
 void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas);
+
+/// Width of the text in units of a line, which is 2 high.
+float lineWidth(const std::string& text);
 
 /// Width and height in canvas fractions of the text as the drawer will draw it.
 glm::vec2 measureText(const drawer::TextDrawer& text, const Canvas& canvas);

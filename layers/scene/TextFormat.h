@@ -9,8 +9,8 @@ namespace scene {
 /// What is shown for a figure that cannot be read.
 extern const char* const NOT_AVAILABLE;
 
-/// Figures as the overlay writes them. Only characters that the embedded font has are used; an empty
-/// reading and one that is not finite give NOT_AVAILABLE.
+/// Figures as the overlay writes them, in characters that the embedded font has and the same in every locale.
+/// An empty, a negative and an infinite reading and one that is no number give NOT_AVAILABLE.
 
 /// A frame rate with one decimal: "59.9".
 std::string formatRate(Reading framesPerSecond);

@@ -12,6 +12,10 @@ namespace {
 
 constexpr int LAST_DEVICE_AT_60_FPS = 5;
 
+float maxFpsOfDevice() {
+    return utils::deviceModel > LAST_DEVICE_AT_60_FPS ? 120.0F : 60.0F;
+}
+
 void endDumpAndReleaseClocks() {
     // The listener and the rendering thread may come here at once; only one of them finishes the dump.
     if (StateInfo::mIsDumpingEnabled.exchange(false, std::memory_order_relaxed)) {
@@ -44,8 +48,10 @@ StateInfo::StateInfo() {
     init();
 }
 
+StateInfo::StateInfo(NoGpu /*without*/) : mMaxFps(maxFpsOfDevice()) {}
+
 void StateInfo::init() {
-    mMaxFps = utils::deviceModel > LAST_DEVICE_AT_60_FPS ? 120.0F : 60.0F;
+    mMaxFps = maxFpsOfDevice();
     resetFps();
     mPrevCpuUserTicks = 0;
     mPrevCpuSystemTicks = 0;

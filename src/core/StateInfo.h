@@ -33,6 +33,10 @@ public:
 
     /// Calls init().
     StateInfo();
+
+    /// As after an init() that found no GPU, without having looked for one.
+    enum NoGpu { NO_GPU };
+    explicit StateInfo(NoGpu without);
     ~StateInfo() = default;
 
     /// Sets the frame-rate cap from the device model, clears all figures of the object, and looks for the

@@ -86,4 +86,13 @@ TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
     EXPECT_EQ(control("report '" + folder.path("dump") + "' '" + folder.path("report.html") + "'"), 0);
 }
 
+TEST(Options, NumbersThatMeanNothingAreRefused) {
+    for (const char* const option : {"--every -1", "--every 0", "--seconds nan", "--seconds -1", "--rate inf",
+                                     "--rate nan", "--capture-at nan", "--size 0x0"}) {
+        const std::string command = std::string("'") + KORDANIX_DEMO + "' --private --png /dev/null " +
+                                    option + " 2>&1 | grep -q \"expected\"";
+        EXPECT_EQ(std::system(command.c_str()), 0) << option;
+    }
+}
+
 }  // namespace

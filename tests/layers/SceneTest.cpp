@@ -3,6 +3,7 @@
 #include "core/SysPropWatcher.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeFiles.h"
+#include "doubles/FakeLog.h"
 #include "doubles/FakeOstra.h"
 #include "doubles/FakeProperties.h"
 #include "doubles/RecordingFactory.h"
@@ -10,16 +11,23 @@
 #include "gui/WidgetsSettings.h"
 #include "scene/GpuCapture.h"
 #include "scene/KernelFiles.h"
+#include "scene/Metrics.h"
 #include "scene/Overlay.h"
 #include "scene/RenderPassSource.h"
+#include "scene/SlowReader.h"
+#include "scene/Style.h"
 #include "scene/TextFormat.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <limits>
+#include <new>
 #include <string>
 #include <thread>
 #include <utility>
@@ -47,6 +55,8 @@ TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
         {scene::formatRate, 0.0, "0.0"},
         {scene::formatRate, {}, "N/A"},
         {scene::formatRate, infinity, "N/A"},
+        {scene::formatTemperature, -0.4, "N/A"},
+        {scene::formatWhole, -0.0, "0"},
         {scene::formatPercent, 42.5, "42%"},
         {scene::formatPercent, 99.6, "100%"},
         {scene::formatTemperature, 44.6, "45C"},
@@ -87,6 +97,42 @@ TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
     doubles::setFile("/proc/self/smaps_rollup", text);
     EXPECT_EQ(scene::readProportionalSetSize(), scene::Reading(1234.0 * 1024.0));
     EXPECT_FALSE(scene::findKilobytes("Pss:", "Pss"));
+}
+
+// The reader's thread takes none of the application's signals and survives a reading that fails.
+TEST(SlowReader, ReadsOnAThreadThatDisturbsNobody) {
+    static std::atomic<bool> isFailing{true};
+    static std::atomic<bool> isQuiet{false};
+    static std::atomic<bool> isNamed{false};
+    scene::SlowReader reader([]() -> scene::Reading {
+        if (isFailing) {
+            throw std::bad_alloc();
+        }
+        sigset_t blocked;
+        pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
+        isQuiet = sigismember(&blocked, SIGTERM) == 1 && sigismember(&blocked, SIGRTMAX) == 1;
+        char name[16] = "";
+        pthread_getname_np(pthread_self(), name, sizeof(name));
+        isNamed = std::string(name) == "kordanix-memory";
+        return 7.0;
+    });
+    reader.start();
+    reader.request();
+    reader.settle();
+    EXPECT_FALSE(reader.latest());
+    isFailing = false;
+    reader.request();
+    reader.settle();
+    EXPECT_EQ(reader.latest(), scene::Reading(7.0));
+    EXPECT_TRUE(isQuiet);
+    EXPECT_TRUE(isNamed);
+}
+
+TEST(Metrics, AskForNoVendorWithoutAGpu) {
+    doubles::removeAllFiles();
+    doubles::takeLog();
+    const scene::Metrics metrics;
+    EXPECT_TRUE(doubles::takeLog().empty());
 }
 
 /// The pass of a frame that the test times. At first a source that knows at once.
@@ -173,13 +219,33 @@ protected:
 
 TEST_F(SceneOverlay, ShowsNotAvailableForWhatCannotBeRead) {
     publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
-    frames(20);
-    const std::vector<std::string> names = drawn();
-    // CPU load, GPU clock, GPU load; five memory figures: nothing of it can be read here.
-    EXPECT_GE(std::count(names.begin(), names.end(), "N/A"), 8);
-    for (const std::string& name : names) {
-        EXPECT_THAT(name, Not(testing::HasSubstr("-1"))) << "a failed reading is no figure";
+    for (const char* const text : {"", "-5000\n"}) {
+        for (const char* const path :
+             {"/sys/class/thermal/thermal_zone0/temp", "/sys/kernel/gpu/gpu_tmu", "/sys/kernel/gpu/gpu_busy",
+              "/sys/kernel/gpu/gpu_clock", "/sys/kernel/gpu/gpu_mem_total"}) {
+            doubles::setFile(path, text);
+        }
+        frames(20);
+        const std::vector<std::string> names = drawn();
+        // CPU load, GPU clock, GPU load and five memory figures.
+        EXPECT_GE(std::count(names.begin(), names.end(), "N/A"), 8) << text;
+        EXPECT_THAT(names, Contains("CPU N/A  GPU N/A  Max N/A"));
     }
+}
+
+// Upright and so narrow that each of them would fill the row.
+TEST_F(SceneOverlay, TheCaptionsTextsStandSideBySide) {
+    mFactory.mSize = {60, 740};
+    publish({});
+    frame();
+    const auto& calls = doubles::drawCalls();
+    const auto legend = std::find_if(calls.begin(), calls.end(),
+                                     [](const auto& call) { return call.what == "@Vertex @Fragment"; });
+    ASSERT_NE(legend, calls.end());
+    const glm::vec2 pixels = legend->size * glm::vec2(mFactory.mSize);
+    EXPECT_LT((scene::lineWidth("N/A") + scene::lineWidth(legend->what)) * pixels.y / 2.0F, pixels.x);
+    EXPECT_EQ((legend + 1)->what, "@Fragment");
+    EXPECT_EQ((legend + 1)->size.y, legend->size.y) << "it covers the end of the other one";
 }
 
 TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
