@@ -1,8 +1,18 @@
 #include "opengl/context/HeadlessContext.h"
 
 #include <EGL/eglext.h>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
 #include <algorithm>
+
+namespace {
+
+Display* connectionOf(void* connection) {
+    return static_cast<Display*>(connection);
+}
+
+}  // namespace
 
 std::unique_ptr<HeadlessContext> HeadlessContext::create(const Options& options) {
     std::unique_ptr<HeadlessContext> context(new HeadlessContext(options));
@@ -10,8 +20,7 @@ std::unique_ptr<HeadlessContext> HeadlessContext::create(const Options& options)
 }
 
 bool HeadlessContext::open() {
-    mDisplay = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
-    if (mDisplay == EGL_NO_DISPLAY || !eglInitialize(mDisplay, nullptr, nullptr) || !chooseConfig()) {
+    if (!openDisplay() || !eglInitialize(mDisplay, nullptr, nullptr) || !chooseConfig()) {
         return false;
     }
     eglBindAPI(mOptions.api == Api::ES ? EGL_OPENGL_ES_API : EGL_OPENGL_API);
@@ -34,16 +43,34 @@ bool HeadlessContext::open() {
            eglMakeCurrent(mDisplay, mSurface, mSurface, mContext) && mFunctions.load(&getProcAddress);
 }
 
+/// Contexts that share objects share a display. All others on the X server have one each: Mesa corrupts
+/// memory when contexts of one display are used on several threads.
+bool HeadlessContext::openDisplay() {
+    if (mOptions.surface == Surface::PBUFFER) {
+        mDisplay = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+    } else if (mOptions.shareWith != nullptr) {
+        mConnection = mOptions.shareWith->mConnection;
+        mDisplay = mOptions.shareWith->mDisplay;
+    } else {
+        mConnection = XOpenDisplay(nullptr);
+        mDisplay = mConnection == nullptr ? EGL_NO_DISPLAY
+                                          : eglGetPlatformDisplay(EGL_PLATFORM_X11_EXT, mConnection, nullptr);
+    }
+    return mDisplay != EGL_NO_DISPLAY;
+}
+
 HeadlessContext::~HeadlessContext() {
-    // The display is left open: other contexts of the process use the same one.
     if (eglGetCurrentContext() == mContext) {
         eglMakeCurrent(mDisplay, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     }
-    if (mSurface != EGL_NO_SURFACE) {
-        eglDestroySurface(mDisplay, mSurface);
-    }
+    destroySurface(mSurface, mDrawable);
     if (mContext != EGL_NO_CONTEXT) {
         eglDestroyContext(mDisplay, mContext);
+    }
+    // The display without a server is left open: other contexts of the process use the same one.
+    if (mConnection != nullptr && mOptions.shareWith == nullptr) {
+        eglTerminate(mDisplay);
+        XCloseDisplay(connectionOf(mConnection));
     }
 }
 
@@ -53,19 +80,39 @@ void HeadlessContext::makeCurrent() const {
 }
 
 void HeadlessContext::resize(int width, int height) {
-    const EGLSurface old = mSurface;
+    const EGLSurface oldSurface = mSurface;
+    const unsigned long oldDrawable = mDrawable;
     mOptions.width = width;
     mOptions.height = height;
     mSurface = createSurface();
     makeCurrent();
-    eglDestroySurface(mDisplay, old);
+    destroySurface(oldSurface, oldDrawable);
+}
+
+void HeadlessContext::destroySurface(EGLSurface surface, unsigned long drawable) const {
+    if (surface != EGL_NO_SURFACE) {
+        eglDestroySurface(mDisplay, surface);
+    }
+    if (drawable != 0 && mOptions.surface == Surface::PIXMAP) {
+        XFreePixmap(connectionOf(mConnection), drawable);
+    } else if (drawable != 0) {
+        XDestroyWindow(connectionOf(mConnection), drawable);
+    }
 }
 
 /// Of those that EGL offers, the one with exactly the wanted sizes; it sorts deeper colours first.
 bool HeadlessContext::chooseConfig() {
     const EGLint alpha = mOptions.alpha ? 8 : 0;
+    EGLint kind = EGL_WINDOW_BIT;
+    if (mOptions.surface == Surface::PBUFFER) {
+        kind = EGL_PBUFFER_BIT;
+    } else if (mOptions.surface == Surface::PIXMAP) {
+        kind = EGL_PIXMAP_BIT;
+    } else if (mOptions.surface == Surface::PRESERVED) {
+        kind = EGL_WINDOW_BIT | EGL_SWAP_BEHAVIOR_PRESERVED_BIT;
+    }
     const EGLint wanted[] = {EGL_SURFACE_TYPE,
-                             EGL_PBUFFER_BIT,
+                             kind,
                              EGL_RENDERABLE_TYPE,
                              mOptions.api == Api::ES ? EGL_OPENGL_ES2_BIT : EGL_OPENGL_BIT,
                              EGL_RED_SIZE,
@@ -99,12 +146,47 @@ bool HeadlessContext::chooseConfig() {
     return found != end;
 }
 
-EGLSurface HeadlessContext::createSurface() const {
-    const EGLint attributes[] = {
-        EGL_WIDTH,       mOptions.width,    EGL_HEIGHT,
-        mOptions.height, EGL_GL_COLORSPACE, mOptions.srgb ? EGL_GL_COLORSPACE_SRGB : EGL_GL_COLORSPACE_LINEAR,
-        EGL_NONE};
-    return eglCreatePbufferSurface(mDisplay, mConfig, attributes);
+EGLSurface HeadlessContext::createSurface() {
+    const EGLint space = mOptions.srgb ? EGL_GL_COLORSPACE_SRGB : EGL_GL_COLORSPACE_LINEAR;
+    if (mOptions.surface == Surface::PBUFFER) {
+        const EGLint attributes[] = {EGL_WIDTH,         mOptions.width, EGL_HEIGHT, mOptions.height,
+                                     EGL_GL_COLORSPACE, space,          EGL_NONE};
+        return eglCreatePbufferSurface(mDisplay, mConfig, attributes);
+    }
+    Display* const connection = connectionOf(mConnection);
+    EGLint visualId = 0;
+    eglGetConfigAttrib(mDisplay, mConfig, EGL_NATIVE_VISUAL_ID, &visualId);
+    XVisualInfo wanted = {};
+    wanted.visualid = static_cast<VisualID>(visualId);
+    int count = 0;
+    XVisualInfo* const visual = XGetVisualInfo(connection, VisualIDMask, &wanted, &count);
+    if (visual == nullptr) {
+        return EGL_NO_SURFACE;
+    }
+    const auto width = static_cast<unsigned int>(mOptions.width);
+    const auto height = static_cast<unsigned int>(mOptions.height);
+    const Window root = DefaultRootWindow(connection);
+    EGLSurface surface = EGL_NO_SURFACE;
+    if (mOptions.surface == Surface::PIXMAP) {
+        mDrawable = XCreatePixmap(connection, root, width, height, static_cast<unsigned int>(visual->depth));
+        surface = eglCreatePixmapSurface(mDisplay, mConfig, mDrawable, nullptr);
+    } else {
+        XSetWindowAttributes look = {};
+        look.colormap = XCreateColormap(connection, root, visual->visual, AllocNone);
+        mDrawable = XCreateWindow(connection, root, 0, 0, width, height, 0, visual->depth, InputOutput,
+                                  visual->visual, CWColormap | CWBorderPixel, &look);
+        XMapWindow(connection, mDrawable);
+        const bool isSingle = mOptions.surface == Surface::SINGLE_BUFFERED;
+        const EGLint attributes[] = {EGL_RENDER_BUFFER, isSingle ? EGL_SINGLE_BUFFER : EGL_BACK_BUFFER,
+                                     EGL_GL_COLORSPACE, space, EGL_NONE};
+        surface = eglCreateWindowSurface(mDisplay, mConfig, mDrawable, attributes);
+        if (mOptions.surface == Surface::PRESERVED) {
+            eglSurfaceAttrib(mDisplay, surface, EGL_SWAP_BEHAVIOR, EGL_BUFFER_PRESERVED);
+        }
+    }
+    XFree(visual);
+    XSync(connection, False);
+    return surface;
 }
 
 std::vector<std::uint8_t> HeadlessContext::readPixels() const {

@@ -8,11 +8,15 @@
 
 #include "opengl/gl/Functions.h"
 
-/// An OpenGL or OpenGL ES context with a window-like surface of its own in memory, on Mesa's software
-/// renderer (set LIBGL_ALWAYS_SOFTWARE=1). Current on the thread that made it; destroyed with the object.
+/// An OpenGL or OpenGL ES context on Mesa's software renderer (set LIBGL_ALWAYS_SOFTWARE=1), with a surface
+/// in memory or on the X server that $DISPLAY names. Current on the thread that made it; destroyed with the
+/// object.
 class HeadlessContext {
 public:
     enum class Api { ES, CORE, COMPATIBILITY };
+
+    /// All but the first one need an X server.
+    enum class Surface { PBUFFER, WINDOW, SINGLE_BUFFERED, PRESERVED, PIXMAP };
 
     struct Options {
         Api api = Api::ES;
@@ -30,6 +34,7 @@ public:
         bool debug = false;
         const HeadlessContext* shareWith =
             nullptr;  ///< its textures, buffers, programs are this context's too
+        Surface surface = Surface::PBUFFER;
     };
 
     /// Null when there is no such context here.
@@ -41,9 +46,9 @@ public:
     HeadlessContext& operator=(const HeadlessContext&) = delete;
 
     void makeCurrent() const;
-    /// What a window system does at a resize: a new surface, current with the old context.
+    /// A new surface of another size, current with the old context.
     void resize(int width, int height);
-    void swap() const { eglSwapBuffers(mDisplay, mSurface); }
+    bool swap() const { return eglSwapBuffers(mDisplay, mSurface) != EGL_FALSE; }
 
     const opengl::Functions& functions() const { return mFunctions; }
     EGLDisplay display() const { return mDisplay; }
@@ -61,10 +66,14 @@ public:
 private:
     explicit HeadlessContext(const Options& options) : mOptions(options) {}
     bool open();
+    bool openDisplay();
     bool chooseConfig();
-    EGLSurface createSurface() const;
+    EGLSurface createSurface();
+    void destroySurface(EGLSurface surface, unsigned long drawable) const;
 
     Options mOptions;
+    void* mConnection = nullptr;  ///< to the X server; whoever shares objects shares it
+    unsigned long mDrawable = 0;  ///< the X server's
     EGLDisplay mDisplay = EGL_NO_DISPLAY;
     EGLConfig mConfig = nullptr;
     EGLSurface mSurface = EGL_NO_SURFACE;

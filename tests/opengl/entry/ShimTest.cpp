@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "opengl/programs/Program.h"
+#include "opengl/context/Program.h"
 
 namespace {
 

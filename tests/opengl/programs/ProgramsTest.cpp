@@ -1,6 +1,6 @@
 #include "gui/LayoutManager.h"
-#include "opengl/programs/Program.h"
-#include "opengl/programs/VirtualDisplay.h"
+#include "opengl/context/Program.h"
+#include "opengl/context/VirtualDisplay.h"
 #include "software/Png.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "opengl/programs/Program.h"
+#include "opengl/context/Program.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

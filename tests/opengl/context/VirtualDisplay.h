@@ -1,6 +1,6 @@
 #pragma once
 
-#include "opengl/programs/Program.h"
+#include "opengl/context/Program.h"
 #include "software/Image.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "opengl/programs/VirtualDisplay.h"
+#include "opengl/context/VirtualDisplay.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
