@@ -1,12 +1,12 @@
 // Shows the overlay on a simulated device and writes the last frame:
 // golden_probe WIDTH HEIGHT FILE [NAME=VALUE]...
 
-#include "layers/SimulatedRun.h"
 #include "scene/Overlay.h"
 #include "simulator/DeviceSimulator.h"
 #include "software/Png.h"
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
+#include "support/SimulatedRun.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -40,8 +40,8 @@ int main(int argc, char** argv) {
         paint(surface.mImage);
         surface.beginOverlay();
     };
-    if (!publishSettings(argc - 4, argv + 4) ||
-        !runSimulation(factory, paintFrame, [](scene::Overlay& overlay) { overlay.draw(); })) {
+    if (!support::publishSettings(argc - 4, argv + 4) ||
+        !support::runSimulation(factory, paintFrame, [](scene::Overlay& overlay) { overlay.draw(); })) {
         return 3;
     }
     std::string error;

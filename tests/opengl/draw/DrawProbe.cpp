@@ -2,7 +2,6 @@
 // opengl_draw_probe API WIDTH HEIGHT FILE [NAME=VALUE]...
 // API is "software" or one of opengl_test::APIS.
 
-#include "layers/SimulatedRun.h"
 #include "opengl/draw/AppPicture.h"
 #include "opengl/draw/GlStage.h"
 #include "scene/Overlay.h"
@@ -10,6 +9,7 @@
 #include "software/Png.h"
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
+#include "support/SimulatedRun.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,7 +24,8 @@ bool drawInMemory(software::Image& image) {
         paintBlocks(surface.mImage);
         surface.beginOverlay();
     };
-    const bool isShown = runSimulation(factory, paint, [](scene::Overlay& overlay) { overlay.draw(); });
+    const bool isShown =
+        support::runSimulation(factory, paint, [](scene::Overlay& overlay) { overlay.draw(); });
     image = surface.mImage;
     return isShown;
 }
@@ -35,7 +36,7 @@ bool drawInContext(const std::string& api, software::Image& image) {
         return false;
     }
     const auto draw = [&stage](scene::Overlay& overlay) { stage->show([&overlay] { overlay.draw(); }); };
-    const bool isShown = runSimulation(
+    const bool isShown = support::runSimulation(
         stage->drawing().factory(), [&stage] { stage->paintBlocks(); }, draw);
     image = stage->read();
     return isShown;
@@ -51,7 +52,7 @@ int main(int argc, char** argv) {
     const std::string api = argv[1];
     software::Image image(static_cast<std::uint32_t>(std::strtoul(argv[2], nullptr, 10)),
                           static_cast<std::uint32_t>(std::strtoul(argv[3], nullptr, 10)));
-    if (!publishSettings(argc - 5, argv + 5) ||
+    if (!support::publishSettings(argc - 5, argv + 5) ||
         !(api == "software" ? drawInMemory(image) : drawInContext(api, image))) {
         return 3;
     }
