@@ -68,6 +68,9 @@ struct Pieces {
 /// Keeps the part of a convex polygon on one side of a line: where `side` is not negative.
 template <class Side>
 std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t count, Side side) {
+    if (count == 0) {  // another edge has left nothing: the triangle passes by a corner of the clip
+        return 0;
+    }
     std::array<Corner, MAX_CORNERS> kept;
     std::size_t keptCount = 0;
     const Corner* from = &corners[count - 1];
