@@ -1,4 +1,4 @@
-#include "opengl/draw/Batch.h"
+#include "drawlist/Batch.h"
 
 #include <algorithm>
 
@@ -17,14 +17,14 @@ TEST(Batch, TrianglesAreCutToTheClip) {
     };
     for (const auto& triangle : cases) {
         SCOPED_TRACE(&triangle - cases);
-        opengl::Batch batch;
+        drawlist::Batch batch;
         batch.begin({0, 0, 10, 3});
         const auto& [a, b, c] = triangle.corners;
-        batch.addTriangle({a, 1.0F}, {b, 1.0F}, {c, 1.0F}, opengl::Ink(glm::vec4(1.0F)),
-                          opengl::Clip(batch.clip()));
+        batch.addTriangle({a, 1.0F}, {b, 1.0F}, {c, 1.0F}, drawlist::Paint(glm::vec4(1.0F)),
+                          drawlist::Clip(batch.clip()));
         raster::Box box = batch.vertexCount() == 0 ? raster::Box() : raster::Box{1e9F, 1e9F, -1e9F, -1e9F};
         for (std::size_t i = 0; i < batch.vertexCount(); ++i) {
-            const opengl::Vertex& vertex = batch.vertices()[i];
+            const drawlist::Vertex& vertex = batch.vertices()[i];
             box = {std::min(box.mLeft, vertex.x), std::min(box.mTop, vertex.y),
                    std::max(box.mRight, vertex.x), std::max(box.mBottom, vertex.y)};
         }

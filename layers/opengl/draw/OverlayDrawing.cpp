@@ -3,22 +3,22 @@
 namespace opengl {
 
 std::string OverlayDrawing::create() {
-    mTarget.forget();
+    mList.forget();
     return mRenderer.create();
 }
 
 void OverlayDrawing::destroy() {
     mRenderer.destroy();
-    mTarget.forget();
+    mList.forget();
 }
 
 void OverlayDrawing::abandon() {
     mRenderer.abandon();
-    mTarget.forget();
+    mList.forget();
 }
 
 void OverlayDrawing::setSurface(int width, int height, bool isSrgb) {
-    mTarget.setSize(width, height);
+    mList.setSize(width, height);
     mRenderer.setSrgb(isSrgb);
 }
 

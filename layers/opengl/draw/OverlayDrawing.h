@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "opengl/draw/DrawTarget.h"
-#include "opengl/draw/GlFactory.h"
+#include "drawlist/DrawList.h"
+#include "drawlist/DrawListFactory.h"
 #include "opengl/draw/Renderer.h"
 
 namespace opengl {
@@ -25,7 +25,7 @@ struct Functions;
 class OverlayDrawing {
 public:
     /// `functions` must stay as long as this.
-    explicit OverlayDrawing(const Functions& functions) : mFactory(mTarget), mRenderer(functions) {}
+    explicit OverlayDrawing(const Functions& functions) : mFactory(mList), mRenderer(functions) {}
 
     /// Makes what is needed in the context, between save() and restore(). An empty text, or why the overlay
     /// cannot be drawn in this context; nothing is left in the context then.
@@ -42,19 +42,19 @@ public:
     void setSurface(int width, int height, bool isSrgb);
 
     /// The primitives, for a scene::Overlay. They outlive contexts.
-    GlFactory& factory() { return mFactory; }
+    drawlist::DrawListFactory& factory() { return mFactory; }
 
     /// Draws what the primitives have left, between save() and restore(). False when the application's state
     /// does not let it be drawn in this frame. The thumbnail shows the frame in which its drawing was shown
     /// first, as the texts do.
-    bool show(SavedState& state) { return mRenderer.show(mTarget, state); }
+    bool show(SavedState& state) { return mRenderer.show(mList, state); }
 
     /// What has been drawn last.
-    const DrawTarget& target() const { return mTarget; }
+    const drawlist::DrawList& list() const { return mList; }
 
 private:
-    DrawTarget mTarget;
-    GlFactory mFactory;
+    drawlist::DrawList mList;
+    drawlist::DrawListFactory mFactory;
     Renderer mRenderer;
 };
 

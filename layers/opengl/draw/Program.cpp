@@ -7,7 +7,7 @@
 
 namespace opengl {
 
-static_assert(Program::INK < SavedState::ATTRIBUTES);
+static_assert(Program::COLOR < SavedState::ATTRIBUTES);
 
 namespace {
 
@@ -41,9 +41,9 @@ std::string Program::create(const Functions& gl, bool isLinear) {
         mName = gl.createProgram();
         gl.attachShader(mName, vertex);
         gl.attachShader(mName, fragment);
-        gl.bindAttribLocation(mName, PLACE, "place");
-        gl.bindAttribLocation(mName, TEXEL, "texel");
-        gl.bindAttribLocation(mName, INK, "ink");
+        gl.bindAttribLocation(mName, POSITION, "position");
+        gl.bindAttribLocation(mName, UV, "uv");
+        gl.bindAttribLocation(mName, COLOR, "color");
         gl.linkProgram(mName);
         gl.detachShader(mName, vertex);
         gl.detachShader(mName, fragment);

@@ -13,9 +13,9 @@ namespace opengl {
 class Program {
 public:
     /// Places of the vertices' attributes.
-    static constexpr GLuint PLACE = 0;
-    static constexpr GLuint TEXEL = 1;
-    static constexpr GLuint INK = 2;
+    static constexpr GLuint POSITION = 0;
+    static constexpr GLuint UV = 1;
+    static constexpr GLuint COLOR = 2;
 
     /// With linear colours for a surface that stores sRGB on its own. An empty text, or why there is none.
     /// The program is in use then.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "opengl/draw/DrawTarget.h"
 #include "opengl/gl/ObjectNames.h"
 #include "opengl/gl/SavedState.h"
 
@@ -25,8 +24,9 @@ const void* offset(std::size_t bytes) {
 std::string Renderer::create() {
     abandon();
     mFunctions.getIntegerv(GL_MAX_TEXTURE_SIZE, &mLargestTexture);
-    if (mLargestTexture < GlyphCache::LARGEST_SIDE) {
-        return "textures of " + std::to_string(GlyphCache::LARGEST_SIDE) + " texels are not supported";
+    if (mLargestTexture < drawlist::GlyphCache::LARGEST_SIDE) {
+        return "textures of " + std::to_string(drawlist::GlyphCache::LARGEST_SIDE) +
+               " texels are not supported";
     }
     std::string error = mPrograms[isLinear() ? 1 : 0].create(mFunctions, isLinear());
     if (!error.empty()) {
@@ -79,15 +79,16 @@ void Renderer::createBuffer() {
 
 void Renderer::setAttributes() {
     const Functions& gl = mFunctions;
-    constexpr GLsizei STRIDE = sizeof(Vertex);
-    gl.enableVertexAttribArray(Program::PLACE);
-    gl.enableVertexAttribArray(Program::TEXEL);
-    gl.enableVertexAttribArray(Program::INK);
-    gl.vertexAttribPointer(Program::PLACE, 2, GL_FLOAT, GL_FALSE, STRIDE, offset(offsetof(Vertex, x)));
-    gl.vertexAttribPointer(Program::TEXEL, 2, GL_UNSIGNED_SHORT, GL_FALSE, STRIDE,
-                           offset(offsetof(Vertex, u)));
-    gl.vertexAttribPointer(Program::INK, 4, GL_UNSIGNED_BYTE, GL_TRUE, STRIDE,
-                           offset(offsetof(Vertex, color)));
+    constexpr GLsizei STRIDE = sizeof(drawlist::Vertex);
+    gl.enableVertexAttribArray(Program::POSITION);
+    gl.enableVertexAttribArray(Program::UV);
+    gl.enableVertexAttribArray(Program::COLOR);
+    gl.vertexAttribPointer(Program::POSITION, 2, GL_FLOAT, GL_FALSE, STRIDE,
+                           offset(offsetof(drawlist::Vertex, x)));
+    gl.vertexAttribPointer(Program::UV, 2, GL_UNSIGNED_SHORT, GL_FALSE, STRIDE,
+                           offset(offsetof(drawlist::Vertex, u)));
+    gl.vertexAttribPointer(Program::COLOR, 4, GL_UNSIGNED_BYTE, GL_TRUE, STRIDE,
+                           offset(offsetof(drawlist::Vertex, color)));
 }
 
 GLuint Renderer::createTexture(GLint filter) {
@@ -101,9 +102,9 @@ GLuint Renderer::createTexture(GLint filter) {
     return texture;
 }
 
-bool Renderer::show(DrawTarget& target, SavedState& state) {
+bool Renderer::show(drawlist::DrawList& list, SavedState& state) {
     const Functions& gl = mFunctions;
-    const Batch& batch = target.batch;
+    const drawlist::Batch& batch = list.batch;
     if (mObjects.buffer == 0 || batch.vertexCount() == 0) {
         return true;
     }
@@ -111,13 +112,13 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     if (!program && !program.create(gl, isLinear()).empty()) {
         return false;
     }
-    const auto longest = static_cast<GLint>(std::max(target.shape.mWidth, target.shape.mHeight));
+    const auto longest = static_cast<GLint>(std::max(list.shape.mWidth, list.shape.mHeight));
     const bool hasPicture = batch.picture().mCount != 0 && longest <= mLargestTexture;
-    if (hasPicture && !copyPicture(target, state)) {
+    if (hasPicture && !copyPicture(list, state)) {
         return false;
     }
     gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
-    if (!uploadGlyphs(target, state)) {
+    if (!uploadGlyphs(list, state)) {
         return false;
     }
     if (gl.features.vertexArrays) {
@@ -125,18 +126,18 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     }
     // What comes right after the drawing that is in the buffer may be the same once more.
     const bool isNew =
-        mShownDrawing != target.drawing && (mShownDrawing + 1 != target.drawing || !batch.isRepeated());
+        mShownDrawing != list.drawing && (mShownDrawing + 1 != list.drawing || !batch.isRepeated());
     if (isNew || !gl.features.vertexArrays) {
         gl.bindBuffer(GL_ARRAY_BUFFER, mObjects.buffer);
     }
     if (isNew) {
-        uploadVertices(target);
+        uploadVertices(list);
     }
-    mShownDrawing = target.drawing;
+    mShownDrawing = list.drawing;
     if (!gl.features.vertexArrays) {
         setAttributes();
     }
-    program.use(gl, {target.shape.mWidth, target.shape.mHeight}, mGlyphSide);
+    program.use(gl, {list.shape.mWidth, list.shape.mHeight}, mGlyphSide);
 
     const auto count = static_cast<GLsizei>(batch.vertexCount());
     const auto first = static_cast<GLint>(batch.picture().mFirst);
@@ -159,7 +160,7 @@ bool Renderer::show(DrawTarget& target, SavedState& state) {
     return true;
 }
 
-void Renderer::showPicture(const Batch& batch, const Program& program) {
+void Renderer::showPicture(const drawlist::Batch& batch, const Program& program) {
     const Functions& gl = mFunctions;
     const glm::vec2 step = batch.pictureScale() / SAMPLES;
     gl.bindTexture(GL_TEXTURE_2D, mObjects.picture);
@@ -169,9 +170,9 @@ void Renderer::showPicture(const Batch& batch, const Program& program) {
     program.endPicture(gl);
 }
 
-bool Renderer::uploadGlyphs(DrawTarget& target, SavedState& state) {
+bool Renderer::uploadGlyphs(drawlist::DrawList& list, SavedState& state) {
     const Functions& gl = mFunctions;
-    const GlyphCache& glyphs = target.glyphs;
+    const drawlist::GlyphCache& glyphs = list.glyphs;
     const bool isNew = mGlyphSide != glyphs.side();
     if (!isNew && !glyphs.isChanged()) {
         return true;
@@ -179,7 +180,7 @@ bool Renderer::uploadGlyphs(DrawTarget& target, SavedState& state) {
     if (!state.prepareUpload()) {
         return false;
     }
-    const GlyphCache::Rows rows = target.glyphs.takeChanges();
+    const drawlist::GlyphCache::Rows rows = list.glyphs.takeChanges();
     const GLenum format = gl.features.redTextures ? GL_RED : GL_ALPHA;
     const int side = glyphs.side();
     if (isNew) {
@@ -193,10 +194,10 @@ bool Renderer::uploadGlyphs(DrawTarget& target, SavedState& state) {
     return true;
 }
 
-bool Renderer::copyPicture(const DrawTarget& target, SavedState& state) {
+bool Renderer::copyPicture(const drawlist::DrawList& list, SavedState& state) {
     const Functions& gl = mFunctions;
-    const glm::uvec2 size(target.shape.mWidth, target.shape.mHeight);
-    if (mPictureDrawing == target.drawing && mPictureSize == size) {
+    const glm::uvec2 size(list.shape.mWidth, list.shape.mHeight);
+    if (mPictureDrawing == list.drawing && mPictureSize == size) {
         return true;
     }
     if (!state.prepareCopy()) {
@@ -217,17 +218,17 @@ bool Renderer::copyPicture(const DrawTarget& target, SavedState& state) {
         mPictureSize = size;
     }
     gl.copyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
-    mPictureDrawing = target.drawing;
+    mPictureDrawing = list.drawing;
     return true;
 }
 
-void Renderer::uploadVertices(const DrawTarget& target) {
+void Renderer::uploadVertices(const drawlist::DrawList& list) {
     const Functions& gl = mFunctions;
-    const std::size_t size = target.batch.vertexCount() * sizeof(Vertex);
+    const std::size_t size = list.batch.vertexCount() * sizeof(drawlist::Vertex);
     mBufferSize = std::max(mBufferSize, (size + BUFFER_STEP - 1) / BUFFER_STEP * BUFFER_STEP);
     // Storage of its own for each drawing: the one before may still be read.
     gl.bufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(mBufferSize), nullptr, GL_STREAM_DRAW);
-    gl.bufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(size), target.batch.vertices());
+    gl.bufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(size), list.batch.vertices());
 }
 
 }  // namespace opengl

@@ -6,14 +6,13 @@
 #include <cstddef>
 #include <string>
 
-#include "opengl/draw/Batch.h"
+#include "drawlist/DrawList.h"
 #include "opengl/draw/Program.h"
 #include "opengl/gl/Functions.h"
 
 namespace opengl {
 
 class SavedState;
-struct DrawTarget;
 
 /// Shows a batch in one context: one program, one vertex buffer, one texture for glyphs and one for the
 /// application's picture, at most three drawing calls, and nothing uploaded that has not changed. The
@@ -30,7 +29,7 @@ public:
     /// Whether the surface converts what is written to it to sRGB.
     void setSrgb(bool isSrgb) { mIsSrgb = isSrgb; }
 
-    bool show(DrawTarget& target, SavedState& state);
+    bool show(drawlist::DrawList& list, SavedState& state);
 
 private:
     /// Names in the context; 0 where there is none.
@@ -47,10 +46,10 @@ private:
     void createBuffer();
     GLuint createTexture(GLint filter);
     void setAttributes();
-    bool uploadGlyphs(DrawTarget& target, SavedState& state);
-    bool copyPicture(const DrawTarget& target, SavedState& state);
-    void uploadVertices(const DrawTarget& target);
-    void showPicture(const Batch& batch, const Program& program);
+    bool uploadGlyphs(drawlist::DrawList& list, SavedState& state);
+    bool copyPicture(const drawlist::DrawList& list, SavedState& state);
+    void uploadVertices(const drawlist::DrawList& list);
+    void showPicture(const drawlist::Batch& batch, const Program& program);
 
     const Functions& mFunctions;
     Objects mObjects;

@@ -14,10 +14,10 @@ constexpr char ES_FRAGMENT[] =
     "#ifdef GL_FRAGMENT_PRECISION_HIGH\nprecision highp float;\n#else\nprecision mediump float;\n#endif\n";
 constexpr char CORE_VERTEX[] = "#version 130\n#define IN in\n#define OUT out\n";
 constexpr char CORE_FRAGMENT[] =
-    "#version 130\n#define IN in\n#define texture2D texture\n#define gl_FragColor color\nout vec4 color;\n";
+    "#version 130\n#define IN in\n#define texture2D texture\n#define gl_FragColor pixel\nout vec4 pixel;\n";
 constexpr char NEW_VERTEX[] = "#version 140\n#define IN in\n#define OUT out\n";
 constexpr char NEW_FRAGMENT[] =
-    "#version 140\n#define IN in\n#define texture2D texture\n#define gl_FragColor color\nout vec4 color;\n";
+    "#version 140\n#define IN in\n#define texture2D texture\n#define gl_FragColor pixel\nout vec4 pixel;\n";
 
 constexpr char RED_COVERAGE[] = "#define COVERAGE r\n";
 constexpr char ALPHA_COVERAGE[] = "#define COVERAGE a\n";
@@ -25,17 +25,17 @@ constexpr char ALPHA_COVERAGE[] = "#define COVERAGE a\n";
 constexpr char LINEAR[] = "#define LINEAR\n";
 
 constexpr char VERTEX[] = R"(
-IN vec2 place;
-IN vec2 texel;
-IN vec4 ink;
+IN vec2 position;
+IN vec2 uv;
+IN vec4 color;
 OUT vec2 coordinate;
 OUT vec4 shade;
 uniform vec4 toClip;
 uniform vec4 source;
 void main() {
-    gl_Position = vec4(place * toClip.xy + toClip.zw, 0.0, 1.0);
-    coordinate = texel * source.xy;
-    shade = ink;
+    gl_Position = vec4(position * toClip.xy + toClip.zw, 0.0, 1.0);
+    coordinate = uv * source.xy;
+    shade = color;
 }
 )";
 

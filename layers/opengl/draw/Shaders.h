@@ -10,8 +10,8 @@ struct ShaderSource {
     const char* mTexts[COUNT];
 };
 
-/// The program for the context's version of the shading language. Attributes: `place` in pixels, `texel`,
-/// `ink`. Uniforms: `toClip`, factors and offsets from pixels to clip space; `source`, texels to texture
+/// The program for the context's version of the shading language. Attributes: `position` in pixels, `uv`,
+/// `color`. Uniforms: `toClip`, factors and offsets from pixels to clip space; `source`, texels to texture
 /// coordinates in x and y and, for the application's picture, the distance of the samples in texture
 /// coordinates in z and w, which are 0 for glyphs.
 ShaderSource vertexShader(const Functions& functions);

@@ -115,7 +115,7 @@ TEST_P(Draw, LooksAsTheSoftwareLayer) {
 
             const auto made = stage(size);
             ASSERT_NE(made, nullptr);
-            opengl::GlFactory& glFactory = made->drawing().factory();
+            drawlist::DrawListFactory& glFactory = made->drawing().factory();
             const Drawers drawers = makeScene(glFactory);
             made->paintBlocks();
             ASSERT_TRUE(made->show([&] {
@@ -174,7 +174,7 @@ TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
     functions.texSubImage2D = countTexSubImage2D;
     functions.drawArrays = countDrawArrays;
 
-    opengl::GlFactory& factory = made->drawing().factory();
+    drawlist::DrawListFactory& factory = made->drawing().factory();
     const Drawers drawers = makeScene(factory);
     bool isSame = false;
     const std::function<void()> draw = [&] {
@@ -212,7 +212,7 @@ TEST_P(Draw, WhateverChangesShows) {
         std::unique_ptr<drawer::TextDrawer> text;
         std::unique_ptr<drawer::MeshDrawer> mesh;
     };
-    const auto make = [](opengl::GlFactory& factory) {
+    const auto make = [](drawlist::DrawListFactory& factory) {
         Pair pair{factory.createText(), factory.createMesh(scene::Topology::TRIANGLE_STRIP)};
         pair.text->setText("Kept 48");
         pair.text->mPosition = {0.1F, 0.1F};
@@ -239,7 +239,7 @@ TEST_P(Draw, WhateverChangesShows) {
         made.context().makeCurrent();
         made.paintBlocks();
         return made.show([&] {
-            opengl::GlFactory& factory = made.drawing().factory();
+            drawlist::DrawListFactory& factory = made.drawing().factory();
             factory.beginDrawing(false);
             if (isClipped) {
                 factory.setClip({0.0F, 0.0F}, {0.3F, 1.0F});
@@ -270,7 +270,7 @@ TEST_P(Draw, WhateverChangesShows) {
 TEST_P(Draw, SurvivesValuesThatAreNoNumbers) {
     const auto made = stage(SIZES[2]);
     ASSERT_NE(made, nullptr);
-    opengl::GlFactory& factory = made->drawing().factory();
+    drawlist::DrawListFactory& factory = made->drawing().factory();
     const Drawers drawers = makeScene(factory);
     const float odd[] = {NOT_A_NUMBER, INFINITE, -INFINITE, 1e30F, -1e30F};
     for (int i = 0; i < 40; ++i) {
@@ -284,9 +284,9 @@ TEST_P(Draw, SurvivesValuesThatAreNoNumbers) {
         }
         factory.beginDrawing(false);
         drawScene(factory, drawers, i % 4 == 0);
-        const opengl::Batch& batch = made->drawing().target().batch;
+        const drawlist::Batch& batch = made->drawing().list().batch;
         for (std::size_t k = 0; k < batch.vertexCount(); ++k) {
-            const opengl::Vertex& vertex = batch.vertices()[k];
+            const drawlist::Vertex& vertex = batch.vertices()[k];
             ASSERT_TRUE(vertex.x >= 0.0F && vertex.x <= 320.0F && vertex.y >= 0.0F && vertex.y <= 200.0F)
                 << i << ": " << vertex.x << ", " << vertex.y;
         }
@@ -296,7 +296,7 @@ TEST_P(Draw, SurvivesValuesThatAreNoNumbers) {
 TEST_P(Draw, TakesNoNamesThatAProgramMayChoose) {
     const auto made = stage(SIZES[2]);
     ASSERT_NE(made, nullptr);
-    opengl::GlFactory& factory = made->drawing().factory();
+    drawlist::DrawListFactory& factory = made->drawing().factory();
     const Drawers drawers = makeScene(factory);
     ASSERT_TRUE(made->show([&] {
         factory.beginDrawing(false);
@@ -311,7 +311,7 @@ TEST_P(Draw, TakesNoNamesThatAProgramMayChoose) {
 TEST_P(Draw, AFullGlyphTextureIsEmptiedForTheNextDrawing) {
     const auto made = stage(SIZES[2]);
     ASSERT_NE(made, nullptr);
-    opengl::GlFactory& factory = made->drawing().factory();
+    drawlist::DrawListFactory& factory = made->drawing().factory();
     const auto text = factory.createText();
     text->mPosition = {0.1F, 0.1F};
     text->setText("Mg8");
@@ -329,7 +329,7 @@ TEST_P(Draw, AFullGlyphTextureIsEmptiedForTheNextDrawing) {
     int fullDrawings = 0;
     for (int i = 0; i < 60; ++i) {
         ASSERT_TRUE(drawAt(0.3F + 0.01F * static_cast<float>(i)));
-        fullDrawings += made->drawing().target().glyphs.isFull() ? 1 : 0;
+        fullDrawings += made->drawing().list().glyphs.isFull() ? 1 : 0;
     }
     EXPECT_GT(fullDrawings, 0);
     ASSERT_TRUE(drawAt(0.3F));
@@ -343,7 +343,7 @@ TEST_P(Draw, ColoursAreTheSameOnAnSrgbSurface) {
     if (made == nullptr) {
         GTEST_SKIP() << "no such surface";
     }
-    opengl::GlFactory& factory = made->drawing().factory();
+    drawlist::DrawListFactory& factory = made->drawing().factory();
     const auto rect = factory.createRect();
     rect->mSize = {1.0F, 1.0F};
     rect->mColor = {0.2F, 0.52F, 0.8F, 1.0F};

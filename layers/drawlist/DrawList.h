@@ -1,13 +1,13 @@
 #pragma once
 
-#include "opengl/draw/Batch.h"
-#include "opengl/draw/GlyphCache.h"
+#include "drawlist/Batch.h"
+#include "drawlist/GlyphCache.h"
 #include "raster/SurfaceShape.h"
 
-namespace opengl {
+namespace drawlist {
 
 /// What the primitives of one surface draw on, and what the renderer shows: knows no OpenGL.
-struct DrawTarget {
+struct DrawList {
     raster::SurfaceShape shape;
     Batch batch;
     GlyphCache glyphs;
@@ -23,4 +23,4 @@ struct DrawTarget {
     void begin();
 };
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -2,14 +2,14 @@
 
 #include "scene/PrimitiveFactory.h"
 
-namespace opengl {
+namespace drawlist {
 
-struct DrawTarget;
+struct DrawList;
 
-/// Primitives that leave triangles in a batch. The target outlives the factory and what it made.
-class GlFactory : public scene::PrimitiveFactory {
+/// Primitives that leave triangles in a batch. The list outlives the factory and what it made.
+class DrawListFactory : public scene::PrimitiveFactory {
 public:
-    explicit GlFactory(DrawTarget& target) : mTarget(target) {}
+    explicit DrawListFactory(DrawList& list) : mList(list) {}
 
     std::unique_ptr<drawer::MeshDrawer> createMesh(scene::Topology topology) override;
     std::unique_ptr<drawer::RectDrawer> createRect() override;
@@ -25,7 +25,7 @@ public:
     bool beginDrawing(bool isSame) override;
 
 private:
-    DrawTarget& mTarget;
+    DrawList& mList;
 };
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace opengl {
+namespace drawlist {
 
 inline bool isFinite(const glm::vec2& point) {
     return std::isfinite(point.x) && std::isfinite(point.y);
@@ -16,4 +16,4 @@ inline bool isFinite(const glm::vec2& point) {
 /// neighbours: a graph that stands still is a single segment.
 void appendSimplified(const glm::vec2* first, const glm::vec2* end, std::vector<glm::vec2>& points);
 
-}  // namespace opengl
+}  // namespace drawlist

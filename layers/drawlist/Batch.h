@@ -10,7 +10,7 @@
 
 #include "raster/Geometry.h"
 
-namespace opengl {
+namespace drawlist {
 
 /// A corner of a triangle as the vertex buffer has it.
 struct Vertex {
@@ -24,9 +24,9 @@ struct Vertex {
 static_assert(sizeof(Vertex) == 16, "uploaded as it is");
 
 /// A drawing colour; components 0..1, what lies outside is cut, not-a-number counts as 0.
-class Ink {
+class Paint {
 public:
-    explicit Ink(const glm::vec4& color);
+    explicit Paint(const glm::vec4& color);
 
     /// With the alpha of a pixel that is covered in part, 0..1.
     std::array<std::uint8_t, 4> covering(float coverage) const {
@@ -39,7 +39,7 @@ public:
     }
 
     /// The same colour, more transparent by a factor 0..1.
-    Ink fainter(float factor) const;
+    Paint fainter(float factor) const;
 
     bool isVisible() const { return mAlpha > 0.0F; }
 
@@ -94,16 +94,16 @@ public:
     const raster::PixelRect& clip() const { return mClip; }
 
     /// By exact area: fractional edges cover their pixels in part.
-    void addRect(const raster::Box& box, const Ink& ink) { addRect(box, ink, mClip); }
+    void addRect(const raster::Box& box, const Paint& paint) { addRect(box, paint, mClip); }
 
     /// The part of it inside `clip`, which lies inside the batch's own clip.
-    void addRect(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip);
+    void addRect(const raster::Box& box, const Paint& paint, const raster::PixelRect& clip);
 
     /// Texels of the glyph texture from (u, v) on, one for each pixel.
-    void addTexels(const raster::PixelRect& pixels, int u, int v, const Ink& ink);
+    void addTexels(const raster::PixelRect& pixels, int u, int v, const Paint& paint);
 
     /// A triangle inside `clip`, which lies inside the batch's own clip.
-    void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink, const Clip& clip);
+    void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Paint& paint, const Clip& clip);
 
     /// The application's picture in the box. The first one of a drawing counts.
     void addPicture(const raster::Box& box);
@@ -128,10 +128,11 @@ private:
     using Texels = std::array<std::uint16_t, 4>;
 
     template <class TexelsOf>
-    void addPieces(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip, TexelsOf texelsOf);
+    void addPieces(const raster::Box& box, const Paint& paint, const raster::PixelRect& clip,
+                   TexelsOf texelsOf);
     void addQuad(const raster::PixelRect& pixels, const Texels& texels,
                  const std::array<std::uint8_t, 4>& color);
-    void addCorners(const Corner& a, const Corner& b, const Corner& c, const Ink& ink);
+    void addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint);
 
     /// Room for that many more vertices, to be written at once.
     Vertex* grow(std::size_t count) {
@@ -154,4 +155,4 @@ private:
     glm::vec2 mPictureScale{1.0F};
 };
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -1,4 +1,4 @@
-#include "opengl/draw/GlyphCache.h"
+#include "drawlist/GlyphCache.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 
 #include "gui/GlyphAtlas.h"
 
-namespace opengl {
+namespace drawlist {
 
 namespace {
 
@@ -176,4 +176,4 @@ bool GlyphCache::place(Entry& entry) {
     return true;
 }
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -12,7 +12,7 @@ namespace gui {
 struct Glyph;
 }
 
-namespace opengl {
+namespace drawlist {
 
 /// Pictures of glyphs in the sizes they are drawn in, coverage in 8 bits, in one square texture that also has
 /// a solid texel. A picture that is there once is there until the texture is full; then it is emptied. Memory
@@ -94,4 +94,4 @@ private:
     raster::GlyphScaler mScaler;
 };
 
-}  // namespace opengl
+}  // namespace drawlist

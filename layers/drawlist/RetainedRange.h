@@ -7,23 +7,22 @@
 #include <cstdint>
 
 #include "drawers/Drawer.h"
-#include "opengl/draw/DrawTarget.h"
+#include "drawlist/DrawList.h"
 
-namespace opengl {
+namespace drawlist {
 
 /// What a primitive left in the drawing before this one, to be taken over instead of being worked out again.
 /// The primitive compares what only itself knows.
-class Kept {
+class RetainedRange {
 public:
     /// Begins a primitive. Whether all that decides its triangles, besides what it compares itself, is as in
     /// the drawing before.
-    bool begin(const DrawTarget& target, const drawer::Drawer& drawer, const glm::vec4& color) {
-        const Key key{
-            drawer.mPosition,    drawer.mSize,        drawer.mTranslation,  color,
-            target.batch.clip(), target.shape.mWidth, target.shape.mHeight, target.glyphs.emptied()};
-        const bool isSame = mDrawing + 1 == target.drawing && key == mKey;
+    bool begin(const DrawList& list, const drawer::Drawer& drawer, const glm::vec4& color) {
+        const Key key{drawer.mPosition,  drawer.mSize,      drawer.mTranslation, color,
+                      list.batch.clip(), list.shape.mWidth, list.shape.mHeight,  list.glyphs.emptied()};
+        const bool isSame = mDrawing + 1 == list.drawing && key == mKey;
         mKey = key;
-        mDrawing = target.drawing;
+        mDrawing = list.drawing;
         return isSame;
     }
 
@@ -60,4 +59,4 @@ private:
     unsigned int mDrawing = 0;
 };
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -1,13 +1,13 @@
-#include "opengl/draw/Batch.h"
+#include "drawlist/Batch.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
 
-#include "opengl/draw/GlyphCache.h"
+#include "drawlist/GlyphCache.h"
 
-namespace opengl {
+namespace drawlist {
 
 namespace {
 
@@ -95,22 +95,22 @@ std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t cou
 
 }  // namespace
 
-Ink::Ink(const glm::vec4& color)
+Paint::Paint(const glm::vec4& color)
     : mFull{toByte(cut(color.r, 1.0F) * FULL_COLOR), toByte(cut(color.g, 1.0F) * FULL_COLOR),
             toByte(cut(color.b, 1.0F) * FULL_COLOR), 0},
       mAlpha(cut(color.a, 1.0F) * FULL_COLOR) {
     mFull[3] = toByte(mAlpha);
 }
 
-std::uint8_t Ink::alphaOf(float coverage) const {
+std::uint8_t Paint::alphaOf(float coverage) const {
     return toByte(cut(coverage, 1.0F) * mAlpha);
 }
 
-Ink Ink::fainter(float factor) const {
-    Ink ink = *this;
-    ink.mAlpha *= cut(factor, 1.0F);
-    ink.mFull[3] = toByte(ink.mAlpha);
-    return ink;
+Paint Paint::fainter(float factor) const {
+    Paint paint = *this;
+    paint.mAlpha *= cut(factor, 1.0F);
+    paint.mFull[3] = toByte(paint.mAlpha);
+    return paint;
 }
 
 void Batch::begin(const raster::PixelRect& surface) {
@@ -156,7 +156,7 @@ void Batch::addQuad(const raster::PixelRect& pixels, const Texels& texels,
 }
 
 template <class TexelsOf>
-void Batch::addPieces(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip,
+void Batch::addPieces(const raster::Box& box, const Paint& paint, const raster::PixelRect& clip,
                       TexelsOf texelsOf) {
     const raster::PixelRect touched = raster::touchedPixels(box, clip);
     if (touched.isEmpty()) {
@@ -166,7 +166,7 @@ void Batch::addPieces(const raster::Box& box, const Ink& ink, const raster::Pixe
     const Pieces rows(box.mTop, box.mBottom, touched.mTop, touched.mBottom);
     for (const Pieces::Piece& row : rows) {
         for (const Pieces::Piece& column : columns) {
-            const std::array<std::uint8_t, 4> color = ink.covering(row.mCoverage * column.mCoverage);
+            const std::array<std::uint8_t, 4> color = paint.covering(row.mCoverage * column.mCoverage);
             if (color[3] != 0) {
                 const raster::PixelRect pixels{column.mFirst, row.mFirst, column.mEnd, row.mEnd};
                 addQuad(pixels, texelsOf(pixels), color);
@@ -175,38 +175,39 @@ void Batch::addPieces(const raster::Box& box, const Ink& ink, const raster::Pixe
     }
 }
 
-void Batch::addRect(const raster::Box& box, const Ink& ink, const raster::PixelRect& clip) {
-    if (ink.isVisible()) {
+void Batch::addRect(const raster::Box& box, const Paint& paint, const raster::PixelRect& clip) {
+    if (paint.isVisible()) {
         constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
-        addPieces(box, ink, clip, [](const raster::PixelRect&) {
+        addPieces(box, paint, clip, [](const raster::PixelRect&) {
             return Texels{SOLID, SOLID, SOLID, SOLID};
         });
     }
 }
 
-void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Ink& ink) {
+void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Paint& paint) {
     const raster::PixelRect seen = raster::intersect(pixels, mClip);
-    if (seen.isEmpty() || !ink.isVisible()) {
+    if (seen.isEmpty() || !paint.isVisible()) {
         return;
     }
     const auto texel = [](int value) { return static_cast<std::uint16_t>(value); };
     addQuad(seen,
             {texel(u + seen.mLeft - pixels.mLeft), texel(v + seen.mTop - pixels.mTop),
              texel(u + seen.mRight - pixels.mLeft), texel(v + seen.mBottom - pixels.mTop)},
-            ink.covering(1.0F));
+            paint.covering(1.0F));
 }
 
-void Batch::addCorners(const Corner& a, const Corner& b, const Corner& c, const Ink& ink) {
+void Batch::addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint) {
     constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
     Vertex* const corners = grow(3);
-    corners[0] = {a.point.x, a.point.y, SOLID, SOLID, ink.covering(a.coverage)};
-    corners[1] = {b.point.x, b.point.y, SOLID, SOLID, ink.covering(b.coverage)};
-    corners[2] = {c.point.x, c.point.y, SOLID, SOLID, ink.covering(c.coverage)};
+    corners[0] = {a.point.x, a.point.y, SOLID, SOLID, paint.covering(a.coverage)};
+    corners[1] = {b.point.x, b.point.y, SOLID, SOLID, paint.covering(b.coverage)};
+    corners[2] = {c.point.x, c.point.y, SOLID, SOLID, paint.covering(c.coverage)};
 }
 
-void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Ink& ink, const Clip& clip) {
+void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Paint& paint,
+                        const Clip& clip) {
     if (clip.contains(a.point) && clip.contains(b.point) && clip.contains(c.point)) {
-        addCorners(a, b, c, ink);
+        addCorners(a, b, c, paint);
         return;
     }
     if (!isFinite(a) || !isFinite(b) || !isFinite(c) || !(clip.left < clip.right) ||
@@ -237,7 +238,7 @@ void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const
     }
     for (std::size_t i = 2; i < count; ++i) {
         if (isFinite(corners[0]) && isFinite(corners[i - 1]) && isFinite(corners[i])) {
-            addCorners(corners[0], corners[i - 1], corners[i], ink);
+            addCorners(corners[0], corners[i - 1], corners[i], paint);
         }
     }
 }
@@ -257,7 +258,7 @@ void Batch::addPicture(const raster::Box& box) {
             cut((static_cast<float>(pixel) - low) / length * FULL_TEXEL, FULL_TEXEL));
     };
     // The application's rows are counted from the bottom.
-    addPieces(box, Ink(glm::vec4(1.0F)), mClip, [&](const raster::PixelRect& pixels) {
+    addPieces(box, Paint(glm::vec4(1.0F)), mClip, [&](const raster::PixelRect& pixels) {
         const auto row = [&](int pixel) {
             return static_cast<std::uint16_t>(FULL_TEXEL - share(pixel, box.mTop, height));
         };
@@ -267,4 +268,4 @@ void Batch::addPicture(const raster::Box& box) {
     mPicture.mCount = mCount - mPicture.mFirst;
 }
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -1,8 +1,8 @@
-#include "opengl/draw/Polyline.h"
+#include "drawlist/Polyline.h"
 
 #include <algorithm>
 
-namespace opengl {
+namespace drawlist {
 
 namespace {
 
@@ -63,4 +63,4 @@ void appendSimplified(const glm::vec2* first, const glm::vec2* end, std::vector<
     points.push_back(end[-1]);
 }
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -1,11 +1,11 @@
-#include "opengl/draw/GraphFill.h"
+#include "drawlist/FillTessellator.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "opengl/draw/Polyline.h"
+#include "drawlist/Polyline.h"
 
-namespace opengl {
+namespace drawlist {
 
 namespace {
 
@@ -46,8 +46,8 @@ int columnAt(float x) {
 constexpr float SHORT_BORDER = 1.0F;
 
 /// The part between two points of the upper edge where it is neither steep nor near an edge of `clip`.
-bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Ink& ink,
-                    const raster::PixelRect& clip) {
+bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom,
+                    const Paint& paint, const raster::PixelRect& clip) {
     const float slope = (to.y - from.y) / (to.x - from.x);
     const float soft = 0.5F * std::sqrt(1.0F + slope * slope);
     const Clip area(clip);
@@ -64,18 +64,18 @@ bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, fl
     const Corner nextBelow{to + shift, 1.0F};
     const Corner foot{{from.x, lowest.y}, 1.0F};
     const Corner nextFoot{{to.x, lowest.y}, 1.0F};
-    batch.addTriangle(above, nextAbove, nextBelow, ink, area);
-    batch.addTriangle(above, nextBelow, below, ink, area);
-    batch.addTriangle(below, nextBelow, nextFoot, ink, area);
-    batch.addTriangle(below, nextFoot, foot, ink, area);
+    batch.addTriangle(above, nextAbove, nextBelow, paint, area);
+    batch.addTriangle(above, nextBelow, below, paint, area);
+    batch.addTriangle(below, nextBelow, nextFoot, paint, area);
+    batch.addTriangle(below, nextFoot, foot, paint, area);
     batch.addRect(
-        {static_cast<float>(columnAt(from.x)), lowest.y, static_cast<float>(columnAt(to.x)), bottom}, ink,
+        {static_cast<float>(columnAt(from.x)), lowest.y, static_cast<float>(columnAt(to.x)), bottom}, paint,
         clip);
     return true;
 }
 
 /// The part between two points of the upper edge, in the columns of `clip`.
-void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Ink& ink,
+void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Paint& paint,
               const raster::PixelRect& clip) {
     const float fromY = std::min(from.y, bottom);
     const float toY = std::min(to.y, bottom);
@@ -95,8 +95,8 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
         const auto corner = [](float x, float y, float coverage) { return Corner{{x, y}, coverage}; };
         const float deepest = static_cast<float>(ceilOf(low)) + soft;
         const auto addQuad = [&](const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
-            batch.addTriangle(a, b, c, ink, band);
-            batch.addTriangle(a, c, d, ink, band);
+            batch.addTriangle(a, b, c, paint, band);
+            batch.addTriangle(a, c, d, paint, band);
         };
         addQuad(corner(from.x, fromY - soft, 0.0F), corner(to.x, toY - soft, 0.0F),
                 corner(to.x, toY + soft, 1.0F), corner(from.x, fromY + soft, 1.0F));
@@ -109,20 +109,20 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
                             ? static_cast<float>(ceilOf(low))
                             : std::max(0.5F * (fromY + toY), static_cast<float>(wholeBottom));
     batch.addRect({static_cast<float>(columnAt(from.x)), below, static_cast<float>(columnAt(to.x)), bottom},
-                  ink, clip);
+                  paint, clip);
 }
 
 }  // namespace
 
-void GraphFill::draw(Batch& batch, const glm::vec2* points, std::size_t count, const Ink& ink,
-                     const raster::PixelRect& clip) {
-    if (clip.isEmpty() || !ink.isVisible()) {
+void FillTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t count, const Paint& paint,
+                           const raster::PixelRect& clip) {
+    if (clip.isEmpty() || !paint.isVisible()) {
         return;
     }
     if (!isUnderGraph(points, count)) {
         const Clip area(clip);
         for (std::size_t i = 2; i < count; ++i) {
-            batch.addTriangle({points[i - 2], 1.0F}, {points[i - 1], 1.0F}, {points[i], 1.0F}, ink, area);
+            batch.addTriangle({points[i - 2], 1.0F}, {points[i - 1], 1.0F}, {points[i], 1.0F}, paint, area);
         }
         return;
     }
@@ -146,7 +146,7 @@ void GraphFill::draw(Batch& batch, const glm::vec2* points, std::size_t count, c
         columns.mLeft = std::max(columns.mLeft, first);
         columns.mRight = std::min(columns.mRight, end);
         if (!columns.isEmpty()) {
-            drawColumns(batch, bottom, ink.fainter(raster::overlap(left, right, first)), columns);
+            drawColumns(batch, bottom, paint.fainter(raster::overlap(left, right, first)), columns);
         }
     };
     drawPart(floorOf(left), firstWhole);
@@ -154,17 +154,18 @@ void GraphFill::draw(Batch& batch, const glm::vec2* points, std::size_t count, c
     drawPart(endWhole, ceilOf(right));
 }
 
-void GraphFill::drawColumns(Batch& batch, float bottom, const Ink& ink, const raster::PixelRect& clip) const {
+void FillTessellator::drawColumns(Batch& batch, float bottom, const Paint& paint,
+                                  const raster::PixelRect& clip) const {
     for (std::size_t i = 1; i < mEdge.size(); ++i) {
         const glm::vec2& from = mEdge[i - 1];
         const glm::vec2& to = mEdge[i];
         if (to.x > from.x && to.x > static_cast<float>(clip.mLeft) &&
             from.x < static_cast<float>(clip.mRight)) {
-            if (!addGentleSlice(batch, from, to, bottom, ink, clip)) {
-                addSlice(batch, from, to, bottom, ink, clip);
+            if (!addGentleSlice(batch, from, to, bottom, paint, clip)) {
+                addSlice(batch, from, to, bottom, paint, clip);
             }
         }
     }
 }
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -1,4 +1,4 @@
-#include "opengl/draw/Curve.h"
+#include "drawlist/StrokeTessellator.h"
 
 #include <glm/geometric.hpp>
 
@@ -6,9 +6,9 @@
 #include <array>
 #include <cmath>
 
-#include "opengl/draw/Polyline.h"
+#include "drawlist/Polyline.h"
 
-namespace opengl {
+namespace drawlist {
 
 namespace {
 
@@ -30,12 +30,12 @@ glm::vec2 unit(const glm::vec2& vector, const glm::vec2& other) {
 
 }  // namespace
 
-void Curve::draw(Batch& batch, const glm::vec2* points, std::size_t count, float width, const Ink& ink,
-                 const raster::PixelRect& clip) {
-    if (clip.isEmpty() || !ink.isVisible()) {
+void StrokeTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t count, float width,
+                             const Paint& paint, const raster::PixelRect& clip) {
+    if (clip.isEmpty() || !paint.isVisible()) {
         return;
     }
-    const Target target{batch, ink, Clip(clip), std::max(0.5F * width - 0.5F, 0.0F), 0.5F * width + 0.5F};
+    const Target target{batch, paint, Clip(clip), std::max(0.5F * width - 0.5F, 0.0F), 0.5F * width + 0.5F};
     const glm::vec2* const end = points + count;
     while (points != end) {
         const glm::vec2* const first = std::find_if(points, end, isFinite);
@@ -48,7 +48,7 @@ void Curve::draw(Batch& batch, const glm::vec2* points, std::size_t count, float
     }
 }
 
-void Curve::drawRun(const Target& target) {
+void StrokeTessellator::drawRun(const Target& target) {
     mSegments.clear();
     mTurns.clear();
     std::size_t kept = 0;
@@ -103,13 +103,13 @@ void Curve::drawRun(const Target& target) {
 
 /// How much of a segment the inner corner of a joint may take: a joint at the other end that turns the same
 /// way takes its own half.
-float Curve::roomAt(std::size_t segment, bool isStart, float turn) const {
+float StrokeTessellator::roomAt(std::size_t segment, bool isStart, float turn) const {
     const float otherTurn = mTurns[isStart ? segment + 1 : segment];
     const bool isShared = otherTurn * turn > 0.0F;
     return mSegments[segment].length * (isShared ? 0.5F : 1.0F);
 }
 
-void Curve::join(const Target& target, std::size_t index) {
+void StrokeTessellator::join(const Target& target, std::size_t index) {
     Segment& before = mSegments[index - 1];
     Segment& after = mSegments[index];
     const glm::vec2& point = mPoints[index];
@@ -142,8 +142,8 @@ void Curve::join(const Target& target, std::size_t index) {
 
 /// From one direction over another to a third around `center`; what is covered fully spans from there to
 /// `hub`.
-void Curve::addArc(const Target& target, const glm::vec2& center, const glm::vec2& hub, const glm::vec2& from,
-                   const glm::vec2& middle, const glm::vec2& to) {
+void StrokeTessellator::addArc(const Target& target, const glm::vec2& center, const glm::vec2& hub,
+                               const glm::vec2& from, const glm::vec2& middle, const glm::vec2& to) {
     const std::array<glm::vec2, 5> directions = {from, unit(from + middle, middle), middle,
                                                  unit(middle + to, middle), to};
     const std::size_t step = glm::dot(from, to) > 0.0F ? 2 : 1;  // a quarter of a circle needs half of them
@@ -153,17 +153,17 @@ void Curve::addArc(const Target& target, const glm::vec2& center, const glm::vec
         const Corner border{center + target.reach * directions[i - step], 0.0F};
         const Corner nextBorder{center + target.reach * directions[i], 0.0F};
         if (target.core > 0.0F) {
-            target.batch.addTriangle({hub, 1.0F}, core, nextCore, target.ink, target.clip);
-            target.batch.addTriangle(core, nextBorder, nextCore, target.ink, target.clip);
+            target.batch.addTriangle({hub, 1.0F}, core, nextCore, target.paint, target.clip);
+            target.batch.addTriangle(core, nextBorder, nextCore, target.paint, target.clip);
         }
-        target.batch.addTriangle(core, border, nextBorder, target.ink, target.clip);
+        target.batch.addTriangle(core, border, nextBorder, target.paint, target.clip);
     }
 }
 
-void Curve::addBody(const Target& target, const Section& start, const Section& end) {
+void StrokeTessellator::addBody(const Target& target, const Section& start, const Section& end) {
     const auto addQuad = [&target](const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
-        target.batch.addTriangle(a, b, c, target.ink, target.clip);
-        target.batch.addTriangle(a, c, d, target.ink, target.clip);
+        target.batch.addTriangle(a, b, c, target.paint, target.clip);
+        target.batch.addTriangle(a, c, d, target.paint, target.clip);
     };
     if (target.core > 0.0F) {
         addQuad({start.core[0], 1.0F}, {end.core[0], 1.0F}, {end.core[1], 1.0F}, {start.core[1], 1.0F});
@@ -174,4 +174,4 @@ void Curve::addBody(const Target& target, const Section& start, const Section& e
     }
 }
 
-}  // namespace opengl
+}  // namespace drawlist

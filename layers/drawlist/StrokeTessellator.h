@@ -5,19 +5,19 @@
 #include <cstddef>
 #include <vector>
 
-#include "opengl/draw/Batch.h"
+#include "drawlist/Batch.h"
 #include "raster/Geometry.h"
 
-namespace opengl {
+namespace drawlist {
 
 /// Turns a line through points into triangles: a core that covers its pixels, and a border one pixel wide
 /// over which the coverage falls to nothing, with round joints and ends. Nothing is covered twice. Keeps its
 /// memory from use to use.
-class Curve {
+class StrokeTessellator {
 public:
     /// `count` points in surface pixels, `width` (at least 1) in pixels. Where a point is not finite there is
     /// a gap. Nothing reaches out of `clip`, which lies inside the batch's own clip.
-    void draw(Batch& batch, const glm::vec2* points, std::size_t count, float width, const Ink& ink,
+    void draw(Batch& batch, const glm::vec2* points, std::size_t count, float width, const Paint& paint,
               const raster::PixelRect& clip);
 
 private:
@@ -35,7 +35,7 @@ private:
     /// Where everything goes.
     struct Target {
         Batch& batch;
-        const Ink& ink;
+        const Paint& paint;
         Clip clip{{}};
         float core = 0.0F;   ///< half width of what is covered fully
         float reach = 0.0F;  ///< half width of what is covered at all
@@ -53,4 +53,4 @@ private:
     std::vector<float> mTurns;  ///< at each point: more than 0 to the right, less to the left
 };
 
-}  // namespace opengl
+}  // namespace drawlist

@@ -1,10 +1,10 @@
-#include "opengl/draw/DrawTarget.h"
+#include "drawlist/DrawList.h"
 
 #include <algorithm>
 
-namespace opengl {
+namespace drawlist {
 
-void DrawTarget::setSize(int width, int height) {
+void DrawList::setSize(int width, int height) {
     const auto side = [](int pixels) { return static_cast<std::uint32_t>(std::max(pixels, 0)); };
     if (side(width) == shape.mWidth && side(height) == shape.mHeight) {
         return;
@@ -13,16 +13,16 @@ void DrawTarget::setSize(int width, int height) {
     isDrawn = false;
 }
 
-void DrawTarget::forget() {
+void DrawList::forget() {
     isDrawn = false;
     glyphs.forget();
 }
 
-void DrawTarget::begin() {
+void DrawList::begin() {
     batch.begin(shape.all());
     glyphs.begin(shape);
     isDrawn = true;
     ++drawing;
 }
 
-}  // namespace opengl
+}  // namespace drawlist
