@@ -7,7 +7,6 @@ namespace core {
 
 namespace {
 
-constexpr int MALI = 0;
 constexpr int VENDOR_COUNT = 2;
 constexpr int DEVICE_COUNT = 9;
 
@@ -42,19 +41,20 @@ std::uint64_t StateInfo::getCPUFixClock() {
 }
 
 std::uint64_t StateInfo::getGPUFixClock() {
-    const bool isInKHz = mVendor == MALI && checkGPUClockUnit() && mIsGpuClockKHz;
+    const bool isInKHz = mVendor == utils::MALI && checkGPUClockUnit() && mIsGpuClockKHz;
     return clocksOfDevice(mVendor).gpu * (isInKHz ? 1000 : 1);
 }
 
 void StateInfo::fixClock() {
     const std::uint64_t cpuClock = getCPUFixClock();
     const std::uint64_t gpuClock = getGPUFixClock();
-    mFixClockState.store(Ostra::fixClock(cpuClock, gpuClock) ? 1 : 2, std::memory_order_relaxed);
+    const bool isFixed = Ostra::fixClock(cpuClock, gpuClock);
+    mFixClockState.store(isFixed ? CLOCKS_FIXED : CLOCKS_REFUSED, std::memory_order_relaxed);
 }
 
 void StateInfo::unfixClock() {
     Ostra::unfixClock();
-    mFixClockState.store(0, std::memory_order_relaxed);
+    mFixClockState.store(CLOCKS_RELEASED, std::memory_order_relaxed);
 }
 
 int StateInfo::getFixClockState() {

@@ -2,14 +2,6 @@
 
 namespace core {
 
-namespace {
-
-constexpr int NOT_INITIALISED = 0;
-constexpr int READY = 1;
-constexpr int UNAVAILABLE = 3;
-
-}  // namespace
-
 HWcounter::HWcounter() : mState(NOT_INITIALISED) {}
 
 HWcounter::~HWcounter() {

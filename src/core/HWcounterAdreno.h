@@ -11,6 +11,10 @@ namespace core {
 /// What a ready source owes its user is said at each operation. One thread at a time may use the object.
 class KORDANIX_EXPORT HWcounter {
 public:
+    static constexpr int NOT_INITIALISED = 0;
+    static constexpr int READY = 1;
+    static constexpr int UNAVAILABLE = 3;
+
     HWcounter();
 
     /// As deInit().
@@ -36,7 +40,7 @@ public:
     /// Offset of the monotonic from the real-time clock, for the other layers. Whether it is known.
     bool getRealtimeMonotonictimeDiff(unsigned long long* diff);
 
-    int mState;  ///< 0 not initialised, 1 ready, 3 unavailable
+    int mState;  ///< one of the three; any other number counts as not initialised
 };
 
 }  // namespace core

@@ -1,14 +1,13 @@
 #include "core/HWcounterThread.h"
 
+#include "utils/Thread.h"
 #include "utils/Time.h"
+
+#include <exception>
 
 namespace core {
 
 namespace {
-
-constexpr int NOT_INITIALISED = 0;
-constexpr int READY = 1;
-constexpr int UNAVAILABLE = 3;
 
 constexpr std::uint32_t MIN_STEP_US = 500;
 
@@ -74,7 +73,7 @@ void HWcounterThread::startCapturing(unsigned long durationMs) {
     mIsCapturing.store(true, std::memory_order_relaxed);
     mCaptureDurationUs = static_cast<std::uint32_t>(durationMs * 1000);
     try {
-        mThread = std::thread(&HWcounterThread::threadFunction, this);
+        mThread = utils::startThread("kordanix-gpu", [this] { threadFunction(); });
     } catch (...) {
         mIsStopRequested.store(true, std::memory_order_relaxed);
         mIsCapturing.store(false, std::memory_order_relaxed);
@@ -134,13 +133,22 @@ void HWcounterThread::getRealtimeMonotonictimeDiff(unsigned long long* diff) {
 }
 
 void HWcounterThread::threadFunction() {
+    try {
+        sample();
+    } catch (const std::exception&) {
+        // No memory for another sample: the capture ends with those that both series have.
+        mCaptureVertexActivity.resize(mCaptureFragmentActivity.size());
+    }
+    mIsCapturing.store(false, std::memory_order_release);
+}
+
+void HWcounterThread::sample() {
     if (mInitState.load(std::memory_order_acquire) != READY) {
         init();
     }
     if (mInitState.load(std::memory_order_acquire) != READY) {
         clearCapture();
         mIsStopRequested.store(true, std::memory_order_relaxed);
-        mIsCapturing.store(false, std::memory_order_release);
         return;
     }
     std::uint32_t last = utils::getUtcTime_usec();
@@ -164,7 +172,6 @@ void HWcounterThread::threadFunction() {
         takeSample();
         last = now;
     }
-    mIsCapturing.store(false, std::memory_order_release);
 }
 
 void HWcounterThread::takeSample() {

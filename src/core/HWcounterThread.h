@@ -64,7 +64,7 @@ public:
     void getCpuGpuTimeDiff(unsigned long long* diff);
     void getRealtimeMonotonictimeDiff(unsigned long long* diff);
 
-    /// Body of the sampling thread.
+    /// Body of the sampling thread. A capture for which memory runs out ends early.
     void threadFunction();
 
     /// What init() of the source returned. Set with release order on the sampling thread, so that whoever
@@ -101,7 +101,12 @@ private:
     void clearPublished();
     void clearCapture();
 
-    /// On the sampling thread: asks the source for a sample and keeps it.
+    // On the sampling thread.
+
+    /// The capture, from the source's initialisation to its last sample.
+    void sample();
+
+    /// Asks the source for a sample and keeps it.
     void takeSample();
 };
 

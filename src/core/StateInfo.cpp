@@ -5,6 +5,8 @@
 #include <ostra/Ostra.h>
 
 #include <mutex>
+#include <new>
+#include <utility>
 
 namespace core {
 
@@ -26,7 +28,7 @@ void endDumpAndReleaseClocks() {
 
 }  // namespace
 
-int StateInfo::mVendor = 2;
+int StateInfo::mVendor = utils::UNKNOWN_VENDOR;
 bool StateInfo::mIsWidgetsUpdated = true;
 bool StateInfo::mIsGpuClockKHz = false;
 float StateInfo::mMaxGpuClock = 0.0F;
@@ -35,14 +37,47 @@ bool StateInfo::mIsNeedToResetFps = false;
 std::uint64_t StateInfo::mFrameNumber = 0;
 std::atomic<bool> StateInfo::mIsDumpingEnabled{false};
 
-SysProp<bool>& StateInfo::mStatusProp = SysPropWatcher::createSysProp<bool>("debug.kordanix.status", false);
-SysProp<bool>& StateInfo::mDevModeProp = SysPropWatcher::createSysProp<bool>("debug.kordanix.devmode", false);
-SysProp<bool>& StateInfo::mFixClockProp =
-    SysPropWatcher::createSysProp<bool>("debug.kordanix.fixclock", false);
+// The control properties are there before anything else of the library is initialised, whatever the order in
+// which it was linked: a source of counters may ask for one while it is loaded. So the references are bound
+// to room that the compiler sets aside, and a constructor that comes before all initialisers fills it.
+
+namespace {
+
+template <typename T>
+struct Room {
+    alignas(SysProp<T>) unsigned char bytes[sizeof(SysProp<T>)];
+};
+
+Room<bool> gStatus;
+Room<bool> gDevMode;
+Room<bool> gFixClock;
+Room<RenderingApiType> gRenderApi;
+Room<std::string> gDebugProcessName;
+
+template <typename T>
+void create(SysProp<T>& prop, const char* name, T defaultValue = {}) {
+    SysPropWatcher::addSysProp(*::new (&prop) SysProp<T>(name, std::move(defaultValue)));
+}
+
+constexpr int BEFORE_ALL_INITIALISERS = 101;
+
+[[gnu::constructor(BEFORE_ALL_INITIALISERS)]] void createControlProperties() {
+    create(StateInfo::mStatusProp, "debug.kordanix.status");
+    create(StateInfo::mDevModeProp, "debug.kordanix.devmode");
+    create(StateInfo::mFixClockProp, "debug.kordanix.fixclock");
+    create(StateInfo::mRenderApiProp, "debug.kordanix.api");
+    create(StateInfo::mDebugProcessNameProp, "debug.kordanix.proc");
+}
+
+}  // namespace
+
+SysProp<bool>& StateInfo::mStatusProp = reinterpret_cast<SysProp<bool>&>(gStatus);
+SysProp<bool>& StateInfo::mDevModeProp = reinterpret_cast<SysProp<bool>&>(gDevMode);
+SysProp<bool>& StateInfo::mFixClockProp = reinterpret_cast<SysProp<bool>&>(gFixClock);
 SysProp<RenderingApiType>& StateInfo::mRenderApiProp =
-    SysPropWatcher::createSysProp<RenderingApiType>("debug.kordanix.api", static_cast<RenderingApiType>(0));
+    reinterpret_cast<SysProp<RenderingApiType>&>(gRenderApi);
 SysProp<std::string>& StateInfo::mDebugProcessNameProp =
-    SysPropWatcher::createSysProp<std::string>("debug.kordanix.proc", {});
+    reinterpret_cast<SysProp<std::string>&>(gDebugProcessName);
 
 StateInfo::StateInfo() {
     init();

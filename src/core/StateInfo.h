@@ -148,7 +148,8 @@ public:
 
     static void unfixClock();
 
-    /// 0 released, 1 fixed, 2 the last request failed.
+    enum : int { CLOCKS_RELEASED = 0, CLOCKS_FIXED = 1, CLOCKS_REFUSED = 2 };
+
     static int getFixClockState();
 
     // --- Thin wrappers of the C library's file operations, for the layers ---
@@ -159,7 +160,7 @@ public:
 
     // --- State of the process ---
 
-    static int mVendor;                          ///< 0 Mali, 1 Adreno, 2 unknown; set by init()
+    static int mVendor;                          ///< a utils::Vendor; set by init()
     static bool mIsWidgetsUpdated;               ///< the settings changed in this frame; true at load
     static bool mIsGpuClockKHz;                  ///< the GPU's clock files count in kHz rather than MHz
     static float mMaxGpuClock;                   ///< highest clock of the frequency table, in MHz

@@ -1,10 +1,14 @@
 #include "core/SysPropWatcher.h"
 
+#include "utils/Thread.h"
+
 #include <sys/system_properties.h>
 
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <exception>
+#include <functional>
 #include <thread>
 #include <vector>
 
@@ -27,6 +31,12 @@ Registry& registry() {
 
 std::atomic<bool> gIsWatcherStarted{false};
 
+// A property's text found no room in memory; relaxed order, only looked at under the registry mutex.
+std::atomic<bool> gIsReadIncomplete{false};
+
+/// After which the watcher tries again what it found no memory for.
+constexpr std::chrono::milliseconds RETRY_PERIOD(100);
+
 /// Needs the registry mutex.
 void readAll(const Registry& all) {
     for (SysPropBase* const prop : all.mProps) {
@@ -45,6 +55,22 @@ const prop_info* waitUntilFound(const std::string& name, std::chrono::millisecon
     }
 }
 
+/// Re-reads everything and runs the listeners. False when there was no memory for a part of it.
+bool takeOverPublication() {
+    Registry& all = registry();
+    const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
+    gIsReadIncomplete.store(false, std::memory_order_relaxed);
+    readAll(all);
+    try {
+        for (const std::function<void()>& listener : all.mListeners) {
+            listener();
+        }
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return !gIsReadIncomplete.load(std::memory_order_relaxed);
+}
+
 [[noreturn]] void watch(const std::string& generationName, std::chrono::milliseconds period) {
     const prop_info* const generation = waitUntilFound(generationName, period);
     // No property has serial 0, so the first wait returns at once.
@@ -52,11 +78,8 @@ const prop_info* waitUntilFound(const std::string& name, std::chrono::millisecon
     for (;;) {
         while (!__system_property_wait(generation, serial, &serial, nullptr)) {
         }
-        Registry& all = registry();
-        const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
-        readAll(all);
-        for (const std::function<void()>& listener : all.mListeners) {
-            listener();
+        while (!takeOverPublication()) {
+            std::this_thread::sleep_for(RETRY_PERIOD);
         }
     }
 }
@@ -82,7 +105,12 @@ void SysPropBase::read() {
     __system_property_read_callback(
         mPropInfo,
         [](void* cookie, const char* /*name*/, const char* value, std::uint32_t /*serial*/) {
-            static_cast<SysPropBase*>(cookie)->parseAndSetValue(value);
+            // The platform's code lies in between: no exception may pass through it.
+            try {
+                static_cast<SysPropBase*>(cookie)->parseAndSetValue(value);
+            } catch (const std::bad_alloc&) {
+                gIsReadIncomplete.store(true, std::memory_order_relaxed);
+            }
         },
         this);
 }
@@ -127,7 +155,9 @@ void SysPropWatcher::init(std::string generationName, std::chrono::milliseconds 
         return;
     }
     try {
-        registry().mWatcherThread = std::thread(watch, std::move(generationName), period);
+        registry().mWatcherThread = utils::startThread(
+            "kordanix-watch",
+            [generationName = std::move(generationName), period] { watch(generationName, period); });
     } catch (...) {
         gIsWatcherStarted = false;
         throw;
@@ -146,11 +176,10 @@ void SysPropWatcher::addPropChangedListener(std::function<void()> listener) {
     all.mListeners.push_back(std::move(listener));
 }
 
-void SysPropWatcher::readAndRegister(std::unique_ptr<SysPropBase> prop) {
+void SysPropWatcher::addSysProp(SysPropBase& prop) {
     // Read before it is registered, so that the watcher thread never meets it half made.
-    prop->read();
+    prop.read();
     Registry& all = registry();
     const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
-    all.mProps.push_back(prop.get());
-    prop.release();  // NOLINT(bugprone-unused-return-value): lives as long as the process
+    all.mProps.push_back(&prop);
 }

@@ -102,10 +102,12 @@ public:
     template <typename T>
     static SysProp<T>& createSysProp(std::string name, T defaultValue) {
         auto prop = std::make_unique<SysProp<T>>(std::move(name), std::move(defaultValue));
-        SysProp<T>& result = *prop;
-        readAndRegister(std::move(prop));
-        return result;
+        addSysProp(*prop);
+        return *prop.release();
     }
+
+    /// The same for a property that its caller has made and never destroys.
+    static void addSysProp(SysPropBase& prop);
 
     /// Starts the watcher thread on the first call; later calls do nothing. Until the generation property
     /// exists the thread looks for it once per period, first after one period; when it has found it, one
@@ -126,9 +128,6 @@ public:
     static std::mutex& mRegistryMutex;                      ///< guards the two lists; not recursive
     static std::vector<SysPropBase*>& mProps;               ///< in order of creation
     static std::vector<std::function<void()>>& mListeners;  ///< in order of registration
-
-private:
-    static void readAndRegister(std::unique_ptr<SysPropBase> prop);
 };
 
 /// The number that the text begins with, after blanks, as described for SysProp<int>.

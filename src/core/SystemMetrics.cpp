@@ -1,5 +1,7 @@
 #include "core/StateInfo.h"
 #include "utils/File.h"
+#include "utils/PlainNumbers.h"
+#include "utils/SystemInfoHelper.h"
 
 #include <algorithm>
 #include <atomic>
@@ -89,12 +91,12 @@ bool StateInfo::checkGPUClockUnit() {
 
 float StateInfo::getGPUTemperature() {
     const File file("/sys/kernel/gpu/gpu_tmu");
+    const utils::PlainNumbers plain;
     float value = 0.0F;
     if (!file || std::fscanf(file.get(), "%f ", &value) != 1 || !std::isfinite(value)) {
         return UNREADABLE;
     }
-    constexpr int ADRENO = 1;
-    return mVendor == ADRENO ? static_cast<float>(value * 0.1) : value;
+    return mVendor == utils::ADRENO ? static_cast<float>(value * 0.1) : value;
 }
 
 float StateInfo::getCurrentCPUUsage(double elapsed) {

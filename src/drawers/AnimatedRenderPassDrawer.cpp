@@ -1,13 +1,13 @@
 #include "drawers/AnimatedRenderPassDrawer.h"
 
+#include "utils/StringFormat.h"
+#include "utils/Time.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
 #include <utility>
-
-#include "utils/StringFormat.h"
-#include "utils/Time.h"
 
 namespace drawer {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstdint>
-
 #include "drawers/RenderPassDrawer.h"
 #include "utils/Export.h"
+
+#include <cstdint>
 
 namespace drawer {
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include "gui/LayoutDef.h"
+#include "utils/Export.h"
+
 #include <ostra/Ostra.h>
-#include <cstdint>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 
-#include "gui/LayoutDef.h"
-#include "utils/Export.h"
+#include <cstdint>
 
 namespace gui {
 

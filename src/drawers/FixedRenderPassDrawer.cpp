@@ -1,11 +1,11 @@
 #include "drawers/FixedRenderPassDrawer.h"
 
+#include "utils/Log.h"
+#include "utils/StringFormat.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-#include "utils/Log.h"
-#include "utils/StringFormat.h"
 
 namespace drawer {
 

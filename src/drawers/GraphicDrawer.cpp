@@ -1,11 +1,11 @@
 #include "drawers/GraphicDrawer.h"
 
+#include "gui/WidgetsSettings.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
-
-#include "gui/WidgetsSettings.h"
 
 namespace drawer {
 
@@ -15,6 +15,9 @@ namespace {
 constexpr float EVEN_SAMPLE_LIFT = 0.00004F;
 
 constexpr float BOTTOM = 1.0F;
+
+/// The encoding of a dumped value that is a float; the others are whole numbers.
+constexpr std::uint32_t FRACTION = 1;
 
 /// Heights are computed this many at a time, apart from the vertices they go into: such a loop the compilers
 /// turn into vector instructions.
@@ -82,7 +85,7 @@ void GraphicDrawer::dump(Ostra::FrameDump& frameDump) {
         return;
     }
     const float newest = mValues.back();
-    if (gui::gWidgetsMeta[slot].valueType == 1) {
+    if (gui::gWidgetsMeta[slot].valueType == FRACTION) {
         frameDump.values[slot].floatValue = newest;
     } else {
         frameDump.values[slot].intValue = toUint64(newest);

@@ -1,15 +1,16 @@
 #pragma once
 
-#include <cstdint>
-#include <glm/vec4.hpp>
-#include <memory>
-#include <vector>
-
 #include "drawers/Drawer.h"
 #include "drawers/GridDrawer.h"
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace drawer {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <memory>
-
 #include "drawers/Drawer.h"
 #include "drawers/MeshDrawer.h"
 #include "utils/Export.h"
+
+#include <memory>
 
 namespace drawer {
 

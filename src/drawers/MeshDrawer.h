@@ -1,10 +1,11 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-#include <vector>
-
 #include "drawers/Drawer.h"
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
+
+#include <vector>
 
 namespace gui {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-
 #include "drawers/Drawer.h"
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
 
 namespace drawer {
 

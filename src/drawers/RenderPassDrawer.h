@@ -1,14 +1,15 @@
 #pragma once
 
-#include <cstdint>
-#include <glm/vec4.hpp>
-#include <memory>
-#include <vector>
-
 #include "drawers/Drawer.h"
 #include "drawers/TextblockDrawer.h"
 #include "gui/FrameData.h"
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace drawer {
 

@@ -1,8 +1,8 @@
 #include "drawers/RenderPassInfoDrawer.h"
 
-#include <utility>
-
 #include "utils/StringFormat.h"
+
+#include <utility>
 
 namespace drawer {
 

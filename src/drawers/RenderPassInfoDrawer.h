@@ -1,12 +1,13 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-#include <memory>
-
 #include "drawers/Drawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
+
+#include <memory>
 
 namespace drawer {
 

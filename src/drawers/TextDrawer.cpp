@@ -1,11 +1,11 @@
 #include "drawers/TextDrawer.h"
 
+#include "utils/Log.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
-
-#include "utils/Log.h"
 
 namespace drawer {
 

@@ -1,15 +1,16 @@
 #pragma once
 
-#include <cstdint>
+#include "drawers/Drawer.h"
+#include "gui/GlyphAtlas.h"
+#include "utils/Export.h"
+
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 #include <glm/vec4.hpp>
-#include <string>
 
-#include "drawers/Drawer.h"
-#include "gui/GlyphAtlas.h"
-#include "utils/Export.h"
+#include <cstdint>
+#include <string>
 
 namespace gui {
 

@@ -1,15 +1,16 @@
 #pragma once
 
-#include <cstdint>
-#include <glm/vec4.hpp>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "drawers/Drawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace drawer {
 

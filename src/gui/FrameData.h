@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "gui/RenderPassData.h"
 #include "utils/Export.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace gui {
 

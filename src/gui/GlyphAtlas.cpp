@@ -1,9 +1,9 @@
 #include "gui/GlyphAtlas.h"
 
-#include <glm/gtc/matrix_transform.hpp>
-
 #include "gui/EmbeddedFont.h"
 #include "utils/Log.h"
+
+#include <glm/gtc/matrix_transform.hpp>
 
 namespace gui {
 namespace {

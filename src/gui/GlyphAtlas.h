@@ -1,11 +1,12 @@
 #pragma once
 
-#include <cstdint>
+#include "utils/Export.h"
+
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
-#include <map>
 
-#include "utils/Export.h"
+#include <cstdint>
+#include <map>
 
 namespace gui {
 

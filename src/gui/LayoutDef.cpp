@@ -1,8 +1,8 @@
 #include "gui/LayoutDef.h"
 
-#include <iterator>
-
 #include "gui/LayoutManager.h"
+
+#include <iterator>
 
 namespace gui {
 

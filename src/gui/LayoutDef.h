@@ -1,10 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <glm/vec4.hpp>
-#include <vector>
-
 #include "utils/Export.h"
+
+#include <glm/vec4.hpp>
+
+#include <cstdint>
+#include <vector>
 
 namespace gui {
 

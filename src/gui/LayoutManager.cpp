@@ -1,9 +1,9 @@
 #include "gui/LayoutManager.h"
 
-#include <algorithm>
-
 #include "drawers/Drawer.h"
 #include "gui/WidgetsSettings.h"
+
+#include <algorithm>
 
 namespace gui {
 namespace {

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-#include <list>
-#include <vector>
-
 #include "gui/LayoutDef.h"
 #include "utils/Export.h"
+
+#include <glm/vec2.hpp>
+
+#include <list>
+#include <vector>
 
 namespace drawer {
 class Drawer;

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "utils/Export.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "utils/Export.h"
 
 namespace gui {
 

@@ -1,7 +1,10 @@
 #include "gui/WidgetsSettings.h"
 
+#include "utils/Time.h"
+
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <type_traits>
 
 namespace gui {
@@ -17,7 +20,14 @@ constexpr std::uint32_t RED = 0xFFFF0000;
 constexpr std::uint32_t YELLOW = 0xFFFFFF00;
 
 constexpr int DEFAULT_TRANSPARENCY = 128;
+/// How often the watcher looks for the generation property until it exists, and how often a watcher is asked
+/// for until there is one.
 constexpr std::chrono::milliseconds WATCHER_PERIOD(1000);
+
+// What load() still has to get hold of. Rendering thread only.
+bool gNeedsListener = false;
+bool gNeedsWatcher = false;
+std::uint32_t gLastRequestMs = 0;
 
 SysProp<bool>& createSwitch(const char* name, bool defaultValue) {
     return SysPropWatcher::createSysProp<bool>(name, defaultValue);
@@ -37,6 +47,29 @@ glm::vec4 toColor(int value, float alpha) {
         return static_cast<float>((argb >> shift) & 255U) / 255.0F;
     };
     return {component(16), component(8), component(0), alpha};
+}
+
+void startWatching() {
+    gLastRequestMs = utils::getUtcTime_msec();
+    if (gNeedsListener) {
+        // Release: who sees the flag sees the values that the watcher read before it ran its listeners.
+        SysPropWatcher::addPropChangedListener(
+            [] { WidgetsSettings::wasChanged.store(true, std::memory_order_release); });
+        gNeedsListener = false;
+    }
+    SysPropWatcher::init(WidgetsSettings::propToWatchName, WATCHER_PERIOD);
+    gNeedsWatcher = false;
+}
+
+void askForWatcherAgain() {
+    if (utils::getUtcTime_msec() - gLastRequestMs < WATCHER_PERIOD.count()) {
+        return;
+    }
+    try {
+        startWatching();
+    } catch (const std::exception&) {
+        // The caller was told the first time. Frames go on with the settings there are.
+    }
 }
 
 }  // namespace
@@ -131,9 +164,11 @@ glm::vec4 WidgetsSettings::Widgets::bgColor() const {
 bool WidgetsSettings::load() {
     if (!isInited) {
         isInited = true;
-        // Release: who sees the flag sees the values that the watcher read before it ran its listeners.
-        SysPropWatcher::addPropChangedListener([] { wasChanged.store(true, std::memory_order_release); });
-        SysPropWatcher::init(propToWatchName, WATCHER_PERIOD);
+        gNeedsListener = true;
+        gNeedsWatcher = true;
+        startWatching();
+    } else if (gNeedsWatcher) {
+        askForWatcherAgain();
     }
     // Almost every frame finds the flag clear; a plain load keeps the exchange's locked instruction out of
     // it.
@@ -148,19 +183,31 @@ WidgetsSettings::Widgets& WidgetsSettings::getWidgets() {
     return widgets;
 }
 
+namespace {
+
+enum Encoding : std::uint32_t { WHOLE = 0, FRACTION = 1, BYTES = 2 };
+
+std::vector<Ostra::DumpWidgetMeta>* makeWidgetsMeta() {
+    static constexpr struct {
+        const char* name;
+        Encoding valueType;
+        std::uint32_t flag;
+    } ROWS[] = {
+        {"Fps", FRACTION, 1},        {"FpsMedian", FRACTION, 0},          {"FpsStability(%)", FRACTION, 0},
+        {"CpuLoad(%)", FRACTION, 1}, {"GpuLoad(%)", FRACTION, 1},         {"GpuFreq(MHz)", WHOLE, 1},
+        {"MemPss(Bytes)", BYTES, 1}, {"MemGpu(Bytes)", BYTES, 1},         {"MemSurf(Bytes)", BYTES, 1},
+        {"MemTex(Bytes)", BYTES, 1}, {"MemSysFreeHeap(Bytes)", BYTES, 1},
+    };
+    auto* const metas = new std::vector<Ostra::DumpWidgetMeta>;
+    for (const auto& row : ROWS) {
+        metas->push_back({android::String8(row.name), row.valueType, row.flag});
+    }
+    return metas;
+}
+
+}  // namespace
+
 // Never destroyed: a frame may be dumped while another thread ends the process.
-std::vector<Ostra::DumpWidgetMeta>& gWidgetsMeta = *new std::vector<Ostra::DumpWidgetMeta>{
-    {"Fps", 1, 1},
-    {"FpsMedian", 1, 0},
-    {"FpsStability(%)", 1, 0},
-    {"CpuLoad(%)", 1, 1},
-    {"GpuLoad(%)", 1, 1},
-    {"GpuFreq(MHz)", 0, 1},
-    {"MemPss(Bytes)", 2, 1},
-    {"MemGpu(Bytes)", 2, 1},
-    {"MemSurf(Bytes)", 2, 1},
-    {"MemTex(Bytes)", 2, 1},
-    {"MemSysFreeHeap(Bytes)", 2, 1},
-};
+std::vector<Ostra::DumpWidgetMeta>& gWidgetsMeta = *makeWidgetsMeta();
 
 }  // namespace gui

@@ -1,14 +1,15 @@
 #pragma once
 
-#include <ostra/Ostra.h>
-#include <atomic>
-#include <cstdint>
-#include <glm/vec4.hpp>
-#include <string>
-#include <vector>
-
 #include "core/SysPropWatcher.h"
 #include "utils/Export.h"
+
+#include <ostra/Ostra.h>
+#include <glm/vec4.hpp>
+
+#include <atomic>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace gui {
 
@@ -121,7 +122,8 @@ public:
 
     /// Says whether settings were published since the last call; true the first time. The values of a
     /// publication are in place when it is reported. The first call starts the property watcher and throws
-    /// std::system_error if its thread cannot be created.
+    /// std::system_error if its thread cannot be created; later ones then ask for it again, once a second,
+    /// and do not throw.
     static bool load();
 
     /// The settings of the process. The first call creates their properties.
@@ -130,7 +132,7 @@ public:
     /// The property whose writing publishes all others.
     static constexpr char propToWatchName[] = "debug.kordanix.settingsgeneration";
 
-    static bool isInited;                 ///< the watcher was started; rendering thread only
+    static bool isInited;                 ///< load() has been called; rendering thread only
     static std::atomic<bool> wasChanged;  ///< set by the watcher thread (release), taken by `load` (acquire)
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "utils/PlainNumbers.h"
+
 #include <cstdio>
 #include <locale>
 #include <sstream>
@@ -12,10 +14,11 @@ namespace utils {
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
 
-/// printf-style formatting into a string of whatever length it takes. The arguments must fit the format and
-/// be of types that printf takes. Empty if the text cannot be formatted.
+/// printf-style formatting into a string of whatever length it takes, the same in every locale. The arguments
+/// must fit the format and be of types that printf takes. Empty if the text cannot be formatted.
 template <typename... Args>
 std::string strFormat(const std::string& format, Args... args) {
+    const PlainNumbers plain;
     const int length = std::snprintf(nullptr, 0, format.c_str(), args...);
     if (length <= 0) {
         return {};

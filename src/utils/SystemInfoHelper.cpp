@@ -18,8 +18,6 @@ namespace utils {
 
 namespace {
 
-constexpr int UNKNOWN_VENDOR = 2;
-
 // The last vendor found. Idempotent, so relaxed order is enough.
 std::atomic<int> sGpuVendorCache{UNKNOWN_VENDOR};
 
@@ -101,9 +99,9 @@ int checkVendor() {
     const std::string_view model(line.data());
     int vendor = UNKNOWN_VENDOR;
     if (model.find("MALI") != std::string_view::npos) {
-        vendor = 0;
+        vendor = MALI;
     } else if (model.find("ADRENO") != std::string_view::npos) {
-        vendor = 1;
+        vendor = ADRENO;
     }
     sGpuVendorCache.store(vendor, std::memory_order_relaxed);
     return vendor;

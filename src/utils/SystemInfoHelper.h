@@ -6,6 +6,9 @@
 
 namespace utils {
 
+/// Vendors of GPUs.
+enum Vendor : int { MALI = 0, ADRENO = 1, UNKNOWN_VENDOR = 2 };
+
 /// Device index 0 to 8 of the known models, 9 for any other. Computed when the library is loaded and not
 /// again.
 KORDANIX_EXPORT extern int deviceModel;
@@ -17,7 +20,7 @@ KORDANIX_EXPORT std::string getProcessName();
 /// Erases leading and trailing white space.
 KORDANIX_EXPORT void trim(std::string& text);
 
-/// The GPU's vendor: 0 Mali, 1 Adreno, 2 unknown. Reads the driver's model file until it has named one of the
+/// The GPU's vendor, one of Vendor. Reads the driver's model file until it has named one of the
 /// two; logs an error if the file cannot be opened.
 KORDANIX_EXPORT int checkVendor();
 
