@@ -220,8 +220,9 @@ std::size_t countRows(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
 }
 
-const std::vector<Ostra::DumpWidgetMeta> METAS = {
-    {"Fps", 1, 1}, {"Freq, \"MHz\"", 0, 1}, {"Mem(Bytes)", 2, 0}};
+const std::vector<Ostra::DumpWidgetMeta> METAS = {{android::String8("Fps"), 1, 1},
+                                                  {android::String8("Freq, \"MHz\""), 0, 1},
+                                                  {android::String8("Mem(Bytes)"), 2, 0}};
 
 Ostra::FrameDump frame(std::uint64_t number, std::size_t passes = 0) {
     Ostra::FrameDump dump = {};
