@@ -41,7 +41,7 @@ std::uint64_t StateInfo::getCPUFixClock() {
 }
 
 std::uint64_t StateInfo::getGPUFixClock() {
-    const bool isInKHz = mVendor == utils::MALI && checkGPUClockUnit() && mIsGpuClockKHz;
+    const bool isInKHz = mVendor == utils::Vendor::MALI && checkGPUClockUnit() && mIsGpuClockKHz;
     return clocksOfDevice(mVendor).gpu * (isInKHz ? 1000 : 1);
 }
 

@@ -2,22 +2,22 @@
 
 namespace core {
 
-HWcounter::HWcounter() : mState(NOT_INITIALISED) {}
+HWcounter::HWcounter() : mState(CounterState::NOT_INITIALISED) {}
 
 HWcounter::~HWcounter() {
     deInit();
 }
 
 int HWcounter::init() {
-    if (mState != READY) {
-        mState = UNAVAILABLE;
+    if (mState != CounterState::READY) {
+        mState = CounterState::UNAVAILABLE;
     }
     return mState;
 }
 
 void HWcounter::deInit() {
-    if (mState == READY) {
-        mState = NOT_INITIALISED;
+    if (mState == CounterState::READY) {
+        mState = CounterState::NOT_INITIALISED;
     }
 }
 
@@ -38,7 +38,7 @@ bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
 
 bool HWcounter::getRealtimeMonotonictimeDiff(unsigned long long* diff) {
     *diff = 0;
-    return mState == READY;
+    return mState == CounterState::READY;
 }
 
 }  // namespace core

@@ -4,6 +4,10 @@
 
 namespace core {
 
+struct CounterState {
+    enum : int { NOT_INITIALISED = 0, READY = 1, UNAVAILABLE = 3 };
+};
+
 /// A source of GPU hardware counters, the base of the sampling thread. Everything it does stands in one
 /// source file, so that another source can take that file's place at build time. This one is for Adreno GPUs
 /// and has no access to the counters: it always ends up unavailable.
@@ -11,10 +15,6 @@ namespace core {
 /// What a ready source owes its user is said at each operation. One thread at a time may use the object.
 class KORDANIX_EXPORT HWcounter {
 public:
-    static constexpr int NOT_INITIALISED = 0;
-    static constexpr int READY = 1;
-    static constexpr int UNAVAILABLE = 3;
-
     HWcounter();
 
     /// As deInit().
@@ -40,7 +40,7 @@ public:
     /// Offset of the monotonic from the real-time clock, for the other layers. Whether it is known.
     bool getRealtimeMonotonictimeDiff(unsigned long long* diff);
 
-    int mState;  ///< one of the three; any other number counts as not initialised
+    int mState;  ///< a CounterState; any other number counts as NOT_INITIALISED
 };
 
 }  // namespace core

@@ -28,7 +28,7 @@ void zero(T& figure) {
 }  // namespace
 
 HWcounterThread::HWcounterThread(RenderingApiType api)
-    : mInitState(NOT_INITIALISED),
+    : mInitState(CounterState::NOT_INITIALISED),
       mIsStopRequested(true),
       mIsCapturing(false),
       mCaptureDurationUs(0),
@@ -46,7 +46,7 @@ HWcounterThread::~HWcounterThread() {
 
 void HWcounterThread::init() {
     const int state = mInitState.load(std::memory_order_acquire);
-    if (state == READY || state == UNAVAILABLE) {
+    if (state == CounterState::READY || state == CounterState::UNAVAILABLE) {
         return;
     }
     clearPublished();
@@ -56,13 +56,13 @@ void HWcounterThread::init() {
 
 void HWcounterThread::startCapturing(unsigned long durationMs) {
     const int state = mInitState.load(std::memory_order_acquire);
-    if (state == UNAVAILABLE || mIsCapturing.load(std::memory_order_acquire)) {
+    if (state == CounterState::UNAVAILABLE || mIsCapturing.load(std::memory_order_acquire)) {
         return;
     }
     if (mThread.joinable()) {
         mThread.detach();
     }
-    if (state != READY) {
+    if (state != CounterState::READY) {
         // The new thread is going to initialise the source, which clears the published figures as well. The
         // layer may be reading them by then, so they are cleared here and the thread finds nothing left to
         // write.
@@ -104,11 +104,11 @@ void HWcounterThread::joinThread() {
 void HWcounterThread::destroy() {
     joinThread();
     HWcounter::deInit();
-    mInitState.store(NOT_INITIALISED, std::memory_order_release);
+    mInitState.store(CounterState::NOT_INITIALISED, std::memory_order_release);
 }
 
 bool HWcounterThread::getGpuUsage(double& usage) {
-    if (mInitState.load(std::memory_order_acquire) != READY) {
+    if (mInitState.load(std::memory_order_acquire) != CounterState::READY) {
         return false;
     }
     if (mIsCapturing.load(std::memory_order_acquire)) {
@@ -143,10 +143,10 @@ void HWcounterThread::threadFunction() {
 }
 
 void HWcounterThread::sample() {
-    if (mInitState.load(std::memory_order_acquire) != READY) {
+    if (mInitState.load(std::memory_order_acquire) != CounterState::READY) {
         init();
     }
-    if (mInitState.load(std::memory_order_acquire) != READY) {
+    if (mInitState.load(std::memory_order_acquire) != CounterState::READY) {
         clearCapture();
         mIsStopRequested.store(true, std::memory_order_relaxed);
         return;

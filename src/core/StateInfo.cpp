@@ -28,7 +28,7 @@ void endDumpAndReleaseClocks() {
 
 }  // namespace
 
-int StateInfo::mVendor = utils::UNKNOWN_VENDOR;
+int StateInfo::mVendor = utils::Vendor::UNKNOWN;
 bool StateInfo::mIsWidgetsUpdated = true;
 bool StateInfo::mIsGpuClockKHz = false;
 float StateInfo::mMaxGpuClock = 0.0F;

@@ -96,7 +96,7 @@ float StateInfo::getGPUTemperature() {
     if (!file || std::fscanf(file.get(), "%f ", &value) != 1 || !std::isfinite(value)) {
         return UNREADABLE;
     }
-    return mVendor == utils::ADRENO ? static_cast<float>(value * 0.1) : value;
+    return mVendor == utils::Vendor::ADRENO ? static_cast<float>(value * 0.1) : value;
 }
 
 float StateInfo::getCurrentCPUUsage(double elapsed) {

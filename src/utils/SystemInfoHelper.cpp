@@ -19,7 +19,7 @@ namespace utils {
 namespace {
 
 // The last vendor found. Idempotent, so relaxed order is enough.
-std::atomic<int> sGpuVendorCache{UNKNOWN_VENDOR};
+std::atomic<int> sGpuVendorCache{Vendor::UNKNOWN};
 
 /// Model prefixes by device index.
 constexpr std::array<std::string_view, 9> MODELS = {"QV-A31", "QV-B31", "QV-A32", "QV-B32", "QV-C31",
@@ -83,25 +83,25 @@ void trim(std::string& text) {
 
 int checkVendor() {
     const int known = sGpuVendorCache.load(std::memory_order_relaxed);
-    if (known != UNKNOWN_VENDOR) {
+    if (known != Vendor::UNKNOWN) {
         return known;
     }
     const File file("/sys/kernel/gpu/gpu_model");
     if (!file) {
         KORDANIX_LOG_ERROR("Fail to read Vendor", "SystemInfoHelper.h", "checkVendor", 66);
-        return UNKNOWN_VENDOR;
+        return Vendor::UNKNOWN;
     }
     std::array<char, 50> line{};
     if (std::fscanf(file.get(), "%49[^\n]", line.data()) != 1) {
-        return UNKNOWN_VENDOR;
+        return Vendor::UNKNOWN;
     }
     std::transform(line.begin(), line.end(), line.begin(), toCapital);
     const std::string_view model(line.data());
-    int vendor = UNKNOWN_VENDOR;
+    int vendor = Vendor::UNKNOWN;
     if (model.find("MALI") != std::string_view::npos) {
-        vendor = MALI;
+        vendor = Vendor::MALI;
     } else if (model.find("ADRENO") != std::string_view::npos) {
-        vendor = ADRENO;
+        vendor = Vendor::ADRENO;
     }
     sGpuVendorCache.store(vendor, std::memory_order_relaxed);
     return vendor;

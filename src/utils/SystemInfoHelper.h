@@ -6,8 +6,10 @@
 
 namespace utils {
 
-/// Vendors of GPUs.
-enum Vendor : int { MALI = 0, ADRENO = 1, UNKNOWN_VENDOR = 2 };
+/// Makers of GPUs, as far as the library tells them apart.
+struct Vendor {
+    enum : int { MALI = 0, ADRENO = 1, UNKNOWN = 2 };
+};
 
 /// Device index 0 to 8 of the known models, 9 for any other. Computed when the library is loaded and not
 /// again.
@@ -20,7 +22,7 @@ KORDANIX_EXPORT std::string getProcessName();
 /// Erases leading and trailing white space.
 KORDANIX_EXPORT void trim(std::string& text);
 
-/// The GPU's vendor, one of Vendor. Reads the driver's model file until it has named one of the
+/// The GPU's vendor, a Vendor. Reads the driver's model file until it has named one of the
 /// two; logs an error if the file cannot be opened.
 KORDANIX_EXPORT int checkVendor();
 
