@@ -11,7 +11,6 @@ namespace drawlist {
 
 namespace {
 
-constexpr float FULL_COLOR = 255.0F;
 constexpr float FULL_TEXEL = 65535.0F;
 
 /// A vertex buffer of this size holds the default widgets.
@@ -24,13 +23,8 @@ float cut(float value, float high) {
     return value > 0.0F ? std::min(value, high) : 0.0F;  // not-a-number gives 0
 }
 
-std::uint8_t toByte(float value) {
-    constexpr float ROUNDING = 0.5F;  // the value is positive; a call of lround for each pixel would tell
-    return static_cast<std::uint8_t>(value + ROUNDING);
-}
-
 bool isFinite(const Corner& corner) {
-    return std::isfinite(corner.point.x) && std::isfinite(corner.point.y);
+    return raster::isFinite(corner.point);
 }
 
 /// One axis of a box, cut where its coverage changes: a pixel that is covered in part, whole ones, and
@@ -94,24 +88,6 @@ std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t cou
 }
 
 }  // namespace
-
-Paint::Paint(const glm::vec4& color)
-    : mFull{toByte(cut(color.r, 1.0F) * FULL_COLOR), toByte(cut(color.g, 1.0F) * FULL_COLOR),
-            toByte(cut(color.b, 1.0F) * FULL_COLOR), 0},
-      mAlpha(cut(color.a, 1.0F) * FULL_COLOR) {
-    mFull[3] = toByte(mAlpha);
-}
-
-std::uint8_t Paint::alphaOf(float coverage) const {
-    return toByte(cut(coverage, 1.0F) * mAlpha);
-}
-
-Paint Paint::fainter(float factor) const {
-    Paint paint = *this;
-    paint.mAlpha *= cut(factor, 1.0F);
-    paint.mFull[3] = toByte(paint.mAlpha);
-    return paint;
-}
 
 void Batch::begin(const raster::PixelRect& surface) {
     mSurface = surface;

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <glm/vec2.hpp>
-#include <glm/vec4.hpp>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "drawlist/Paint.h"
 #include "raster/Geometry.h"
 
 namespace drawlist {
@@ -22,33 +22,6 @@ struct Vertex {
 };
 
 static_assert(sizeof(Vertex) == 16, "uploaded as it is");
-
-/// A drawing colour; components 0..1, what lies outside is cut, not-a-number counts as 0.
-class Paint {
-public:
-    explicit Paint(const glm::vec4& color);
-
-    /// With the alpha of a pixel that is covered in part, 0..1.
-    std::array<std::uint8_t, 4> covering(float coverage) const {
-        if (coverage == 1.0F) {
-            return mFull;
-        }
-        std::array<std::uint8_t, 4> color = mFull;
-        color[3] = coverage == 0.0F ? std::uint8_t{0} : alphaOf(coverage);
-        return color;
-    }
-
-    /// The same colour, more transparent by a factor 0..1.
-    Paint fainter(float factor) const;
-
-    bool isVisible() const { return mAlpha > 0.0F; }
-
-private:
-    std::uint8_t alphaOf(float coverage) const;
-
-    std::array<std::uint8_t, 4> mFull;
-    float mAlpha;  ///< 0..255
-};
 
 /// A corner of a triangle whose coverage, 0..1, changes from corner to corner.
 struct Corner {

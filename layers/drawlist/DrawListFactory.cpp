@@ -3,7 +3,11 @@
 #include <utility>
 
 #include "drawlist/DrawList.h"
-#include "drawlist/Primitives.h"
+#include "drawlist/MeshPrimitive.h"
+#include "drawlist/RectPrimitive.h"
+#include "drawlist/TextPrimitive.h"
+#include "drawlist/ThumbnailPrimitive.h"
+#include "raster/SurfaceGrid.h"
 
 namespace drawlist {
 
@@ -16,7 +20,7 @@ std::unique_ptr<drawer::RectDrawer> DrawListFactory::createRect() {
 }
 
 std::unique_ptr<drawer::GridDrawer> DrawListFactory::createGrid(std::unique_ptr<drawer::MeshDrawer> lines) {
-    return std::make_unique<GridPrimitive>(mList, std::move(lines));
+    return std::make_unique<raster::SurfaceGrid>(mList.shape, std::move(lines));
 }
 
 std::unique_ptr<drawer::TextDrawer> DrawListFactory::createText() {

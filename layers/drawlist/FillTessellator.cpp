@@ -27,7 +27,7 @@ bool isUnderGraph(const glm::vec2* points, std::size_t count) {
         return false;
     }
     for (std::size_t i = 0; i < count; i += 2) {
-        const bool isPair = isFinite(points[i]) && isFinite(points[i + 1]) &&
+        const bool isPair = raster::isFinite(points[i]) && raster::isFinite(points[i + 1]) &&
                             std::fabs(points[i].x - points[i + 1].x) < TOLERANCE &&
                             std::fabs(points[i + 1].y - points[1].y) < TOLERANCE;
         if (!isPair || (i > 0 && points[i].x < points[i - 2].x)) {

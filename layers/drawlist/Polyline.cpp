@@ -1,6 +1,7 @@
 #include "drawlist/Polyline.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace drawlist {
 

@@ -2,15 +2,9 @@
 
 #include <glm/vec2.hpp>
 
-#include <cmath>
-#include <cstddef>
 #include <vector>
 
 namespace drawlist {
-
-inline bool isFinite(const glm::vec2& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y);
-}
 
 /// Appends the points first..end, which are finite, without those that lie on the way between their
 /// neighbours: a graph that stands still is a single segment.

@@ -38,8 +38,8 @@ void StrokeTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t 
     const Target target{batch, paint, Clip(clip), std::max(0.5F * width - 0.5F, 0.0F), 0.5F * width + 0.5F};
     const glm::vec2* const end = points + count;
     while (points != end) {
-        const glm::vec2* const first = std::find_if(points, end, isFinite);
-        points = std::find_if_not(first, end, isFinite);
+        const glm::vec2* const first = std::find_if(points, end, raster::isFinite);
+        points = std::find_if_not(first, end, raster::isFinite);
         if (points - first >= 2) {
             mPoints.clear();
             appendSimplified(first, points, mPoints);

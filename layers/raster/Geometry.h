@@ -1,5 +1,7 @@
 #pragma once
 
+#include <glm/vec2.hpp>
+
 #include <algorithm>
 #include <cmath>
 
@@ -25,6 +27,10 @@ struct PixelRect {
     int width() const { return mRight - mLeft; }
     int height() const { return mBottom - mTop; }
 };
+
+inline bool isFinite(const glm::vec2& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y);
+}
 
 /// The value cut to low..high and then converted; not-a-number gives low.
 inline int toInt(double value, int low, int high) {

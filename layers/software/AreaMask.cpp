@@ -7,14 +7,6 @@
 
 namespace software {
 
-namespace {
-
-bool isFinite(const glm::vec2& point) {
-    return std::isfinite(point.x) && std::isfinite(point.y);
-}
-
-}  // namespace
-
 void AreaMask::begin(const raster::PixelRect& region) {
     mRegion = region;
     const std::size_t count = region.isEmpty() ? 0
@@ -24,7 +16,7 @@ void AreaMask::begin(const raster::PixelRect& region) {
 }
 
 void AreaMask::addTriangle(const glm::vec2& a, const glm::vec2& b, const glm::vec2& c) {
-    if (mCells.empty() || !isFinite(a) || !isFinite(b) || !isFinite(c)) {
+    if (mCells.empty() || !raster::isFinite(a) || !raster::isFinite(b) || !raster::isFinite(c)) {
         return;
     }
     // All triangles are walked the same way round, so that their areas add up and the two passes over a

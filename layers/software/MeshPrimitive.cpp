@@ -1,6 +1,6 @@
 #include "software/MeshPrimitive.h"
 
-#include "raster/MeshPoints.h"
+#include "raster/MeshPlacement.h"
 #include "software/Surface.h"
 
 namespace software {
@@ -9,14 +9,10 @@ MeshPrimitive::MeshPrimitive(Surface& surface, scene::Topology topology)
     : mSurface(surface), mTopology(topology) {}
 
 void MeshPrimitive::draw() {
-    const raster::Box frame = mSurface.shape().toPixels(mPosition, mSize, mTranslation);
-    const float width = mSurface.shape().lineWidth();
-    const float inset = mTopology == scene::Topology::LINE_STRIP ? 0.5F * width : 0.0F;
-    raster::placeVertices(mVertices, frame, inset, mPoints);
-
+    const auto [frame, clip, width] = raster::placeMesh(*this, mTopology == scene::Topology::LINE_STRIP,
+                                                        mSurface.shape(), mSurface.clip(), mPoints);
     Image& image = mSurface.mImage;
     Rasterizer& rasterizer = mSurface.mRasterizer;
-    const raster::PixelRect clip = raster::touchedPixels(frame, mSurface.clip());
     const Paint paint = makePaint(mColor);
     switch (mTopology) {
         case scene::Topology::TRIANGLE_STRIP:

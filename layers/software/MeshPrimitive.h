@@ -12,8 +12,7 @@ namespace software {
 class Surface;
 
 /// Graph fills, graph curves and grid lines. What rises above or falls below the mesh's rectangle is cut
-/// off there. Curves are drawn half a line width inside the rectangle, so that one along an edge (an idle
-/// or a fully loaded metric) shows in its full width. Fewer vertices than the topology needs draw nothing.
+/// off there. Fewer vertices than the topology needs draw nothing.
 class MeshPrimitive : public drawer::MeshDrawer {
 public:
     MeshPrimitive(Surface& surface, scene::Topology topology);

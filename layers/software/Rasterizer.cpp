@@ -15,7 +15,7 @@ raster::Box boundsOf(const glm::vec2* points, std::size_t count, float margin) {
     constexpr float INFINITE = std::numeric_limits<float>::infinity();
     raster::Box box{INFINITE, INFINITE, -INFINITE, -INFINITE};
     for (std::size_t i = 0; i < count; ++i) {
-        if (std::isfinite(points[i].x) && std::isfinite(points[i].y)) {
+        if (raster::isFinite(points[i])) {
             box.mLeft = std::min(box.mLeft, points[i].x - margin);
             box.mTop = std::min(box.mTop, points[i].y - margin);
             box.mRight = std::max(box.mRight, points[i].x + margin);

@@ -1,6 +1,6 @@
 #include "software/SoftwareFactory.h"
 
-#include "software/GridPrimitive.h"
+#include "raster/SurfaceGrid.h"
 #include "software/MeshPrimitive.h"
 #include "software/RectPrimitive.h"
 #include "software/Surface.h"
@@ -22,7 +22,7 @@ std::unique_ptr<drawer::RectDrawer> SoftwareFactory::createRect() {
 }
 
 std::unique_ptr<drawer::GridDrawer> SoftwareFactory::createGrid(std::unique_ptr<drawer::MeshDrawer> lines) {
-    return std::make_unique<GridPrimitive>(mSurface, std::move(lines));
+    return std::make_unique<raster::SurfaceGrid>(mSurface.shape(), std::move(lines));
 }
 
 std::unique_ptr<drawer::TextDrawer> SoftwareFactory::createText() {

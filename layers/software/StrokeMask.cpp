@@ -20,8 +20,7 @@ float* StrokeMask::row(int y) {
 }
 
 void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float width) {
-    if (mCoverage.empty() || !std::isfinite(from.x) || !std::isfinite(from.y) || !std::isfinite(to.x) ||
-        !std::isfinite(to.y)) {
+    if (mCoverage.empty() || !raster::isFinite(from) || !raster::isFinite(to)) {
         return;
     }
     // Coverage falls from 1 to 0 over one pixel around the stroke's border, so `reach` is as far as it goes.

@@ -2,12 +2,13 @@
 
 namespace software {
 
-Surface::Surface(std::uint32_t width, std::uint32_t height) : mImage(width, height) {
-    clearClip();
+Surface::Surface(std::uint32_t width, std::uint32_t height) {
+    resize(width, height);
 }
 
 void Surface::resize(std::uint32_t width, std::uint32_t height) {
     mImage.resize(width, height);
+    mShape = {mImage.mWidth, mImage.mHeight};
     clearClip();
 }
 
@@ -17,16 +18,12 @@ void Surface::beginOverlay() {
     }
 }
 
-raster::SurfaceShape Surface::shape() const {
-    return {mImage.mWidth, mImage.mHeight};
-}
-
 void Surface::setClip(const glm::vec2& position, const glm::vec2& size) {
-    mClip = shape().toWholePixels(position, size);
+    mClip = mShape.toWholePixels(position, size);
 }
 
 void Surface::clearClip() {
-    mClip = shape().all();
+    mClip = mShape.all();
 }
 
 }  // namespace software

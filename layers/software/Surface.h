@@ -24,7 +24,7 @@ public:
     void beginOverlay();
 
     /// Its size, and where canvas fractions fall on it.
-    raster::SurfaceShape shape() const;
+    const raster::SurfaceShape& shape() const { return mShape; }
 
     /// Limits drawing to a rectangle (canvas fractions), at the nearest whole pixels.
     void setClip(const glm::vec2& position, const glm::vec2& size);
@@ -37,6 +37,7 @@ public:
     Rasterizer mRasterizer;
 
 private:
+    raster::SurfaceShape mShape;
     raster::PixelRect mClip;
 };
 

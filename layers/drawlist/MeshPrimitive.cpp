@@ -1,0 +1,75 @@
+#include "drawlist/MeshPrimitive.h"
+
+#include <algorithm>
+
+#include "raster/GridLine.h"
+
+namespace drawlist {
+
+void MeshPrimitive::draw() {
+    bool isSame = mRetained.begin(mList, *this, mColor);
+    isSame = isSame && mVertices.size() == mLastVertices.size() &&
+             std::equal(mVertices.begin(), mVertices.end(), mLastVertices.begin(),
+                        [](const gui::Vertex& a, const gui::Vertex& b) { return a.x == b.x && a.y == b.y; });
+    if (isSame) {
+        mRetained.repeat(mList.batch);
+        return;
+    }
+    mLastVertices.assign(mVertices.begin(), mVertices.end());
+    mRetained.start(mList.batch);
+    drawVertices();
+    mRetained.finish(mList.batch);
+}
+
+void MeshPrimitive::drawVertices() {
+    const raster::MeshPlacement place = raster::placeMesh(*this, mTopology == scene::Topology::LINE_STRIP,
+                                                          mList.shape, mList.batch.clip(), mPoints);
+    const Paint paint(mColor);
+    switch (mTopology) {
+        case scene::Topology::TRIANGLE_STRIP:
+            mFill.draw(mList.batch, mPoints.data(), mPoints.size(), paint, place.clip);
+            break;
+        case scene::Topology::LINE_STRIP:
+            mCurve.draw(mList.batch, mPoints.data(), mPoints.size(), place.lineWidth, paint, place.clip);
+            break;
+        case scene::Topology::LINES:
+            drawLines(place, paint);
+            break;
+    }
+}
+
+void MeshPrimitive::drawLines(const raster::MeshPlacement& place, const Paint& paint) {
+    mLevel.clear();
+    mUpright.clear();
+    for (std::size_t i = 1; i < mPoints.size(); i += 2) {
+        raster::Box box;
+        if (!raster::alignLine(mPoints[i - 1], mPoints[i], place.lineWidth, place.frame, box)) {
+            mCurve.draw(mList.batch, mPoints.data() + i - 1, 2, place.lineWidth, paint, place.clip);
+        } else if (box.mRight - box.mLeft > box.mBottom - box.mTop) {
+            mLevel.push_back(box);
+        } else {
+            mUpright.push_back(box);
+        }
+    }
+    for (const raster::Box& line : mLevel) {
+        mList.batch.addRect(line, paint, place.clip);
+    }
+    // Where lines cross, the pixels are covered once: upright ones leave out what the level ones have.
+    std::sort(mLevel.begin(), mLevel.end(),
+              [](const raster::Box& a, const raster::Box& b) { return a.mTop < b.mTop; });
+    for (const raster::Box& line : mUpright) {
+        raster::Box piece = line;
+        for (const raster::Box& level : mLevel) {
+            const bool isCrossing = level.mLeft < line.mRight && level.mRight > line.mLeft;
+            if (isCrossing && level.mTop < line.mBottom && level.mBottom > piece.mTop) {
+                piece.mBottom = level.mTop;
+                mList.batch.addRect(piece, paint, place.clip);
+                piece.mTop = level.mBottom;
+            }
+        }
+        piece.mBottom = line.mBottom;
+        mList.batch.addRect(piece, paint, place.clip);
+    }
+}
+
+}  // namespace drawlist

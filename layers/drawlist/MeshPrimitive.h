@@ -1,0 +1,38 @@
+#pragma once
+
+#include <glm/vec2.hpp>
+
+#include <vector>
+
+#include "drawers/MeshDrawer.h"
+#include "drawlist/FillTessellator.h"
+#include "drawlist/RetainedRange.h"
+#include "drawlist/StrokeTessellator.h"
+#include "raster/MeshPlacement.h"
+#include "scene/PrimitiveFactory.h"
+
+namespace drawlist {
+
+/// Graph fills, graph curves and grid lines, cut off at the mesh's rectangle.
+class MeshPrimitive : public drawer::MeshDrawer {
+public:
+    MeshPrimitive(DrawList& list, scene::Topology topology) : mList(list), mTopology(topology) {}
+    void draw() override;
+    void clear() override { mVertices.clear(); }
+
+private:
+    void drawVertices();
+    void drawLines(const raster::MeshPlacement& place, const Paint& paint);
+
+    DrawList& mList;
+    scene::Topology mTopology;
+    StrokeTessellator mCurve;
+    FillTessellator mFill;
+    RetainedRange mRetained;
+    std::vector<gui::Vertex> mLastVertices;
+    std::vector<glm::vec2> mPoints;   ///< the vertices in surface pixels, kept for its memory
+    std::vector<raster::Box> mLevel;  ///< the horizontal lines
+    std::vector<raster::Box> mUpright;
+};
+
+}  // namespace drawlist

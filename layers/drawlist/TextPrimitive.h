@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "drawlist/Paint.h"
+#include "drawlist/RetainedRange.h"
+#include "raster/SurfaceText.h"
+
+namespace drawlist {
+
+/// A line of text: a rectangle of the glyph texture for each glyph.
+class TextPrimitive : public raster::SurfaceText {
+public:
+    explicit TextPrimitive(DrawList& list) : SurfaceText(list.shape), mList(list) {}
+    void draw() override;
+    void drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
+                   char symbol) override;
+
+private:
+    DrawList& mList;
+    RetainedRange mRetained;
+    std::string mLastText;
+    std::uint32_t mLastSizeHint = 0;
+    gui::TextEllipsize mLastEllipsize = gui::TextEllipsize::NONE;
+    gui::TextGravity mLastGravity = gui::TextGravity::LEFT;
+    glm::vec4 mPaintColor{0.0F};  ///< of mPaint, which the glyphs of a line have in common
+    Paint mPaint{glm::vec4(0.0F)};
+};
+
+}  // namespace drawlist

@@ -1,0 +1,22 @@
+#include "raster/MeshPlacement.h"
+
+#include "drawers/MeshDrawer.h"
+
+namespace raster {
+
+MeshPlacement placeMesh(const drawer::MeshDrawer& mesh, bool isCurve, const SurfaceShape& shape,
+                        const PixelRect& clip, std::vector<glm::vec2>& points) {
+    const Box frame = shape.toPixels(mesh.mPosition, mesh.mSize, mesh.mTranslation);
+    const float width = shape.lineWidth();
+    const float inset = isCurve ? 0.5F * width : 0.0F;
+    const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
+    const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
+                         0.5F * (frame.mBottom - frame.mTop) - inset);
+    points.clear();
+    for (const gui::Vertex& vertex : mesh.mVertices) {
+        points.push_back(center + half * glm::vec2(vertex.x, vertex.y));
+    }
+    return {frame, touchedPixels(frame, clip), width};
+}
+
+}  // namespace raster

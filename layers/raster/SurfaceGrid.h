@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "drawers/GridDrawer.h"
+#include "drawers/MeshDrawer.h"
+#include "raster/SurfaceShape.h"
+
+namespace raster {
+
+/// A grid that learns the shape of its surface, which outlives it.
+class SurfaceGrid : public drawer::GridDrawer {
+public:
+    SurfaceGrid(const SurfaceShape& shape, std::unique_ptr<drawer::MeshDrawer> lines)
+        : GridDrawer(std::move(lines)), mShape(shape) {}
+
+    float getAspectRatio() override { return mShape.aspectRatio(); }
+
+private:
+    const SurfaceShape& mShape;
+};
+
+}  // namespace raster
