@@ -20,7 +20,7 @@ if(KORDANIX_PLATFORM STREQUAL android)
 endif()
 
 install(DIRECTORY platform/include/ DESTINATION ${kordanix_headers_folder}/platform FILES_MATCHING PATTERN "*.h")
-install(DIRECTORY layers/scene DESTINATION ${kordanix_headers_folder} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY layers/figures layers/scene DESTINATION ${kordanix_headers_folder} FILES_MATCHING PATTERN "*.h")
 
 # The libraries. The OpenGL layer's shim looks for the layer beside itself and needs no other.
 target_include_directories(kordanix_headers INTERFACE $<INSTALL_INTERFACE:${kordanix_headers_folder}>)

@@ -8,7 +8,7 @@
 #include "ByteReader.h"
 #include "Check.h"
 #include "doubles/FakeFiles.h"
-#include "scene/KernelFiles.h"
+#include "figures/KernelFiles.h"
 
 #include <cmath>
 #include <cstdint>
@@ -35,7 +35,7 @@ constexpr const char* PATHS[] = {
     "/sys/kernel/gpu/gpu_mem_texture",
 };
 
-void checkReading(const scene::Reading& reading) {
+void checkReading(const figures::Reading& reading) {
     FUZZ_CHECK(!reading || (std::isfinite(*reading) && *reading >= 0.0));
 }
 
@@ -113,14 +113,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     StateInfo::fixClock();
     checkProcessName();
 
-    const scene::SystemMemory memory = scene::readSystemMemory();
+    const figures::SystemMemory memory = figures::readSystemMemory();
     checkReading(memory.total);
     checkReading(memory.available);
-    checkReading(scene::readProportionalSetSize());
-    checkReading(scene::readGpuMemoryTotal());
-    checkReading(scene::readGpuMemorySurface());
-    checkReading(scene::readGpuMemoryTexture());
-    checkReading(scene::readProcessorCount());
+    checkReading(figures::readProportionalSetSize());
+    checkReading(figures::readGpuMemoryTotal());
+    checkReading(figures::readGpuMemorySurface());
+    checkReading(figures::readGpuMemoryTexture());
+    checkReading(figures::readProcessorCount());
     FUZZ_CHECK(doubles::openFiles() == 0);
     return 0;
 }

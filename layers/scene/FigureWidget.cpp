@@ -5,10 +5,14 @@
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
+#include "figures/TextFormat.h"
 #include "scene/Canvas.h"
 #include "scene/Style.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
+#include <string>
 
 namespace scene {
 
@@ -43,30 +47,18 @@ bool setText(drawer::TextDrawer& drawer, const std::string& text) {
 
 }  // namespace
 
-FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureTable& table)
-    : WidgetView(table.type),
+FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetLayout& widget)
+    : WidgetView(widget.type),
+      mLayout(widget),
       mCanvas(factory.getSurfaceSize()),
-      mStrip(&place(factory.createRect(), table.stripArea)) {
-    for (std::size_t i = 0; i < table.figureCount; ++i) {
-        const FigureRow& row = table.figures[i];
-        Figure figure;
-        figure.row = &row;
-        if (row.nameArea) {
-            figure.name = &place(factory.createText(), *row.nameArea);
-            figure.name->setText(row.name);
-            figure.name->setTextGravity(gui::TextGravity::RIGHT);
+      mStrip(&place(factory.createRect(), widget.stripArea)) {
+    for (const figures::Figure& figure : figures::catalogue()) {
+        if (figure.widget == widget.type && !figure.isNote()) {
+            addView(factory, figure);
         }
-        figure.value = &place(factory.createText(), row.valueArea);
-        if (row.graph != gui::WidgetValueType::NONE) {
-            figure.graph = &place(createGraph(factory, row.graph), table.graphArea);
-            if (mFirstGraph == nullptr) {
-                mFirstGraph = figure.graph;
-            }
-        }
-        mFigures.push_back(figure);
     }
-    for (std::size_t i = 0; i < table.noteCount; ++i) {
-        const NoteRow& row = table.notes[i];
+    for (std::size_t i = 0; i < widget.noteCount; ++i) {
+        const NoteRow& row = widget.notes[i];
         Note note;
         note.row = &row;
         if (row.hasBackdrop) {
@@ -80,31 +72,80 @@ FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureTable& table)
     }
 }
 
+void FigureWidget::addView(PrimitiveFactory& factory, const figures::Figure& figure) {
+    const std::size_t index = mViews.size();
+    const bool hasNameCell = mLayout.cells[0].name.has_value();
+    View view;
+    view.figure = &figure;
+    view.hasCell = index < mLayout.cellCount;
+    FigureCell cell = {mLayout.stripArea, mLayout.stripArea};
+    if (view.hasCell) {
+        cell = mLayout.cells[index];
+    }
+    if (hasNameCell) {
+        view.name = &place(factory.createText(), *cell.name);
+        view.name->setText(figure.label);
+        view.name->setTextGravity(gui::TextGravity::RIGHT);
+    }
+    view.value = &place(factory.createText(), cell.value);
+    if (figure.hasGraph()) {
+        view.graph = &place(createGraph(factory, figure.column.slot), mLayout.graphArea);
+        if (mFirstGraph == nullptr) {
+            mFirstGraph = view.graph;
+        }
+    }
+    mViews.push_back(view);
+}
+
+void FigureWidget::enable() {
+    bool isMoreOn = false;
+    for (const View& view : mViews) {
+        isMoreOn = isMoreOn || (view.figure->settings.ofLibrary == nullptr && view.isOn());
+    }
+    // The library knows of its own figures only.
+    if (isMoreOn && mLayout.widgetSwitch().getValue()) {
+        widget().mEnabled = true;
+    }
+}
+
+void FigureWidget::collectFigures(figures::FigureSet& wanted) const {
+    for (const figures::Figure& figure : figures::catalogue()) {
+        if (figure.widget == mLayout.type &&
+            (figure.isNote() || figures::settingsOf(figure).mEnabled.getValue())) {
+            wanted.set(figures::indexOf(figure));
+        }
+    }
+}
+
 void FigureWidget::applySettings(const Canvas& canvas) {
     mCanvas = canvas;
     mStrip->mColor = backgroundColor();
     unsigned int shares = 1;
-    for (const Figure& figure : mFigures) {
-        shares += figure.graph != nullptr && figure.row->settings().mEnabled.getValue() ? 1 : 0;
+    bool isShared = false;
+    for (const View& view : mViews) {
+        shares += view.graph != nullptr && view.isOn() ? 1 : 0;
+        isShared = isShared || (!view.hasCell && view.isOn());
     }
-    for (Figure& figure : mFigures) {
-        const gui::WidgetsSettings::Graph& settings = figure.row->settings();
-        const bool isOn = settings.mEnabled.getValue();
-        for (drawer::TextDrawer* text : {figure.name, figure.value}) {
+    if (isShared) {
+        shareStrip(canvas);
+    }
+    for (const View& view : mViews) {
+        const gui::WidgetsSettings::Graph& settings = figures::settingsOf(*view.figure);
+        for (drawer::TextDrawer* text : {view.name, view.value}) {
             if (text != nullptr) {
-                text->mEnabled = isOn;
+                text->mEnabled = view.isOn();
                 text->setTextColor(settings.getTextColor());
                 setTextHeight(*text, FIGURE_TEXT_HEIGHT, canvas);
             }
         }
-        if (figure.name != nullptr) {
-            figure.name->mSize.x -= NAME_GAP / canvas.units.x;
+        if (view.name != nullptr) {
+            view.name->mSize.x -= NAME_GAP / canvas.units.x;
         }
-        if (figure.graph != nullptr) {
-            figure.graph->mEnabled = isOn;
-            figure.graph->setColor(settings.getGraphColor(shares));
-            figure.graph->mBackground->mColor = backgroundColor();
-            figure.graph->mGrid->mMesh->mColor = gridColor();
+        if (view.graph != nullptr) {
+            view.graph->mEnabled = view.isOn();
+            view.graph->setColor(settings.getGraphColor(shares));
+            view.graph->mBackground->mColor = backgroundColor();
+            view.graph->mGrid->mMesh->mColor = gridColor();
         }
     }
     for (const Note& note : mNotes) {
@@ -114,9 +155,34 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     }
 }
 
-bool FigureWidget::isPlotted(const Figure& figure) {
+/// Gives all figures that are on an equal part of the strip, with the name in the left half.
+void FigureWidget::shareStrip(const Canvas& canvas) {
+    const auto count =
+        std::count_if(mViews.begin(), mViews.end(), [](const View& view) { return view.isOn(); });
+    const float left = mLayout.labelWidth / canvas.units.x;
+    const float width = (mStrip->mSize.x - left) / static_cast<float>(count);
+    glm::vec2 position(mStrip->mPosition.x + left, mStrip->mPosition.y);
+    for (const View& view : mViews) {
+        if (!view.isOn()) {
+            continue;
+        }
+        float valueWidth = width;
+        glm::vec2 valuePosition = position;
+        if (view.name != nullptr) {
+            valueWidth = width / 2.0F;
+            valuePosition.x += valueWidth;
+            view.name->mPosition = position;
+            view.name->mSize = {valueWidth, mStrip->mSize.y};
+        }
+        view.value->mPosition = valuePosition;
+        view.value->mSize = {valueWidth, mStrip->mSize.y};
+        position.x += width;
+    }
+}
+
+bool FigureWidget::isPlotted(const View& view) {
     // A graph has no scale before its first sample.
-    return figure.graph != nullptr && figure.graph->mEnabled && figure.graph->mMaxValue > 0.0F;
+    return view.graph != nullptr && view.graph->mEnabled && view.graph->mMaxValue > 0.0F;
 }
 
 void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
@@ -133,27 +199,23 @@ void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
     inset(*note.backdrop, {-BACKDROP_MARGIN, 0.0F}, canvas);
 }
 
-void FigureWidget::refresh(Metrics& metrics) {
-    // All readings come before the first graph: a scale can depend on several of them.
-    for (Figure& figure : mFigures) {
-        if (figure.value->mEnabled) {
-            figure.reading = (metrics.*figure.row->read)();
-        }
-    }
-    for (Figure& figure : mFigures) {
-        if (!figure.value->mEnabled) {
+void FigureWidget::refresh(figures::Metrics& metrics) {
+    for (const View& view : mViews) {
+        if (!view.value->mEnabled) {
             continue;
         }
-        const std::string value = figure.row->format(figure.reading);
-        setText(*figure.value, figure.name != nullptr ? value : figure.row->name + (' ' + value));
+        const figures::Figure& figure = *view.figure;
+        const figures::Reading& reading = metrics.reading(figure);
+        const std::string value = figures::format(figure, reading);
+        setText(*view.value, view.name != nullptr ? value : figure.label + (' ' + value));
         // A graph stands still while its figure cannot be read, and is not there before that.
-        if (figure.graph != nullptr && figure.reading) {
-            const auto sample = static_cast<float>(*figure.reading);
-            const Reading top = (metrics.*figure.row->top)();
+        if (view.graph != nullptr && reading) {
+            const auto sample = static_cast<float>(*reading);
+            const figures::Reading top = metrics.top(figure);
             if (top) {
-                figure.graph->addValue(sample, static_cast<float>(*top) * HEADROOM);
+                view.graph->addValue(sample, static_cast<float>(*top) * HEADROOM);
             } else {
-                figure.graph->addValue(sample);
+                view.graph->addValue(sample);
             }
         }
     }
@@ -166,8 +228,8 @@ void FigureWidget::refresh(Metrics& metrics) {
 
 void FigureWidget::draw() {
     mStrip->draw();
-    for (const Figure& figure : mFigures) {
-        for (drawer::TextDrawer* text : {figure.name, figure.value}) {
+    for (const View& view : mViews) {
+        for (drawer::TextDrawer* text : {view.name, view.value}) {
             if (text != nullptr && text->mEnabled) {
                 text->draw();
             }
@@ -177,15 +239,15 @@ void FigureWidget::draw() {
         mFirstGraph->drawBackground();
         mFirstGraph->drawGrid();
     }
-    for (const Figure& figure : mFigures) {
-        if (isPlotted(figure)) {
-            figure.graph->recalculateMesh();
-            drawMesh(*figure.graph, *figure.graph->mFillMesh);
+    for (const View& view : mViews) {
+        if (isPlotted(view)) {
+            view.graph->recalculateMesh();
+            drawMesh(*view.graph, *view.graph->mFillMesh);
         }
     }
-    for (const Figure& figure : mFigures) {
-        if (isPlotted(figure)) {
-            drawMesh(*figure.graph, *figure.graph->mLineMesh);
+    for (const View& view : mViews) {
+        if (isPlotted(view)) {
+            drawMesh(*view.graph, *view.graph->mLineMesh);
         }
     }
     for (const Note& note : mNotes) {

@@ -1,95 +1,49 @@
 #pragma once
 
-#include "drawers/Drawer.h"
-#include "drawers/TextDrawer.h"
-#include "gui/LayoutDef.h"
-#include "gui/WidgetsSettings.h"
+#include "figures/Catalogue.h"
+#include "figures/Metrics.h"
 #include "scene/Canvas.h"
-#include "scene/Metrics.h"
+#include "scene/FigureWidgets.h"
 #include "scene/PrimitiveFactory.h"
-#include "scene/Reading.h"
 #include "scene/WidgetView.h"
 
-#include <cstddef>
-#include <optional>
-#include <string>
 #include <vector>
 
 namespace drawer {
 class GraphicDrawer;
 class RectDrawer;
+class TextDrawer;
 }  // namespace drawer
 
 namespace scene {
 
-/// For a figure whose name stands in front of its value.
-constexpr std::optional<gui::RenderAreaType> NO_NAME_CELL;
-
-/// One figure of a widget: a text and, unless `graph` is NONE, a graph.
-struct FigureRow {
-    /// Switch and colour.
-    const gui::WidgetsSettings::Graph& (*settings)() = nullptr;
-
-    /// Name of the figure, in a cell of its own or, without one, in front of the value.
-    const char* name = nullptr;
-    std::optional<gui::RenderAreaType> nameArea;
-
-    gui::RenderAreaType valueArea = {};
-
-    /// The graph's slot in frame dumps.
-    gui::WidgetValueType graph = gui::WidgetValueType::NONE;
-
-    Reading (Metrics::*read)() = nullptr;
-    std::string (*format)(Reading) = nullptr;
-
-    /// The value at the graph's top edge; the largest value so far while it cannot be read.
-    Reading (Metrics::*top)() = nullptr;
-};
-
-/// A text over the graphs, or in the strip, that is no figure of the settings.
-struct NoteRow {
-    gui::RenderAreaType area;
-    gui::TextGravity gravity;
-
-    /// Over graphs a text has a backdrop of its own, as wide as the text.
-    bool hasBackdrop;
-
-    std::string (*text)(Metrics&);
-};
-
-/// A widget of a strip of figures with their graphs below. Adding a figure is a row in its table.
-struct FigureTable {
-    gui::WidgetType type;
-    gui::RenderAreaType stripArea;
-    gui::RenderAreaType graphArea;
-    const FigureRow* figures;
-    std::size_t figureCount;
-    const NoteRow* notes;
-    std::size_t noteCount;
-};
-
-/// Draws such a widget: the strip's background and texts, then the graphs' background and grid once, then
-/// the fills and over them the lines of the graphs, both in the order of the table, and the notes on top. So
-/// every line has its own colour. The fill of n graphs has an alpha of 1 / (n + 1): each has its share and
-/// the grid stays visible.
+/// A widget with a strip of figures and their graphs below. Draws the strip's background and texts, then the
+/// graphs' background and grid once, then the fills and over them the lines of the graphs, both in the order
+/// of the catalogue, and the notes on top. So every line has its own colour. The fill of n graphs has an
+/// alpha of 1 / (n + 1): each has its share and the grid stays visible.
 class FigureWidget : public WidgetView {
 public:
-    /// `table` outlives the widget.
-    FigureWidget(PrimitiveFactory& factory, const FigureTable& table);
+    /// `widget` outlives the object.
+    FigureWidget(PrimitiveFactory& factory, const FigureWidgetLayout& widget);
 
-    void refresh(Metrics& metrics) override;
+    void enable() override;
+    void collectFigures(figures::FigureSet& wanted) const override;
+    void refresh(figures::Metrics& metrics) override;
     void draw() override;
 
 protected:
     void applySettings(const Canvas& canvas) override;
 
 private:
-    struct Figure {
-        const FigureRow* row = nullptr;
+    /// The drawers of a figure of the catalogue.
+    struct View {
+        const figures::Figure* figure = nullptr;
+        bool hasCell = true;                 // of its own, while the strip is not shared
         drawer::TextDrawer* name = nullptr;  // null: the name stands in front of the value
         drawer::TextDrawer* value = nullptr;
         drawer::GraphicDrawer* graph = nullptr;  // null: text only
-        Reading reading;
+
+        bool isOn() const { return figures::settingsOf(*figure).mEnabled.getValue(); }
     };
     struct Note {
         const NoteRow* row = nullptr;
@@ -97,12 +51,15 @@ private:
         drawer::RectDrawer* backdrop = nullptr;  // null: none
     };
 
-    static bool isPlotted(const Figure& figure);
+    void addView(PrimitiveFactory& factory, const figures::Figure& figure);
+    void shareStrip(const Canvas& canvas);
+    static bool isPlotted(const View& view);
     static void fitBackdrop(const Note& note, const Canvas& canvas);
 
+    const FigureWidgetLayout& mLayout;
     Canvas mCanvas;  // of the last layout
     drawer::RectDrawer* mStrip;
-    std::vector<Figure> mFigures;
+    std::vector<View> mViews;
     std::vector<Note> mNotes;
     drawer::GraphicDrawer* mFirstGraph = nullptr;  // whose background and grid are drawn
 };

@@ -5,11 +5,11 @@
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
+#include "figures/TextFormat.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/Canvas.h"
 #include "scene/RenderPassRows.h"
 #include "scene/Style.h"
-#include "scene/TextFormat.h"
 
 #include <memory>
 #include <vector>
@@ -101,7 +101,7 @@ bool GpuActivityWidget::isMoving() const {
     return mCells->mEnabled && mCells->mTextWidth > 2.0F * mCells->mSize.x;
 }
 
-void GpuActivityWidget::refresh(Metrics&) {
+void GpuActivityWidget::refresh(figures::Metrics&) {
     // Changes with captures only.
 }
 
@@ -109,7 +109,7 @@ void GpuActivityWidget::showCapture() {
     showSeries(*mVertex, mCapture.mVertexActivity, mCapture.mFrame);
     showSeries(*mFragment, mCapture.mFragmentActivity, mCapture.mFrame);
     if (mVertex->mIsEmpty && mFragment->mIsEmpty) {
-        mMessage->setText(std::string("Shader activity ") + NOT_AVAILABLE);
+        mMessage->setText(std::string("Shader activity ") + figures::NOT_AVAILABLE);
     }
     if (mCapture.mFrame.isValid()) {
         mCells->addFrameInfo(mCapture.mFrame);

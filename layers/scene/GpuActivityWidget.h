@@ -25,7 +25,7 @@ public:
     GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
 
     bool onFrame() override;
-    void refresh(Metrics& metrics) override;
+    void refresh(figures::Metrics& metrics) override;
     void draw() override;
     void settle() override { mCapture.settle(); }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <optional>
+#include "figures/Reading.h"
 
 namespace scene {
 
-/// A figure as its reader gave it, in the unit that the reader documents; empty when it cannot be read.
-using Reading = std::optional<double>;
+using figures::Reading;
 
 }  // namespace scene

@@ -1,13 +1,10 @@
 #include "scene/Scene.h"
 
 #include "gui/LayoutManager.h"
-#include "gui/WidgetsSettings.h"
 #include "scene/Canvas.h"
-#include "scene/CpuGpuWidget.h"
 #include "scene/FigureWidget.h"
-#include "scene/FpsWidget.h"
+#include "scene/FigureWidgets.h"
 #include "scene/GpuActivityWidget.h"
-#include "scene/MemoryWidget.h"
 #include "scene/ThumbnailWidget.h"
 
 #include <algorithm>
@@ -26,7 +23,11 @@ Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSo
 
 void Scene::layout() {
     const Canvas canvas(mFactory.getSurfaceSize());
+    for (const auto& widget : mWidgets) {
+        widget->enable();
+    }
     gui::LayoutManager::getInstance()->updateWidgetsLayouts(canvas.isPortrait);
+    figures::FigureSet wanted;
     mShown.clear();
     mShownDrawers.clear();
     for (const auto& widget : mWidgets) {
@@ -34,11 +35,11 @@ void Scene::layout() {
         if (widget->isShown()) {
             mShown.push_back(widget.get());
             widget->collectDrawers(mShownDrawers);
+            widget->collectFigures(wanted);
         }
     }
-    const auto& memory = gui::WidgetsSettings::getWidgets().mMemory;
     mIsChanged = true;
-    mMetrics.setSlowFiguresWanted(memory.enabled() && memory.mPss.mEnabled.getValue());
+    mMetrics.want(wanted);
 }
 
 void Scene::update() {
@@ -47,7 +48,7 @@ void Scene::update() {
     }
     // Asked before this frame is counted, so that the frames counted are the ones that ended in the interval.
     if (mPacing.isUpdateDuration()) {
-        mMetrics.beginRefresh(mPacing.mFrameCount, mPacing.mUpdateDuration);
+        mMetrics.refresh(mPacing.mFrameCount, mPacing.mUpdateDuration);
         for (WidgetView* widget : mShown) {
             widget->refresh(mMetrics);
         }
@@ -63,7 +64,7 @@ void Scene::restart() {
 }
 
 void Scene::suspend() {
-    mMetrics.setSlowFiguresWanted(false);
+    mMetrics.want({});
 }
 
 void Scene::draw() {

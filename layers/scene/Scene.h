@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/RenderingApiType.h"
-#include "scene/Metrics.h"
+#include "figures/Metrics.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
 #include "utils/UpdateHelper.h"
@@ -43,7 +43,7 @@ public:
 
 private:
     PrimitiveFactory& mFactory;
-    Metrics mMetrics;
+    figures::Metrics mMetrics;
     UpdateHelper mPacing;
     bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;

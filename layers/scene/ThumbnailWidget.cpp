@@ -38,7 +38,7 @@ void ThumbnailWidget::applySettings(const Canvas& canvas) {
     mLabel->setBackgroundColor(backgroundColor());
 }
 
-void ThumbnailWidget::refresh(Metrics&) {
+void ThumbnailWidget::refresh(figures::Metrics&) {
     // Two new lines push both old ones out of the block.
     const glm::uvec2 size = mFactory.getSurfaceSize();
     mLabel->addText(utils::strFormat("%ux%u", size.x, size.y));

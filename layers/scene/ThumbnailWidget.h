@@ -18,7 +18,7 @@ class ThumbnailWidget : public WidgetView {
 public:
     explicit ThumbnailWidget(PrimitiveFactory& factory);
 
-    void refresh(Metrics& metrics) override;
+    void refresh(figures::Metrics& metrics) override;
     void draw() override;
 
 protected:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "drawers/Drawer.h"
+#include "figures/Catalogue.h"
 #include "gui/LayoutDef.h"
 
 #include <memory>
@@ -10,7 +11,6 @@
 namespace scene {
 
 struct Canvas;
-class Metrics;
 
 /// One widget on the screen: its drawers, each with the render area it takes, what feeds them and in which
 /// order they are drawn. Rendering thread only.
@@ -25,6 +25,9 @@ public:
     /// position is in no row and is not drawn.
     bool isShown() const;
 
+    /// After a change of the settings: switches the widget on if figures of its own are.
+    virtual void enable() {}
+
     /// After a change of the settings or of the surface, when the layout manager has placed the widgets:
     /// gives every drawer its rectangle and takes over colours and switches.
     void layout(const Canvas& canvas);
@@ -33,8 +36,11 @@ public:
     /// refreshed.
     virtual bool onFrame() { return false; }
 
-    /// Reads the figures and brings texts and graphs up to date.
-    virtual void refresh(Metrics& metrics) = 0;
+    /// Adds the figures that the widget shows.
+    virtual void collectFigures(figures::FigureSet& /*wanted*/) const {}
+
+    /// Brings texts and graphs up to date.
+    virtual void refresh(figures::Metrics& metrics) = 0;
 
     virtual void draw() = 0;
 
@@ -45,6 +51,8 @@ public:
     void collectDrawers(std::vector<drawer::Drawer*>& drawers) const;
 
 protected:
+    gui::Widget& widget() const { return *mWidget; }
+
     virtual void applySettings(const Canvas& canvas) = 0;
 
     /// Takes the drawer over and gives it a render area of this widget.

@@ -7,16 +7,19 @@
 #include "doubles/FakeOstra.h"
 #include "doubles/FakeProperties.h"
 #include "doubles/RecordingFactory.h"
+#include "figures/KernelFiles.h"
+#include "figures/Metrics.h"
+#include "figures/SlowReader.h"
+#include "figures/TextFormat.h"
 #include "gui/LayoutManager.h"
 #include "gui/WidgetsSettings.h"
+#include "scene/Canvas.h"
+#include "scene/FigureWidget.h"
+#include "scene/FigureWidgets.h"
 #include "scene/GpuCapture.h"
-#include "scene/KernelFiles.h"
-#include "scene/Metrics.h"
 #include "scene/Overlay.h"
 #include "scene/RenderPassSource.h"
-#include "scene/SlowReader.h"
 #include "scene/Style.h"
-#include "scene/TextFormat.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,60 +46,55 @@ constexpr auto API = static_cast<core::RenderingApiType>(0);
 constexpr double MB = 1024.0 * 1024.0;
 
 TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
-    using scene::Reading;
+    using figures::formatNumber;
     const double infinity = std::numeric_limits<double>::infinity();
-    struct Case {
-        std::string (*format)(Reading);
-        Reading reading;
-        const char* text;
+    const std::pair<std::string, const char*> cases[] = {
+        {formatNumber(59.94, 1, ""), "59.9"},
+        {formatNumber({}, 1, ""), "N/A"},
+        {formatNumber(infinity, 1, ""), "N/A"},
+        {formatNumber(-0.4, 0, "C"), "N/A"},
+        {formatNumber(-0.0, 0, ""), "0"},
+        {formatNumber(42.5, 0, "%"), "42%"},
+        {formatNumber(99.6, 0, "%"), "100%"},
+        {figures::formatBytes(0.0), "0.0MB"},
+        {figures::formatBytes(9.94 * MB), "9.9MB"},
+        {figures::formatBytes(9.96 * MB), "10MB"},
+        {figures::formatBytes(999.4 * MB), "999MB"},
+        {figures::formatBytes(999.6 * MB), "1.0GB"},
+        {figures::formatBytes(12.34 * 1024 * MB), "12.3GB"},
+        {figures::formatBytes(99.96 * 1024 * MB), "100GB"},
+        {figures::formatBytes({}), "N/A"},
     };
-    const Case cases[] = {
-        {scene::formatRate, 59.94, "59.9"},
-        {scene::formatRate, 0.0, "0.0"},
-        {scene::formatRate, {}, "N/A"},
-        {scene::formatRate, infinity, "N/A"},
-        {scene::formatTemperature, -0.4, "N/A"},
-        {scene::formatWhole, -0.0, "0"},
-        {scene::formatPercent, 42.5, "42%"},
-        {scene::formatPercent, 99.6, "100%"},
-        {scene::formatTemperature, 44.6, "45C"},
-        {scene::formatMegahertz, 585.4, "585MHz"},
-        {scene::formatBytes, 0.0, "0.0MB"},
-        {scene::formatBytes, 9.94 * MB, "9.9MB"},
-        {scene::formatBytes, 9.96 * MB, "10MB"},
-        {scene::formatBytes, 999.4 * MB, "999MB"},
-        {scene::formatBytes, 999.6 * MB, "1.0GB"},
-        {scene::formatBytes, 12.34 * 1024 * MB, "12.3GB"},
-        {scene::formatBytes, 99.96 * 1024 * MB, "100GB"},
-        {scene::formatBytes, {}, "N/A"},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(c.format(c.reading), c.text);
+    for (const auto& [text, expected] : cases) {
+        EXPECT_EQ(text, expected);
     }
 }
 
 TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
-    const std::pair<const char*, scene::Reading> numbers[] = {
+    const figures::Reading NONE = figures::Reason::MALFORMED;
+    const std::pair<const char*, figures::Reading> numbers[] = {
         {"12\n", 12.0},
         {"  7", 7.0},
-        {"", {}},
-        {"x1", {}},
-        {"-3", {}},
+        {"", NONE},
+        {"x1", NONE},
+        {"-3", NONE},
         {"18446744073709551615", 18446744073709551615.0},
-        {"20000000000000000000", {}}};
+        {"20000000000000000000", NONE}};
     for (const auto& [text, number] : numbers) {
-        EXPECT_EQ(scene::leadingNumber(text), number) << text;
+        EXPECT_EQ(figures::leadingNumber(text), number) << text;
     }
-    const std::pair<const char*, scene::Reading> ranges[] = {
-        {"0-3,6-7\n", 7.0}, {"0", 0.0}, {"", {}}, {"\n", {}}};
+    const std::pair<const char*, figures::Reading> ranges[] = {
+        {"0-3,6-7\n", 7.0}, {"0", 0.0}, {"", NONE}, {"\n", NONE}};
     for (const auto& [text, number] : ranges) {
-        EXPECT_EQ(scene::lastNumberOfRanges(text), number) << text;
+        EXPECT_EQ(figures::lastNumberOfRanges(text), number) << text;
     }
     const char* const text = "Rss: 9 kB\nPss:      1234 kB\nPss_Dirty: 5 kB\nPss: 7 kB\n";
-    EXPECT_FALSE(scene::findKilobytes(text, "ss"));
+    EXPECT_FALSE(figures::findKilobytes(text, "ss"));
     doubles::setFile("/proc/self/smaps_rollup", text);
-    EXPECT_EQ(scene::readProportionalSetSize(), scene::Reading(1234.0 * 1024.0));
-    EXPECT_FALSE(scene::findKilobytes("Pss:", "Pss"));
+    EXPECT_EQ(figures::readProportionalSetSize(), figures::Reading(1234.0 * 1024.0));
+    EXPECT_FALSE(figures::findKilobytes("Pss:", "Pss"));
+    EXPECT_EQ(figures::readGpuMemoryTotal().reason(), figures::Reason::NO_FILE);
+    EXPECT_EQ(figures::whyUnreadable("/proc/self/smaps_rollup"), figures::Reason::MALFORMED);
 }
 
 // The reader's thread takes none of the application's signals and survives a reading that fails.
@@ -104,7 +102,7 @@ TEST(SlowReader, ReadsOnAThreadThatDisturbsNobody) {
     static std::atomic<bool> isFailing{true};
     static std::atomic<bool> isQuiet{false};
     static std::atomic<bool> isNamed{false};
-    scene::SlowReader reader([]() -> scene::Reading {
+    figures::SlowReader reader([]() -> figures::Reading {
         if (isFailing) {
             throw std::bad_alloc();
         }
@@ -123,7 +121,7 @@ TEST(SlowReader, ReadsOnAThreadThatDisturbsNobody) {
     isFailing = false;
     reader.request();
     reader.settle();
-    EXPECT_EQ(reader.latest(), scene::Reading(7.0));
+    EXPECT_EQ(reader.latest(), figures::Reading(7.0));
     EXPECT_TRUE(isQuiet);
     EXPECT_TRUE(isNamed);
 }
@@ -131,7 +129,7 @@ TEST(SlowReader, ReadsOnAThreadThatDisturbsNobody) {
 TEST(Metrics, AskForNoVendorWithoutAGpu) {
     doubles::removeAllFiles();
     doubles::takeLog();
-    const scene::Metrics metrics;
+    const figures::Metrics metrics;
     EXPECT_TRUE(doubles::takeLog().empty());
 }
 
@@ -144,7 +142,7 @@ public:
         return progress;
     }
     void abandonCapture() override { ++abandonments; }
-    bool readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) override {
+    bool readFrame(gui::FrameData& frame, figures::Reading /*captureStart*/) override {
         gui::RenderPassData pass(0.0F, {11, 22});
         pass.setIndex(4);
         pass.addTimestampInfo(2, 6);
@@ -253,9 +251,15 @@ TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
     doubles::setFile("/sys/kernel/gpu/gpu_freq_table", "338 598\n");
     doubles::setFile("/sys/kernel/gpu/gpu_clock", "450\n");
     doubles::setFile("/sys/kernel/gpu/gpu_mem_total", "104857600\n");
+    doubles::setFile(
+        "/proc/meminfo",
+        "MemTotal: 9216 kB\nMemFree: 2048 kB\nMemAvailable: 6144 kB\nBuffers: 1 kB\nCached: 4096 kB\n");
     publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
-    frames(20);
-    EXPECT_THAT(drawn(), IsSupersetOf({"37%", "450", "100MB"}));
+    frames(12);
+    const unsigned before = doubles::timesOpened("/proc/meminfo");
+    frames(8);
+    EXPECT_EQ(doubles::timesOpened("/proc/meminfo"), before + 1) << "all of a refresh comes from one text";
+    EXPECT_THAT(drawn(), IsSupersetOf({"37%", "450", "100MB", "6.0MB", "Used 3.0MB"}));
     EXPECT_THAT(drawn(), Contains(testing::HasSubstr("62.5"))) << "frames of 16 ms";
 }
 
@@ -324,6 +328,27 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
             }
         }
     }
+}
+
+// As for a figure that the library has no cell for.
+TEST_F(SceneOverlay, FiguresWithoutCellsShareTheStrip) {
+    publish({{"widget_memory", "true"}});
+    scene::FigureWidgetLayout layout = scene::MEMORY_WIDGET;
+    layout.cellCount = 2;
+    scene::FigureWidget widget(mFactory, layout);
+    frame();  // places the widgets
+    widget.layout(scene::Canvas(mFactory.mSize));
+    doubles::drawCalls().clear();
+    widget.draw();
+    const auto& calls = doubles::drawCalls();
+    ASSERT_GE(calls.size(), 11U);
+    const doubles::DrawCall& strip = calls[0];
+    float free = strip.position.x;  // names and values, from left to right
+    for (std::size_t i = 1; i <= 10; ++i) {
+        EXPECT_GE(calls[i].position.x, free - 0.0001F) << calls[i].what;
+        free = calls[i].position.x + calls[i].size.x;
+    }
+    EXPECT_LE(free, strip.position.x + strip.size.x + 0.0001F);
 }
 
 TEST_F(SceneOverlay, ACaptureShowsTheFramesPasses) {

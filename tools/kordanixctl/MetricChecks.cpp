@@ -1,7 +1,7 @@
 #include "MetricChecks.h"
 
 #include "core/StateInfo.h"
-#include "scene/KernelFiles.h"
+#include "figures/KernelFiles.h"
 #include "utils/SystemInfoHelper.h"
 
 #include <array>
@@ -38,7 +38,7 @@ std::string figureText(const char* format, float figure) {
                                                    : std::string();
 }
 
-std::string mebibytes(const scene::Reading& bytes) {
+std::string mebibytes(const figures::Reading& bytes) {
     return bytes ? formatted("%.1f MiB", *bytes / (1024.0 * 1024.0)) : std::string();
 }
 
@@ -91,23 +91,23 @@ std::string memoryInUse() {
 }
 
 std::string freeMemory() {
-    return mebibytes(scene::readSystemMemory().available);
+    return mebibytes(figures::readSystemMemory().available);
 }
 
 std::string processMemory() {
-    return mebibytes(scene::readProportionalSetSize());
+    return mebibytes(figures::readProportionalSetSize());
 }
 
 std::string gpuMemoryTotal() {
-    return mebibytes(scene::readGpuMemoryTotal());
+    return mebibytes(figures::readGpuMemoryTotal());
 }
 
 std::string gpuMemorySurface() {
-    return mebibytes(scene::readGpuMemorySurface());
+    return mebibytes(figures::readGpuMemorySurface());
 }
 
 std::string gpuMemoryTexture() {
-    return mebibytes(scene::readGpuMemoryTexture());
+    return mebibytes(figures::readGpuMemoryTexture());
 }
 
 /// A figure: where it comes from, what it is at the moment, and what the file must hold.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scene/Reading.h"
+#include "figures/Reading.h"
 
 #include <sys/types.h>
 
@@ -10,7 +10,7 @@
 #include <mutex>
 #include <thread>
 
-namespace scene {
+namespace figures {
 
 /// Takes a reading that is too slow for the frame thread on a thread of its own. The frame thread asks for
 /// a reading now and then and reads the latest one at any time. All operations are the frame thread's.
@@ -65,4 +65,4 @@ private:
     pid_t mProcess = 0;  ///< the one that started the thread
 };
 
-}  // namespace scene
+}  // namespace figures

@@ -1,4 +1,4 @@
-#include "scene/SlowReader.h"
+#include "figures/SlowReader.h"
 
 #include <pthread.h>
 #include <signal.h>
@@ -9,7 +9,7 @@
 #include <functional>
 #include <limits>
 
-namespace scene {
+namespace figures {
 
 namespace {
 
@@ -118,4 +118,4 @@ void SlowReader::run(Shared& shared, Read read) {
     }
 }
 
-}  // namespace scene
+}  // namespace figures

@@ -1,4 +1,4 @@
-#include "scene/Metrics.h"
+#include "figures/Metrics.h"
 
 #include <unistd.h>
 
@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <limits>
 
-namespace scene {
+namespace figures {
 
 namespace {
 
@@ -16,8 +16,6 @@ constexpr double SLOW_PERIOD_US = 1000000.0;
 
 /// The CPU load is the mean of one reading more than this.
 constexpr unsigned int CPU_DAMPER_SPAN = 2;
-
-constexpr std::uint32_t NO_MEMORY_USAGE = 0xFFFFFFFF;
 
 /// The library's readers take integers as unsigned: a negative one comes out as 2^32 less its size, divided
 /// by 1000 where the file counts in thousandths. No true figure reaches half of that.
@@ -51,12 +49,32 @@ double cpuLoadElapsed(double microseconds) {
 
 Metrics::Metrics() : mState(makeState()), mCpuDamper(CPU_DAMPER_SPAN), mPss(readProportionalSetSize) {}
 
-void Metrics::beginRefresh(std::uint32_t frames, double elapsedUs) {
+void Metrics::want(const FigureSet& wanted) {
+    mWanted = wanted;
+    bool isSlowWanted = false;
+    for (const Figure& figure : catalogue()) {
+        isSlowWanted = isSlowWanted || (wanted[indexOf(figure)] && figure.source.read == &Metrics::pss);
+    }
+    if (isSlowWanted && !mIsSlowWanted) {
+        mPss.start();
+        mPss.request();
+        mSinceSlowRequestUs = 0.0;
+    } else if (!isSlowWanted) {
+        mPss.stop();
+    }
+    mIsSlowWanted = isSlowWanted;
+}
+
+void Metrics::refresh(std::uint32_t frames, double elapsedUs) {
     mFps = mState.getFPS(frames, elapsedUs);
     mHasFps = true;
     mSinceCpuLoadUs += elapsedUs;
-    // Taken before the next one is asked for: which reading a refresh shows must not depend on a race.
-    mPssReading = mPss.latest();
+    mSystemMemory.reset();
+    for (const Figure& figure : catalogue()) {
+        Reading& reading = mReadings[indexOf(figure)];
+        reading = mWanted[indexOf(figure)] ? (this->*figure.source.read)() : Reading();
+    }
+    // Asked for after the last one was taken: which value a refresh shows must not depend on a race.
     mSinceSlowRequestUs += elapsedUs;
     if (mIsSlowWanted && mSinceSlowRequestUs >= SLOW_PERIOD_US) {
         mSinceSlowRequestUs = 0.0;
@@ -73,20 +91,28 @@ void Metrics::restart() {
     mHasFps = false;
 }
 
+Reading Metrics::top(const Figure& figure) {
+    return figure.source.top != nullptr ? (this->*figure.source.top)() : Reading();
+}
+
+Reading Metrics::fpsReading(float value) const {
+    return mHasFps ? fromReader(value) : Reading();
+}
+
 Reading Metrics::currentFps() {
-    return mHasFps ? fromReader(mFps) : Reading();
+    return fpsReading(mFps);
 }
 
 Reading Metrics::averageFps() {
-    return mHasFps ? fromReader(mState.getAverageFPS()) : Reading();
+    return fpsReading(mState.getAverageFPS());
 }
 
 Reading Metrics::medianFps() {
-    return mHasFps ? fromReader(mState.getMedianFPS()) : Reading();
+    return fpsReading(mState.getMedianFPS());
 }
 
 Reading Metrics::fpsStability() {
-    return mHasFps ? fromReader(mState.getFpsStability()) : Reading();
+    return fpsReading(mState.getFpsStability());
 }
 
 Reading Metrics::maxFps() {
@@ -128,7 +154,7 @@ Reading Metrics::gpuMaxClock() {
 }
 
 Reading Metrics::pss() {
-    return keepPeak(mPssReading);
+    return keepPeak(mPss.latest());
 }
 
 Reading Metrics::gpuMemoryTotal() {
@@ -147,33 +173,23 @@ Reading Metrics::processMemoryTop() {
     return mProcessMemoryPeak ? Reading(*mProcessMemoryPeak * 1.25) : Reading();
 }
 
-Reading Metrics::systemMemoryFree() {
-    mSystemMemory = readSystemMemory();
-    return mSystemMemory.available;
+const SystemMemory& Metrics::systemMemory() {
+    if (!mSystemMemory) {
+        mSystemMemory = readSystemMemory();
+    }
+    return *mSystemMemory;
 }
 
-Reading Metrics::systemMemoryTotal() {
-    return mSystemMemory.total;
+Reading Metrics::systemMemoryFree() {
+    return systemMemory().available;
 }
 
 Reading Metrics::systemMemoryUsed() {
-    const std::uint32_t kilobytes = core::StateInfo::getMemoryUsage();
-    return kilobytes == NO_MEMORY_USAGE ? Reading() : Reading(kilobytes * 1024.0);
+    return systemMemory().used;
 }
 
-void Metrics::setSlowFiguresWanted(bool wanted) {
-    if (wanted == mIsSlowWanted) {
-        return;
-    }
-    mIsSlowWanted = wanted;
-    if (wanted) {
-        mPss.start();
-        mPss.request();
-        mSinceSlowRequestUs = 0.0;
-    } else {
-        mPss.stop();
-        mPssReading.reset();
-    }
+Reading Metrics::systemMemoryTotal() {
+    return systemMemory().total;
 }
 
 void Metrics::settle() {
@@ -187,4 +203,4 @@ Reading Metrics::keepPeak(Reading bytes) {
     return bytes;
 }
 
-}  // namespace scene
+}  // namespace figures

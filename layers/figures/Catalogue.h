@@ -1,0 +1,84 @@
+#pragma once
+
+#include "drawers/Drawer.h"
+#include "figures/Reading.h"
+#include "gui/LayoutDef.h"
+#include "gui/WidgetsSettings.h"
+
+#include <bitset>
+#include <cstddef>
+#include <cstdint>
+
+namespace figures {
+
+class Metrics;
+
+enum class Kind {
+    NUMBER,
+    MEMORY,  ///< bytes, shown in megabytes or gigabytes
+    RATE     ///< a number over the time between two refreshes: there is none at the first one
+};
+
+/// Everything that is to be known of one figure. Texts live as long as the process.
+struct Figure {
+    const char* id;     ///< for programs, such as "gpu.clock"
+    const char* name;   ///< for people, such as "GPU frequency"
+    const char* label;  ///< on the overlay, before the value
+
+    struct Format {
+        const char* unit;    ///< what the value counts
+        const char* suffix;  ///< on the overlay, after the value
+        Kind kind;
+        int decimals;
+    } format;
+
+    gui::WidgetType widget;
+
+    /// A figure without settings is a note, which is shown whenever its widget is.
+    struct Settings {
+        /// The switch, without the library's prefix. The colour has the same name and "_color".
+        const char* property = nullptr;
+        bool isOnByDefault = true;
+        std::uint32_t color = 0;  ///< 0xAARRGGBB, by default
+        /// Of a figure whose properties the library has; null when they are made from this table.
+        const gui::WidgetsSettings::Graph& (*ofLibrary)() = nullptr;
+    } settings;
+
+    /// In frame dumps. A figure without a column has no graph either.
+    struct Column {
+        const char* name = nullptr;
+        /// NONE: beside the library's columns.
+        gui::WidgetValueType slot = gui::WidgetValueType::NONE;
+    } column;
+
+    struct Source {
+        const char* file;      ///< null: the frames alone
+        const char* expected;  ///< what the file must hold
+        Reading (Metrics::*read)();
+        Reading (Metrics::*top)();  ///< of the graph's scale; null: the largest value so far
+    } source;
+
+    bool isNote() const { return settings.property == nullptr; }
+    bool hasGraph() const { return column.name != nullptr; }
+};
+
+struct FigureRows {
+    const Figure* first;
+    std::size_t count;
+
+    const Figure* begin() const { return first; }
+    const Figure* end() const { return first + count; }
+};
+
+/// All figures, in the order in which a widget shows them.
+FigureRows catalogue();
+
+/// Which figures of the catalogue, by their index.
+using FigureSet = std::bitset<64>;
+
+std::size_t indexOf(const Figure& figure);
+
+/// Switch and colour; the first call makes them where the library has none. Not for a note. Rendering thread.
+const gui::WidgetsSettings::Graph& settingsOf(const Figure& figure);
+
+}  // namespace figures

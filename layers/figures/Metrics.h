@@ -1,0 +1,105 @@
+#pragma once
+
+#include "core/StateInfo.h"
+#include "figures/Catalogue.h"
+#include "figures/KernelFiles.h"
+#include "figures/Reading.h"
+#include "figures/SlowReader.h"
+#include "utils/ValueDamper.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace figures {
+
+/// The values of the figures of the catalogue. A refresh reads all that are wanted; until the next one the
+/// answers stay as they are. What is not wanted costs nothing. Rendering thread only.
+class Metrics {
+public:
+    Metrics();
+
+    /// From the next refresh on. Starts or ends the thread that the slow figures need.
+    void want(const FigureSet& wanted);
+
+    /// `frames` frames took `elapsedUs` microseconds since the last refresh. Takes the frame-rate sample in
+    /// any case, so that the statistics are whole.
+    void refresh(std::uint32_t frames, double elapsedUs);
+
+    /// The overlay was away: the next values have nothing to do with the last ones.
+    void restart();
+
+    /// The value at the last refresh.
+    const Reading& reading(const Figure& figure) const { return mReadings[indexOf(figure)]; }
+
+    /// The value at the top of the figure's graph; empty: the largest value so far.
+    Reading top(const Figure& figure);
+
+    /// Waits until the slow figures that were asked for are there, for the next refresh.
+    void settle();
+
+    // The readers of the catalogue, called by refresh(). A negative or infinite number, one with all bits set
+    // and what is no number at all give an empty reading.
+
+    /// Frames per second: of the last interval, and the mean and the median since the statistics were reset.
+    Reading currentFps();
+    Reading averageFps();
+    Reading medianFps();
+
+    /// Percentage of intervals within 20 % of the median.
+    Reading fpsStability();
+
+    /// Load of this process, 0 to 100: percent of all processors of the device, the mean of a few refreshes.
+    Reading cpuLoad();
+
+    /// Degrees Celsius.
+    Reading cpuTemperature();
+    Reading gpuTemperature();
+
+    /// Percent.
+    Reading gpuLoad();
+
+    /// MHz.
+    Reading gpuClock();
+    Reading gpuMaxClock();
+
+    /// Bytes of this process.
+    Reading pss();
+    Reading gpuMemoryTotal();
+    Reading gpuMemorySurface();
+    Reading gpuMemoryTexture();
+
+    /// Bytes of the whole system: see SystemMemory.
+    Reading systemMemoryFree();
+    Reading systemMemoryUsed();
+
+    // The tops of graphs.
+
+    /// The device's cap of the frame rate.
+    Reading maxFps();
+    Reading percentTop();
+    /// For all memory of the process: a quarter more than the largest value of one of its figures.
+    Reading processMemoryTop();
+    Reading systemMemoryTotal();
+
+private:
+    Reading fpsReading(float value) const;
+    Reading keepPeak(Reading bytes);
+    const SystemMemory& systemMemory();
+
+    FigureSet mWanted;
+    std::array<Reading, FigureSet().size()> mReadings;
+
+    core::StateInfo mState;
+    bool mHasFps = false;
+    float mFps = 0.0F;
+    double mSinceCpuLoadUs = 0.0;
+    utils::ValueDamper mCpuDamper;
+    double mSinceSlowRequestUs = 0.0;
+    bool mIsSlowWanted = false;
+    Reading mProcessMemoryPeak;
+    std::optional<SystemMemory> mSystemMemory;  // of this refresh, once somebody has asked
+    SlowReader mPss;                            // the last member: its thread is the first to go
+};
+
+}  // namespace figures

@@ -1,0 +1,54 @@
+#include "figures/TextFormat.h"
+
+#include "figures/Catalogue.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace figures {
+
+const char* const NOT_AVAILABLE = "N/A";
+
+namespace {
+
+constexpr double MEGABYTE = 1024.0 * 1024.0;
+constexpr double GIGABYTE = 1024.0 * MEGABYTE;
+
+}  // namespace
+
+std::string format(const Figure& figure, const Reading& reading) {
+    return figure.format.kind == Kind::MEMORY
+               ? formatBytes(reading)
+               : formatNumber(reading, figure.format.decimals, figure.format.suffix);
+}
+
+std::string formatNumber(const Reading& reading, int decimals, const char* suffix) {
+    // The font has no minus sign.
+    if (!reading || !std::isfinite(*reading) || *reading < 0.0) {
+        return NOT_AVAILABLE;
+    }
+    char digits[320];  // the largest double has 309 digits
+    const auto result = std::to_chars(digits, digits + sizeof(digits), std::abs(*reading),
+                                      std::chars_format::fixed, decimals);
+    return std::string(digits, result.ptr).append(suffix);
+}
+
+std::string formatBytes(const Reading& bytes) {
+    const auto formatIn = [&bytes](double unit, int decimals, const char* suffix) {
+        return formatNumber(bytes ? Reading(*bytes / unit) : bytes, decimals, suffix);
+    };
+    const double size = bytes.value_or(0.0);
+    // The limits are those of the rounded text: 9.96 would print as "10.0MB".
+    if (size < 9.95 * MEGABYTE) {
+        return formatIn(MEGABYTE, 1, "MB");
+    }
+    if (size < 999.5 * MEGABYTE) {
+        return formatIn(MEGABYTE, 0, "MB");
+    }
+    if (size < 99.95 * GIGABYTE) {
+        return formatIn(GIGABYTE, 1, "GB");
+    }
+    return formatIn(GIGABYTE, 0, "GB");
+}
+
+}  // namespace figures
