@@ -13,11 +13,14 @@ function(kordanix_add_core target counter_source)
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
-# kordanix_add_test(NAME SOURCES...): a GoogleTest executable whose cases CTest knows one by one.
+# kordanix_add_test(NAME SOURCES... [LABEL LABEL]): a GoogleTest executable whose cases CTest knows one by one. The
+# label `outruns` is for tests that kill or outrun other processes, which a busy machine may upset: scripts/test.sh
+# asks them once more when they fail. `slow` is for what takes seconds. The quick run leaves out both.
 function(kordanix_add_test name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(test "" LABEL "" ${ARGN})
+  add_executable(${name} ${test_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE kordanix_options TestSupport GTest::gmock_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_precompile_headers(${name} REUSE_FROM test_headers)
-  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 LABELS "${test_LABEL}")
 endfunction()
