@@ -4,7 +4,7 @@
 
 namespace privilege {
 
-/// No file descriptor has this number: fcntl() on it fails, and tells the tracer of the phase that begins.
+/// No file descriptor has this number: fcntl() on it fails, and shows in a trace which phase begins.
 constexpr int MARKER = 0x4B4F5244;
 
 inline void beginPhase(int phase) {
@@ -23,7 +23,7 @@ enum Phase {
     MEMORY_REFRESHES,  ///< the same with the widget of memory figures as well
     CAPTURES,          ///< the key for a capture in each frame; there are no counters, as was found before
     DUMPING,
-    PHASE_COUNT
+    LOOKING_ON,  ///< the host looks at itself; nothing of this is the overlay's
 };
 
 /// Frames of every phase that has a budget.
