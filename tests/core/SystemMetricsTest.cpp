@@ -3,6 +3,7 @@
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeLog.h"
 #include "doubles/FakeOstra.h"
+#include "utils/StringFormat.h"
 #include "utils/SystemInfoHelper.h"
 
 #include <gmock/gmock.h>
@@ -12,8 +13,7 @@
 #include <unistd.h>
 
 #include <array>
-#include <cmath>
-#include <cstdio>
+#include <clocale>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -59,17 +59,27 @@ TEST_F(SystemMetrics, SayMinusOneWithoutTheirFile) {
 
 TEST_F(SystemMetrics, ReadOneNumberAfresh) {
     doubles::setFile(TEMPERATURE, "45000\n");
-    doubles::setFile(GPU_BUSY, "37\n");
     doubles::setFile(GPU_TEMPERATURE, "523\n");
     EXPECT_FLOAT_EQ(StateInfo::getCPUTemperature(), 45.0F);
-    EXPECT_FLOAT_EQ(StateInfo::getGPUUsage(), 37.0F);
     const float expected[] = {523.0F, 52.3F, 523.0F};
     for (int vendor = 0; vendor < 3; ++vendor) {
         StateInfo::mVendor = vendor;
         EXPECT_FLOAT_EQ(StateInfo::getGPUTemperature(), expected[vendor]) << "vendor " << vendor;
     }
-    doubles::setFile(GPU_BUSY, "8");
-    EXPECT_FLOAT_EQ(StateInfo::getGPUUsage(), 8.0F) << "nothing is kept between two readings";
+    for (const unsigned busy : {37U, 8U}) {
+        doubles::setFile(GPU_BUSY, std::to_string(busy));
+        EXPECT_FLOAT_EQ(StateInfo::getGPUUsage(), static_cast<float>(busy));
+    }
+}
+
+TEST_F(SystemMetrics, AreTheSameInEveryLocale) {
+    setenv("LOCPATH", LOCALES, 1);
+    ASSERT_NE(std::setlocale(LC_ALL, "de_DE.UTF-8"), nullptr);
+    doubles::setFile(GPU_TEMPERATURE, "52.5\n");
+    EXPECT_EQ(StateInfo::getGPUTemperature(), 52.5F);
+    EXPECT_EQ(utils::strFormat("%.1fms", 16.7), "16.7ms");
+    EXPECT_STREQ(std::localeconv()->decimal_point, ",") << "the application's locale is as it was";
+    std::setlocale(LC_ALL, "C");
 }
 
 struct ClockCase {
@@ -220,12 +230,6 @@ TEST_F(SystemMetrics, FixedClocksComeFromTheTable) {
         EXPECT_EQ(doubles::companion().clockRequests[0], std::make_pair(c.cpu, c.gpu))
             << c.device << "/" << c.vendor;
     }
-    EXPECT_EQ(StateInfo::getFixClockState(), 1);
-    doubles::companion().fixClockResult = false;
-    StateInfo::fixClock();
-    EXPECT_EQ(StateInfo::getFixClockState(), 2);
-    StateInfo::unfixClock();
-    EXPECT_EQ(StateInfo::getFixClockState(), 0);
 }
 
 // The device index is computed while the library is loaded, so each property text needs a process of its own:

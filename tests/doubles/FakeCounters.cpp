@@ -2,6 +2,8 @@
 
 #include "core/HWcounterAdreno.h"
 
+#include <new>
+
 namespace doubles {
 
 Counters& counters() {
@@ -32,6 +34,9 @@ bool HWcounter::readGpuUsage(double* usage) {
 bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, double* vertexActivity,
                                 double* fragmentActivity) {
     const unsigned read = ++doubles::counters().reads;
+    if (read == doubles::counters().failingRead) {
+        throw std::bad_alloc();
+    }
     *timestamp = 1000000ULL * read;
     *usage = read;
     *vertexActivity = 0.25;

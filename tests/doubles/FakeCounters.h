@@ -10,6 +10,7 @@ namespace doubles {
 struct Counters {
     std::atomic<bool> isReady{true};
     std::atomic<unsigned> reads{0};
+    std::atomic<unsigned> failingRead{0};  ///< this one finds no memory
 };
 
 Counters& counters();

@@ -2,34 +2,43 @@
 
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <map>
-#include <memory>
 #include <mutex>
-#include <set>
 
 namespace {
 
-struct Files {
-    std::mutex mutex;
-    std::map<std::string, std::string> contents;
-    std::map<std::string, unsigned> opened;
-    std::set<std::FILE*> open;
-};
+std::mutex gMutex;
+std::atomic<int> gOpen{0};
 
-Files& files() {
-    static Files* const instance = new Files;
+std::map<std::string, std::string>& contents() {
+    static auto* const instance = new std::map<std::string, std::string>;
     return *instance;
 }
 
-bool isServed(const std::string& path) {
-    return path.rfind("/proc/", 0) == 0 || path.rfind("/sys/", 0) == 0;
+std::map<std::string, unsigned>& opened() {
+    static auto* const instance = new std::map<std::string, unsigned>;
+    return *instance;
 }
 
-template <typename Function>
-Function realFunction(const char* name) {
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+/// A stream that has a copy of the content, so that a test may change the file while it is open.
+std::FILE* openText(const std::string& content) {
+    cookie_io_functions_t functions = {};
+    functions.read = [](void* rest, char* buffer, std::size_t size) {
+        auto& text = *static_cast<std::string*>(rest);
+        const std::size_t read = text.copy(buffer, size);
+        text.erase(0, read);
+        return static_cast<ssize_t>(read);
+    };
+    functions.close = [](void* rest) {
+        --gOpen;
+        delete static_cast<std::string*>(rest);
+        return 0;
+    };
+    ++gOpen;
+    return fopencookie(new std::string(content), "r", functions);
 }
 
 }  // namespace
@@ -37,61 +46,44 @@ Function realFunction(const char* name) {
 namespace doubles {
 
 void setFile(const std::string& path, const std::string& content) {
-    const std::lock_guard<std::mutex> lock(files().mutex);
-    files().contents[path] = content;
+    const std::lock_guard<std::mutex> lock(gMutex);
+    contents()[path] = content;
 }
 
 void removeFile(const std::string& path) {
-    const std::lock_guard<std::mutex> lock(files().mutex);
-    files().contents.erase(path);
+    const std::lock_guard<std::mutex> lock(gMutex);
+    contents().erase(path);
 }
 
 void removeAllFiles() {
-    const std::lock_guard<std::mutex> lock(files().mutex);
-    files().contents.clear();
+    const std::lock_guard<std::mutex> lock(gMutex);
+    contents().clear();
 }
 
 unsigned timesOpened(const std::string& path) {
-    const std::lock_guard<std::mutex> lock(files().mutex);
-    const auto found = files().opened.find(path);
-    return found == files().opened.end() ? 0 : found->second;
+    const std::lock_guard<std::mutex> lock(gMutex);
+    return opened()[path];
 }
 
 int openFiles() {
-    const std::lock_guard<std::mutex> lock(files().mutex);
-    return static_cast<int>(files().open.size());
+    return gOpen;
 }
 
 }  // namespace doubles
 
 extern "C" std::FILE* fopen(const char* path, const char* mode) {
-    if (!isServed(path)) {
-        static const auto realOpen = realFunction<std::FILE* (*)(const char*, const char*)>("fopen");
+    const std::string name = path;
+    if (name.rfind("/proc/", 0) != 0 && name.rfind("/sys/", 0) != 0) {
+        static const auto realOpen =
+            reinterpret_cast<std::FILE* (*)(const char*, const char*)>(dlsym(RTLD_NEXT, "fopen"));
         return realOpen(path, mode);
     }
-    const std::lock_guard<std::mutex> lock(files().mutex);
-    ++files().opened[path];
-    const auto found = files().contents.find(path);
-    if (found == files().contents.end()) {
+    const std::lock_guard<std::mutex> lock(gMutex);
+    ++opened()[name];
+    const auto found = contents().find(name);
+    if (found == contents().end()) {
         errno = ENOENT;
         return nullptr;
     }
-    // A copy of the content that the stream owns, so that a test may change the file while it is open.
-    std::FILE* const stream = fmemopen(nullptr, found->second.size() + 1, "w+");
-    if (stream != nullptr) {
-        std::fwrite(found->second.data(), 1, found->second.size(), stream);
-        std::fflush(stream);
-        std::rewind(stream);
-        files().open.insert(stream);
-    }
-    return stream;
-}
-
-extern "C" int fclose(std::FILE* stream) {
-    {
-        const std::lock_guard<std::mutex> lock(files().mutex);
-        files().open.erase(stream);
-    }
-    static const auto realClose = realFunction<int (*)(std::FILE*)>("fclose");
-    return realClose(stream);
+    return openText(found->second);
 }

@@ -47,9 +47,6 @@ void startDumping(const std::vector<DumpWidgetMeta>& metas) {
 void addDump(const FrameDump& dump) {
     companion().calls.emplace_back("addDump");
     companion().dumps.push_back(dump);
-    if (companion().onAddDump) {
-        companion().onAddDump();
-    }
 }
 
 void finishDumping() {

@@ -20,7 +20,6 @@ struct CompanionLibrary {
 
     bool fixClockResult = true;              ///< what fixClock() answers
     std::vector<Ostra::KeyEvent> keyEvents;  ///< what the next poll delivers
-    std::function<void()> onAddDump;         ///< run inside addDump(), when set
 };
 
 CompanionLibrary& companion();

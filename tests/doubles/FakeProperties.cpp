@@ -22,7 +22,6 @@ struct Area {
     std::condition_variable written;
     std::map<std::string, std::unique_ptr<prop_info>> properties;
     unsigned lookups = 0;
-    unsigned reads = 0;
     unsigned failingWaits = 0;
 };
 
@@ -68,11 +67,6 @@ unsigned propertyLookups() {
     return area().lookups;
 }
 
-unsigned propertyReads() {
-    const std::lock_guard<std::mutex> lock(area().mutex);
-    return area().reads;
-}
-
 void failPropertyWaits(unsigned count) {
     const std::lock_guard<std::mutex> lock(area().mutex);
     area().failingWaits = count;
@@ -98,7 +92,6 @@ void __system_property_read_callback(const prop_info* pi,
     std::uint32_t serial = 0;
     {
         const std::lock_guard<std::mutex> lock(area().mutex);
-        ++area().reads;
         name = pi->name;
         value = pi->value;
         serial = pi->serial;

@@ -10,9 +10,8 @@ namespace doubles {
 /// Writes a property, creating it when it is new, advances its serial and wakes those who wait for it.
 void setProperty(const std::string& name, const std::string& value);
 
-/// How often any property has been looked up by name, and read, since the process started.
+/// How often any property has been looked up by name since the process started.
 unsigned propertyLookups();
-unsigned propertyReads();
 
 /// Makes the next `count` waits report failure at once.
 void failPropertyWaits(unsigned count);

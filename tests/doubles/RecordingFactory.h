@@ -17,49 +17,22 @@ public:
     }
     std::unique_ptr<drawer::RectDrawer> createRect() override { return std::make_unique<RecordingRect>(); }
     std::unique_ptr<drawer::GridDrawer> createGrid(std::unique_ptr<drawer::MeshDrawer> lines) override {
-        return std::make_unique<Grid>(*this, std::move(lines));
+        return std::make_unique<RecordingGrid>(std::move(lines));
     }
-    std::unique_ptr<drawer::TextDrawer> createText() override { return std::make_unique<Text>(*this); }
+    std::unique_ptr<drawer::TextDrawer> createText() override { return createRecordingText(); }
     std::unique_ptr<drawer::Drawer> createThumbnail() override { return std::make_unique<Thumbnail>(); }
     glm::uvec2 getSurfaceSize() const override { return mSize; }
     void setClip(const glm::vec2& position, const glm::vec2& size) override {
-        drawCalls().push_back({"clip", position, size, {}, {}});
+        drawCalls().push_back({"clip", position, size});
     }
-    void clearClip() override { drawCalls().push_back({"unclip", {}, {}, {}, {}}); }
+    void clearClip() override { drawCalls().push_back({"unclip"}); }
 
-    glm::uvec2 mSize{740, 360};
+    glm::vec2& mSize = surface() = glm::vec2(740.0F, 360.0F);
 
 private:
-    float aspectRatio() const { return static_cast<float>(mSize.y) / static_cast<float>(mSize.x); }
-
-    class Grid : public drawer::GridDrawer {
-    public:
-        Grid(RecordingFactory& factory, std::unique_ptr<drawer::MeshDrawer> lines)
-            : GridDrawer(std::move(lines)), mFactory(factory) {}
-        float getAspectRatio() override { return mFactory.aspectRatio(); }
-
-    private:
-        RecordingFactory& mFactory;
-    };
-
-    /// Records one call for a text and forgets its glyphs.
-    class Text : public RecordingText {
-    public:
-        explicit Text(RecordingFactory& factory) : mFactory(factory) {}
-        void draw() override {
-            mGlyphs.clear();
-            RecordingText::draw();
-        }
-        float getAspectRatio() override { return mFactory.aspectRatio(); }
-        float getScreenHeight() override { return static_cast<float>(mFactory.mSize.y); }
-
-    private:
-        RecordingFactory& mFactory;
-    };
-
     class Thumbnail : public drawer::Drawer {
     public:
-        void draw() override { drawCalls().push_back({"thumbnail", mPosition, mSize, {}, {}}); }
+        void draw() override { drawCalls().push_back({"thumbnail", mPosition, mSize}); }
     };
 };
 

@@ -5,7 +5,6 @@
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
-#include "drawers/TextblockDrawer.h"
 
 #include <glm/gtc/matrix_transform.hpp>
 
@@ -39,16 +38,18 @@ inline std::vector<std::string> drawnNames() {
     return names;
 }
 
+/// The surface of all primitives, in pixels.
+inline glm::vec2& surface() {
+    static glm::vec2 size(740.0F, 360.0F);
+    return size;
+}
+
 class RecordingMesh : public drawer::MeshDrawer {
 public:
     explicit RecordingMesh(std::string name) : mName(std::move(name)) {}
     void draw() override { drawCalls().push_back({mName, mPosition, mSize, mTranslation, mColor}); }
-    void clear() override {
-        ++mClears;
-        mVertices.clear();
-    }
+    void clear() override { mVertices.clear(); }
     std::string mName;
-    int mClears = 0;
 };
 
 class RecordingRect : public drawer::RectDrawer {
@@ -58,13 +59,11 @@ public:
 
 class RecordingGrid : public drawer::GridDrawer {
 public:
-    RecordingGrid() : GridDrawer(std::make_unique<RecordingMesh>("grid")) {}
-    float getAspectRatio() override { return mRatio; }
-    RecordingMesh& mesh() { return static_cast<RecordingMesh&>(*mMesh); }
-    float mRatio = 0.5F;
+    using GridDrawer::GridDrawer;
+    float getAspectRatio() override { return surface().y / surface().x; }
 };
 
-/// A text drawer on a surface of a given shape whose transform maps a box onto canvas fractions.
+/// Its transform maps a box onto canvas fractions.
 class RecordingText : public drawer::TextDrawer {
 public:
     struct DrawnGlyph {
@@ -73,33 +72,30 @@ public:
         glm::vec4 color;
     };
 
+    void draw() override {
+        mGlyphs.clear();
+        mDrawnText.clear();
+        TextDrawer::draw();
+    }
     void drawGlyph(const gui::Glyph& /*glyph*/, const glm::mat4& transform, const glm::vec4& color,
                    char symbol) override {
-        mGlyphs.push_back({symbol, transform, color});
-        if (mGlyphs.size() == 1) {
+        if (mGlyphs.empty()) {
             drawCalls().push_back({mText, mTextPosition, mTextSize, mTranslation, color});
         }
+        mGlyphs.push_back({symbol, transform, color});
+        mDrawnText += symbol;
     }
     glm::mat4 getTransform(const glm::vec2& size, const glm::vec2& position,
                            const glm::vec3& translation) override {
-        glm::mat4 transform(1.0F);
-        transform = glm::translate(transform, glm::vec3(position + size * 0.5F, 0.0F) + translation * 0.5F);
-        return glm::scale(transform, glm::vec3(size * 0.5F, 1.0F));
+        const glm::vec3 middle = glm::vec3(position + size * 0.5F, 0.0F) + translation * 0.5F;
+        return glm::scale(glm::translate(glm::mat4(1.0F), middle), glm::vec3(size * 0.5F, 1.0F));
     }
-    float getAspectRatio() override { return mSurfaceHeight / mSurfaceWidth; }
-    float getScreenHeight() override { return mSurfaceHeight; }
+    float getAspectRatio() override { return surface().y / surface().x; }
+    float getScreenHeight() override { return surface().y; }
 
-    std::string drawnText() const {
-        std::string text;
-        for (const DrawnGlyph& glyph : mGlyphs) {
-            text += glyph.symbol;
-        }
-        return text;
-    }
-
-    float mSurfaceWidth = 740.0F;
-    float mSurfaceHeight = 360.0F;
+    // Of the last draw.
     std::vector<DrawnGlyph> mGlyphs;
+    std::string mDrawnText;
 };
 
 inline std::unique_ptr<drawer::TextDrawer> createRecordingText() {
