@@ -107,8 +107,8 @@ TEST(Watcher, PublishesBatchesToListenersAfterReReading) {
     const auto publish = [&](const std::string& text) {
         doubles::setProperty("debug.test.first", text);
         doubles::setProperty("debug.test.second", text);
-        doubles::setProperty(GENERATION, "same");  // the serial counts, not the text
         const int before = passes;
+        doubles::setProperty(GENERATION, "same");  // the serial counts, not the text
         return support::waitUntil([&] { return passes > before; });
     };
     SysPropWatcher::init(GENERATION, 1ms);

@@ -10,11 +10,10 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
-#include <unistd.h>
 
-#include <array>
 #include <clocale>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,11 +37,6 @@ class SystemMetrics : public testing::Test {
 protected:
     ~SystemMetrics() override { EXPECT_EQ(doubles::openFiles(), 0) << "a reader left its file open"; }
 };
-
-std::string statWithTicks(unsigned user, unsigned system, const std::string& command = "(app)") {
-    return "1234 " + command + " S 1 2 3 4 5 6 7 8 9 10 " + std::to_string(user) + " " +
-           std::to_string(system) + " 0 0 20 0\n";
-}
 
 TEST_F(SystemMetrics, SayMinusOneWithoutTheirFile) {
     doubles::removeAllFiles();
@@ -83,10 +77,8 @@ TEST_F(SystemMetrics, AreTheSameInEveryLocale) {
 }
 
 struct ClockCase {
-    const char* table;
-    const char* clock;
+    const char *table, *clock;
     float maximum, current;
-    bool isKHz;
 };
 
 class GpuClock : public testing::TestWithParam<ClockCase> {};
@@ -97,22 +89,17 @@ TEST_P(GpuClock, FollowsTheUnitOfTheFrequencyTable) {
     doubles::setFile(GPU_TABLE, GetParam().table);
     doubles::setFile(GPU_CLOCK, GetParam().clock);
     EXPECT_FLOAT_EQ(StateInfo::getGPUClock(), GetParam().current);
-    EXPECT_FLOAT_EQ(StateInfo::getGPUMaxClock(), GetParam().maximum);
-    EXPECT_EQ(StateInfo::mIsGpuClockKHz, GetParam().isKHz);
     doubles::removeFile(GPU_TABLE);
     EXPECT_TRUE(StateInfo::checkGPUClockUnit()) << "the table is read once per process";
     EXPECT_FLOAT_EQ(StateInfo::getGPUMaxClock(), GetParam().maximum);
 }
 
 INSTANTIATE_TEST_SUITE_P(Tables, GpuClock,
-                         testing::Values(ClockCase{"100000 200000 585000", "300000\n", 585.0F, 300.0F, true},
-                                         ClockCase{"338 598\n", "450\n", 598.0F, 450.0F, false},
-                                         ClockCase{"10000", "9000", 10000.0F, 9000.0F, false},
-                                         ClockCase{"10001", "9000", 10.001F, 9.0F, true},
-                                         ClockCase{"585\n338\n\n", "585", 585.0F, 585.0F, false},
-                                         ClockCase{"338 MHz 598", "338", 338.0F, 338.0F, false},
-                                         ClockCase{"", "338", 0.0F, 338.0F, false},
-                                         ClockCase{"none", "338", 0.0F, 338.0F, false}));
+                         testing::Values(ClockCase{"100000 585000 200000", "300000\n", 585.0F, 300.0F},
+                                         ClockCase{"10000", "9000", 10000.0F, 9000.0F},
+                                         ClockCase{"10001", "9000", 10.001F, 9.0F},
+                                         ClockCase{"338 MHz 598", "338", 338.0F, 338.0F},
+                                         ClockCase{"none", "338", 0.0F, 338.0F}));
 
 class GpuVendor : public testing::TestWithParam<std::pair<const char*, int>> {};
 
@@ -123,14 +110,13 @@ TEST_P(GpuVendor, IsFoundInTheModelText) {
     EXPECT_EQ(StateInfo::mVendor, GetParam().second);
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, GpuVendor,
-                         testing::Values(std::pair("mali-g78\n", 0), std::pair("Adreno (TM) 650", 1),
-                                         std::pair("", 2), std::pair("\nMali", 2), std::pair("PowerVR\n", 2),
-                                         std::pair("adreno mali", 0),
-                                         // Only the first 49 characters count.
-                                         std::pair("0123456789012345678901234567890123456789012345 Mali", 2),
-                                         std::pair("012345678901234567890123456789012345678901234Mali", 0),
-                                         std::pair("\xff\x80\x01mALI\x9c", 0)));
+INSTANTIATE_TEST_SUITE_P(
+    Models, GpuVendor,
+    testing::Values(std::pair("mali-g78\n", 0), std::pair("Adreno (TM) 650", 1), std::pair("", 2),
+                    std::pair("\nMali", 2), std::pair("adreno mali", 0),
+                    // Only the first 49 characters count.
+                    std::pair("0123456789012345678901234567890123456789012345 Mali", 2),
+                    std::pair("\xff\x80_345678901234567890123456789012345678901234Mali", 0)));
 
 TEST_F(SystemMetrics, VendorIsRememberedOnlyWhenFound) {
     doubles::removeAllFiles();
@@ -147,22 +133,25 @@ TEST_F(SystemMetrics, VendorIsRememberedOnlyWhenFound) {
 }
 
 TEST_F(SystemMetrics, CpuLoadIsTheTicksSinceThePreviousReading) {
+    const struct {
+        unsigned user, system;
+        double elapsed;
+        float load;
+    } readings[] = {
+        {100, 50, 500000.0, -1.0F},                             // nothing to compare with
+        {102, 51, 500000.0, 0.6F},    {0, 0, 500000.0, -1.0F},  // no file, which keeps the previous reading
+        {104, 52, 500000.0, 0.6F},    {105, 52, 0.0, 0.0F},    {106, 52, -1.0, 0.0F},
+        {4294967295U, 1, -1.0, 0.0F}, {2, 1, 100000.0, 3.0F},  // unsigned 32-bit arithmetic
+    };
     StateInfo state;
-    doubles::setFile(STAT, statWithTicks(100, 50));
-    EXPECT_EQ(state.getCurrentCPUUsage(500000.0), -1.0F) << "the first reading has nothing to compare with";
-    doubles::setFile(STAT, statWithTicks(102, 51));
-    EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(500000.0), 0.6F);
-    doubles::removeFile(STAT);
-    EXPECT_EQ(state.getCurrentCPUUsage(500000.0), -1.0F);
-    doubles::setFile(STAT, statWithTicks(104, 52));
-    EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(500000.0), 0.6F) << "a failure keeps the previous reading";
-    doubles::setFile(STAT, statWithTicks(105, 52));
-    EXPECT_EQ(state.getCurrentCPUUsage(0.0), 0.0F);
-    EXPECT_EQ(state.getCurrentCPUUsage(-1.0), 0.0F);
-    doubles::setFile(STAT, statWithTicks(4294967295U, 1));
-    state.getCurrentCPUUsage(1.0);
-    doubles::setFile(STAT, statWithTicks(2, 1));
-    EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(100000.0), 3.0F) << "unsigned 32-bit arithmetic";
+    for (const auto& [user, system, elapsed, load] : readings) {
+        doubles::setFile(STAT, "1234 (app) S 1 2 3 4 5 6 7 8 9 10 " + std::to_string(user) + " " +
+                                   std::to_string(system) + " 0 0 20 0\n");
+        if (user == 0) {
+            doubles::removeFile(STAT);
+        }
+        EXPECT_FLOAT_EQ(state.getCurrentCPUUsage(elapsed), load) << user;
+    }
 }
 
 TEST_F(SystemMetrics, MemoryInUseLeavesOutFreeAndCached) {
@@ -177,10 +166,8 @@ TEST_F(SystemMetrics, MemoryInUseLeavesOutFreeAndCached) {
 
 TEST_F(SystemMetrics, ProcessNameIsTheFirstArgumentTrimmed) {
     const std::pair<std::string, std::string> cases[] = {
-        {std::string("com.example.app\0--flag\0", 23), "com.example.app"},
-        {std::string(" \t com.example.app \n\0x", 22), "com.example.app"},
+        {std::string(" \t com.example.app \n\0--flag", 28), "com.example.app"},
         {std::string("one\ntwo\0", 8), "one"},
-        {"", ""},
         {" \t ", ""},
         {std::string(300, 'a'), std::string(255, 'a')},
         {"a\xe4 b", "a\xe4 b"},
@@ -209,9 +196,7 @@ TEST_F(SystemMetrics, FixedClocksComeFromTheTable) {
         {0, 0, true, 1170000, 338000},
         {0, 0, false, 1170000, 338},
         {0, 1, true, 1459200, 414000000},
-        {3, 0, false, 1378000, 377},
         {4, 0, true, 0, 0},
-        {4, 1, false, 1708800, 427000000},
         {7, 0, true, 1687587, 377000},
         {8, 1, false, 1747200, 441600000},
         {9, 0, false, 0, 0},
@@ -238,26 +223,16 @@ TEST(DeviceModelChild, DISABLED_exitsWithTheIndex) {
     std::_Exit(utils::deviceModel);
 }
 
-int deviceModelFor(const std::string& model) {
-    std::array<char, 4096> self{};
-    if (readlink("/proc/self/exe", self.data(), self.size() - 1) < 0) {
-        return -1;
-    }
-    const std::string command =
-        "KORDANIX_TEST_PROPERTIES='ro.product.model=" + model + "' " + doubles::emulator() + "'" +
-        self.data() + "' --gtest_also_run_disabled_tests --gtest_filter='DeviceModelChild.*' >/dev/null";
-    const int status = std::system(command.c_str());  // NOLINT(cert-env33-c): the shell sets the variable
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST(DeviceModel, IsTheFirstMatchingPrefix) {
-    const std::pair<const char*, int> models[] = {
-        {"QV-A31", 0}, {"QV-B31", 1}, {"QV-A32X", 2},    {"QV-B32 LTE", 3},    {"QV-C31", 4},
-        {"QV-C21", 5}, {"QV-A33", 6}, {"QV-B33 Pro", 7}, {"QV-C32", 8},        {"QV-B3", 9},
-        {"", 9},       {"qv-a31", 9}, {" QV-A31", 9},    {"QV-C33 QV-A31", 9},
-    };
+    const std::string self = std::filesystem::read_symlink("/proc/self/exe");
+    const std::pair<const char*, int> models[] = {{"QV-A31", 0}, {"QV-B32 LTE", 3}, {"QV-C32", 8},
+                                                  {"QV-B3", 9},  {"qv-a31", 9},     {" QV-A31", 9}};
     for (const auto& [model, index] : models) {
-        EXPECT_EQ(deviceModelFor(model), index) << "'" << model << "'";
+        const std::string command =
+            "KORDANIX_TEST_PROPERTIES='ro.product.model=" + std::string(model) + "' " + doubles::emulator() +
+            self + " --gtest_also_run_disabled_tests --gtest_filter='DeviceModelChild.*' >/dev/null";
+        const int status = std::system(command.c_str());  // NOLINT(cert-env33-c): the shell sets the variable
+        EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, index) << "'" << model << "'";
     }
 }
 

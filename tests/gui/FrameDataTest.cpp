@@ -24,8 +24,7 @@ TEST(FrameData, IsValidWithPassesAndATimeThatPasses) {
         long double start, end;
         bool hasPass, isValid;
     } cases[] = {{0, 16, true, true},  {0, 16, false, false},        {5, 5, true, false},
-                 {10, 4, true, false}, {0, notANumber, true, false}, {notANumber, 1, true, false},
-                 {-3, -1, true, true}};
+                 {10, 4, true, false}, {0, notANumber, true, false}, {-3, -1, true, true}};
     for (const auto& c : cases) {
         gui::FrameData frame(1, {});
         EXPECT_FALSE(frame.isValid());

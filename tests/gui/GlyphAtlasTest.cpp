@@ -40,23 +40,6 @@ TEST(GlyphAtlas, PlacesAGlyphsBoxInTheLine) {
     EXPECT_EQ(glyph->mQuad[2].mPosition, glm::vec2(-1.0F, 1.0F));
 }
 
-// The quads' texture coordinates lead to the glyphs' ink: a filled square for "@", nothing for a blank.
-TEST(GlyphAtlas, TextureCoordinatesLeadIntoTheBitmap) {
-    for (const auto& [symbol, coverage] : {std::pair{'@', 255U}, {' ', 0U}}) {
-        const gui::Glyph* const glyph = atlas()[symbol];
-        ASSERT_NE(glyph, nullptr);
-        const glm::vec2 first = glyph->mQuad[0].mTexCoord * glm::vec2(256.0F, 247.0F);
-        const glm::vec2 end = glyph->mQuad[3].mTexCoord * glm::vec2(256.0F, 247.0F);
-        EXPECT_GT(end.x, first.x);
-        for (auto y = static_cast<unsigned>(first.y + 0.5F); y < static_cast<unsigned>(end.y + 0.5F); ++y) {
-            for (auto x = static_cast<unsigned>(first.x + 0.5F); x < static_cast<unsigned>(end.x + 0.5F);
-                 ++x) {
-                ASSERT_EQ(atlas().mBitmap[y * 256U + x], coverage) << symbol << x << "," << y;
-            }
-        }
-    }
-}
-
 TEST(GlyphAtlas, ReportsWhatItDoesNotHold) {
     for (const char symbol : {'?', '-', '\0', '\xc4', '\xff'}) {
         doubles::takeLog();

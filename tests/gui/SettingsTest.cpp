@@ -1,14 +1,17 @@
 #include "core/SysPropWatcher.h"
-#include "doubles/FakeProperties.h"
+#include "doubles/FakeClock.h"
+#include "doubles/FakeThreads.h"
+#include "doubles/Settings.h"
 #include "gui/LayoutManager.h"
 #include "gui/WidgetsSettings.h"
-
-#include <ostra/Ostra.h>
+#include "support/ChildProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -16,35 +19,45 @@ namespace {
 
 using gui::WidgetsSettings;
 
-using Properties = std::vector<std::pair<std::string, std::string>>;
+using doubles::set;
+
+// The first load of the process finds no thread to be had.
+TEST(SettingsWatcher, IsAskedForOnceASecondUntilItRuns) {
+    doubles::setWallClock(1700000000000000);
+    const std::size_t listeners = SysPropWatcher::mListeners.size();
+    doubles::refusedThreads() = 2;
+    EXPECT_THROW(WidgetsSettings::load(), std::system_error);
+    EXPECT_TRUE(WidgetsSettings::isInited);
+    EXPECT_TRUE(WidgetsSettings::load()) << "goes on with what there is";
+    doubles::advanceWallClock(999000);
+    EXPECT_FALSE(WidgetsSettings::load());
+    EXPECT_EQ(doubles::refusedThreads(), 1) << "not asked for within the second";
+    doubles::advanceWallClock(1000);
+    EXPECT_FALSE(WidgetsSettings::load());
+    EXPECT_EQ(doubles::refusedThreads(), 0);
+    EXPECT_FALSE(SysPropWatcher::mWatcherThread.joinable());
+    doubles::advanceWallClock(1000000);
+    EXPECT_FALSE(WidgetsSettings::load());
+    EXPECT_TRUE(SysPropWatcher::mWatcherThread.joinable());
+    EXPECT_EQ(SysPropWatcher::mListeners.size(), listeners + 1);
+    doubles::setProperty("debug.kordanix.settingsgeneration", "1");
+    EXPECT_TRUE(support::waitUntil([] { return WidgetsSettings::wasChanged.load(); }));
+}
 
 /// A text that is no value gives a property its default back: each test starts from the defaults.
 class Settings : public testing::Test {
 protected:
-    ~Settings() override {
-        for (const std::string& name : mWritten) {
-            doubles::setProperty(name, "");
+    Settings() {
+        WidgetsSettings::getWidgets();
+        for (SysPropBase* const prop : SysPropWatcher::mProps) {
+            doubles::setProperty(prop->mName, "");
         }
-        SysPropWatcher::forceReadAllProps();
+        set({});
     }
-
-    void set(const Properties& properties) {
-        for (const auto& [name, value] : properties) {
-            mWritten.push_back("debug.kordanix." + name);
-            doubles::setProperty(mWritten.back(), value);
-        }
-        SysPropWatcher::forceReadAllProps();
-    }
-
-private:
-    std::vector<std::string> mWritten;
 };
 
 TEST_F(Settings, LoadReportsAChangeOnce) {
-    const bool isPending = WidgetsSettings::wasChanged;
-    EXPECT_TRUE(isPending || WidgetsSettings::isInited) << "the first call counts as a change";
-    EXPECT_EQ(WidgetsSettings::load(), isPending);
-    EXPECT_FALSE(WidgetsSettings::load());
+    EXPECT_TRUE(WidgetsSettings::wasChanged || WidgetsSettings::isInited) << "the first call counts as one";
     WidgetsSettings::wasChanged = true;
     EXPECT_TRUE(WidgetsSettings::load());
     EXPECT_FALSE(WidgetsSettings::load());
@@ -53,8 +66,8 @@ TEST_F(Settings, LoadReportsAChangeOnce) {
 TEST_F(Settings, ColoursAreDecimalTexts) {
     const WidgetsSettings::Widgets& widgets = WidgetsSettings::getWidgets();
     const std::pair<const char*, glm::vec4> cases[] = {
-        {"4278224127", {0.0F, 0x84 / 255.0F, 1.0F, 1.0F}}, {"-16743169", {0.0F, 0x84 / 255.0F, 1.0F, 1.0F}},
-        {"0xFF0084FF", {0.0F, 0.0F, 0.0F, 1.0F}},          {"255", {0.0F, 0.0F, 1.0F, 1.0F}},
+        {"-16743169", {0.0F, 0x84 / 255.0F, 1.0F, 1.0F}},
+        {"0xFF0084FF", {0.0F, 0.0F, 0.0F, 1.0F}},
         {"none", {1.0F, 0x72 / 255.0F, 0.0F, 1.0F}},
     };
     for (const auto& [text, colour] : cases) {
