@@ -5,7 +5,7 @@
 
 namespace core {
 
-KORDANIX_EXPORT extern const bool wasStatusSet;
-const bool wasStatusSet = StateInfo::mStatusProp.getValue();
+KORDANIX_EXPORT extern const std::string askedProperty;
+const std::string askedProperty = StateInfo::mStatusProp.mName;
 
 }  // namespace core
