@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <system_error>
 
@@ -76,7 +77,8 @@ int readPlainFile(const std::string& path, std::string& bytes, std::size_t limit
         return errno;
     }
     std::array<char, 16384> part;
-    int error = 0;
+    struct stat status = {};
+    int error = fstat(file, &status) == 0 && static_cast<std::uint64_t>(status.st_size) > limit ? EFBIG : 0;
     while (error == 0) {
         const ssize_t size = read(file, part.data(), part.size());
         if (size == 0) {

@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <ostra/Ostra.h>
 #include <sys/system_properties.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,7 +16,6 @@
 #include <tuple>
 #include <vector>
 
-#include "ProcessCommands.h"
 #include "Properties.h"
 #include "PropertyTable.h"
 #include "SetCommand.h"
@@ -27,6 +25,7 @@
 #include "doubles/Emulator.h"
 #include "platform/TemporaryDirectory.h"
 #include "properties/SystemProperties.h"
+#include "support/ChildProcess.h"
 
 namespace control {
 namespace {
@@ -221,26 +220,6 @@ TEST_F(ControlTest, WatchPrintsWritesThatHappenWhileItWatches) {
                                       "bg_color #000000 .default.\n(end 1\n)+"));
 }
 
-TEST_F(ControlTest, KeysAndTheNoticeReachOverlaysThatListen) {
-    EXPECT_EQ(sendToBackground(getpid(), mOut, mErr), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("does not listen"));
-    std::atomic<bool> isInBackground{false};
-    Ostra::registerAppBecomeBackgroundListener([&] { isInBackground = true; });
-    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), SUCCESS);
-    EXPECT_THAT(mErr.str(), HasSubstr("developer mode"));
-    EXPECT_EQ(set({"devmode", "true"}), SUCCESS);
-    mErr.str({});
-    EXPECT_EQ(pressKey(Key::CAPTURE, getpid(), mOut, mErr), SUCCESS);
-    EXPECT_EQ(mErr.str(), "");
-    EXPECT_EQ(sendToBackground(std::nullopt, mOut, mErr), SUCCESS);
-    for (int i = 0; i < 10000 && !isInBackground; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    const std::vector<Ostra::KeyEvent> keys = Ostra::receiveKeyEvents();  // sent before the notice
-    ASSERT_EQ(keys.size(), 2U);
-    EXPECT_TRUE(keys[0].keyCode == 24 && keys[0].action == 1 && keys[1].keyCode == 25);
-}
-
 TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
     const platform::TemporaryDirectory directory;
     struct Line {
@@ -250,30 +229,46 @@ TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
         const char* environment = "";
     };
     std::vector<Line> lines = {{"--version", 0, "kordanixctl "},
-                               {"", 2, "subcommand is required"},
+                               {"-V", 0, "kordanixctl "},
+                               {"version", 0, "kordanixctl "},
+                               {"help", 0, "Usage: kordanixctl [OPTIONS] VERB"},
+                               {"help doctor", 0, "Usage: kordanixctl doctor"},
+                               {"doctor --help", 0, "Usage: kordanixctl doctor"},
+                               {"", 2, "no verb is given; see 'kordanixctl --help'"},
                                {"frobnicate", 2, "frobnicate"},
+                               {"set", 2, "NAME is required; see 'kordanixctl set --help'"},
                                {"set widget_fps maybe", 2, "expected true or false"},
+                               {"set widget_fps_position -- -1", 2, "'-1' is no value for"},
                                {"set bg_color -16743169 api -1 --no-publish", 0, ""},
                                {"get debug.kordanix.bg_color", 0, "4278224127\n"},
                                {"get api", 0, "-1\n"},
-                               {"key volume", 2, "volume"},
+                               {"get api status", 2, "not expected: status"},
+                               {"key volume", 2, "'volume' is not a key"},
                                {"key dump --process 2000000000", 1, "there is no process"},
-                               {"key dump --process 0", 2, "--process"},
+                               {"--process abc list", 2, "--process: 'abc' is not the number of a process;"},
+                               {"list --process", 2, "--process needs a value: PID"},
                                {"watch --seconds 0", 0, ""},
-                               {"trace /nowhere /nowhere/out.json", 1, "no such folder"},
-                               {"doctor --help", 0, "Usage: kordanixctl doctor"}};
+                               {"watch --seconds nan", 2, "'nan' is not a number of seconds"},
+                               {"trace /nowhere /nowhere/out.json", 1, "No such file or directory"},
+                               {"list >/dev/full", 1, "standard output could not be written"},
+                               {"help >/dev/full", 1, "standard output could not be written"}};
     for (const char* const verb : {"set status true", "get", "list", "watch --seconds 0", "publish", "reset",
                                    "key dump", "background", "doctor"}) {
         lines.push_back({verb, 1, "/dev/null", "KORDANIX_RUNTIME_DIR=/dev/null "});
     }
     for (const auto& [arguments, expected, output, environment] : lines) {
-        const std::string command = environment + doubles::emulator() + KORDANIXCTL " " + arguments + " >" +
-                                    directory.path("out") + " 2>&1";
+        const std::string command = "exec >" + directory.path("out") + " 2>&1; " + environment +
+                                    doubles::emulator() + KORDANIXCTL " " + arguments;
         const int status = std::system(command.c_str());
         const std::string printed = contents(directory.path("out"));
         EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, expected) << arguments << printed;
         EXPECT_THAT(printed, HasSubstr(output)) << arguments;
     }
+}
+
+TEST_F(ControlTest, APipeThatNobodyReadsIsNoFailure) {
+    const std::string command = "{ sleep 0.1; " KORDANIXCTL " list; echo $? >&3; } 2>&3 | true";
+    EXPECT_EQ(support::run({"bash", "-c", "exec 3>&1; " + command}).out, "0\n");
 }
 
 }  // namespace

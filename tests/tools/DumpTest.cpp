@@ -1,9 +1,12 @@
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <locale>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
@@ -185,24 +188,93 @@ TEST(Report, SaysTheFiguresOfTheDumpAndNeedsNothingElse) {
     }
 }
 
-TEST(DumpCommands, WriteTheirFileOrSayWhyNot) {
-    const platform::TemporaryDirectory folder;
-    const std::string output = folder.path("out");
-    std::ostringstream err;
-    EXPECT_EQ(makeReport(folder.path("missing"), output, err), FAILURE);
-    EXPECT_EQ(makeReport(folder.path(), output, err), FAILURE);
-    std::ofstream(folder.path("frames.csv")) << FRAMES.substr(0, 90);
-    EXPECT_EQ(makeTrace(folder.path(), output, err), FAILURE);
-    EXPECT_FALSE(std::filesystem::exists(output));
-    std::ofstream(folder.path("frames.csv")) << FRAMES + "106,17000";
-    EXPECT_EQ(makeReport(folder.path(), output, err), SUCCESS);
-    EXPECT_GT(std::filesystem::file_size(output), 1000U);
-    EXPECT_EQ(makeTrace(folder.path(), folder.path("none/out"), err), FAILURE);
-    for (const char* const part :
-         {"there is no such folder", "frames.csv: cannot be read", "the dump is empty",
-          "ends in the middle of a line", "passes.csv", "cannot be written: No such file or directory"}) {
-        EXPECT_THAT(err.str(), HasSubstr(part));
+class DumpCommands : public testing::Test {
+protected:
+    /// A folder with a whole dump.
+    std::string makeFolder(const std::string& name) const {
+        std::filesystem::create_directory(mFolder.path(name));
+        std::ofstream(mFolder.path(name + "/frames.csv")) << FRAMES;
+        std::ofstream(mFolder.path(name + "/passes.csv")) << PASSES;
+        return mFolder.path(name);
     }
+
+    ExitCode report(const std::string& folder, const std::string& path) {
+        mOut.str({});
+        mErr.str({});
+        return makeReport(folder, path, mOut, mErr);
+    }
+
+    const platform::TemporaryDirectory mFolder;
+    std::ostringstream mOut;
+    std::ostringstream mErr;
+};
+
+TEST_F(DumpCommands, SayWhyThereIsNothingToRead) {
+    const std::string folder = mFolder.path("dump");
+    const std::string output = mFolder.path("out");
+    std::ofstream(output) << "an older page";
+    std::ofstream(mFolder.path("copy")) << FRAMES;
+    const std::pair<const char*, const char*> refusals[] = {
+        {"rm -r dump", "No such file or directory"},
+        {"rm dump/*", "holds no dump"},
+        {"head -c90 copy > dump/frames.csv", "frames.csv: the dump is empty"},
+        {"head -n2 copy > dump/frames.csv", "has no two frames in a row"},
+        {"rm dump/frames.csv; mkfifo dump/frames.csv", "frames.csv: it is not a regular file"},
+        {"truncate -s 2G dump/frames.csv", "it is larger than 1 GiB"}};
+    for (const auto& [command, error] : refusals) {
+        makeFolder("dump");
+        ASSERT_EQ(std::system(("cd " + mFolder.path() + "; " + command).c_str()), 0);
+        EXPECT_EQ(report(folder, output), FAILURE);
+        EXPECT_THAT(mErr.str(), HasSubstr(error));
+        EXPECT_EQ(std::filesystem::file_size(output), 13U) << error;
+        std::filesystem::remove_all(folder);
+    }
+}
+
+TEST_F(DumpCommands, WriteTheirFileAndNeverTheDump) {
+    const std::string folder = makeFolder("dump");
+    ASSERT_EQ(mkfifo(mFolder.path("pipe").c_str(), 0600), 0);
+    std::filesystem::create_hard_link(folder + "/passes.csv", mFolder.path("linked"));
+    std::filesystem::create_symlink(mFolder.path("page"), mFolder.path("shortcut"));
+    const std::pair<std::string, const char*> refusals[] = {
+        {folder + "/frames.csv", "a file of the dump itself"},
+        {mFolder.path("linked"), "a file of the dump itself"},
+        {mFolder.path("none/out"), "cannot be written: No such file or directory"},
+        {folder, "cannot be written: Is a directory"},
+        {mFolder.path("pipe"), "cannot be written: it is not a regular file"}};
+    for (const auto& [path, error] : refusals) {
+        EXPECT_EQ(report(folder, path), FAILURE) << path;
+        EXPECT_THAT(mErr.str(), HasSubstr(error));
+    }
+    std::ofstream(mFolder.path("page")) << "old";
+    std::ofstream(folder + "/frames.csv") << "\xEF\xBB\xBF" << FRAMES << "106,17000";
+    EXPECT_EQ(report(folder, mFolder.path("shortcut")), SUCCESS);
+    EXPECT_THAT(mErr.str(), HasSubstr("ends in the middle of a line"));
+    EXPECT_GT(std::filesystem::file_size(mFolder.path("page")), 1000U);
+    EXPECT_EQ(mOut.str(), "");
+}
+
+TEST_F(DumpCommands, TakeTheNewestDumpOfAFolder) {
+    for (const char* const name : {"b-20260101-120000-9", "a-b-20260101-120000-10", "z-20251231-235959-1",
+                                   "x-20270101-1200-1", "20270101-120000-1", "x-20270101-120000-"}) {
+        makeFolder(name);
+    }
+    std::filesystem::create_directory(mFolder.path("y-20280101-120000-1"));
+    EXPECT_EQ(report(mFolder.path(), mFolder.path("out")), SUCCESS) << mErr.str();
+    EXPECT_EQ(mOut.str(), "The newest dump: " + mFolder.path("a-b-20260101-120000-10") + "\n");
+}
+
+TEST_F(DumpCommands, WriteTheSameNumbersInEveryLocale) {
+    struct Grouped : std::numpunct<char> {
+        char do_thousands_sep() const override { return '.'; }
+        std::string do_grouping() const override { return "\1"; }
+    };
+    const std::string folder = makeFolder("dump");
+    EXPECT_EQ(report(folder, mFolder.path("before")), SUCCESS);
+    const std::locale classic = std::locale::global(std::locale(std::locale::classic(), new Grouped));
+    EXPECT_EQ(report(folder, mFolder.path("after")), SUCCESS);
+    std::locale::global(classic);
+    EXPECT_EQ(std::system(("cmp " + mFolder.path("before") + ' ' + mFolder.path("after")).c_str()), 0);
 }
 
 }  // namespace

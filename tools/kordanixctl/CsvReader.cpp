@@ -4,6 +4,18 @@
 
 namespace control {
 
+namespace {
+
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+}  // namespace
+
+CsvReader::CsvReader(std::string_view text) : mRest(text) {
+    if (text.substr(0, BYTE_ORDER_MARK.size()) == BYTE_ORDER_MARK) {
+        mRest.remove_prefix(BYTE_ORDER_MARK.size());
+    }
+}
+
 bool CsvReader::next(std::vector<std::string>& row) {
     if (mRest.empty()) {
         return false;

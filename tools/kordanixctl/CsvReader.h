@@ -7,11 +7,12 @@
 namespace control {
 
 /// Reads RFC 4180 text, whatever its bytes: fields between commas, quoted where they hold commas, quotes or
-/// line breaks; rows end in CR LF or LF alone. A quote inside an unquoted field stands for itself.
+/// line breaks; rows end in CR LF or LF alone. A quote inside an unquoted field stands for itself. A UTF-8
+/// byte-order mark, which editors put first, is skipped.
 class CsvReader {
 public:
     /// The text must live as long as the reader.
-    explicit CsvReader(std::string_view text) : mRest(text) {}
+    explicit CsvReader(std::string_view text);
 
     /// Takes the next row that has its line break; false when there is none left. Reuses the row's memory.
     bool next(std::vector<std::string>& row);

@@ -1,16 +1,13 @@
 #include "DumpReader.h"
 
 #include "CsvReader.h"
+#include "io/PlainFile.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
-#include <optional>
 #include <system_error>
 
 namespace control {
@@ -21,11 +18,21 @@ using Row = std::vector<std::string>;
 
 constexpr std::size_t NO_COLUMN = std::numeric_limits<std::size_t>::max();
 
-/// Nothing when the file cannot be read.
-std::optional<std::string> readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    return file.is_open() && !file.bad() ? std::optional(std::move(text)) : std::nullopt;
+/// More than two days of frames.
+constexpr std::size_t MAX_FILE_SIZE = std::size_t{1} << 30;
+
+/// Returns an empty text, or why the file cannot be read.
+std::string readFile(const std::string& path, std::string& text) {
+    switch (const int error = platform::readPlainFile(path, text, MAX_FILE_SIZE, true)) {
+        case 0:
+            return {};
+        case EFBIG:
+            return "it is larger than 1 GiB, the most that is read";
+        case EINVAL:
+            return "it is not a regular file";
+        default:
+            return "it cannot be read: " + platform::plainFileError(error);
+    }
 }
 
 /// The whole field as a number; false, with the number as it was, when it is none.
@@ -213,25 +220,23 @@ std::string parsePasses(std::string_view text, Dump& dump) {
 }
 
 std::string readDump(const std::string& folder, Dump& dump) {
-    std::error_code failure;
-    if (!std::filesystem::is_directory(folder, failure)) {
-        return folder + ": there is no such folder";
-    }
     dump.folder = folder;
     const std::string framesPath = folder + "/frames.csv";
-    const auto frames = readFile(framesPath);
-    if (!frames) {
-        return framesPath + ": cannot be read, so this is not the folder of a dump";
+    std::string text;
+    std::string error = readFile(framesPath, text);
+    if (error.empty()) {
+        error = parseFrames(text, dump);
     }
-    std::string error = parseFrames(*frames, dump);
+    if (error.empty() && dump.frames.empty()) {
+        error = "the dump is empty, it has no whole frame";
+    }
     if (!error.empty()) {
         return framesPath + ": " + error;
     }
-    if (dump.frames.empty()) {
-        return framesPath + ": the dump is empty, it has no whole frame";
+    dump.passError = readFile(folder + "/passes.csv", text);
+    if (dump.passError.empty()) {
+        dump.passError = parsePasses(text, dump);
     }
-    const auto passes = readFile(folder + "/passes.csv");
-    dump.passError = passes ? parsePasses(*passes, dump) : "it cannot be read";
     return {};
 }
 

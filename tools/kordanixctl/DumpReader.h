@@ -8,7 +8,8 @@
 namespace control {
 
 /// Reads frames.csv and passes.csv of a dump's folder as far as they go. Returns an empty text, or why there
-/// is nothing to be read: without a whole frame there is no dump, without render passes there still is.
+/// is nothing to be read: without a whole frame there is no dump, without render passes there still is. A
+/// file that is not a regular one, or larger than 1 GiB, is not read.
 std::string readDump(const std::string& folder, Dump& dump);
 
 /// The parts of readDump(), for texts in memory and any bytes. Each returns an empty text, or why the text as

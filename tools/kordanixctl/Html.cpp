@@ -1,8 +1,8 @@
 #include "Html.h"
 
 #include <array>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace control {
 
@@ -38,8 +38,9 @@ std::string escapeHtml(std::string_view text) {
 std::string fixedPoint(double number, int decimals) {
     // The longest double has 309 digits before the point.
     std::array<char, 340> text{};
-    std::snprintf(text.data(), text.size(), "%.*f", decimals, number);
-    return text.data();
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::fixed, decimals);
+    return {text.data(), result.ptr};
 }
 
 std::string grouped(std::uint64_t number) {

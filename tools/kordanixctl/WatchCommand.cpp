@@ -103,7 +103,7 @@ ExitCode watchProperties(const WatchOptions& options, std::ostream& out) {
     std::uint32_t serial = __system_property_area_serial();
     Serials seen;
     takeWrites(seen);
-    for (std::uint64_t count = 0; count < options.count && waitForWrite(serial, end);) {
+    for (std::uint64_t count = 0; count < options.count && out && waitForWrite(serial, end);) {
         for (const Write& write : takeWrites(seen)) {
             if (count < options.count) {
                 print(write, out);

@@ -15,7 +15,7 @@ struct WatchOptions {
 };
 
 /// Prints writes of properties whose names begin as the library's do, a line each, as they happen. Several
-/// writes of one property in quick succession may show as one. Sleeps in between.
+/// writes of one property in quick succession may show as one. Sleeps in between. Ends when `out` fails.
 ExitCode watchProperties(const WatchOptions& options, std::ostream& out);
 
 }  // namespace control

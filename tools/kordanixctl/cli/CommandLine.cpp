@@ -1,0 +1,137 @@
+#include "cli/CommandLine.h"
+
+#include "Addressing.h"
+#include "Complaint.h"
+#include "cli/Verbs.h"
+#include "cli/Words.h"
+
+#include <algorithm>
+#include <csignal>
+#include <iostream>
+
+namespace control {
+
+namespace {
+
+bool hasVerb(const CLI::App& app, const std::string& name) {
+    return !app.get_subcommands([&](const CLI::App* verb) { return verb->get_name() == name; }).empty();
+}
+
+/// The words arrive with marks, see markValues(); no option is to keep them. Nor is a flag to take a value.
+void finishOptions(CLI::App& app) {
+    for (CLI::Option* const option : app.get_options()) {
+        option->disable_flag_override();
+        option->transform(CLI::Validator(
+            [](std::string& text) {
+                text = unmarked(text);
+                return std::string();
+            },
+            ""));
+    }
+}
+
+void setUp(CLI::App& app, Invocation& invocation, const std::vector<std::string>& program) {
+    app.set_help_flag("-h,--help", "Print this help and exit");
+    app.set_version_flag("-V,--version", "kordanixctl " KORDANIX_VERSION, "Print the version and exit");
+    app.require_subcommand(1);
+    app.footer(
+        "'kordanixctl help VERB' says more about one. Exit status: 0 done, 1 failed, 2 not understood.");
+    app.add_option(PROCESS_OPTION, invocation.process,
+                   "The process whose properties and overlay are meant. By default the only program that "
+                   "'run' started, otherwise all that it did not start. May also follow the verb")
+        ->type_name("PID")
+        ->take_last()
+        ->check(isProcessNumber());
+    addRunVerb(app, invocation, program);
+    addPropertyVerbs(app, invocation);
+    addOverlayVerbs(app, invocation);
+    addDumpVerbs(app, invocation);
+    setUsage(app, "[OPTIONS] VERB ...");  // now, because verbs begin with the formatter of the whole
+    finishOptions(app);
+    for (CLI::App* const verb : app.get_subcommands([](const CLI::App* /*verb*/) { return true; })) {
+        finishOptions(*verb);
+    }
+}
+
+/// Replaces the parser's words before and after the part of a message that says what it is about.
+void reword(std::string& text, std::string_view before, std::string_view after, std::string_view words) {
+    const std::size_t begin = text.find(before);
+    const std::size_t end = text.size() - std::min(after.size(), text.size());
+    if (begin != std::string::npos && begin + before.size() <= end && text.substr(end) == after) {
+        text.resize(end);
+        text.replace(begin, before.size(), words);
+    }
+}
+
+/// What the parser did not understand, in a sentence with the way to the help.
+std::string describe(const CLI::ParseError& error, const CLI::App& app) {
+    const std::vector<const CLI::App*> verbs =
+        app.get_subcommands([](const CLI::App* verb) { return verb->parsed(); });
+    std::string text = unmarked(error.what());
+    reword(text, "The following argument was not expected: ", "", "this was not expected: ");
+    reword(text, "The following arguments were not expected: ", "", "these were not expected: ");
+    reword(text, ": 1 required ", " missing", " needs a value: ");
+    if (verbs.empty()) {
+        return (error.get_name() == "RequiredError" ? "no verb is given" : text) +
+               "; see 'kordanixctl --help'";
+    }
+    return text + "; see 'kordanixctl " + verbs.front()->get_name() + " --help'";
+}
+
+/// Settles whose properties and overlays the verb is about.
+ExitCode address(const Invocation& invocation) {
+    switch (invocation.address) {
+        case Invocation::Address::NONE:
+            return SUCCESS;
+        case Invocation::Address::HELPFUL:
+            if (!invocation.process) {
+                std::ostream ignored(nullptr);
+                chooseRuntimeDirectory(std::nullopt, ignored);
+                return SUCCESS;
+            }
+            break;
+        case Invocation::Address::REQUIRED:
+            break;
+    }
+    return chooseRuntimeDirectory(invocation.process, std::cerr);
+}
+
+}  // namespace
+
+ExitCode runCommandLine(std::vector<std::string> words) {
+    Invocation invocation;
+    std::vector<std::string> program;
+    CLI::App app{
+        "Starts programs with the overlay, shows and changes its properties, reaches running overlays, and "
+        "turns their frame dumps into reports and traces.",
+        "kordanixctl"};
+    setUp(app, invocation, program);
+    replaceHelpVerbs(words, findVerb(words));
+    const std::size_t verb = findVerb(words);
+    if (verb < words.size() && !hasVerb(app, words[verb])) {
+        return fail("there is no verb '" + words[verb] + "'; see 'kordanixctl --help'", std::cerr,
+                    USAGE_ERROR);
+    }
+    if (verb < words.size() && words[verb] == "run") {
+        program = cutProgram(words, verb);
+    } else {
+        // So that writes fail with an error, which is said. A program would inherit that from 'run'.
+        std::signal(SIGPIPE, SIG_IGN);
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
+    markValues(words);
+    // The parser takes words from the back.
+    std::reverse(words.begin(), words.end());
+    try {
+        app.parse(words);
+    } catch (const CLI::Success& asked) {
+        app.exit(asked);
+        return SUCCESS;
+    } catch (const CLI::ParseError& error) {
+        return fail(describe(error, app), std::cerr, USAGE_ERROR);
+    }
+    const ExitCode addressed = address(invocation);
+    return addressed == SUCCESS ? invocation.action() : addressed;
+}
+
+}  // namespace control

@@ -1,0 +1,108 @@
+#include "Complaint.h"
+#include "Doctor.h"
+#include "PictureCommand.h"
+#include "ProcessCommands.h"
+#include "ProcessInfo.h"
+#include "cli/Verbs.h"
+
+#include <iostream>
+#include <memory>
+
+namespace control {
+
+namespace {
+
+struct PictureOptions {
+    std::vector<std::string> words;  ///< the process if it was given, and the file
+    double seconds = 5.0;
+};
+
+/// Takes the process out of the words. Returns an empty text, or what is wrong with them.
+std::string takeProcess(std::vector<std::string>& words, std::optional<pid_t>& process) {
+    if (words.size() > 2) {
+        return "picture takes a process and a file; '" + words[2] + "' is one word too many";
+    }
+    if (words.size() == 2) {
+        const std::optional<pid_t> first = toProcess(words.front());
+        if (!first) {
+            return "'" + words.front() + "' is not the number of a process";
+        }
+        if (process && process != first) {
+            return "two processes are given, " + std::to_string(*process) + " and " + words.front();
+        }
+        process = first;
+        words.erase(words.begin());
+    }
+    return {};
+}
+
+void addPicture(CLI::App& app, Invocation& invocation) {
+    const auto options = std::make_shared<PictureOptions>();
+    CLI::App* const verb = addVerb(app, "picture", "Save a program's next frame with the overlay in it");
+    setUsage(*verb, "picture [OPTIONS] [PID] OUT.png");
+    verb->add_option("OUT.png", options->words,
+                     "File to write or replace. PID may be left out when only one process shows an overlay")
+        ->type_name("")
+        ->required();
+    verb->add_option("--seconds", options->seconds, "How long to wait for the frame")
+        ->capture_default_str()
+        ->type_name("SECONDS")
+        ->check(isSeconds());
+    verb->callback([=, &invocation] {
+        const std::string error = takeProcess(options->words, invocation.process);
+        if (!error.empty()) {
+            throw CLI::ParseError(error, USAGE_ERROR);
+        }
+        invocation.action = [=, &invocation] {
+            return savePicture(invocation.process, options->words.front(), options->seconds, std::cerr);
+        };
+    });
+}
+
+void addKey(CLI::App& app, Invocation& invocation) {
+    const auto key = std::make_shared<std::string>();
+    CLI::App* const verb =
+        addVerb(app, "key", "Press a key of running overlays: start or end a dump, or capture a frame");
+    verb->add_option("KEY", *key, "dump or capture")
+        ->type_name("")
+        ->required()
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return text == "dump" || text == "capture"
+                           ? std::string()
+                           : "'" + text + "' is not a key; expected dump or capture";
+            },
+            ""));
+    verb->callback([=, &invocation] {
+        invocation.action = [=, &invocation] {
+            return pressKey(*key == "dump" ? Key::DUMP : Key::CAPTURE, invocation.process, std::cout,
+                            std::cerr);
+        };
+    });
+}
+
+void addBackground(CLI::App& app, Invocation& invocation) {
+    addVerb(app, "background", "Tell running overlays that their application goes to the background")
+        ->callback([&] {
+            invocation.action = [&] { return sendToBackground(invocation.process, std::cout, std::cerr); };
+        });
+}
+
+void addDoctor(CLI::App& app, Invocation& invocation) {
+    addVerb(app, "doctor", "Say who shows the overlay or why not, what can be measured, and what to do")
+        ->callback([&] {
+            invocation.address = Invocation::Address::HELPFUL;
+            invocation.action = [] { return runDoctor(std::cout, std::cerr); };
+        });
+}
+
+}  // namespace
+
+void addOverlayVerbs(CLI::App& app, Invocation& invocation) {
+    addPicture(app, invocation);
+    addKey(app, invocation);
+    addBackground(app, invocation);
+    addDoctor(app, invocation);
+}
+
+}  // namespace control

@@ -1,0 +1,37 @@
+#include "Complaint.h"
+#include "RunCommand.h"
+#include "cli/Verbs.h"
+
+#include <iostream>
+#include <memory>
+
+namespace control {
+
+void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::string>& program) {
+    const auto assignments = std::make_shared<std::vector<std::string>>();
+    CLI::App* const verb = addVerb(app, "run", "Start a program with the overlay and properties of its own");
+    setUsage(*verb, "run [OPTIONS] [--] PROGRAM [ARGUMENTS]...");
+    verb->footer(
+        "Everything from PROGRAM on is the program's own. Exit status: the program's; 127 when there is "
+        "no such program, 126 when it cannot be run.");
+    verb->add_option(
+            "--set", *assignments,
+            "Set a property for the program, as 'set' does; may be given more than once. status, proc "
+            "and api are set so that the program shows the overlay; when PROGRAM starts another one that "
+            "shall show it, proc=NAME with the first word of that one's command line")
+        ->type_name("NAME=VALUE")
+        ->expected(1)
+        ->take_all();
+    verb->callback([=, &invocation, &program] {
+        invocation.address = Invocation::Address::NONE;
+        if (program.empty()) {
+            throw CLI::ParseError("run: no program is given", USAGE_ERROR);
+        }
+        if (invocation.process) {
+            throw CLI::ParseError("run: a program that has not started yet has no --process", USAGE_ERROR);
+        }
+        invocation.action = [=, &program] { return runProgram(*assignments, program, std::cerr); };
+    });
+}
+
+}  // namespace control
