@@ -7,7 +7,7 @@
 #include "PropertyTable.h"
 #include "RunDirectories.h"
 #include "ValueText.h"
-#include "ostra/ProcessSocket.h"
+#include "io/ProcessStart.h"
 #include "properties/RuntimeDirectory.h"
 
 #include <algorithm>
@@ -40,43 +40,79 @@ void describeProperties(std::ostream& out) {
     }
 }
 
+/// What is to be said of a process that runs: it shows the overlay, or why it does not.
+std::string describeOverlay(const OverlayState& state, pid_t process) {
+    if (isStopped(process)) {
+        return "is stopped";
+    }
+    const std::string obstacle = state.obstacle(process);
+    const platform::OverlayNote* const note = state.note(process);
+    if (!obstacle.empty()) {
+        return obstacle;
+    }
+    if (note == nullptr) {
+        return "shows the overlay, if its graphics API is number " + displayedValue("api");
+    }
+    return note->wasShown ? "shows the overlay" : "has not shown the overlay yet";
+}
+
 void describeProcesses(const std::string& directory, std::ostream& out) {
-    const bool isOn = displayedValue("status") == "true";
     const std::string wanted = displayedValue("proc");
-    out << "\nProcesses with the overlay's library that listen:\n";
-    const std::vector<pid_t> processes = platform::listeningProcesses(directory);
+    const OverlayState state(directory);
+    out << "\nProcesses with the overlay's library:\n";
+    bool isAny = false;
     bool isAnyNamed = false;
-    for (const pid_t process : processes) {
-        const std::string name = processName(process);
-        isAnyNamed = isAnyNamed || name == wanted;
-        const std::string obstacle = overlayObstacle(name);
-        out << "  " << process << ' ' << name << ": "
-            << (obstacle.empty() ? "shows the overlay, if its graphics API is number " + displayedValue("api")
-                                 : obstacle)
-            << '\n';
+    for (const pid_t process : state.processes()) {
+        const platform::OverlayNote* const note = state.note(process);
+        if (platform::processStart(process)) {
+            isAny = true;
+            isAnyNamed = isAnyNamed || state.name(process) == wanted;
+            out << "  " << process << ' ' << state.name(process) << ": " << describeOverlay(state, process)
+                << '\n';
+        } else if (note != nullptr && !note->reason.empty()) {
+            out << "  " << process << ' ' << note->name << ": has ended; it "
+                << (note->wasShown ? "no longer showed" : "did not show") << " the overlay: " << note->reason
+                << '\n';
+        }
     }
-    if (processes.empty()) {
-        out << "  none\n";
+    if (!isAny) {
+        out << "  none runs\n";
     }
-    if (!isOn) {
+    if (displayedValue("status") != "true") {
         out << "  The overlay is switched off: 'kordanixctl set status true' switches it on.\n";
     }
-    if (!processes.empty() && !isAnyNamed) {
+    if (isAny && !isAnyNamed) {
         out << "  'kordanixctl set proc NAME' chooses the process by the name above.\n";
     }
 }
 
-void describeRuns(std::ostream& out) {
+/// Who shows the overlay of a run, and who else has it.
+void describeRun(const std::string& directory, std::ostream& out) {
+    const OverlayState state(directory);
+    for (const pid_t process : state.processes()) {
+        const platform::OverlayNote* const note = state.note(process);
+        const bool isClaimant = state.claimant() == process;
+        out << "    " << process << ' ' << state.name(process) << ": "
+            << (isClaimant         ? "presented a frame first, so that it has the overlay"
+                : state.claimant() ? "came later, so that it has no overlay"
+                                   : "may have the overlay")
+            << (note == nullptr || note->reason.empty() ? "" : "; " + note->reason) << '\n';
+    }
+}
+
+void describeRuns(const std::string& current, std::ostream& out) {
     out << "\nPrograms that 'kordanixctl run' started, each with properties of its own:\n";
     std::string error;
     const std::vector<Run> runs = findRuns(userDirectory(error));
     for (const Run& run : runs) {
         out << "  " << run.process << ' ' << processName(run.process) << ": " << run.directory << '\n';
+        if (run.directory != current) {
+            describeRun(run.directory, out);
+        }
     }
     out << (runs.empty() ? "  none\n"
                          : "  What the overlay logs in one is in the file log of its folder; 'kordanixctl "
-                           "--process PID doctor' says "
-                           "more.\n");
+                           "--process PID doctor' says more.\n");
 }
 
 /// A file's error goes with its advice; several metrics often share it.
@@ -126,7 +162,7 @@ ExitCode runDoctor(std::ostream& out, std::ostream& err) {
         out << "Runtime directory: " << directory.path << '\n';
         describeProperties(out);
         describeProcesses(directory.path, out);
-        describeRuns(out);
+        describeRuns(directory.path, out);
     }
     describeMetrics(out);
     return result;

@@ -1,23 +1,127 @@
 #include "OverlayState.h"
 
+#include "Addressing.h"
+#include "ProcessInfo.h"
 #include "Properties.h"
 #include "PropertyTable.h"
 #include "ValueText.h"
+#include "io/ProcessStart.h"
+#include "ostra/ProcessSocket.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace control {
+
+namespace {
+
+bool contains(const std::vector<pid_t>& processes, pid_t process) {
+    return std::find(processes.begin(), processes.end(), process) != processes.end();
+}
+
+std::string obstacleOf(const OverlayState& state, const std::vector<pid_t>& listening, pid_t process) {
+    if (isStopped(process)) {
+        return "is stopped; 'kill -CONT " + std::to_string(process) + "' lets it go on";
+    }
+    std::string obstacle = state.obstacle(process);
+    if (!contains(listening, process) && (obstacle.empty() || state.note(process) == nullptr)) {
+        obstacle = "shows no overlay: it has none, or has presented no frame yet";
+    }
+    return obstacle;
+}
+
+}  // namespace
 
 std::string displayedValue(std::string_view shortName) {
     const Property* const property = findProperty(shortName);
     return toDisplayText(*property, readProperty(fullName(*property)));
 }
 
-std::string overlayObstacle(const std::string& processName) {
+OverlayState::OverlayState(std::string directory)
+    : mDirectory(std::move(directory)),
+      mNotes(platform::readOverlayNotes(mDirectory)) {}
+
+std::vector<pid_t> OverlayState::processes() const {
+    std::vector<pid_t> all = platform::listeningProcesses(mDirectory);
+    for (const platform::OverlayNote& each : mNotes) {
+        all.push_back(each.process);
+    }
+    std::sort(all.begin(), all.end());
+    all.erase(std::unique(all.begin(), all.end()), all.end());
+    return all;
+}
+
+std::string OverlayState::name(pid_t process) const {
+    const platform::OverlayNote* const its = note(process);
+    return its != nullptr ? its->name : processName(process);
+}
+
+const platform::OverlayNote* OverlayState::note(pid_t process) const {
+    const auto found = std::find_if(mNotes.begin(), mNotes.end(), [&](const platform::OverlayNote& each) {
+        return each.process == process;
+    });
+    return found == mNotes.end() ? nullptr : &*found;
+}
+
+std::string OverlayState::obstacle(pid_t process) const {
+    if (displayedValue("status") != "true") {
+        return "does not show the overlay, which is switched off";
+    }
+    if (mClaimant && *mClaimant != process) {
+        return "does not show the overlay; " + describeProcess(*mClaimant, name(*mClaimant)) +
+               " presented a frame first";
+    }
     const std::string wanted = displayedValue("proc");
-    if (processName != wanted) {
+    if (name(process) != wanted) {
         return "does not show the overlay, which is for '" + wanted + "'";
     }
-    return displayedValue("status") == "true" ? std::string()
-                                              : "does not show the overlay, which is switched off";
+    const platform::OverlayNote* const its = note(process);
+    if (its == nullptr) {
+        return {};
+    }
+    const std::string api = std::to_string(its->api);
+    if (api != displayedValue("api")) {
+        return "does not show the overlay: api is set to " + displayedValue("api") +
+               ", but its graphics API has number " + api;
+    }
+    return its->reason.empty() ? std::string() : "does not show the overlay: " + its->reason;
+}
+
+std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process,
+                               std::string& error) {
+    const OverlayState state(directory);
+    const std::vector<pid_t> listening = platform::listeningProcesses(directory);
+    std::vector<pid_t> meant = recipients(directory, process);
+    if (meant.empty()) {
+        meant = state.processes();  // one that cannot show it says so without listening
+    }
+    std::vector<pid_t> showing;
+    std::vector<std::string> obstacles;
+    for (const pid_t each : meant) {
+        if (platform::processStart(each)) {
+            const std::string obstacle = obstacleOf(state, listening, each);
+            if (obstacle.empty()) {
+                showing.push_back(each);
+            } else {
+                obstacles.push_back(describeProcess(each, state.name(each)) + ' ' + obstacle);
+            }
+        }
+    }
+    if (showing.empty()) {
+        error = obstacles.empty() ? "no overlay is running: no process listens in " + directory : "";
+        for (const std::string& obstacle : obstacles) {
+            error += (error.empty() ? "" : "\n  ") + obstacle;
+        }
+    }
+    return showing;
+}
+
+std::string findObstacle(const std::string& directory, pid_t process) {
+    return obstacleOf(OverlayState(directory), platform::listeningProcesses(directory), process);
+}
+
+std::string describeProcess(pid_t process, const std::string& name) {
+    return "process " + std::to_string(process) + (name.empty() ? name : " (" + name + ')');
 }
 
 }  // namespace control

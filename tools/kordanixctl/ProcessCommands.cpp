@@ -2,6 +2,8 @@
 
 #include "Addressing.h"
 #include "Complaint.h"
+#include "DumpAnswers.h"
+#include "OverlayState.h"
 #include "ProcessInfo.h"
 #include "Properties.h"
 #include "ostra/ProcessSocket.h"
@@ -13,12 +15,63 @@ namespace control {
 
 namespace {
 
-constexpr std::int32_t VOLUME_UP = 24;
-constexpr std::int32_t VOLUME_DOWN = 25;
-constexpr std::int32_t PRESSED = 1;
+// Android's numbers.
+constexpr std::int32_t KEYCODE_VOLUME_UP = 24;
+constexpr std::int32_t KEYCODE_VOLUME_DOWN = 25;
+constexpr std::int32_t ACTION_PRESSED = 1;
 
-ExitCode send(const platform::ProcessMessage& message, const std::string& what, std::optional<pid_t> process,
-              std::ostream& out, std::ostream& err) {
+/// Sends a message and says so. Returns the processes that took it; sets `result` when one did not.
+std::vector<pid_t> send(const std::string& directory, const std::vector<pid_t>& processes,
+                        const platform::ProcessMessage& message, const std::string& what, ExitCode& result,
+                        std::ostream& out, std::ostream& err) {
+    std::vector<pid_t> reached;
+    for (const pid_t process : processes) {
+        const std::string error = platform::sendMessage(directory, process, message);
+        if (!error.empty()) {
+            result = fail(error, err);
+            continue;
+        }
+        out << "Sent " << what << " to " << describeProcess(process, processName(process)) << '\n';
+        reached.push_back(process);
+    }
+    return reached;
+}
+
+}  // namespace
+
+ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
+    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
+    if (!directory.error.empty()) {
+        return fail(directory.error, err);
+    }
+    std::string error;
+    const std::vector<pid_t> showing = findShowing(directory.path, process, error);
+    if (!error.empty()) {
+        return fail(error, err);
+    }
+    if (displayedValue("devmode") != "true") {
+        return fail(
+            "keys do nothing outside developer mode, so none was sent; 'kordanixctl set devmode true' turns "
+            "it "
+            "on",
+            err);
+    }
+    DumpAnswers answers(directory.path, showing);
+    platform::ProcessMessage message;
+    message.key = {key == Key::DUMP ? KEYCODE_VOLUME_UP : KEYCODE_VOLUME_DOWN, ACTION_PRESSED};
+    ExitCode result = SUCCESS;
+    const std::vector<pid_t> reached =
+        send(directory.path, showing, message, key == Key::DUMP ? "the dump key" : "the capture key", result,
+             out, err);
+    out.flush();
+    if (key == Key::DUMP) {
+        const ExitCode answered = answers.await(reached, out, err);
+        result = result == SUCCESS ? answered : result;
+    }
+    return result;
+}
+
+ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
     const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
     if (!directory.error.empty()) {
         return fail(directory.error, err);
@@ -27,36 +80,11 @@ ExitCode send(const platform::ProcessMessage& message, const std::string& what, 
     if (all.empty()) {
         return fail("no overlay is running: no process listens in " + directory.path, err);
     }
-    ExitCode result = SUCCESS;
-    for (const pid_t recipient : all) {
-        const std::string error = platform::sendMessage(directory.path, recipient, message);
-        if (!error.empty()) {
-            result = fail(error, err);
-        } else {
-            out << "Sent " << what << " to process " << recipient << " (" << processName(recipient) << ")\n";
-        }
-    }
-    return result;
-}
-
-}  // namespace
-
-ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
-    platform::ProcessMessage message;
-    message.key = {key == Key::DUMP ? VOLUME_UP : VOLUME_DOWN, PRESSED};
-    const ExitCode result =
-        send(message, key == Key::DUMP ? "the dump key" : "the capture key", process, out, err);
-    if (result == SUCCESS && readProperty("debug.kordanix.devmode") != "true") {
-        complain("note: keys do nothing outside developer mode; 'kordanixctl set devmode true' turns it on",
-                 err);
-    }
-    return result;
-}
-
-ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
     platform::ProcessMessage message;
     message.kind = platform::ProcessMessage::Kind::BACKGROUND;
-    return send(message, "the background notice", process, out, err);
+    ExitCode result = SUCCESS;
+    send(directory.path, all, message, "the background notice", result, out, err);
+    return result;
 }
 
 }  // namespace control

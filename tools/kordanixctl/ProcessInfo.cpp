@@ -47,6 +47,13 @@ std::optional<std::uint64_t> startTime(pid_t process) {
     return fields >> time && !hasEnded ? std::optional(time) : std::nullopt;
 }
 
+bool isStopped(pid_t process) {
+    std::string line;
+    std::getline(openFile(process, "stat"), line, '\0');
+    const std::size_t state = line.rfind(") ") + 2;
+    return state >= 2 && state < line.size() && (line[state] == 'T' || line[state] == 't');
+}
+
 std::optional<std::string> environmentVariable(pid_t process, const std::string& name) {
     std::ifstream file = openFile(process, "environ");
     if (!file) {

@@ -18,6 +18,9 @@ std::string processName(pid_t process);
 /// for good, through every exec. Nothing for one that has ended.
 std::optional<std::uint64_t> startTime(pid_t process);
 
+/// Whether a signal or a debugger has stopped it.
+bool isStopped(pid_t process);
+
 /// The text of a variable in the environment that the process's program was started with; empty when it is
 /// not set. Nothing when the environment may not be read, or there is no such process.
 std::optional<std::string> environmentVariable(pid_t process, const std::string& name);

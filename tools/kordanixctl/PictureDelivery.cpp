@@ -1,0 +1,108 @@
+#include "PictureDelivery.h"
+
+#include "io/PlainFile.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <ctime>
+#include <utility>
+
+namespace control {
+
+namespace {
+
+constexpr long POLL_PERIOD_NS = 5'000'000;
+
+/// A picture of the largest surface.
+constexpr std::size_t MAX_SIZE = (std::size_t{1} << 30) + 1024;
+
+/// A picture that nobody has fetched for that long is nobody's.
+constexpr std::time_t FETCH_SECONDS = 2;
+
+bool isSame(const struct stat& a, const struct stat& b) {
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
+}  // namespace
+
+PictureDelivery::PictureDelivery(std::string path) : mPath(std::move(path)) {
+    sigemptyset(&mSignals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        sigaddset(&mSignals, signal);
+    }
+    pthread_sigmask(SIG_BLOCK, &mSignals, &mPrevious);
+}
+
+PictureDelivery::~PictureDelivery() {
+    if (mFile >= 0) {
+        if (state() != State::FAILED) {
+            unlink(mPath.c_str());
+        }
+        close(mFile);
+    }
+    pthread_sigmask(SIG_SETMASK, &mPrevious, nullptr);
+}
+
+std::string PictureDelivery::open(Clock::time_point end) {
+    for (;;) {
+        mFile = platform::openPlainFile(mPath, O_RDWR | O_CREAT);
+        if (mFile < 0) {
+            return "cannot write " + mPath + ": " + platform::plainFileError(errno);
+        }
+        if (take()) {
+            return {};
+        }
+        close(std::exchange(mFile, -1));
+        if (Clock::now() >= end) {
+            return "another program waits for a picture of the same process";
+        }
+        if (!wait()) {
+            return "interrupted";
+        }
+    }
+}
+
+/// Locks the file, unless somebody else has, or has a picture in it to fetch.
+bool PictureDelivery::take() {
+    struct stat mine = {};
+    struct stat there = {};
+    if (flock(mFile, LOCK_EX | LOCK_NB) != 0 || fstat(mFile, &mine) != 0 ||
+        stat(mPath.c_str(), &there) != 0 || !isSame(mine, there)) {
+        return false;
+    }
+    const bool isFetched = mine.st_size == 0 || std::time(nullptr) - mine.st_mtime > FETCH_SECONDS;
+    return isFetched && ftruncate(mFile, 0) == 0;
+}
+
+bool PictureDelivery::wait() const {
+    const timespec moment = {0, POLL_PERIOD_NS};
+    const int signal = sigtimedwait(&mSignals, nullptr, &moment);
+    if (signal > 0) {
+        raise(signal);  // taken as soon as it is not held back any more
+    }
+    return signal <= 0;
+}
+
+PictureDelivery::State PictureDelivery::state() const {
+    struct stat mine = {};
+    struct stat there = {};
+    if (stat(mPath.c_str(), &there) != 0 || fstat(mFile, &mine) != 0) {
+        return State::FAILED;
+    }
+    if (there.st_size > 0) {
+        return State::ARRIVED;
+    }
+    // Another empty file is that of somebody who came after ours was taken away.
+    return isSame(mine, there) ? State::AWAITED : State::FAILED;
+}
+
+std::string PictureDelivery::read(std::string& bytes) const {
+    const int error = platform::readPlainFile(mPath, bytes, MAX_SIZE);
+    return error == 0 ? std::string() : mPath + ": " + platform::plainFileError(error);
+}
+
+}  // namespace control
