@@ -2,7 +2,7 @@
 
 #include "ByteReader.h"
 #include "Check.h"
-#include "DumpCommands.h"
+#include "conversions/DumpCommands.h"
 #include "platform/TemporaryDirectory.h"
 
 #include <nlohmann/json.hpp>

@@ -1,4 +1,4 @@
-#include "DumpReader.h"
+#include "dumps/DumpReader.h"
 #include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
 
@@ -20,8 +20,8 @@ int control(const std::string& arguments) {
 }
 
 /// Smallest and largest figure of a value.
-std::pair<double, double> rangeOf(const control::Dump& dump, const std::string& name) {
-    const control::DumpedValue* const value = dump.findValue(name);
+std::pair<double, double> rangeOf(const dumps::Dump& dump, const std::string& name) {
+    const dumps::DumpedValue* const value = dump.findValue(name);
     if (value == nullptr || value->figures.empty()) {
         return {-1.0, -1.0};
     }
@@ -55,8 +55,8 @@ TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
     EXPECT_EQ(control("key dump"), 0);
     EXPECT_EQ(platform::waitForChild(demo), 0);
 
-    control::Dump dump;
-    ASSERT_EQ(control::readDump(folder.path("dump"), dump), "");
+    dumps::Dump dump;
+    ASSERT_EQ(dumps::readDump(folder.path("dump"), dump), "");
     ASSERT_GE(dump.frames.size(), 10U);
     EXPECT_EQ(dump.skippedRows, 0U);
     for (std::size_t i = 1; i < dump.frames.size(); ++i) {
@@ -78,7 +78,7 @@ TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
         EXPECT_LE(largest, bounds.largest) << bounds.name;
     }
     ASSERT_GE(dump.passes.size(), 2U) << "of the captured frame";
-    for (const control::DumpedPass& pass : dump.passes) {
+    for (const dumps::DumpedPass& pass : dump.passes) {
         EXPECT_GT(pass.durationMs, 0.0);
         EXPECT_LE(pass.durationMs, dump.frames[pass.frame].passFrameMs + 0.001);
     }

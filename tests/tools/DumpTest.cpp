@@ -13,16 +13,16 @@
 #include <string>
 #include <vector>
 
-#include "DumpCommands.h"
-#include "DumpReader.h"
-#include "Report.h"
-#include "Statistics.h"
-#include "Trace.h"
+#include "conversions/DumpCommands.h"
+#include "dumps/DumpReader.h"
+#include "dumps/Statistics.h"
+#include "dumps/Trace.h"
+#include "dumps/report/Report.h"
 #include "ostra/DumpFiles.h"
 #include "ostra/FrameQueue.h"
 #include "platform/TemporaryDirectory.h"
 
-namespace control {
+namespace dumps {
 namespace {
 
 using testing::AllOf;
@@ -188,6 +188,10 @@ TEST(Report, SaysTheFiguresOfTheDumpAndNeedsNothingElse) {
     }
 }
 
+using control::ExitCode;
+using control::FAILURE;
+using control::SUCCESS;
+
 class DumpCommands : public testing::Test {
 protected:
     /// A folder with a whole dump.
@@ -201,7 +205,7 @@ protected:
     ExitCode report(const std::string& folder, const std::string& path) {
         mOut.str({});
         mErr.str({});
-        return makeReport(folder, path, mOut, mErr);
+        return control::makeReport(folder, path, mOut, mErr);
     }
 
     const platform::TemporaryDirectory mFolder;
@@ -278,4 +282,4 @@ TEST_F(DumpCommands, WriteTheSameNumbersInEveryLocale) {
 }
 
 }  // namespace
-}  // namespace control
+}  // namespace dumps

@@ -1,4 +1,4 @@
-#include "DumpCommands.h"
+#include "conversions/DumpCommands.h"
 #include "cli/Verbs.h"
 
 #include <iostream>

@@ -1,7 +1,7 @@
-#include "Charts.h"
-#include "DumpReader.h"
-#include "Html.h"
-#include "ReportSections.h"
+#include "dumps/DumpReader.h"
+#include "dumps/report/Charts.h"
+#include "dumps/report/Html.h"
+#include "dumps/report/ReportSections.h"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include <ctime>
 #include <string>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -206,4 +206,4 @@ void writeExplanations(const ReportData& data, std::ostream& out) {
            "</ul></section>\n";
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-namespace control {
+namespace dumps {
 
 /// The report's style sheet: light or dark as the reader's system is.
 extern const std::string_view REPORT_STYLE;
 
-}  // namespace control
+}  // namespace dumps

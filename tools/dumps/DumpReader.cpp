@@ -1,6 +1,6 @@
-#include "DumpReader.h"
+#include "dumps/DumpReader.h"
 
-#include "CsvReader.h"
+#include "dumps/CsvReader.h"
 #include "io/PlainFile.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 #include <limits>
 #include <system_error>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -264,4 +264,4 @@ std::string describeLosses(const Dump& dump) {
     return text;
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -1,8 +1,8 @@
-#include "CsvReader.h"
+#include "dumps/CsvReader.h"
 
 #include <cstddef>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -69,4 +69,4 @@ char CsvReader::takeField(std::string& field) {
     return separator;
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -1,10 +1,10 @@
-#include "Html.h"
+#include "dumps/report/Html.h"
 
 #include <array>
 #include <charconv>
 #include <cmath>
 
-namespace control {
+namespace dumps {
 
 std::string escapeHtml(std::string_view text) {
     std::string html;
@@ -62,4 +62,4 @@ std::string clockText(double seconds, double whole) {
     return fixedPoint(minutes, 0) + (rest.size() < 2 ? ":0" : ":") + rest;
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Dump.h"
+#include "dumps/Dump.h"
 
 #include <string>
 #include <string_view>
 
-namespace control {
+namespace dumps {
 
 /// Reads frames.csv and passes.csv of a dump's folder as far as they go. Returns an empty text, or why there
 /// is nothing to be read: without a whole frame there is no dump, without render passes there still is. A
@@ -22,4 +22,4 @@ std::string parsePasses(std::string_view text, Dump& dump);
 /// What was left out in reading, in sentences for people; empty when the dump was whole.
 std::string describeLosses(const Dump& dump);
 
-}  // namespace control
+}  // namespace dumps

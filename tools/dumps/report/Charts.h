@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Statistics.h"
+#include "dumps/Statistics.h"
 
 #include <ostream>
 #include <string>
@@ -9,7 +9,7 @@
 
 /// Graphs of the report as SVG elements, drawn with the style sheet's classes. They scale to the width of
 /// what holds them.
-namespace control {
+namespace dumps {
 
 /// A horizontal line that a graph is read against.
 struct ReferenceLine {
@@ -48,4 +48,4 @@ void drawBar(const std::vector<BarPiece>& pieces, std::ostream& out);
 /// The smallest of 1, 2, 2.5 or 5 times a power of ten that is at least `step` > 0.
 double niceStep(double step);
 
-}  // namespace control
+}  // namespace dumps

@@ -1,4 +1,4 @@
-#include "DumpFolder.h"
+#include "dumps/DumpFolder.h"
 
 #include <algorithm>
 #include <charconv>
@@ -8,7 +8,7 @@
 #include <system_error>
 #include <tuple>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -71,4 +71,4 @@ std::string findDump(const std::string& folder, std::string& error) {
     return found;
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -1,12 +1,12 @@
-#include "Charts.h"
+#include "dumps/report/Charts.h"
 
-#include "Html.h"
+#include "dumps/report/Html.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -279,4 +279,4 @@ void drawBar(const std::vector<BarPiece>& pieces, std::ostream& out) {
     out << "</svg>\n";
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace control {
+namespace dumps {
 
 /// One recorded frame.
 struct DumpedFrame {
@@ -47,4 +47,4 @@ struct Dump {
     const DumpedValue* findValue(const std::string& name) const;
 };
 
-}  // namespace control
+}  // namespace dumps

@@ -5,7 +5,7 @@
 #include <string_view>
 
 /// Pieces of text for the report.
-namespace control {
+namespace dumps {
 
 /// The text as it may stand in an element or a quoted attribute, whatever bytes it holds.
 std::string escapeHtml(std::string_view text);
@@ -19,4 +19,4 @@ std::string grouped(std::uint64_t number);
 /// A time since the start of a dump that lasts `whole` seconds: "12.3 s", in long ones "2:03".
 std::string clockText(double seconds, double whole);
 
-}  // namespace control
+}  // namespace dumps

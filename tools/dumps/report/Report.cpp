@@ -1,12 +1,12 @@
-#include "Report.h"
+#include "dumps/report/Report.h"
 
-#include "Html.h"
-#include "ReportSections.h"
-#include "ReportStyle.h"
+#include "dumps/report/Html.h"
+#include "dumps/report/ReportSections.h"
+#include "dumps/report/ReportStyle.h"
 
 #include <utility>
 
-namespace control {
+namespace dumps {
 
 std::string writeReport(const Dump& dump, std::ostream& out) {
     FrameTimes times = frameTimes(dump);
@@ -36,4 +36,4 @@ std::string writeReport(const Dump& dump, std::ostream& out) {
     return {};
 }
 
-}  // namespace control
+}  // namespace dumps

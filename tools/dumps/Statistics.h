@@ -1,13 +1,13 @@
 #pragma once
 
-#include "Dump.h"
+#include "dumps/Dump.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
-namespace control {
+namespace dumps {
 
 /// The render passes of one captured frame: a range of the dump's passes.
 struct PassGroup {
@@ -94,4 +94,4 @@ Histogram histogram(const std::vector<double>& sortedMs);
 /// The indices in `times.times` of the slowest, slowest first; of equally slow ones the earlier first.
 std::vector<std::size_t> slowest(const FrameTimes& times, std::size_t count);
 
-}  // namespace control
+}  // namespace dumps

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Dump.h"
+#include "dumps/Dump.h"
 
 #include <ostream>
 
-namespace control {
+namespace dumps {
 
 /// Writes a dump in the Chrome trace event format (an object with "traceEvents"), which trace viewers open.
 /// One process holds a counter track for every value that has figures, a track with a slice for every frame,
@@ -14,4 +14,4 @@ namespace control {
 /// end from the frame on which they were recorded, inside a slice that is the frame they belong to.
 void writeTrace(const Dump& dump, std::ostream& out);
 
-}  // namespace control
+}  // namespace dumps

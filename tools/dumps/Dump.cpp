@@ -1,9 +1,9 @@
-#include "Dump.h"
+#include "dumps/Dump.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace control {
+namespace dumps {
 
 bool DumpedValue::hasFigures() const {
     return std::any_of(figures.begin(), figures.end(), [](double figure) { return std::isfinite(figure); });
@@ -15,4 +15,4 @@ const DumpedValue* Dump::findValue(const std::string& name) const {
     return found == values.end() ? nullptr : &*found;
 }
 
-}  // namespace control
+}  // namespace dumps

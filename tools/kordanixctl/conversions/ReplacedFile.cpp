@@ -1,4 +1,4 @@
-#include "ReplacedFile.h"
+#include "conversions/ReplacedFile.h"
 
 #include "io/PlainFile.h"
 

@@ -1,13 +1,13 @@
-#include "Charts.h"
-#include "Html.h"
-#include "ReportSections.h"
+#include "dumps/report/Charts.h"
+#include "dumps/report/Html.h"
+#include "dumps/report/ReportSections.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <string>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -165,4 +165,4 @@ void writePassesOfSlowestFrames(const ReportData& data, std::ostream& out) {
     out << "</section>\n";
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -1,6 +1,6 @@
-#include "Trace.h"
+#include "dumps/Trace.h"
 
-#include "Statistics.h"
+#include "dumps/Statistics.h"
 
 #include <nlohmann/json.hpp>
 
@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -131,4 +131,4 @@ void writeTrace(const Dump& dump, std::ostream& out) {
     out << "\n]}\n";
 }
 
-}  // namespace control
+}  // namespace dumps

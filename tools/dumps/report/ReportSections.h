@@ -1,12 +1,12 @@
 #pragma once
 
-#include "Dump.h"
-#include "Statistics.h"
+#include "dumps/Dump.h"
+#include "dumps/Statistics.h"
 
 #include <ostream>
 #include <vector>
 
-namespace control {
+namespace dumps {
 
 /// What the sections of a report are made from.
 struct ReportData {
@@ -26,4 +26,4 @@ void writeValues(const ReportData& data, std::ostream& out);
 void writePassesOfSlowestFrames(const ReportData& data, std::ostream& out);
 void writeExplanations(const ReportData& data, std::ostream& out);
 
-}  // namespace control
+}  // namespace dumps

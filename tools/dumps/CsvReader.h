@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace control {
+namespace dumps {
 
 /// Reads RFC 4180 text, whatever its bytes: fields between commas, quoted where they hold commas, quotes or
 /// line breaks; rows end in CR LF or LF alone. A quote inside an unquoted field stands for itself. A UTF-8
@@ -28,4 +28,4 @@ private:
     bool mIsCut = false;
 };
 
-}  // namespace control
+}  // namespace dumps

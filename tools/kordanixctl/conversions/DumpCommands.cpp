@@ -1,23 +1,23 @@
-#include "DumpCommands.h"
+#include "conversions/DumpCommands.h"
 
 #include "Complaint.h"
-#include "DumpFolder.h"
-#include "DumpReader.h"
-#include "ReplacedFile.h"
-#include "Report.h"
-#include "Trace.h"
+#include "conversions/ReplacedFile.h"
+#include "dumps/DumpFolder.h"
+#include "dumps/DumpReader.h"
+#include "dumps/Trace.h"
+#include "dumps/report/Report.h"
 
 namespace control {
 
 namespace {
 
 /// Writes a dump to a stream. Returns an empty text, or why nothing was written.
-using DumpWriter = std::string (*)(const Dump&, std::ostream&);
+using DumpWriter = std::string (*)(const dumps::Dump&, std::ostream&);
 
 ExitCode convert(const std::string& folder, const std::string& path, DumpWriter write, std::ostream& out,
                  std::ostream& err) {
     std::string error;
-    const std::string found = findDump(folder, error);
+    const std::string found = dumps::findDump(folder, error);
     if (found.empty()) {
         return fail(error, err);
     }
@@ -29,12 +29,12 @@ ExitCode convert(const std::string& folder, const std::string& path, DumpWriter 
             return fail(path + ": is a file of the dump itself, which is not replaced", err);
         }
     }
-    Dump dump;
-    error = readDump(found, dump);
+    dumps::Dump dump;
+    error = dumps::readDump(found, dump);
     if (!error.empty()) {
         return fail(error, err);
     }
-    const std::string losses = describeLosses(dump);
+    const std::string losses = dumps::describeLosses(dump);
     if (!losses.empty()) {
         complain(found + ": " + losses, err);
     }
@@ -50,8 +50,8 @@ ExitCode convert(const std::string& folder, const std::string& path, DumpWriter 
 }  // namespace
 
 ExitCode makeTrace(const std::string& folder, const std::string& path, std::ostream& out, std::ostream& err) {
-    const DumpWriter write = [](const Dump& dump, std::ostream& trace) {
-        writeTrace(dump, trace);
+    const DumpWriter write = [](const dumps::Dump& dump, std::ostream& trace) {
+        dumps::writeTrace(dump, trace);
         return std::string();
     };
     return convert(folder, path, write, out, err);
@@ -59,7 +59,7 @@ ExitCode makeTrace(const std::string& folder, const std::string& path, std::ostr
 
 ExitCode makeReport(const std::string& folder, const std::string& path, std::ostream& out,
                     std::ostream& err) {
-    return convert(folder, path, writeReport, out, err);
+    return convert(folder, path, dumps::writeReport, out, err);
 }
 
 }  // namespace control

@@ -1,10 +1,10 @@
-#include "Statistics.h"
+#include "dumps/Statistics.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
-namespace control {
+namespace dumps {
 
 namespace {
 
@@ -182,4 +182,4 @@ std::vector<std::size_t> slowest(const FrameTimes& times, std::size_t count) {
     return order;
 }
 
-}  // namespace control
+}  // namespace dumps

@@ -1,6 +1,6 @@
-#include "ReportStyle.h"
+#include "dumps/report/ReportStyle.h"
 
-namespace control {
+namespace dumps {
 
 const std::string_view REPORT_STYLE = R"(
 :root { color-scheme: light dark; --page: #f4f5f7; --card: #fff; --ink: #15181d; --soft: #5d6673;
@@ -63,4 +63,4 @@ svg text { font: 11px system-ui, "Segoe UI", Roboto, Arial, sans-serif; fill: va
 @media print { body { background: #fff; } .card, .tile { break-inside: avoid; } }
 )";
 
-}  // namespace control
+}  // namespace dumps
