@@ -47,51 +47,42 @@ Placed placementOf(const RecordingText::DrawnGlyph& drawn) {
     return {start.x, start.y, end.x - start.x, end.y - start.y};
 }
 
-struct FitCase {
-    const char* name;
-    std::string text;
-    float widthInLines;  ///< of the box, in multiples of what the text needs at full height
-    TextGravity gravity;
-    float left;   ///< expected start, as a share of the free width
-    float scale;  ///< expected line height, as a share of the box's
-};
-
-class TextFit : public testing::TestWithParam<FitCase> {};
-
-TEST_P(TextFit, PlacesTheLine) {
-    const FitCase& c = GetParam();
-    RecordingText text;
-    const float height = 0.1F;
-    const float natural = widthOf(c.text) * 0.5F * height * text.getAspectRatio();
-    text.mPosition = {0.2F, 0.3F};
-    text.mSize = {natural * c.widthInLines, height};
-    text.setText(c.text);
-    text.setTextGravity(c.gravity);
-    text.draw();
-    ASSERT_EQ(text.mDrawnText, c.text);
-    const Placed first = placementOf(text.mGlyphs[0]);
-    const float drawnWidth = natural * c.scale;
-    EXPECT_NEAR(first.lineHeight, height * c.scale, 1e-5F);
-    EXPECT_NEAR(first.unitWidth * widthOf(c.text), drawnWidth, 1e-5F) << "proportions kept";
-    EXPECT_NEAR(first.pen, 0.2F + (text.mSize.x - drawnWidth) * c.left, 1e-5F);
-    EXPECT_NEAR(first.top, 0.3F + height * (1.0F - c.scale) * 0.5F, 1e-5F) << "centred when scaled down";
-    float pen = first.pen;
-    for (const RecordingText::DrawnGlyph& glyph : text.mGlyphs) {
-        EXPECT_NEAR(placementOf(glyph).pen, pen, 1e-5F);
-        pen += first.unitWidth * widthOf(std::string(1, glyph.symbol));
+TEST(Text, FitsTheLineIntoItsBox) {
+    const struct {
+        std::string text;
+        float widthInLines;  // of the box, in multiples of what the text needs at full height
+        TextGravity gravity;
+        float left;   // expected start, as a share of the free width
+        float scale;  // expected line height, as a share of the box's
+    } cases[] = {{"GPU 59.9", 2.0F, TextGravity::LEFT, 0.0F, 1.0F},
+                 {"GPU 59.9", 2.0F, TextGravity::RIGHT, 1.0F, 1.0F},
+                 {"GPU 59.9", 3.0F, TextGravity::CENTER, 0.5F, 1.0F},
+                 {"Ag", 3.0F, static_cast<TextGravity>(9), 0.0F, 1.0F},
+                 {"0000", 1.0001F, TextGravity::CENTER, 0.5F, 1.0F},
+                 {"0000", 0.25F, TextGravity::RIGHT, 0.0F, 0.25F}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.widthInLines);
+        RecordingText text;
+        const float height = 0.1F;
+        const float natural = widthOf(c.text) * 0.5F * height * text.getAspectRatio();
+        text.mPosition = {0.2F, 0.3F};
+        text.mSize = {natural * c.widthInLines, height};
+        text.setText(c.text);
+        text.setTextGravity(c.gravity);
+        text.draw();
+        ASSERT_EQ(text.mDrawnText, c.text);
+        const Placed first = placementOf(text.mGlyphs[0]);
+        const float drawnWidth = natural * c.scale;
+        EXPECT_NEAR(first.lineHeight, height * c.scale, 1e-5F);
+        EXPECT_NEAR(first.unitWidth * widthOf(c.text), drawnWidth, 1e-5F) << "proportions kept";
+        EXPECT_NEAR(first.top, 0.3F + height * (1.0F - c.scale) * 0.5F, 1e-5F) << "centred when scaled down";
+        float pen = 0.2F + (text.mSize.x - drawnWidth) * c.left;
+        for (const RecordingText::DrawnGlyph& glyph : text.mGlyphs) {
+            EXPECT_NEAR(placementOf(glyph).pen, pen, 1e-5F);
+            pen += first.unitWidth * widthOf(std::string(1, glyph.symbol));
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Boxes, TextFit,
-    testing::Values(FitCase{"WideLeft", "GPU 59.9", 2.0F, TextGravity::LEFT, 0.0F, 1.0F},
-                    FitCase{"WideRight", "GPU 59.9", 2.0F, TextGravity::RIGHT, 1.0F, 1.0F},
-                    FitCase{"WideCentre", "GPU 59.9", 3.0F, TextGravity::CENTER, 0.5F, 1.0F},
-                    FitCase{"UnknownGravity", "Ag", 3.0F, static_cast<TextGravity>(9), 0.0F, 1.0F},
-                    FitCase{"JustFits", "0000", 1.0001F, TextGravity::CENTER, 0.5F, 1.0F},
-                    FitCase{"Squeezed", "0000", 0.5F, TextGravity::LEFT, 0.0F, 0.5F},
-                    FitCase{"SqueezedRight", "0000", 0.25F, TextGravity::RIGHT, 0.0F, 0.25F}),
-    [](const auto& test) { return std::string(test.param.name); });
 
 TEST(Text, IsShortenedOnlyWhenItDoesNotFit) {
     RecordingText text;

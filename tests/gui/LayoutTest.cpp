@@ -12,7 +12,6 @@
 namespace {
 
 using gui::LayoutManager;
-using gui::RenderArea;
 using gui::RenderAreaType;
 using gui::Widget;
 using gui::WidgetType;
@@ -117,51 +116,26 @@ TEST(LayoutPlaces, AFallbackPositionStays) {
     expectRect(4, false, {36, 14, 316, 55});
 }
 
-TEST(LayoutAreas, AreFractionsOfTheCanvasOfTheCurrentOrientation) {
-    const struct {
-        int area;
-        std::array<float, 4> landscape, portrait;
-    } cases[] = {
-        {0, {6, 44, 162, 10}, {6, 44, 162, 10}},
-        {22, {280, 0, 34, 17}, {311, 0, 40, 17}},
-        {39, {0, 0, 668, 64}, {0, 0, 350, 64}},
-        {46, {0, 0, 5, 5}, {0, 0, 5, 5}},
-    };
-    const LayoutManager* const manager = LayoutManager::getInstance();
-    for (const bool isPortrait : {false, true}) {
-        LayoutManager::getInstance()->updateWidgetsLayouts(isPortrait);
-        for (const auto& c : cases) {
-            const RenderArea area = manager->getRenderArea(static_cast<RenderAreaType>(c.area));
-            const std::array<float, 4>& expected = isPortrait ? c.portrait : c.landscape;
-            const float width = isPortrait ? 360.0F : 740.0F;
-            const float height = isPortrait ? 740.0F : 360.0F;
-            EXPECT_EQ((std::array{area.x, area.y, area.width, area.height}),
-                      (std::array{expected[0] / width, expected[1] / height, expected[2] / width,
-                                  expected[3] / height}))
-                << c.area;
-        }
-    }
-    EXPECT_EQ(manager->mLandscapeAreas.size(), 47U);
-    EXPECT_EQ(manager->mPortraitAreas.size(), 47U);
-}
-
 TEST(LayoutDrawers, AreMovedByTheirWidget) {
     setPositions({0, 2, 6, 5, 1});
     LayoutManager* const manager = LayoutManager::getInstance();
-    manager->updateWidgetsLayouts(false);
     struct : drawer::Drawer {
         void draw() override {}
     } drawer;
     EXPECT_EQ(static_cast<int>(drawer.mValueType), 11);
     EXPECT_TRUE(drawer.mEnabled);
-    drawer.mRenderArea = static_cast<RenderAreaType>(29);
-    manager->updateDrawerLayout(&drawer);
-    EXPECT_EQ(drawer.mPosition, glm::vec2(88.0F / 740.0F, 26.0F / 360.0F));
+    drawer.mRenderArea = static_cast<RenderAreaType>(17);
+    for (const bool isPortrait : {true, false}) {
+        manager->updateWidgetsLayouts(isPortrait);
+        manager->updateDrawerLayout(&drawer);
+        const glm::vec2 canvas = isPortrait ? glm::vec2(360.0F, 740.0F) : glm::vec2(740.0F, 360.0F);
+        EXPECT_EQ(drawer.mPosition, glm::vec2(isPortrait ? 266.0F : 238.0F, 0.0F) / canvas);
+        EXPECT_EQ(drawer.mSize, glm::vec2(isPortrait ? 45.0F : 42.0F, 17.0F) / canvas);
+    }
     drawer.mWidget = &widget(1);
     manager->updateDrawerLayout(&drawer);
-    EXPECT_FLOAT_EQ(drawer.mPosition.x, (533.0F + 88.0F) / 740.0F);
-    EXPECT_FLOAT_EQ(drawer.mPosition.y, (14.0F + 26.0F) / 360.0F);
-    EXPECT_EQ(drawer.mSize, glm::vec2(77.0F / 740.0F, 15.0F / 360.0F));
+    EXPECT_FLOAT_EQ(drawer.mPosition.x, (533.0F + 238.0F) / 740.0F);
+    EXPECT_FLOAT_EQ(drawer.mPosition.y, 14.0F / 360.0F);
 }
 
 }  // namespace
