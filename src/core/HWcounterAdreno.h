@@ -12,7 +12,7 @@ struct CounterState {
 /// source file, so that another source can take that file's place at build time. This one is for Adreno GPUs
 /// and has no access to the counters: it always ends up unavailable.
 ///
-/// What a ready source owes its user is said at each operation. One thread at a time may use the object.
+/// Each operation says what a ready source must do. One thread at a time may use the object.
 class KORDANIX_EXPORT HWcounter {
 public:
     HWcounter();

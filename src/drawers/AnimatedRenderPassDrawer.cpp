@@ -17,14 +17,15 @@ namespace {
 constexpr float LANDSCAPE_CHARACTER_WIDTH = 0.02F;
 constexpr float PORTRAIT_CHARACTER_WIDTH = 0.04F;
 
-/// A row that does not fit overhangs by a quarter at least, or it would only twitch.
+/// A row that does not fit overhangs by at least a quarter: less would only twitch.
 constexpr float SMALLEST_OVERHANG = 1.25F;
 
 // Clip-space units per millisecond.
 constexpr float LANDSCAPE_SPEED = 0.00025F;
 constexpr float PORTRAIT_SPEED = 0.0005F;
 
-/// How long a cycle is, in times the row would take to its end: 2 x 0.41 of the cycle the row slides.
+/// The length of a cycle, in multiples of the time that the row takes to slide to its end. It slides for 2 x
+/// 0.41 of the cycle.
 constexpr float CYCLE_LENGTH = 2.5F;
 
 // Progress of a cycle at which the row starts or stops.
@@ -97,7 +98,7 @@ void AnimatedRenderPassDrawer::prelayoutRenderPassText() {
     const float characterWidth = mOrientation != 0 ? LANDSCAPE_CHARACTER_WIDTH : PORTRAIT_CHARACTER_WIDTH;
     const float width = 2.0F * mSize.x;
 
-    // Of the texts that do not fit at full character width, the longest one rules.
+    // The longest text that does not fit at full character width decides.
     float smallestWidth = characterWidth;
     float longest = 0.0F;
     for (gui::RenderPassData& pass : mFrameData.mRenderPasses) {

@@ -20,8 +20,7 @@ public:
     /// Makes texts and blocks, moves the row on and draws it, between the layer's two operations.
     void draw() override;
 
-    /// Writes the frame into the record, once for each frame id. 0 stands for the values a pass does not
-    /// have.
+    /// Writes the frame into the record, once for each frame id. Values that a pass does not have are 0.
     void dump(Ostra::FrameDump& frameDump) override;
 
     /// Accepts any frame, and starts its cycles from the beginning.
@@ -40,9 +39,9 @@ public:
     /// Moves the row on while cycles are left. Draws nothing.
     void animateMarquee();
 
-    /// One step of the row; starts a cycle when none is running. The time since the step before (of whichever
-    /// frame; 1970 for the first one) counts only after the row has moved. Afterwards the offset lies between
-    /// 2 * mSize.x - mTextWidth and 0 and is 0 when there is no such range.
+    /// One step of the row; starts a cycle when none is running. The row first moves by the time since the
+    /// previous step, whichever frame that belonged to; then that time is added to the cycle. Afterwards the
+    /// offset lies between 2 * mSize.x - mTextWidth and 0 and is 0 when there is no such range.
     void calculateCircularMarquee();
 
     std::uint32_t mLastTickMs = 0;     ///< millisecond clock at the last step

@@ -24,7 +24,7 @@ bool startsEarlier(const gui::RenderPassData& left, const gui::RenderPassData& r
     return left.mStartTime < right.mStartTime;
 }
 
-/// `length` in frames, cut to 0..1; 0 for NaN.
+/// `length` as a share of the frame, cut to 0..1; 0 for NaN.
 float shareOf(long double length, long double frameLength) {
     const double share = static_cast<double>(length) / static_cast<double>(frameLength);
     return share > 0.0 ? static_cast<float>(std::min(share, 1.0)) : 0.0F;

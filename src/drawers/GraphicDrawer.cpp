@@ -11,7 +11,7 @@ namespace drawer {
 
 namespace {
 
-/// How much higher even samples sit than their values ask for.
+/// Even samples sit this much higher than their values.
 constexpr float EVEN_SAMPLE_LIFT = 0.00004F;
 
 constexpr float BOTTOM = 1.0F;
@@ -19,8 +19,7 @@ constexpr float BOTTOM = 1.0F;
 /// The encoding of a dumped value that is a float; the others are whole numbers.
 constexpr std::uint32_t FRACTION = 1;
 
-/// Heights are computed this many at a time, apart from the vertices they go into: such a loop the compilers
-/// turn into vector instructions.
+/// Heights are computed in batches, apart from the vertices they go into: compilers vectorise such a loop.
 constexpr std::size_t BATCH = 32;
 
 float sampleX(std::uint32_t index, std::uint32_t capacity) {
@@ -98,7 +97,7 @@ void GraphicDrawer::clear() {
 }
 
 void GraphicDrawer::addValue(float value) {
-    // A maximum that is not a number (from such a sample at the last clear()) would never be exceeded.
+    // No sample would exceed a maximum that is not a number, as clear() leaves after such a sample.
     if (value > mMaxValue || std::isnan(mMaxValue)) {
         mMaxValue = value;
     }

@@ -9,7 +9,7 @@ namespace {
 /// Side of a cell as a fraction of the surface's shorter side: 22/360.
 constexpr float CELL = 0.06111111F;
 
-/// How much higher the left end of a horizontal line sits than its right end.
+/// The left end of a horizontal line sits this much higher than its right end.
 constexpr float LEFT_END_LIFT = 0.00004F;
 
 /// The rectangle's 2 local units divided by the largest count of lines.

@@ -22,8 +22,8 @@ public:
     virtual float getAspectRatio() = 0;
 
     /// Builds the lines anew when the surface's shape has changed; a change of the drawer's size alone does
-    /// not count. A direction in which the cells come out with no size above 0 or with more than 4096 lines
-    /// (only a rectangle or a surface of no sensible size can do that) gets no lines.
+    /// not count. A direction gets no lines when its cells would have no size or be more than 4096, as on a
+    /// rectangle or a surface of no sensible size.
     void recalculateGrid();
 
     std::unique_ptr<MeshDrawer> mMesh;

@@ -43,8 +43,8 @@ public:
 
     /// Fits the line into the box, then hands every glyph to drawGlyph(). Calls the layer's operations in the
     /// order getScreenHeight, getTransform, getAspectRatio, drawGlyph. In a box without area the glyphs are
-    /// handed over all the same, with matrices that leave nothing of them; when the layer's transform takes
-    /// them to infinity or nowhere, none is handed over.
+    /// handed over all the same, with matrices that leave nothing of them; when the layer's transform is not
+    /// finite, none is.
     void draw() override;
 
     /// Draws the glyph's quad through the matrix, tinted with the colour.

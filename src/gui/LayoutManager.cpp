@@ -177,7 +177,7 @@ bool addToLayout(Widget* widget, std::vector<LinearLayout>& rows, glm::vec2& mar
 }
 
 LayoutManager* LayoutManager::getInstance() {
-    // Not a plain static: its end would pull the areas from under a frame that runs while the process exits.
+    // Never destroyed: a frame may still be drawn while another thread ends the process.
     static auto* const instance = new LayoutManager;
     return instance;
 }

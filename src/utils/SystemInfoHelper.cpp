@@ -38,8 +38,8 @@ bool isSpace(char c) {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-/// The text up to the first NUL byte or the end of the line, at most 255 bytes. What fgets() would give,
-/// which reads on to the end of the file: the kernel takes nearly as long for that as for the text.
+/// The text up to the first NUL byte or the end of the line, at most 255 bytes. fgets() would give the same
+/// but read on to the end of the file, which costs the kernel nearly as much again.
 std::string firstText(std::FILE* file) {
     std::array<char, 255> text{};
     std::size_t length = 0;
