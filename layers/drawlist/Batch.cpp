@@ -11,20 +11,19 @@ namespace drawlist {
 
 namespace {
 
-constexpr float FULL_TEXEL = 65535.0F;
-
 /// A vertex buffer of this size holds the default widgets.
 constexpr std::size_t USUAL_VERTICES = 8192;
 
 /// A triangle has at most this many corners after it has been cut at four edges.
 constexpr std::size_t MAX_CORNERS = 7;
 
-float cut(float value, float high) {
-    return value > 0.0F ? std::min(value, high) : 0.0F;  // not-a-number gives 0
-}
-
 bool isFinite(const Corner& corner) {
     return raster::isFinite(corner.point);
+}
+
+Vertex solid(const Corner& corner, const Paint& paint) {
+    constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
+    return {corner.point.x, corner.point.y, SOLID, SOLID, paint.covering(corner.coverage)};
 }
 
 /// One axis of a box, cut where its coverage changes: a pixel that is covered in part, whole ones, and
@@ -112,8 +111,8 @@ Batch::Range Batch::repeat(const Range& last) {
     return now;
 }
 
-void Batch::addQuad(const raster::PixelRect& pixels, const Texels& texels,
-                    const std::array<std::uint8_t, 4>& color) {
+void Batch::addPixels(const raster::PixelRect& pixels, const Texels& texels,
+                      const std::array<std::uint8_t, 4>& color) {
     const auto left = static_cast<float>(pixels.mLeft);
     const auto top = static_cast<float>(pixels.mTop);
     const auto right = static_cast<float>(pixels.mRight);
@@ -145,7 +144,7 @@ void Batch::addPieces(const raster::Box& box, const Paint& paint, const raster::
             const std::array<std::uint8_t, 4> color = paint.covering(row.mCoverage * column.mCoverage);
             if (color[3] != 0) {
                 const raster::PixelRect pixels{column.mFirst, row.mFirst, column.mEnd, row.mEnd};
-                addQuad(pixels, texelsOf(pixels), color);
+                addPixels(pixels, texelsOf(pixels), color);
             }
         }
     }
@@ -166,18 +165,32 @@ void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Paint
         return;
     }
     const auto texel = [](int value) { return static_cast<std::uint16_t>(value); };
-    addQuad(seen,
-            {texel(u + seen.mLeft - pixels.mLeft), texel(v + seen.mTop - pixels.mTop),
-             texel(u + seen.mRight - pixels.mLeft), texel(v + seen.mBottom - pixels.mTop)},
-            paint.covering(1.0F));
+    addPixels(seen,
+              {texel(u + seen.mLeft - pixels.mLeft), texel(v + seen.mTop - pixels.mTop),
+               texel(u + seen.mRight - pixels.mLeft), texel(v + seen.mBottom - pixels.mTop)},
+              paint.covering(1.0F));
 }
 
 void Batch::addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint) {
-    constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
     Vertex* const corners = grow(3);
-    corners[0] = {a.point.x, a.point.y, SOLID, SOLID, paint.covering(a.coverage)};
-    corners[1] = {b.point.x, b.point.y, SOLID, SOLID, paint.covering(b.coverage)};
-    corners[2] = {c.point.x, c.point.y, SOLID, SOLID, paint.covering(c.coverage)};
+    corners[0] = solid(a, paint);
+    corners[1] = solid(b, paint);
+    corners[2] = solid(c, paint);
+}
+
+void Batch::addQuad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Paint& paint,
+                    const Clip& clip) {
+    if (!clip.contains(a.point) || !clip.contains(b.point) || !clip.contains(c.point) ||
+        !clip.contains(d.point)) {
+        addTriangle(a, b, c, paint, clip);
+        addTriangle(a, c, d, paint, clip);
+        return;
+    }
+    Vertex* const corners = grow(6);
+    corners[0] = corners[3] = solid(a, paint);
+    corners[1] = solid(b, paint);
+    corners[2] = corners[4] = solid(c, paint);
+    corners[5] = solid(d, paint);
 }
 
 void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Paint& paint,
@@ -227,19 +240,12 @@ void Batch::addPicture(const raster::Box& box) {
         return;
     }
     mPicture.mFirst = mCount;
-    mPictureScale = {static_cast<float>(mSurface.width()) / width,
-                     static_cast<float>(mSurface.height()) / height};
-    const auto share = [](int pixel, float low, float length) {
-        return static_cast<std::uint16_t>(
-            cut((static_cast<float>(pixel) - low) / length * FULL_TEXEL, FULL_TEXEL));
-    };
-    // The application's rows are counted from the bottom.
+    mPictureBox = box;
+    mPicturePixels = raster::touchedPixels(box, mClip);
+    const auto texel = [](int pixel, int first) { return static_cast<std::uint16_t>(pixel - first); };
     addPieces(box, Paint(glm::vec4(1.0F)), mClip, [&](const raster::PixelRect& pixels) {
-        const auto row = [&](int pixel) {
-            return static_cast<std::uint16_t>(FULL_TEXEL - share(pixel, box.mTop, height));
-        };
-        return Texels{share(pixels.mLeft, box.mLeft, width), row(pixels.mTop),
-                      share(pixels.mRight, box.mLeft, width), row(pixels.mBottom)};
+        return Texels{texel(pixels.mLeft, mPicturePixels.mLeft), texel(pixels.mTop, mPicturePixels.mTop),
+                      texel(pixels.mRight, mPicturePixels.mLeft), texel(pixels.mBottom, mPicturePixels.mTop)};
     });
     mPicture.mCount = mCount - mPicture.mFirst;
 }

@@ -12,11 +12,12 @@
 
 namespace drawlist {
 
-/// A corner of a triangle as the vertex buffer has it.
+/// A corner of a triangle as the vertex buffer has it: two floats, two unsigned shorts that are not
+/// normalised, four normalised unsigned bytes.
 struct Vertex {
     float x;  ///< surface pixels, y downwards
     float y;
-    std::uint16_t u;  ///< texels of the glyph texture, or 65535ths of the application's picture
+    std::uint16_t u;  ///< texels of the glyph texture, or pixels from the top-left one of picturePixels()
     std::uint16_t v;
     std::array<std::uint8_t, 4> color;  ///< straight; the alpha carries the coverage
 };
@@ -78,7 +79,11 @@ public:
     /// A triangle inside `clip`, which lies inside the batch's own clip.
     void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Paint& paint, const Clip& clip);
 
-    /// The application's picture in the box. The first one of a drawing counts.
+    /// A quadrilateral in the order of its outline, as the triangles of its first corner.
+    void addQuad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Paint& paint,
+                 const Clip& clip);
+
+    /// The application's picture in the box. Of several in one drawing only the first is shown.
     void addPicture(const raster::Box& box);
 
     /// Vertices of the drawing before once more; where they are now.
@@ -93,8 +98,10 @@ public:
     /// The vertices of the application's picture; none without one.
     const Range& picture() const { return mPicture; }
 
-    /// Pixels of the surface that one pixel of the picture shows, in both directions.
-    const glm::vec2& pictureScale() const { return mPictureScale; }
+    /// Where all of the picture would lie on the surface, and the pixels of it that are shown. Only while
+    /// picture() has vertices.
+    const raster::Box& pictureBox() const { return mPictureBox; }
+    const raster::PixelRect& picturePixels() const { return mPicturePixels; }
 
 private:
     /// Texel coordinates at a box's left, top, right and bottom edges.
@@ -103,8 +110,8 @@ private:
     template <class TexelsOf>
     void addPieces(const raster::Box& box, const Paint& paint, const raster::PixelRect& clip,
                    TexelsOf texelsOf);
-    void addQuad(const raster::PixelRect& pixels, const Texels& texels,
-                 const std::array<std::uint8_t, 4>& color);
+    void addPixels(const raster::PixelRect& pixels, const Texels& texels,
+                   const std::array<std::uint8_t, 4>& color);
     void addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint);
 
     /// Room for that many more vertices, to be written at once.
@@ -125,7 +132,8 @@ private:
     std::vector<Vertex> mLastVertices;  ///< of the drawing before
     std::size_t mLastCount = 0;
     Range mPicture;
-    glm::vec2 mPictureScale{1.0F};
+    raster::Box mPictureBox;
+    raster::PixelRect mPicturePixels;
 };
 
 }  // namespace drawlist

@@ -16,6 +16,7 @@ void DrawList::setSize(int width, int height) {
 void DrawList::forget() {
     isDrawn = false;
     glyphs.forget();
+    pictureTimer.forget();
 }
 
 void DrawList::begin() {
@@ -23,6 +24,15 @@ void DrawList::begin() {
     glyphs.begin(shape);
     isDrawn = true;
     ++drawing;
+}
+
+std::array<Draw, 3> DrawList::draws() const {
+    const Batch::Range picture = batch.picture();
+    if (picture.mCount == 0) {
+        return {{{{0, batch.vertexCount()}, false}}};
+    }
+    const std::size_t rest = picture.mFirst + picture.mCount;
+    return {{{{0, picture.mFirst}, false}, {picture, true}, {{rest, batch.vertexCount() - rest}, false}}};
 }
 
 }  // namespace drawlist

@@ -64,10 +64,8 @@ bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, fl
     const Corner nextBelow{to + shift, 1.0F};
     const Corner foot{{from.x, lowest.y}, 1.0F};
     const Corner nextFoot{{to.x, lowest.y}, 1.0F};
-    batch.addTriangle(above, nextAbove, nextBelow, paint, area);
-    batch.addTriangle(above, nextBelow, below, paint, area);
-    batch.addTriangle(below, nextBelow, nextFoot, paint, area);
-    batch.addTriangle(below, nextFoot, foot, paint, area);
+    batch.addQuad(above, nextAbove, nextBelow, below, paint, area);
+    batch.addQuad(below, nextBelow, nextFoot, foot, paint, area);
     batch.addRect(
         {static_cast<float>(columnAt(from.x)), lowest.y, static_cast<float>(columnAt(to.x)), bottom}, paint,
         clip);
@@ -94,15 +92,11 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
         const Clip band(rows);
         const auto corner = [](float x, float y, float coverage) { return Corner{{x, y}, coverage}; };
         const float deepest = static_cast<float>(ceilOf(low)) + soft;
-        const auto addQuad = [&](const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
-            batch.addTriangle(a, b, c, paint, band);
-            batch.addTriangle(a, c, d, paint, band);
-        };
-        addQuad(corner(from.x, fromY - soft, 0.0F), corner(to.x, toY - soft, 0.0F),
-                corner(to.x, toY + soft, 1.0F), corner(from.x, fromY + soft, 1.0F));
+        batch.addQuad(corner(from.x, fromY - soft, 0.0F), corner(to.x, toY - soft, 0.0F),
+                      corner(to.x, toY + soft, 1.0F), corner(from.x, fromY + soft, 1.0F), paint, band);
         if (high + soft < static_cast<float>(rows.mBottom) - 0.5F) {
-            addQuad(corner(from.x, fromY + soft, 1.0F), corner(to.x, toY + soft, 1.0F),
-                    corner(to.x, deepest, 1.0F), corner(from.x, deepest, 1.0F));
+            batch.addQuad(corner(from.x, fromY + soft, 1.0F), corner(to.x, toY + soft, 1.0F),
+                          corner(to.x, deepest, 1.0F), corner(from.x, deepest, 1.0F), paint, band);
         }
     }
     const float below = ceilOf(low) <= wholeBottom

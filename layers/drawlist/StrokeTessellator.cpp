@@ -161,16 +161,14 @@ void StrokeTessellator::addArc(const Target& target, const glm::vec2& center, co
 }
 
 void StrokeTessellator::addBody(const Target& target, const Section& start, const Section& end) {
-    const auto addQuad = [&target](const Corner& a, const Corner& b, const Corner& c, const Corner& d) {
-        target.batch.addTriangle(a, b, c, target.paint, target.clip);
-        target.batch.addTriangle(a, c, d, target.paint, target.clip);
-    };
+    const Corner core[2][2] = {{{start.core[0], 1.0F}, {end.core[0], 1.0F}},
+                               {{start.core[1], 1.0F}, {end.core[1], 1.0F}}};
     if (target.core > 0.0F) {
-        addQuad({start.core[0], 1.0F}, {end.core[0], 1.0F}, {end.core[1], 1.0F}, {start.core[1], 1.0F});
+        target.batch.addQuad(core[0][0], core[0][1], core[1][1], core[1][0], target.paint, target.clip);
     }
     for (int side = 0; side < 2; ++side) {
-        addQuad({start.core[side], 1.0F}, {end.core[side], 1.0F}, {end.border[side], 0.0F},
-                {start.border[side], 0.0F});
+        target.batch.addQuad(core[side][0], core[side][1], {end.border[side], 0.0F},
+                             {start.border[side], 0.0F}, target.paint, target.clip);
     }
 }
 

@@ -4,7 +4,7 @@ namespace opengl {
 
 std::string OverlayDrawing::create() {
     mList.forget();
-    return mRenderer.create();
+    return mRenderer.create(mList);
 }
 
 void OverlayDrawing::destroy() {
@@ -19,7 +19,7 @@ void OverlayDrawing::abandon() {
 
 void OverlayDrawing::setSurface(int width, int height, bool isSrgb) {
     mList.setSize(width, height);
-    mRenderer.setSrgb(isSrgb);
+    mList.isSrgb = isSrgb;
 }
 
 }  // namespace opengl

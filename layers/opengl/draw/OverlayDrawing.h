@@ -45,8 +45,8 @@ public:
     drawlist::DrawListFactory& factory() { return mFactory; }
 
     /// Draws what the primitives have left, between save() and restore(). False when the application's state
-    /// does not let it be drawn in this frame. The thumbnail shows the frame in which its drawing was shown
-    /// first, as the texts do.
+    /// does not let it be drawn in this frame. The application's picture is that of some frame of the last
+    /// half second.
     bool show(SavedState& state) { return mRenderer.show(mList, state); }
 
     /// What has been drawn last.

@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "opengl/draw/Shaders.h"
 #include "opengl/gl/SavedState.h"
 
 namespace opengl {
@@ -10,9 +9,6 @@ namespace opengl {
 static_assert(Program::COLOR < SavedState::ATTRIBUTES);
 
 namespace {
-
-/// Texels of the picture's coordinates.
-constexpr float PICTURE_TEXELS = 65535.0F;
 
 GLuint compile(const Functions& gl, GLenum stage, const ShaderSource& source, std::string& error) {
     const GLuint shader = gl.createShader(stage);
@@ -32,11 +28,11 @@ GLuint compile(const Functions& gl, GLenum stage, const ShaderSource& source, st
 
 }  // namespace
 
-std::string Program::create(const Functions& gl, bool isLinear) {
+std::string Program::create(const Functions& gl, Shading shading, bool isLinear) {
     std::string error;
     const GLuint vertex = compile(gl, GL_VERTEX_SHADER, vertexShader(gl), error);
     const GLuint fragment =
-        vertex != 0 ? compile(gl, GL_FRAGMENT_SHADER, fragmentShader(gl, isLinear), error) : 0;
+        vertex != 0 ? compile(gl, GL_FRAGMENT_SHADER, fragmentShader(gl, shading, isLinear), error) : 0;
     if (fragment != 0) {
         mName = gl.createProgram();
         gl.attachShader(mName, vertex);
@@ -63,8 +59,9 @@ std::string Program::create(const Functions& gl, bool isLinear) {
         destroy(gl);
         return error;
     }
-    mToClip = gl.getUniformLocation(mName, "toClip");
-    mSource = gl.getUniformLocation(mName, "source");
+    mToClipLocation = gl.getUniformLocation(mName, "toClip");
+    mToTextureLocation = gl.getUniformLocation(mName, "toTexture");
+    mSamplesLocation = gl.getUniformLocation(mName, "samples");
     gl.useProgram(mName);
     gl.uniform1i(gl.getUniformLocation(mName, "image"), SavedState::TEXTURE_UNIT);
     return {};
@@ -77,26 +74,20 @@ void Program::destroy(const Functions& gl) {
     *this = {};
 }
 
-void Program::use(const Functions& gl, const glm::uvec2& surface, int side) {
+void Program::use(const Functions& gl, const glm::vec4& toClip, const glm::vec4& toTexture) {
     gl.useProgram(mName);
-    if (mSurface != surface) {
-        gl.uniform4f(mToClip, 2.0F / static_cast<float>(surface.x), -2.0F / static_cast<float>(surface.y),
-                     -1.0F, 1.0F);
-        mSurface = surface;
+    if (mToClip != toClip) {
+        gl.uniform4f(mToClipLocation, toClip.x, toClip.y, toClip.z, toClip.w);
+        mToClip = toClip;
     }
-    if (mSide != side) {
-        setGlyphs(gl, side);
-        mSide = side;
+    if (mToTexture != toTexture) {
+        gl.uniform4f(mToTextureLocation, toTexture.x, toTexture.y, toTexture.z, toTexture.w);
+        mToTexture = toTexture;
     }
 }
 
-void Program::beginPicture(const Functions& gl, const glm::vec2& step) const {
-    gl.uniform4f(mSource, 1.0F / PICTURE_TEXELS, 1.0F / PICTURE_TEXELS, step.x, step.y);
-}
-
-void Program::setGlyphs(const Functions& gl, int side) const {
-    const float scale = 1.0F / static_cast<float>(side);
-    gl.uniform4f(mSource, scale, scale, 0.0F, 0.0F);
+void Program::setSamples(const Functions& gl, const glm::vec3& samples) const {
+    gl.uniform4f(mSamplesLocation, samples.x, samples.y, samples.z, 0.0F);
 }
 
 }  // namespace opengl

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "opengl/draw/Textures.h"
 #include "opengl/gl/ObjectNames.h"
 #include "opengl/gl/SavedState.h"
 
@@ -12,40 +13,54 @@ namespace {
 /// The buffer grows by multiples of this.
 constexpr std::size_t BUFFER_STEP = 16384;
 
-/// Samples that the shader takes for a pixel of the picture, in each direction.
-constexpr float SAMPLES = 4.0F;
-
 const void* offset(std::size_t bytes) {
     return reinterpret_cast<const void*>(bytes);  // NOLINT: OpenGL takes offsets as pointers
 }
 
 }  // namespace
 
-std::string Renderer::create() {
+std::string Renderer::create(const drawlist::DrawList& list) {
     abandon();
-    mFunctions.getIntegerv(GL_MAX_TEXTURE_SIZE, &mLargestTexture);
-    if (mLargestTexture < drawlist::GlyphCache::LARGEST_SIDE) {
+    GLint largest = 0;
+    mFunctions.getIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
+    if (largest < drawlist::GlyphCache::LARGEST_SIDE) {
         return "textures of " + std::to_string(drawlist::GlyphCache::LARGEST_SIDE) +
                " texels are not supported";
     }
-    std::string error = mPrograms[isLinear() ? 1 : 0].create(mFunctions, isLinear());
+    std::string error = createPrograms(isLinear(list));
     if (!error.empty()) {
         return error;
     }
     createBuffer();
-    mObjects.glyphs = createTexture(GL_NEAREST);
+    createGlyphs();
+    mPicture.create();
     return {};
+}
+
+std::string Renderer::createPrograms(bool isLinear) {
+    Programs& programs = mPrograms[isLinear ? 1 : 0];
+    if (mFunctions.features.textureSwizzle) {
+        return programs.glyphs.create(mFunctions, Shading::COLOR, isLinear);
+    }
+    std::string error = programs.glyphs.create(mFunctions, Shading::COVERAGE, isLinear);
+    if (error.empty()) {
+        error = programs.picture.create(mFunctions, Shading::COLOR, isLinear);
+    }
+    if (!error.empty()) {
+        programs.glyphs.destroy(mFunctions);
+    }
+    return error;
 }
 
 void Renderer::destroy() {
     const Functions& gl = mFunctions;
-    for (Program& program : mPrograms) {
-        program.destroy(gl);
+    mPicture.destroy();
+    for (Programs& programs : mPrograms) {
+        programs.glyphs.destroy(gl);
+        programs.picture.destroy(gl);
     }
-    for (const GLuint texture : {mObjects.glyphs, mObjects.picture}) {
-        if (texture != 0) {
-            gl.deleteTextures(1, &texture);
-        }
+    if (mObjects.glyphs != 0) {
+        gl.deleteTextures(1, &mObjects.glyphs);
     }
     if (mObjects.vertexArray != 0) {
         gl.deleteVertexArrays(1, &mObjects.vertexArray);
@@ -57,13 +72,12 @@ void Renderer::destroy() {
 }
 
 void Renderer::abandon() {
+    mPicture.abandon();
     mObjects = {};
     mPrograms = {};
     mGlyphSide = 0;
     mBufferSize = 0;
     mShownDrawing = 0;
-    mPictureSize = {0, 0};
-    mPictureDrawing = 0;
 }
 
 void Renderer::createBuffer() {
@@ -74,6 +88,17 @@ void Renderer::createBuffer() {
         gl.bindVertexArray(mObjects.vertexArray);
         gl.bindBuffer(GL_ARRAY_BUFFER, mObjects.buffer);
         setAttributes();
+    }
+}
+
+void Renderer::createGlyphs() {
+    const Functions& gl = mFunctions;
+    mObjects.glyphs = createTexture(gl, GL_NEAREST);
+    if (gl.features.textureSwizzle) {
+        for (const GLenum color : {GL_TEXTURE_SWIZZLE_R, GL_TEXTURE_SWIZZLE_G, GL_TEXTURE_SWIZZLE_B}) {
+            gl.texParameteri(GL_TEXTURE_2D, color, GL_ONE);
+        }
+        gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, gl.features.redTextures ? GL_RED : GL_ALPHA);
     }
 }
 
@@ -91,42 +116,52 @@ void Renderer::setAttributes() {
                            offset(offsetof(drawlist::Vertex, color)));
 }
 
-GLuint Renderer::createTexture(GLint filter) {
-    const Functions& gl = mFunctions;
-    const GLuint texture = newTexture(gl);
-    gl.bindTexture(GL_TEXTURE_2D, texture);
-    gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, filter);
-    gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, filter);
-    gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-    gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    return texture;
-}
-
 bool Renderer::show(drawlist::DrawList& list, SavedState& state) {
     const Functions& gl = mFunctions;
     const drawlist::Batch& batch = list.batch;
     if (mObjects.buffer == 0 || batch.vertexCount() == 0) {
         return true;
     }
-    Program& program = mPrograms[isLinear() ? 1 : 0];
-    if (!program && !program.create(gl, isLinear()).empty()) {
+    Programs& programs = mPrograms[isLinear(list) ? 1 : 0];
+    if (!programs.glyphs && !createPrograms(isLinear(list)).empty()) {
         return false;
     }
-    const auto longest = static_cast<GLint>(std::max(list.shape.mWidth, list.shape.mHeight));
-    const bool hasPicture = batch.picture().mCount != 0 && longest <= mLargestTexture;
-    if (hasPicture && !copyPicture(list, state)) {
-        return false;
-    }
+    bindVertices(list);
+    const bool hasPicture = batch.picture().mCount != 0 && mPicture.refresh(list, state);
     gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
     if (!uploadGlyphs(list, state)) {
         return false;
     }
+    const auto width = static_cast<float>(list.shape.mWidth);
+    const auto height = static_cast<float>(list.shape.mHeight);
+    const glm::vec4 toClip(2.0F / width, -2.0F / height, -1.0F, 1.0F);
+    const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
+    for (const drawlist::Draw& draw : list.draws()) {
+        if (draw.vertices.mCount == 0 || (draw.isPicture && !hasPicture)) {
+            continue;
+        }
+        if (draw.isPicture) {
+            gl.bindTexture(GL_TEXTURE_2D, mPicture.texture());
+            Program& program = programs.picture ? programs.picture : programs.glyphs;
+            program.use(gl, toClip, mPicture.toTexture(batch));
+        } else {
+            gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
+            programs.glyphs.use(gl, toClip, {toGlyphs, toGlyphs, 0.0F, 0.0F});
+        }
+        gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(draw.vertices.mFirst),
+                      static_cast<GLsizei>(draw.vertices.mCount));
+    }
+    return true;
+}
+
+void Renderer::bindVertices(const drawlist::DrawList& list) {
+    const Functions& gl = mFunctions;
     if (gl.features.vertexArrays) {
         gl.bindVertexArray(mObjects.vertexArray);
     }
     // What comes right after the drawing that is in the buffer may be the same once more.
     const bool isNew =
-        mShownDrawing != list.drawing && (mShownDrawing + 1 != list.drawing || !batch.isRepeated());
+        mShownDrawing != list.drawing && (mShownDrawing + 1 != list.drawing || !list.batch.isRepeated());
     if (isNew || !gl.features.vertexArrays) {
         gl.bindBuffer(GL_ARRAY_BUFFER, mObjects.buffer);
     }
@@ -137,37 +172,6 @@ bool Renderer::show(drawlist::DrawList& list, SavedState& state) {
     if (!gl.features.vertexArrays) {
         setAttributes();
     }
-    program.use(gl, {list.shape.mWidth, list.shape.mHeight}, mGlyphSide);
-
-    const auto count = static_cast<GLsizei>(batch.vertexCount());
-    const auto first = static_cast<GLint>(batch.picture().mFirst);
-    const auto pictureCount = static_cast<GLsizei>(batch.picture().mCount);
-    if (pictureCount == 0) {
-        gl.drawArrays(GL_TRIANGLES, 0, count);
-        return true;
-    }
-    const GLint rest = first + pictureCount;
-    if (first > 0) {
-        gl.drawArrays(GL_TRIANGLES, 0, first);
-    }
-    if (hasPicture) {
-        showPicture(batch, program);
-        gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
-    }
-    if (rest < count) {
-        gl.drawArrays(GL_TRIANGLES, rest, count - rest);
-    }
-    return true;
-}
-
-void Renderer::showPicture(const drawlist::Batch& batch, const Program& program) {
-    const Functions& gl = mFunctions;
-    const glm::vec2 step = batch.pictureScale() / SAMPLES;
-    gl.bindTexture(GL_TEXTURE_2D, mObjects.picture);
-    program.beginPicture(gl, step / glm::vec2(mPictureSize));
-    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(batch.picture().mFirst),
-                  static_cast<GLsizei>(batch.picture().mCount));
-    program.endPicture(gl);
 }
 
 bool Renderer::uploadGlyphs(drawlist::DrawList& list, SavedState& state) {
@@ -191,34 +195,6 @@ bool Renderer::uploadGlyphs(drawlist::DrawList& list, SavedState& state) {
     }
     gl.texSubImage2D(GL_TEXTURE_2D, 0, 0, rows.mFirst, side, rows.mEnd - rows.mFirst, format,
                      GL_UNSIGNED_BYTE, glyphs.texels() + static_cast<std::ptrdiff_t>(rows.mFirst) * side);
-    return true;
-}
-
-bool Renderer::copyPicture(const drawlist::DrawList& list, SavedState& state) {
-    const Functions& gl = mFunctions;
-    const glm::uvec2 size(list.shape.mWidth, list.shape.mHeight);
-    if (mPictureDrawing == list.drawing && mPictureSize == size) {
-        return true;
-    }
-    if (!state.prepareCopy()) {
-        return false;
-    }
-    const auto width = static_cast<GLsizei>(size.x);
-    const auto height = static_cast<GLsizei>(size.y);
-    if (mObjects.picture == 0) {
-        mObjects.picture = createTexture(GL_LINEAR);
-    } else {
-        gl.bindTexture(GL_TEXTURE_2D, mObjects.picture);
-    }
-    if (mPictureSize != size) {
-        if (!state.prepareUpload()) {
-            return false;
-        }
-        gl.texImage2D(GL_TEXTURE_2D, 0, GL_RGB, width, height, 0, GL_RGB, GL_UNSIGNED_BYTE, nullptr);
-        mPictureSize = size;
-    }
-    gl.copyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, width, height);
-    mPictureDrawing = list.drawing;
     return true;
 }
 

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
 #include <array>
 #include <cstddef>
 #include <string>
 
 #include "drawlist/DrawList.h"
+#include "opengl/draw/PictureCopy.h"
 #include "opengl/draw/Program.h"
 #include "opengl/gl/Functions.h"
 
@@ -14,20 +13,17 @@ namespace opengl {
 
 class SavedState;
 
-/// Shows a batch in one context: one program, one vertex buffer, one texture for glyphs and one for the
-/// application's picture, at most three drawing calls, and nothing uploaded that has not changed. The
-/// application's picture is that of the frame in which the drawing was shown first, or in which the surface
-/// got its size: a drawing that is shown again shows it again.
+/// Shows a draw list in one context: one vertex buffer, a texture for glyphs and a small one for the
+/// application's picture, a program for each, at most three drawing calls, and nothing uploaded that has not
+/// changed.
 class Renderer {
 public:
-    explicit Renderer(const Functions& functions) : mFunctions(functions) {}
+    explicit Renderer(const Functions& functions) : mFunctions(functions), mPicture(functions) {}
 
-    std::string create();
+    /// An empty text, or why the overlay cannot be drawn in this context.
+    std::string create(const drawlist::DrawList& list);
     void destroy();
     void abandon();
-
-    /// Whether the surface converts what is written to it to sRGB.
-    void setSrgb(bool isSrgb) { mIsSrgb = isSrgb; }
 
     bool show(drawlist::DrawList& list, SavedState& state);
 
@@ -37,32 +33,38 @@ private:
         GLuint buffer = 0;
         GLuint vertexArray = 0;
         GLuint glyphs = 0;
-        GLuint picture = 0;
+    };
+
+    /// What shows glyphs and solid areas, and what shows the application's picture; where the texture of
+    /// glyphs can pass for one of white pixels, the first does both.
+    struct Programs {
+        Program glyphs;
+        Program picture;
     };
 
     /// Whether colours are written as linear ones, which the surface converts whether wanted or not.
-    bool isLinear() const { return mIsSrgb && !mFunctions.features.framebufferSrgb; }
+    bool isLinear(const drawlist::DrawList& list) const {
+        return list.isSrgb && !mFunctions.features.framebufferSrgb;
+    }
 
+    std::string createPrograms(bool isLinear);
     void createBuffer();
-    GLuint createTexture(GLint filter);
+    void createGlyphs();
     void setAttributes();
+    void bindVertices(const drawlist::DrawList& list);
     bool uploadGlyphs(drawlist::DrawList& list, SavedState& state);
-    bool copyPicture(const drawlist::DrawList& list, SavedState& state);
     void uploadVertices(const drawlist::DrawList& list);
-    void showPicture(const drawlist::Batch& batch, const Program& program);
 
     const Functions& mFunctions;
     Objects mObjects;
-    std::array<Program, 2> mPrograms;  ///< the second one with linear colours, each when it is needed first
-    bool mIsSrgb = false;
+    std::array<Programs, 2>
+        mPrograms;  ///< the second ones with linear colours, made when they are needed first
+    PictureCopy mPicture;
 
     // What the context has.
     int mGlyphSide = 0;
-    GLint mLargestTexture = 0;
     std::size_t mBufferSize = 0;
     unsigned int mShownDrawing = 0;
-    glm::uvec2 mPictureSize{0, 0};
-    unsigned int mPictureDrawing = 0;  ///< the one the picture was copied for
 };
 
 }  // namespace opengl

@@ -31,43 +31,51 @@ IN vec4 color;
 OUT vec2 coordinate;
 OUT vec4 shade;
 uniform vec4 toClip;
-uniform vec4 source;
+uniform vec4 toTexture;
 void main() {
     gl_Position = vec4(position * toClip.xy + toClip.zw, 0.0, 1.0);
-    coordinate = uv * source.xy;
+    coordinate = uv * toTexture.xy + toTexture.zw;
     shade = color;
 }
 )";
 
-constexpr char FRAGMENT[] = R"(
+constexpr char SHOW[] = R"(
 IN vec2 coordinate;
 IN vec4 shade;
 uniform sampler2D image;
-uniform vec4 source;
-vec4 total() {
-    // As many as the draw needs, and one for nearly all: where a rasterizer runs both sides of a branch, only
-    // a loop leaves samples out. Its bound is one for which compilers do not unroll it.
-    int samples = source.z > 0.0 ? 16 : 1;
-    vec4 sum = vec4(0.0);
-    for (int i = 0; i < 64; ++i) {
-        if (i >= samples) {
-            break;
-        }
-        float row = floor(float(i) / 4.0);
-        vec2 offset = vec2(float(i) - 4.0 * row, row) - 1.5;
-        sum += texture2D(image, coordinate + offset * source.zw);
-    }
-    return sum;
-}
 void main() {
-    vec4 sum = total();
-    vec4 result = source.z > 0.0 ? vec4(sum.rgb / 16.0, shade.a) : vec4(shade.rgb, shade.a * sum.COVERAGE);
+    vec4 texel = texture2D(image, coordinate);
+#ifdef COVERAGE
+    vec4 result = vec4(shade.rgb, shade.a * texel.COVERAGE);
+#else
+    vec4 result = shade * texel;
+#endif
 #ifdef LINEAR
     vec3 dark = result.rgb / 12.92;
     vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
     result.rgb = mix(dark, light, step(vec3(0.04045), result.rgb));
 #endif
     gl_FragColor = result;
+}
+)";
+
+// The bound of a loop has to be known, and this one is too large for compilers to unroll it: where a
+// rasterizer runs both sides of a branch, only a loop leaves samples out.
+constexpr char SHRINK[] = R"(
+IN vec2 coordinate;
+uniform sampler2D image;
+uniform vec4 samples;
+void main() {
+    vec3 sum = vec3(0.0);
+    for (int i = 0; i < 64; ++i) {
+        if (float(i) + 0.5 > samples.z * samples.z) {
+            break;
+        }
+        float row = floor((float(i) + 0.5) / samples.z);
+        vec2 place = vec2(float(i) - samples.z * row, row) - 0.5 * (samples.z - 1.0);
+        sum += texture2D(image, coordinate + place * samples.xy).rgb;
+    }
+    gl_FragColor = vec4(sum / (samples.z * samples.z), 1.0);
 }
 )";
 
@@ -105,10 +113,14 @@ ShaderSource vertexShader(const Functions& functions) {
     return {{pick(dialectOf(functions), OLD_VERTEX, ES_VERTEX, CORE_VERTEX, NEW_VERTEX), "", "", VERTEX}};
 }
 
-ShaderSource fragmentShader(const Functions& functions, bool isLinear) {
-    return {{pick(dialectOf(functions), OLD_FRAGMENT, ES_FRAGMENT, CORE_FRAGMENT, NEW_FRAGMENT),
-             functions.features.redTextures ? RED_COVERAGE : ALPHA_COVERAGE, isLinear ? LINEAR : "",
-             FRAGMENT}};
+ShaderSource fragmentShader(const Functions& functions, Shading shading, bool isLinear) {
+    const char* const dialect =
+        pick(dialectOf(functions), OLD_FRAGMENT, ES_FRAGMENT, CORE_FRAGMENT, NEW_FRAGMENT);
+    if (shading == Shading::SHRINK) {
+        return {{dialect, "", "", SHRINK}};
+    }
+    const char* const coverage = functions.features.redTextures ? RED_COVERAGE : ALPHA_COVERAGE;
+    return {{dialect, shading == Shading::COVERAGE ? coverage : "", isLinear ? LINEAR : "", SHOW}};
 }
 
 }  // namespace opengl

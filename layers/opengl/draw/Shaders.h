@@ -4,19 +4,26 @@
 
 namespace opengl {
 
+/// What a program makes of the texture.
+enum class Shading {
+    COVERAGE,  ///< of the vertices' colour, in the one channel that a texture of glyphs has
+    COLOR,     ///< times that of the vertices
+    SHRINK     ///< the mean of many samples, covering everything
+};
+
 /// The sources of a shader, to be compiled as one.
 struct ShaderSource {
     static constexpr int COUNT = 4;
     const char* mTexts[COUNT];
 };
 
-/// The program for the context's version of the shading language. Attributes: `position` in pixels, `uv`,
-/// `color`. Uniforms: `toClip`, factors and offsets from pixels to clip space; `source`, texels to texture
-/// coordinates in x and y and, for the application's picture, the distance of the samples in texture
-/// coordinates in z and w, which are 0 for glyphs.
+/// The shaders for the context's version of the shading language. Attributes: `position`, `uv` and `color` of
+/// a drawlist::Vertex. Uniforms, of which x and y are factors and z and w are added: `toClip`, from positions
+/// to clip space; `toTexture`, from uv to texture coordinates. To shrink also `samples`: in x and y the
+/// distance between two of them in texture coordinates, in z how many there are in a row, 4 at most.
 ShaderSource vertexShader(const Functions& functions);
 
 /// Linear colours are for a surface that stores sRGB on its own.
-ShaderSource fragmentShader(const Functions& functions, bool isLinear);
+ShaderSource fragmentShader(const Functions& functions, Shading shading, bool isLinear);
 
 }  // namespace opengl

@@ -41,4 +41,16 @@ GLuint newBuffer(const Functions& gl) {
     return name;
 }
 
+GLuint newFramebuffer(const Functions& gl) {
+    GLuint name = 0;
+    if (!mayChoose(gl)) {
+        gl.genFramebuffers(1, &name);
+        return name;
+    }
+    do {
+        name = gNext.fetch_add(1, std::memory_order_relaxed);
+    } while (gl.isFramebuffer(name));
+    return name;
+}
+
 }  // namespace opengl

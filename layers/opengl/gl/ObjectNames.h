@@ -4,10 +4,12 @@
 
 namespace opengl {
 
-/// Names for a texture and a buffer of the layer, to be bound at once. Where programs may choose the names of
-/// their objects themselves (everywhere but in the core profile), these are far from what they choose, 1, 2,
-/// 3 …, and from what they get when they ask for names: so both are the same as without the overlay.
+/// Names for a texture, a buffer and a framebuffer of the layer, to be bound at once. Where programs may
+/// choose the names of their objects themselves (everywhere but in the core profile), these are far from what
+/// they choose, 1, 2, 3 …, and from what they get when they ask for names: so both are the same as without
+/// the overlay.
 GLuint newTexture(const Functions& gl);
 GLuint newBuffer(const Functions& gl);
+GLuint newFramebuffer(const Functions& gl);
 
 }  // namespace opengl

@@ -50,6 +50,13 @@ public:
     /// restore() puts it back.
     bool prepareCopy();
 
+    /// Between save() and restore(), where there are framebuffers: draws into one of the overlay's own from
+    /// now on, all width × height pixels of it. With 0 and the surface's size, back on the surface; so before
+    /// restore().
+    void drawInto(GLuint framebuffer, int width, int height) {
+        SavedTarget::move(mFunctions, framebuffer, width, height);
+    }
+
     /// Between save() and restore(), before glReadPixels: prepareCopy(), and no buffer bound for packing,
     /// rows without gaps.
     bool prepareRead();

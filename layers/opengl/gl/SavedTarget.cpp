@@ -99,6 +99,15 @@ void SavedTarget::restoreViewport(const Functions& gl) const {
     }
 }
 
+void SavedTarget::move(const Functions& gl, GLuint framebuffer, int width, int height) {
+    gl.bindFramebuffer(getDrawTarget(gl), framebuffer);
+    if (gl.features.viewportArrays) {
+        gl.viewportIndexedf(0, 0, 0, static_cast<GLfloat>(width), static_cast<GLfloat>(height));
+    } else {
+        gl.viewport(0, 0, width, height);
+    }
+}
+
 void SavedTarget::restore(const Functions& gl) const {
     if (mChangesViewport) {
         restoreViewport(gl);

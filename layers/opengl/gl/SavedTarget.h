@@ -16,6 +16,10 @@ public:
     /// width × height pixels of it.
     void set(const Functions& gl, int width, int height);
 
+    /// Between set() and restore(): a framebuffer of the overlay's own, or 0 for the default one again, and
+    /// width × height pixels of it.
+    static void move(const Functions& gl, GLuint framebuffer, int width, int height);
+
     void restore(const Functions& gl) const;
 
 private:

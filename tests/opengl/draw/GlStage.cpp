@@ -21,6 +21,7 @@ opengl::Functions functionsFor(const HeadlessContext& context, bool isPlain) {
     if (isPlain) {
         functions.features.vertexArrays = false;
         functions.features.redTextures = false;
+        functions.features.textureSwizzle = false;
     }
     return functions;
 }

@@ -1,4 +1,4 @@
-#include "opengl/draw/PictureDifference.h"
+#include "support/PictureDifference.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -29,14 +29,15 @@ bool isEdge(const Image& image, std::uint32_t x, std::uint32_t y) {
 
 PictureDifference comparePictures(const Image& expected, const Image& drawn) {
     PictureDifference result;
-    if (expected.mWidth != drawn.mWidth || expected.mHeight != drawn.mHeight) {
-        return {255, 255, 255.0};
+    if (expected.mWidth != drawn.mWidth || expected.mHeight != drawn.mHeight || expected.mPixels.empty()) {
+        return {255, 255, 255.0, 1.0};
     }
     double sum = 0.0;
     int edges = 0;
     for (std::uint32_t y = 0; y < expected.mHeight; ++y) {
         for (std::uint32_t x = 0; x < expected.mWidth; ++x) {
             const int step = difference(expected.row(y)[x], drawn.row(y)[x]);
+            result.share += step > LARGEST_ROUNDING ? 1.0 : 0.0;
             if (isEdge(expected, x, y)) {
                 result.largestAtEdges = std::max(result.largestAtEdges, step);
                 sum += step;
@@ -46,6 +47,7 @@ PictureDifference comparePictures(const Image& expected, const Image& drawn) {
             }
         }
     }
+    result.share /= static_cast<double>(expected.mPixels.size());
     result.meanAtEdges = edges > 0 ? sum / edges : 0.0;
     return result;
 }

@@ -1,0 +1,187 @@
+#include "opengl/draw/PictureCopy.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "opengl/draw/Textures.h"
+#include "opengl/gl/ObjectNames.h"
+#include "opengl/gl/SavedState.h"
+
+namespace opengl {
+
+namespace {
+
+/// Samples in a row for a pixel, of the picture in its full size and of one that was reduced to twice the
+/// size.
+constexpr float SAMPLES = 4.0F;
+constexpr float REDUCED_SAMPLES = 2.0F;
+constexpr float REDUCED_SIZE = 2.0F;
+
+/// From the uv of the picture's vertices to shares of the application's picture, whose rows are counted from
+/// the bottom.
+glm::vec4 toShares(const drawlist::Batch& batch) {
+    const raster::Box& box = batch.pictureBox();
+    const glm::vec2 first(batch.picturePixels().mLeft, batch.picturePixels().mTop);
+    const glm::vec2 size(box.mRight - box.mLeft, box.mBottom - box.mTop);
+    const glm::vec2 start = (first - glm::vec2(box.mLeft, box.mTop)) / size;
+    return {1.0F / size.x, -1.0F / size.y, start.x, 1.0F - start.y};
+}
+
+}  // namespace
+
+void PictureCopy::create() {
+    const Functions& gl = mFunctions;
+    gl.getIntegerv(GL_MAX_TEXTURE_SIZE, &mLargestTexture);
+    if (gl.features.framebuffers && mProgram.create(gl, Shading::SHRINK, false).empty()) {
+        mFramebuffer = newFramebuffer(gl);
+    }
+}
+
+void PictureCopy::destroy() {
+    const Functions& gl = mFunctions;
+    mProgram.destroy(gl);
+    for (const Texture& texture : {mWhole, mSmall}) {
+        if (texture.name != 0) {
+            gl.deleteTextures(1, &texture.name);
+        }
+    }
+    dropFramebuffer();
+    abandon();
+}
+
+void PictureCopy::dropFramebuffer() {
+    if (mFramebuffer != 0) {
+        mFunctions.deleteFramebuffers(1, &mFramebuffer);
+        mFramebuffer = 0;
+    }
+}
+
+void PictureCopy::abandon() {
+    mProgram = {};
+    mFramebuffer = 0;
+    mWhole = {};
+    mSmall = {};
+    mIsTaken = false;
+}
+
+bool PictureCopy::refresh(drawlist::DrawList& list, SavedState& state) {
+    if (list.pictureTimer.isDue()) {
+        // What does not come off the surface this time is not asked for in every frame either.
+        list.pictureTimer.restart();
+        mIsTaken = take(list, state) || mIsTaken;
+    }
+    return mIsTaken;
+}
+
+bool PictureCopy::take(const drawlist::DrawList& list, SavedState& state) {
+    const glm::ivec2 surface(list.shape.mWidth, list.shape.mHeight);
+    if (!state.prepareCopy()) {
+        return false;
+    }
+    if (!isShrunk()) {
+        return copy(surface, state);
+    }
+    const bool isReduced = isReducible(list);
+    const bool isTaken = (isReduced ? reduce(list, surface, state) : copy(surface, state)) &&
+                         shrink(list, isReduced ? REDUCED_SAMPLES : SAMPLES, state);
+    state.drawInto(0, surface.x, surface.y);
+    return isTaken;
+}
+
+/// Whether the picture can be reduced on its way off the surface: far less is written, and kept. Surfaces
+/// with several samples a pixel do not allow it, and those that store sRGB would convert it.
+bool PictureCopy::isReducible(const drawlist::DrawList& list) const {
+    const Functions& gl = mFunctions;
+    if (!isShrunk() || !gl.features.readFramebuffers || list.isSrgb) {
+        return false;
+    }
+    GLint buffers = 0;
+    gl.getIntegerv(GL_SAMPLE_BUFFERS, &buffers);
+    return buffers == 0;
+}
+
+bool PictureCopy::copy(const glm::ivec2& surface, SavedState& state) {
+    if (std::max(surface.x, surface.y) > mLargestTexture || !resize(mWhole, surface, GL_RGB, state)) {
+        return false;
+    }
+    mFunctions.bindTexture(GL_TEXTURE_2D, mWhole.name);
+    mFunctions.copyTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, 0, 0, surface.x, surface.y);
+    return true;
+}
+
+bool PictureCopy::reduce(const drawlist::DrawList& list, const glm::ivec2& surface, SavedState& state) {
+    const raster::Box& box = list.batch.pictureBox();
+    const glm::ivec2 size(raster::toInt(std::round(REDUCED_SIZE * (box.mRight - box.mLeft)), 1, surface.x),
+                          raster::toInt(std::round(REDUCED_SIZE * (box.mBottom - box.mTop)), 1, surface.y));
+    if (!resize(mWhole, size, GL_RGBA, state) || !attach(mWhole, state)) {
+        return false;
+    }
+    mFunctions.blitFramebuffer(0, 0, surface.x, surface.y, 0, 0, size.x, size.y, GL_COLOR_BUFFER_BIT,
+                               GL_LINEAR);
+    return true;
+}
+
+bool PictureCopy::shrink(const drawlist::DrawList& list, float samples, SavedState& state) {
+    const Functions& gl = mFunctions;
+    const drawlist::Batch& batch = list.batch;
+    const raster::PixelRect& pixels = batch.picturePixels();
+    const glm::ivec2 size(pixels.width(), pixels.height());
+    if (!resize(mSmall, size, GL_RGBA, state) || !attach(mSmall, state)) {
+        return false;
+    }
+    const glm::vec2 toClip = 2.0F / glm::vec2(size);
+    const glm::vec2 first(pixels.mLeft, pixels.mTop);
+    const glm::vec2 start = -1.0F - first * toClip;
+    const glm::vec4 shares = toShares(batch);
+    mProgram.use(gl, glm::vec4(toClip, start), shares);
+    mProgram.setSamples(gl, {shares.x / samples, shares.y / samples, samples});
+    gl.bindTexture(GL_TEXTURE_2D, mWhole.name);
+    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(batch.picture().mFirst),
+                  static_cast<GLsizei>(batch.picture().mCount));
+    return true;
+}
+
+/// False when the context does not let that be this frame.
+bool PictureCopy::resize(Texture& texture, const glm::ivec2& size, GLenum format, SavedState& state) {
+    if (texture.size == size) {
+        return true;
+    }
+    if (!state.prepareUpload()) {
+        return false;
+    }
+    const Functions& gl = mFunctions;
+    if (texture.name == 0) {
+        texture.name = createTexture(gl, &texture == &mSmall ? GL_NEAREST : GL_LINEAR);
+    } else {
+        gl.bindTexture(GL_TEXTURE_2D, texture.name);
+    }
+    gl.texImage2D(GL_TEXTURE_2D, 0, static_cast<GLint>(format), size.x, size.y, 0, format, GL_UNSIGNED_BYTE,
+                  nullptr);
+    texture.size = size;
+    return true;
+}
+
+/// Draws into the texture from now on. A context that does not take it gets its pictures without a
+/// framebuffer from the next time on.
+bool PictureCopy::attach(const Texture& texture, SavedState& state) {
+    const Functions& gl = mFunctions;
+    const GLenum target = gl.features.readFramebuffers ? GL_DRAW_FRAMEBUFFER : GL_FRAMEBUFFER;
+    state.drawInto(mFramebuffer, texture.size.x, texture.size.y);
+    gl.framebufferTexture2D(target, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture.name, 0);
+    if (gl.checkFramebufferStatus(target) != GL_FRAMEBUFFER_COMPLETE) {
+        dropFramebuffer();
+        return false;
+    }
+    return true;
+}
+
+glm::vec4 PictureCopy::toTexture(const drawlist::Batch& batch) const {
+    if (!isShrunk()) {
+        return toShares(batch);
+    }
+    const raster::PixelRect& pixels = batch.picturePixels();
+    return {1.0F / static_cast<float>(pixels.width()), 1.0F / static_cast<float>(pixels.height()), 0.0F,
+            0.0F};
+}
+
+}  // namespace opengl
