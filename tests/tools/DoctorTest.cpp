@@ -1,14 +1,18 @@
 #include <gmock/gmock.h>
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 
 #include "Doctor.h"
+#include "ProcessInfo.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeProperties.h"
 #include "platform/TemporaryDirectory.h"
+#include "runs/OverlayNote.h"
 
 namespace control {
 namespace {
@@ -71,6 +75,24 @@ TEST_F(DoctorTest, SaysWhichPropertiesAreSetAndWhichTextsCannotBeRead) {
     EXPECT_THAT(report(),
                 AllOf(HasSubstr("  status = true\n"), Not(HasSubstr("switched off")),
                       HasSubstr("bg_color = #000000   its text \"0xFF\" cannot be read; expected")));
+}
+
+TEST_F(DoctorTest, SaysWhoShowsTheOverlayAndWhyNot) {
+    const std::string name = processName(getpid());
+    doubles::setProperty("debug.kordanix.status", "true");
+    doubles::setProperty("debug.kordanix.proc", name);
+    const std::string line = "  " + std::to_string(getpid()) + ' ' + name + ": ";
+    const std::pair<platform::OverlayNote, const char*> cases[] = {
+        {{0, name, 0, true, 9, ""}, "shows the overlay\n"},
+        {{0, name, 0, false, 1, ""}, "has not shown the overlay yet\n"},
+        {{0, name, 0, true, 9, "its window is too small"},
+         "does not show the overlay: its window is too small\n"},
+        {{0, name, 3, false, 9, ""}, "api is set to 0, but its graphics API has number 3\n"},
+        {{0, "other", 0, false, 9, ""}, "is for '"}};
+    for (const auto& [note, text] : cases) {
+        platform::writeOverlayNote(note);
+        EXPECT_THAT(report(), AllOf(HasSubstr(note.name == name ? line : ""), HasSubstr(text)));
+    }
 }
 
 TEST_F(DoctorTest, FailsOnlyWithoutAUsableRuntimeDirectory) {
