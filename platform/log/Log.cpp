@@ -1,5 +1,4 @@
 #include <android/log.h>
-#include <fcntl.h>
 #include <strings.h>
 #include <unistd.h>
 
@@ -9,11 +8,12 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 
 #include "log/LogLevel.h"
+#include "log/LogOutput.h"
 
 namespace platform {
 namespace {
@@ -36,8 +36,7 @@ constexpr std::array<Level, 7> LEVELS = {{
 
 /// A message's room, as in liblog; what does not fit is cut.
 constexpr std::size_t MESSAGE_SIZE = 1024;
-/// Room for the prefixed lines of all but unusual messages, which then need no allocation.
-constexpr std::size_t OUTPUT_SIZE = 2048;
+constexpr std::size_t PREFIX_SIZE = 128;
 
 char letterOf(int priority) {
     const int index = priority - ANDROID_LOG_VERBOSE;
@@ -46,65 +45,45 @@ char letterOf(int priority) {
                : '?';
 }
 
-/// Collects text for one write: on the stack while it fits, then on the heap.
+/// Collects lines for one write, and writes before it is full.
 class Output {
 public:
-    void append(std::string_view text) {
-        if (mOverflow.empty() && mSize + text.size() <= mBuffer.size()) {
-            std::copy(text.begin(), text.end(), mBuffer.begin() + static_cast<std::ptrdiff_t>(mSize));
-            mSize += text.size();
-            return;
+    /// Room for any one line, and for all lines of any but unusual messages.
+    static constexpr std::size_t SIZE = 2 * MESSAGE_SIZE;
+    static_assert(SIZE >= PREFIX_SIZE + MESSAGE_SIZE);
+
+    void addLine(std::string_view prefix, std::string_view text) {
+        if (mSize + prefix.size() + text.size() + 1 > mBuffer.size()) {
+            flush();
         }
-        if (mOverflow.empty()) {
-            mOverflow.assign(mBuffer.data(), mSize);
-        }
-        mOverflow += text;
+        append(prefix);
+        append(text);
+        append("\n");
     }
 
-    std::string_view text() const {
-        return mOverflow.empty() ? std::string_view(mBuffer.data(), mSize) : std::string_view(mOverflow);
+    /// Returns 0 or the first error number so far.
+    int flush() {
+        const int error = writeToLog({mBuffer.data(), mSize});
+        mError = mError == 0 ? error : mError;
+        mSize = 0;
+        return mError;
     }
 
 private:
-    std::array<char, OUTPUT_SIZE> mBuffer = {};
+    void append(std::string_view text) {
+        std::copy(text.begin(), text.end(), mBuffer.begin() + static_cast<std::ptrdiff_t>(mSize));
+        mSize += text.size();
+    }
+
+    std::array<char, SIZE> mBuffer;
     std::size_t mSize = 0;
-    std::string mOverflow;
+    int mError = 0;
 };
-
-/// Writes it all, in one piece as far as the system allows. Returns 0 or an error number.
-int writeTo(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            return errno;
-        }
-        text.remove_prefix(written < 0 ? 0 : static_cast<std::size_t>(written));
-    }
-    return 0;
-}
-
-/// To the end of the file that KORDANIX_LOG_FILE names, else to standard error. The file is opened for each
-/// message: an application may close descriptors that it does not know and get their numbers for its own.
-int writeToLog(std::string_view text) {
-    // Read once: the application may change its environment later.
-    static const char* const name = std::getenv("KORDANIX_LOG_FILE");  // NOLINT(concurrency-mt-unsafe)
-    static const std::string& path = *new std::string(name == nullptr ? "" : name);  // also used at exit
-    if (path.empty()) {
-        return writeTo(STDERR_FILENO, text);
-    }
-    const int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0600);
-    if (file < 0) {
-        return errno;
-    }
-    const int error = writeTo(file, text);
-    close(file);
-    return error;
-}
 
 /// The message in logcat's brief format: every line under the same prefix, an end of line at the end of
 /// the message making no further one.
 int writeMessage(int priority, const char* tag, std::string_view message) {
-    std::array<char, 128> prefix = {};
+    std::array<char, PREFIX_SIZE> prefix = {};
     const int length = std::snprintf(prefix.data(), prefix.size(), "%c/%-8.80s(%5d): ", letterOf(priority),
                                      tag == nullptr ? "" : tag, static_cast<int>(getpid()));
     const std::string_view start(prefix.data(), static_cast<std::size_t>(std::max(length, 0)));
@@ -112,11 +91,9 @@ int writeMessage(int priority, const char* tag, std::string_view message) {
     do {
         const std::string_view line = message.substr(0, message.find('\n'));
         message.remove_prefix(std::min(line.size() + 1, message.size()));
-        output.append(start);
-        output.append(line);
-        output.append("\n");
+        output.addLine(start, line);
     } while (!message.empty());
-    return writeToLog(output.text());
+    return output.flush();
 }
 
 }  // namespace
@@ -151,7 +128,11 @@ int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
     int error = EINVAL;
     if (length >= 0) {
         const std::size_t size = std::min(static_cast<std::size_t>(length), message.size() - 1);
-        error = platform::writeMessage(prio, tag, std::string_view(message.data(), size));
+        try {
+            error = platform::writeMessage(prio, tag, std::string_view(message.data(), size));
+        } catch (const std::bad_alloc&) {
+            error = ENOMEM;
+        }
     }
     errno = callersErrno;
     return error == 0 ? 1 : -error;
