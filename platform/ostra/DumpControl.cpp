@@ -1,29 +1,63 @@
 #include "ostra/DumpControl.h"
 
+#include <android/log.h>
+#include <unistd.h>
+
 #include <chrono>
-#include <cstdlib>
+#include <exception>
+#include <new>
 #include <string>
+#include <utility>
 
 namespace platform {
 
 namespace {
 
+constexpr std::chrono::milliseconds FRAME_PATIENCE{500};
 constexpr std::chrono::milliseconds EXIT_PATIENCE{1000};
 
-std::string dumpDirectory() {
-    const char* const directory = std::getenv("KORDANIX_DUMP_DIR");  // NOLINT(concurrency-mt-unsafe)
-    return directory != nullptr && *directory != '\0' ? directory : ".";
+/// Never throws: what cannot be told is not told.
+void tellFailure(const DumpPlan& plan, const char* reason) {
+    __android_log_print(ANDROID_LOG_ERROR, "Ostra", "No dump is written: %s", reason);
+    try {
+        DumpNotice notice;
+        notice.number = plan.number;
+        notice.state = DumpNotice::State::FAILED;
+        notice.error = reason;
+        writeDumpNotice(plan.runtimeDirectory, notice);
+    } catch (const std::exception&) {
+    }
 }
 
 }  // namespace
 
 void DumpControl::start(const std::vector<Ostra::DumpWidgetMeta>& metas) {
+    finish();
     const std::lock_guard<std::mutex> order(mOrder);
-    finishLocked();
-    std::shared_ptr<DumpRun> run = DumpRun::start(metas, dumpDirectory());
-    const std::lock_guard<std::mutex> lock(mMutex);
-    mRun = std::move(run);
-    mIsAdding = mRun != nullptr;
+    DumpPlan plan;
+    try {
+        plan = planDump(++mCount);
+        {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            mRuntimeDirectory = plan.runtimeDirectory;
+        }
+        if (stopAdding() != nullptr) {
+            tellFailure(plan, "the last one still waits for its disk");
+            return;
+        }
+        std::shared_ptr<DumpRun> run = DumpRun::start(metas, plan);
+        if (run == nullptr) {
+            tellFailure(plan, "no thread can be started");
+            return;
+        }
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mRun = std::move(run);
+        mIsAdding = true;
+    } catch (const std::bad_alloc&) {
+        tellFailure(plan, "out of memory");
+    } catch (const std::exception& error) {
+        tellFailure(plan, error.what());
+    }
 }
 
 void DumpControl::add(const Ostra::FrameDump& dump) {
@@ -34,8 +68,7 @@ void DumpControl::add(const Ostra::FrameDump& dump) {
 }
 
 void DumpControl::finish() {
-    const std::lock_guard<std::mutex> order(mOrder);
-    finishLocked();
+    finish(FRAME_PATIENCE);
 }
 
 std::shared_ptr<DumpRun> DumpControl::stopAdding() {
@@ -44,20 +77,22 @@ std::shared_ptr<DumpRun> DumpControl::stopAdding() {
     return mRun;
 }
 
-void DumpControl::finishLocked() {
+void DumpControl::finish(std::chrono::milliseconds patience) {
     const std::shared_ptr<DumpRun> run = stopAdding();
-    if (run == nullptr) {
+    if (run == nullptr || !run->finish(patience)) {
         return;
     }
-    run->finish();
     const std::lock_guard<std::mutex> lock(mMutex);
-    mRun.reset();
+    if (mRun == run) {
+        mRun.reset();
+    }
 }
 
 void DumpControl::onExit() {
-    // Without mOrder: another thread may hold it and wait for the disk, with the run still here to wait for.
-    if (const std::shared_ptr<DumpRun> run = stopAdding()) {
-        run->finish(EXIT_PATIENCE);
+    finish(EXIT_PATIENCE);
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (!mRuntimeDirectory.empty()) {
+        removeDumpNotice(mRuntimeDirectory, getpid());
     }
 }
 

@@ -1,14 +1,13 @@
 #include "ostra/DumpFiles.h"
 
+#include "io/PlainFile.h"
 #include "ostra/Csv.h"
 #include "ostra/FrameQueue.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
-#include <system_error>
+#include <utility>
 
 namespace platform {
 
@@ -20,44 +19,50 @@ constexpr mode_t FILE_MODE = 0644;
 
 }  // namespace
 
-OutputFile::~OutputFile() {
-    close();
+std::string OutputFile::fail(int error) {
+    const std::string path = std::exchange(mPath, {});
+    mBuffer.clear();
+    mFile.close();
+    return path + ": " + plainFileError(error);
 }
 
-std::string OutputFile::fail(int error) {
-    mBuffer.clear();
-    return mPath + ": " + std::generic_category().message(error);
+std::string OutputFile::openWith(int flags) {
+    const int descriptor = openPlainFile(mPath, O_WRONLY | O_APPEND | flags, FILE_MODE);
+    if (descriptor < 0) {
+        return fail(errno);
+    }
+    mFile = OwnDescriptor(descriptor);
+    return {};
 }
 
 std::string OutputFile::open(const std::string& path) {
     mPath = path;
     mBuffer.reserve(WRITE_SIZE * 2);
-    mDescriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE);
-    return mDescriptor < 0 ? fail(errno) : std::string();
+    return openWith(O_CREAT | O_EXCL);
 }
 
 std::string OutputFile::flush() {
-    std::size_t written = 0;
-    while (mDescriptor >= 0 && written < mBuffer.size()) {
-        const ssize_t size = write(mDescriptor, mBuffer.data() + written, mBuffer.size() - written);
-        if (size < 0 && errno != EINTR) {
-            return fail(errno);
-        }
-        written += size > 0 ? static_cast<std::size_t>(size) : 0;
+    if (mPath.empty() || mBuffer.empty()) {
+        return {};
     }
+    if (mFile.get() < 0) {
+        std::string error = openWith(0);
+        if (!error.empty()) {
+            return error;
+        }
+    }
+    const int error = writeAll(mFile.get(), mBuffer);
     mBuffer.clear();
-    return {};
+    return error == 0 ? std::string() : fail(error);
 }
 
 std::string OutputFile::close() {
     std::string error = flush();
-    if (mDescriptor >= 0) {
-        const int descriptor = mDescriptor;
-        mDescriptor = -1;
-        if (::close(descriptor) != 0) {
-            error = fail(errno);
-        }
+    const int closeError = mFile.close();
+    if (error.empty() && closeError != 0) {
+        error = fail(closeError);
     }
+    mPath.clear();
     return error;
 }
 
@@ -68,15 +73,10 @@ DumpFiles::DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas) {
     }
 }
 
-std::string DumpFiles::open(const std::string& directory) {
-    std::error_code failure;
-    std::filesystem::create_directories(directory, failure);
-    if (failure) {
-        return directory + ": " + failure.message();
-    }
-    std::string error = mFrames.open(directory + "/frames.csv");
+std::string DumpFiles::open(const std::string& folder) {
+    std::string error = mFrames.open(folder + "/frames.csv");
     if (error.empty()) {
-        error = mPasses.open(directory + "/passes.csv");
+        error = mPasses.open(folder + "/passes.csv");
     }
     CsvWriter frames(mFrames.buffer());
     frames.add("FrameNumber");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "io/OwnDescriptor.h"
+
 #include <ostra/Ostra.h>
 
 #include <string>
@@ -10,16 +12,12 @@ namespace platform {
 class CsvWriter;
 class FrameQueue;
 
-/// One file that is only written to. Every operation returns an empty text, or "PATH: what went wrong"; after
-/// an error the file is closed and further operations do nothing.
+/// One file that is only written to. Should the application close its descriptor, it is opened anew. Every
+/// operation returns an empty text, or "PATH: what went wrong"; after an error the file is closed and further
+/// operations do nothing.
 class OutputFile {
 public:
-    OutputFile() = default;
-    ~OutputFile();
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
-
-    /// Replaces what an existing file holds.
+    /// The file must not exist.
     std::string open(const std::string& path);
 
     /// What is to be written next.
@@ -31,10 +29,11 @@ public:
     std::string close();
 
 private:
+    std::string openWith(int flags);
     std::string fail(int error);
 
-    std::string mPath;
-    int mDescriptor = -1;
+    std::string mPath;  ///< empty while no file is written
+    OwnDescriptor mFile;
     std::string mBuffer;
 };
 
@@ -48,8 +47,8 @@ class DumpFiles {
 public:
     explicit DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas);
 
-    /// Creates the directory if it is missing, opens both files anew and writes their first rows.
-    std::string open(const std::string& directory);
+    /// Creates both files in a folder where they are missing, and writes their first rows.
+    std::string open(const std::string& folder);
 
     /// Appends the oldest frame of the queue, which is not empty.
     std::string append(const FrameQueue& frames);

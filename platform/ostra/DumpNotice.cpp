@@ -1,7 +1,6 @@
 #include "ostra/DumpNotice.h"
 
 #include "io/PlainFile.h"
-#include "properties/RuntimeDirectory.h"
 
 #include <unistd.h>
 
@@ -25,17 +24,20 @@ std::string noticePath(const std::string& directory, pid_t process) {
 
 // One line with the number, the state, the frames and the error; the rest is the folder, whose name may hold
 // any character.
-void writeDumpNotice(const DumpNotice& notice) {
-    const RuntimeDirectory directory = openRuntimeDirectory();
-    if (!directory.error.empty()) {
+void writeDumpNotice(const std::string& directory, const DumpNotice& notice) {
+    if (directory.empty()) {
         return;
     }
     std::string error = notice.error;
     std::replace(error.begin(), error.end(), '\n', ' ');
     const char* const state = STATES[static_cast<std::size_t>(notice.state)];
-    replaceFile(noticePath(directory.path, getpid()), std::to_string(notice.number) + ' ' + state + ' ' +
-                                                          std::to_string(notice.frames) + ' ' + error + '\n' +
-                                                          notice.folder);
+    replaceFile(noticePath(directory, getpid()), std::to_string(notice.number) + ' ' + state + ' ' +
+                                                     std::to_string(notice.frames) + ' ' + error + '\n' +
+                                                     notice.folder);
+}
+
+void removeDumpNotice(const std::string& directory, pid_t process) {
+    unlink(noticePath(directory, process).c_str());
 }
 
 std::optional<DumpNotice> readDumpNotice(const std::string& directory, pid_t process) {

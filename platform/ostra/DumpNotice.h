@@ -19,8 +19,10 @@ struct DumpNotice {
     std::string error;         ///< why it failed
 };
 
-/// Writes this process's notice; without a runtime directory nothing. Never on the frame thread.
-void writeDumpNotice(const DumpNotice& notice);
+/// Writes this process's notice; with an empty directory nothing. Some file operations.
+void writeDumpNotice(const std::string& directory, const DumpNotice& notice);
+
+void removeDumpNotice(const std::string& directory, pid_t process);
 
 /// Nothing when the process has not dumped yet.
 std::optional<DumpNotice> readDumpNotice(const std::string& directory, pid_t process);

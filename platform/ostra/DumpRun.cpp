@@ -4,6 +4,7 @@
 
 #include <android/log.h>
 
+#include <new>
 #include <utility>
 
 namespace platform {
@@ -15,19 +16,33 @@ constexpr std::chrono::milliseconds FLUSH_PERIOD{250};
 
 }  // namespace
 
-std::shared_ptr<DumpRun> DumpRun::start(const std::vector<Ostra::DumpWidgetMeta>& metas,
-                                        const std::string& directory) {
-    auto run = std::make_shared<DumpRun>(metas, directory);
-    // The thread owns its share: at exit the process may go on without waiting for a disk that hangs.
-    if (!startHelperThread("ostra-dump", [run] { run->write(); })) {
-        __android_log_print(ANDROID_LOG_ERROR, TAG, "No dump is written: no thread can be started");
-        return nullptr;
+/// However the writing thread ends, nobody waits for it any more.
+class DumpRun::Ending {
+public:
+    explicit Ending(DumpRun& run) : mRun(run) {}
+    ~Ending() {
+        mRun.mHasEnded.store(true, std::memory_order_relaxed);
+        const std::lock_guard<std::mutex> lock(mRun.mMutex);
+        mRun.mIsDone = true;
+        mRun.mChanged.notify_all();
     }
-    return run;
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+
+private:
+    DumpRun& mRun;
+};
+
+std::shared_ptr<DumpRun> DumpRun::start(const std::vector<Ostra::DumpWidgetMeta>& metas, DumpPlan plan) {
+    auto run = std::make_shared<DumpRun>(metas, std::move(plan));
+    // The thread owns its share: nobody waits for a disk that hangs.
+    return startHelperThread("ostra-dump", [run] { run->write(); }) ? run : nullptr;
 }
 
-DumpRun::DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas, std::string directory)
-    : mQueue(metas.size()), mFiles(metas), mDirectory(std::move(directory)) {}
+DumpRun::DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas, DumpPlan plan)
+    : mQueue(metas.size()), mPlan(std::move(plan)), mFiles(metas) {
+    mNotice.number = mPlan.number;
+}
 
 void DumpRun::add(const Ostra::FrameDump& dump) {
     if (mHasEnded.load(std::memory_order_relaxed)) {
@@ -42,30 +57,27 @@ void DumpRun::add(const Ostra::FrameDump& dump) {
     }
 }
 
-void DumpRun::finish(std::optional<std::chrono::milliseconds> patience) {
+bool DumpRun::finish(std::chrono::milliseconds patience) {
     std::unique_lock<std::mutex> lock(mMutex);
     mIsFinishing = true;
     mChanged.notify_all();
-    const auto isDone = [this] { return mIsDone; };
-    if (patience) {
-        mChanged.wait_for(lock, *patience, isDone);
-    } else {
-        mChanged.wait(lock, isDone);
-    }
+    return mChanged.wait_for(lock, patience, [this] { return mIsDone; });
 }
 
 void DumpRun::write() {
-    std::string error = mFiles.open(mDirectory);
-    if (error.empty()) {
-        error = writeUntilFinished();
+    const Ending ending(*this);
+    try {
+        mNotice.error = writeFiles();
+        mHasEnded.store(true, std::memory_order_relaxed);
+    } catch (const std::bad_alloc&) {
+        mNotice.error = "out of memory";
     }
-    mHasEnded.store(true, std::memory_order_relaxed);
     const std::string closeError = mFiles.close();
-    if (error.empty()) {
-        error = closeError;
+    if (mNotice.error.empty()) {
+        mNotice.error = closeError;
     }
-    if (!error.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, TAG, "The dump ends: %s", error.c_str());
+    if (!mNotice.error.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, TAG, "The dump ends: %s", mNotice.error.c_str());
     }
     const std::uint32_t dropped = mDropped;
     if (dropped > 0) {
@@ -73,9 +85,21 @@ void DumpRun::write() {
                             "%u frames are missing from the dump: the disk is too slow",
                             static_cast<unsigned int>(dropped));
     }
-    const std::lock_guard<std::mutex> lock(mMutex);
-    mIsDone = true;
-    mChanged.notify_all();
+    tell(mNotice.error.empty() ? DumpNotice::State::DONE : DumpNotice::State::FAILED);
+}
+
+std::string DumpRun::writeFiles() {
+    std::string error;
+    mNotice.folder = makeDumpFolder(mPlan, error);
+    if (error.empty()) {
+        error = mFiles.open(mNotice.folder);
+    }
+    if (!error.empty()) {
+        return error;
+    }
+    __android_log_print(ANDROID_LOG_INFO, TAG, "The dump is written to %s", mNotice.folder.c_str());
+    tell(DumpNotice::State::RUNNING);
+    return writeUntilFinished();
 }
 
 std::string DumpRun::writeUntilFinished() {
@@ -99,8 +123,14 @@ std::string DumpRun::writeWaitingFrames() {
         if (!error.empty()) {
             return error;
         }
+        ++mNotice.frames;
     }
     return mFiles.flush();
+}
+
+void DumpRun::tell(DumpNotice::State state) {
+    mNotice.state = state;
+    writeDumpNotice(mPlan.runtimeDirectory, mNotice);
 }
 
 }  // namespace platform

@@ -1,14 +1,38 @@
 #include "ostra/HelperThread.h"
 
+#include <android/log.h>
 #include <pthread.h>
 #include <signal.h>
 
-#include <string>
-#include <system_error>
+#include <array>
+#include <cstring>
+#include <exception>
 #include <thread>
 #include <utility>
 
 namespace platform {
+
+namespace {
+
+/// The first characters of a name, as long as a thread's may be.
+struct ThreadName {
+    std::array<char, 16> text = {};
+};
+
+void run(const ThreadName& name, const std::function<void()>& body) {
+    const auto complain = [&](const char* reason) {
+        __android_log_print(ANDROID_LOG_ERROR, "Ostra", "The thread %s ends: %s", name.text.data(), reason);
+    };
+    try {
+        body();
+    } catch (const std::exception& error) {
+        complain(error.what());
+    } catch (...) {
+        complain("unknown error");
+    }
+}
+
+}  // namespace
 
 bool startHelperThread(const char* name, std::function<void()> body) {
     // A new thread inherits its creator's mask. With everything blocked, the application's signals keep going
@@ -19,10 +43,12 @@ bool startHelperThread(const char* name, std::function<void()> body) {
     pthread_sigmask(SIG_SETMASK, &all, &previous);
     bool isStarted = true;
     try {
-        std::thread thread(std::move(body));
-        pthread_setname_np(thread.native_handle(), std::string(name).substr(0, 15).c_str());
+        ThreadName shortName;
+        std::strncpy(shortName.text.data(), name, shortName.text.size() - 1);
+        std::thread thread([shortName, body = std::move(body)] { run(shortName, body); });
+        pthread_setname_np(thread.native_handle(), shortName.text.data());
         thread.detach();
-    } catch (const std::system_error&) {
+    } catch (const std::exception&) {  // no thread, or no memory for one
         isStarted = false;
     }
     pthread_sigmask(SIG_SETMASK, &previous, nullptr);

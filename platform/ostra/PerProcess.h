@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pthread.h>
+#include <unistd.h>
 
 #include <atomic>
 
@@ -12,7 +13,8 @@ namespace platform {
 ///
 /// T has `onForked()`, called in a child for the parent's object, which may only close descriptors, and
 /// `onExit()`, called when the process exits in an orderly way, before the statics that existed when the
-/// object was made are destroyed.
+/// object was made are destroyed; not in a child that was made without fork handlers (vfork, a bare system
+/// call) and still has the parent's object.
 template <typename T>
 class PerProcess {
 public:
@@ -27,7 +29,8 @@ public:
 private:
     struct AtExit {
         ~AtExit() {
-            if (T* const object = find()) {
+            T* const object = find();
+            if (object != nullptr && getpid() == gProcess) {
                 object->onExit();
             }
         }
@@ -38,6 +41,7 @@ private:
         static_cast<void>(isRegistered);
         static const AtExit atExit;
         T* const fresh = new T;
+        gProcess = getpid();
         T* existing = nullptr;
         if (gObject.compare_exchange_strong(existing, fresh, std::memory_order_acq_rel)) {
             return *fresh;
@@ -54,7 +58,8 @@ private:
     }
 
     inline static std::atomic<T*> gObject{nullptr};
-    inline static T* gInherited = nullptr;  ///< keeps it reachable for leak checkers
+    inline static std::atomic<pid_t> gProcess{0};  ///< whose object it is
+    inline static T* gInherited = nullptr;         ///< keeps it reachable for leak checkers
 };
 
 }  // namespace platform

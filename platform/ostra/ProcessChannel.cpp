@@ -3,16 +3,14 @@
 #include "ostra/HelperThread.h"
 #include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
-#include "properties/RuntimeDirectory.h"
 
 #include <android/log.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <array>
 #include <chrono>
+#include <new>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace platform {
@@ -21,6 +19,8 @@ namespace {
 
 constexpr const char* TAG = "Ostra";
 constexpr std::chrono::milliseconds EXIT_PATIENCE{200};
+constexpr unsigned MAX_FAILURES = 6;
+constexpr std::chrono::milliseconds FIRST_PAUSE{500};  // doubled by each failure
 
 }  // namespace
 
@@ -31,7 +31,7 @@ std::vector<Ostra::KeyEvent> ProcessChannel::takeKeys() {
     }
     const std::lock_guard<std::mutex> lock(mMutex);
     openLocked();
-    mIsIdle.store(true, std::memory_order_relaxed);
+    mIsIdle.store(mIsOpenSettled, std::memory_order_relaxed);
     keys.swap(mPending);
     return keys;
 }
@@ -44,7 +44,7 @@ std::optional<std::string> ProcessChannel::takePicture() {
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mIsPictureWanted.store(false, std::memory_order_relaxed);
-        path = picturePath(mDirectory, getpid());
+        path = picturePath(mSocket.directory(), getpid());
     }
     return access(path.c_str(), F_OK) == 0 ? std::optional(std::move(path)) : std::nullopt;
 }
@@ -59,51 +59,59 @@ void ProcessChannel::addListener(std::function<void()> listener) {
 }
 
 void ProcessChannel::openLocked() {
-    if (mIsOpened) {
+    const auto now = std::chrono::steady_clock::now();
+    if (mIsOpenSettled || (mFailures > 0 && now < mNextAttempt)) {
         return;
     }
-    mIsOpened = true;  // also when it fails, so that it is neither tried nor logged with every frame
-    const RuntimeDirectory directory = openRuntimeDirectory();
-    std::string error = directory.error;
-    const int descriptor = error.empty() ? openProcessSocket(directory.path, error) : -1;
-    if (descriptor < 0) {
+    const std::string error = open();
+    if (!error.empty() && mFailures == 0) {
         __android_log_print(ANDROID_LOG_ERROR, TAG, "Key events cannot be received: %s", error.c_str());
-        return;
     }
-    mDescriptor = descriptor;
-    mDirectory = directory.path;
-    mPath = processSocketPath(directory.path, getpid());
-    if (!startHelperThread("ostra-keys", [this] { receive(); })) {
-        __android_log_print(ANDROID_LOG_ERROR, TAG,
-                            "Key events cannot be received: no thread can be started");
-        unlink(mPath.c_str());
-        mPath.clear();
-        close(descriptor);
-        mDescriptor = -1;
+    mFailures += error.empty() ? 0 : 1;
+    mIsOpenSettled = error.empty() || mFailures == MAX_FAILURES;
+    mNextAttempt = now + FIRST_PAUSE * (1U << mFailures);
+}
+
+/// Returns an empty text, or why nothing can be received.
+std::string ProcessChannel::open() {
+    std::string error;
+    try {
+        error = mSocket.open();
+        if (error.empty() && !startHelperThread("ostra-keys", [this] { receive(); })) {
+            error = "no thread can be started";
+        }
+    } catch (const std::bad_alloc&) {
+        error = "out of memory";
     }
+    if (!error.empty()) {
+        mSocket.close();
+    }
+    return error;
 }
 
 void ProcessChannel::receive() {
-    char text[MAX_MESSAGE_SIZE];
-    while (true) {
-        const ssize_t size = recv(mDescriptor, text, sizeof(text), MSG_TRUNC);
-        if (size < 0 && errno != EINTR) {
-            const std::string error = std::generic_category().message(errno);
-            __android_log_print(ANDROID_LOG_ERROR, TAG, "Key events are not received any more: %s",
-                                error.c_str());
-            return;
+    for (;;) {
+        try {
+            receiveOne();
+        } catch (const std::bad_alloc&) {
+            warnOnce(mIsLossWarned, "A message is lost, and more may be: out of memory");
         }
-        if (size < 0) {
-            continue;
-        }
-        const auto length = static_cast<std::size_t>(size);
-        const auto message =
-            length <= sizeof(text) ? decodeMessage(std::string_view(text, length)) : std::nullopt;
-        if (message) {
-            handle(*message);
-        } else {
-            warnOnce(mIsGarbageWarned, "A message that is not understood was ignored, and more may be");
-        }
+    }
+}
+
+void ProcessChannel::receiveOne() {
+    std::array<char, MAX_MESSAGE_SIZE> text = {};
+    const ssize_t size = mSocket.receive(text.data(), text.size());
+    if (size < 0) {
+        return;
+    }
+    const auto length = static_cast<std::size_t>(size);
+    const auto message =
+        length <= text.size() ? decodeMessage(std::string_view(text.data(), length)) : std::nullopt;
+    if (message) {
+        handle(*message);
+    } else {
+        warnOnce(mIsGarbageWarned, "A message that is not understood was ignored, and more may be");
     }
 }
 
@@ -136,10 +144,16 @@ void ProcessChannel::callListeners() {
     mListeningThread = std::this_thread::get_id();
     // By index and by copy: a listener may add another one.
     for (std::size_t i = 0; i < mListeners.size() && !mIsClosing; ++i) {
-        const std::function<void()> listener = mListeners[i];
-        lock.unlock();
-        listener();
-        lock.lock();
+        try {
+            const std::function<void()> listener = mListeners[i];
+            lock.unlock();
+            listener();
+        } catch (...) {
+            warnOnce(mIsListenerWarned, "A listener for the background failed, and more may");
+        }
+        if (!lock.owns_lock()) {
+            lock.lock();
+        }
     }
     mListeningThread = std::thread::id();
     mListenersDone.notify_all();
@@ -153,20 +167,14 @@ void ProcessChannel::warnOnce(bool& isWarned, const char* text) {
 }
 
 void ProcessChannel::onForked() {
-    // Left open, it would keep the parent's socket alive without anybody to read it.
-    const int descriptor = mDescriptor;
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
+    // Left open, the socket would be kept alive without anybody to read it.
+    mSocket.forget();
 }
 
 void ProcessChannel::onExit() {
     std::unique_lock<std::mutex> lock(mMutex);
     mIsClosing = true;
-    if (!mPath.empty()) {
-        unlink(mPath.c_str());
-        mPath.clear();
-    }
+    mSocket.remove();
     // A listener may itself have called exit().
     if (mListeningThread != std::this_thread::get_id()) {
         mListenersDone.wait_for(lock, EXIT_PATIENCE,

@@ -1,5 +1,7 @@
 #include "ostra/ProcessSocket.h"
 
+#include "ostra/DumpNotice.h"
+
 #include <dirent.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -94,18 +96,25 @@ pid_t processOfName(std::string_view name) {
     return takeNumber(name, process) && name.empty() && process > 0 ? process : 0;
 }
 
+/// Whether a socket lies there; a link to one is none.
+bool isSocket(const std::string& path) {
+    struct stat status = {};
+    return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
+}
+
 /// Whether somebody has the socket open. The process id alone would not tell: it may have been given to
-/// another process since.
-bool isListening(const std::string& path) {
+/// another process since. What one has left that ended without doing so itself is removed.
+bool isListening(const std::string& directory, pid_t process) {
+    const std::string path = processSocketPath(directory, process);
     const int descriptor = makeSocket();
     if (descriptor < 0) {
         return false;
     }
     const int error = connectTo(descriptor, path);
     close(descriptor);
-    struct stat status = {};
-    if (error == ECONNREFUSED && lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode)) {
+    if (error == ECONNREFUSED && isSocket(path)) {
         unlink(path.c_str());
+        removeDumpNotice(directory, process);
     }
     return error == 0;
 }
@@ -162,12 +171,13 @@ int openProcessSocket(const std::string& directory, std::string& error) {
         return -1;
     }
     const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+    fchmod(descriptor, S_IRUSR | S_IWUSR);  // the file will have this mode at most
     int result = bind(descriptor, name, sizeof(address));
-    if (result != 0 && errno == EADDRINUSE) {
+    if (result != 0 && errno == EADDRINUSE && isSocket(path)) {
         unlink(path.c_str());
         result = bind(descriptor, name, sizeof(address));
     }
-    if (result != 0 || chmod(path.c_str(), S_IRUSR | S_IWUSR) != 0) {
+    if (result != 0) {
         error = path + ": " + errorText(errno);
         close(descriptor);
         return -1;
@@ -184,7 +194,7 @@ std::vector<pid_t> listeningProcesses(const std::string& directory) {
     // The stream belongs to this call alone.
     while (const dirent* const entry = readdir(entries)) {  // NOLINT(concurrency-mt-unsafe)
         const pid_t process = processOfName(entry->d_name);
-        if (process != 0 && isListening(directory + '/' + entry->d_name)) {
+        if (process != 0 && isListening(directory, process)) {
             processes.push_back(process);
         }
     }

@@ -35,12 +35,12 @@ std::optional<ProcessMessage> decodeMessage(std::string_view text);
 /// DIRECTORY/process.PID.sock.
 std::string processSocketPath(const std::string& directory, pid_t process);
 
-/// Opens this process's socket, taking the place of a file that an earlier process with the same id left.
+/// Opens this process's socket, taking the place of one that an earlier process with the same id left.
 /// Returns the file descriptor, which the caller owns, or -1 with the reason in `error`.
 int openProcessSocket(const std::string& directory, std::string& error);
 
-/// The processes that listen now, in ascending order. Removes the socket files of those that ended without
-/// doing so themselves. Empty also when the directory cannot be read.
+/// The processes that listen now, in ascending order. Removes the sockets and the dump notices of those
+/// that ended without doing so themselves. Empty also when the directory cannot be read.
 std::vector<pid_t> listeningProcesses(const std::string& directory);
 
 /// Sends a message, waiting at most a second for a process that is slow to take it. Returns an empty text,

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -187,12 +188,19 @@ std::vector<std::string> HostProcess::logged(const std::string& text) const {
     return lines;
 }
 
+std::string HostProcess::dumpFile(std::size_t dump) const {
+    std::error_code ignored;
+    const std::filesystem::directory_iterator folder(mFolder + '/' + std::to_string(dump), ignored);
+    return folder == std::filesystem::directory_iterator() ? std::string()
+                                                           : folder->path().string() + "/frames.csv";
+}
+
 std::string HostProcess::dumpError(std::size_t from) const {
     for (std::size_t i = from; i <= mDumps.size(); ++i) {
         const auto [first, last] = mDumps[i - 1];
         const std::string name = "dump " + std::to_string(i) + " of frames " + std::to_string(first) +
                                  " to " + std::to_string(last) + ": ";
-        std::ifstream frames(mFolder + '/' + std::to_string(i) + "/frames.csv", std::ios::binary);
+        std::ifstream frames(dumpFile(i), std::ios::binary);
         std::string row;
         std::getline(frames, row);
         const auto columns = std::count(row.begin(), row.end(), ',');
@@ -217,7 +225,7 @@ std::string HostProcess::dumpError(std::size_t from) const {
 }
 
 std::size_t HostProcess::countFrames(std::size_t dump) const {
-    std::ifstream frames(mFolder + '/' + std::to_string(dump) + "/frames.csv");
+    std::ifstream frames(dumpFile(dump));
     const auto rows = std::count(std::istreambuf_iterator<char>(frames), {}, '\n');
     return rows == 0 ? 0 : static_cast<std::size_t>(rows) - 1;
 }

@@ -83,6 +83,7 @@ public:
     std::size_t countFrames(std::size_t dump) const;
 
 private:
+    std::string dumpFile(std::size_t dump) const;
     std::string readLine();
     std::map<std::string, std::string> parse(const std::string& line);
 

@@ -1,12 +1,14 @@
 #pragma once
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 
 namespace platform {
 
-/// A folder of mode 0700 that goes with everything in it when the object ends.
+/// A folder of mode 0700 that goes with everything in it when the object ends, but not in a forked child.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
@@ -15,7 +17,9 @@ public:
     }
     ~TemporaryDirectory() {
         std::error_code ignored;
-        std::filesystem::remove_all(mPath, ignored);
+        if (getpid() == mOwner) {
+            std::filesystem::remove_all(mPath, ignored);
+        }
     }
     TemporaryDirectory(const TemporaryDirectory&) = delete;
     TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
@@ -24,6 +28,7 @@ public:
     std::string path(const std::string& name) const { return mPath + "/" + name; }
 
 private:
+    const pid_t mOwner = getpid();
     std::string mPath;
 };
 

@@ -9,6 +9,7 @@
 #include "core/KeyEventInterceptor.h"
 #include "core/StateInfo.h"
 #include "faults/Publisher.h"
+#include "ostra/DumpNotice.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
 #include "scene/Overlay.h"
@@ -131,11 +132,14 @@ public:
 private:
     void end() {
         Ostra::finishDumping();  // if the thread that was told of the background has not yet
-        std::ifstream frames("frames.csv");
+        const std::string folder =
+            platform::readDumpNotice(platform::openRuntimeDirectory().path, getpid())->folder;
+        std::ifstream frames(folder + "/frames.csv");
         unsigned long long rows = 0;
         for (std::string row; std::getline(frames, row);) {
             ++rows;
         }
+        std::filesystem::remove_all(folder);
         rows -= std::min(rows, 1ULL);
         ++mCounts.dumps;
         mCounts.dumpedFrames += rows;
