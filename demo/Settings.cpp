@@ -1,9 +1,9 @@
 #include "Settings.h"
 
+#include "Assignment.h"
 #include "Options.h"
 #include "Properties.h"
 #include "Restart.h"
-#include "SetCommand.h"
 #include "properties/SystemProperties.h"
 
 #include <string>

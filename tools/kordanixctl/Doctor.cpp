@@ -6,6 +6,7 @@
 #include "Properties.h"
 #include "PropertyTable.h"
 #include "RunDirectories.h"
+#include "ShowCommands.h"
 #include "ValueText.h"
 #include "io/ProcessStart.h"
 #include "properties/RuntimeDirectory.h"

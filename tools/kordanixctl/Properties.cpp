@@ -1,6 +1,5 @@
 #include "Properties.h"
 
-#include "Complaint.h"
 #include "PropertyTable.h"
 #include "properties/SystemProperties.h"
 
@@ -11,11 +10,6 @@
 #include <utility>
 
 namespace control {
-
-ExitCode checkProperties(std::ostream& err) {
-    const std::string error = platform::propertyAreaError();
-    return error.empty() ? SUCCESS : fail("there are no properties: " + error, err);
-}
 
 std::optional<std::string> readProperty(const std::string& name) {
     std::string text;

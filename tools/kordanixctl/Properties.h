@@ -1,16 +1,10 @@
 #pragma once
 
-#include "ExitCode.h"
-
 #include <optional>
-#include <ostream>
 #include <string>
 
 /// The properties of this user, as the platform keeps them.
 namespace control {
-
-/// Fails, and says why on `err`, when the user's properties can be neither read nor written.
-ExitCode checkProperties(std::ostream& err);
 
 /// The property's text; nothing when it is not set. A property cannot be taken away again, so that one with
 /// an empty text counts as not set.

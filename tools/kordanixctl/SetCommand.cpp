@@ -3,29 +3,11 @@
 #include "Complaint.h"
 #include "Properties.h"
 #include "PropertyTable.h"
-#include "ValueText.h"
-#include "properties/PropertyName.h"
 #include "properties/SystemProperties.h"
 
 #include <cstddef>
 
 namespace control {
-
-std::string readAssignment(const std::string& name, const std::string& value, bool isForced,
-                           Assignment& assignment) {
-    const Property* const property = findProperty(name);
-    if (property == nullptr && !isForced) {
-        return "there is no property '" + name + "'; " + hintFor(name);
-    }
-    const PropertyType type = property == nullptr ? PropertyType::TEXT : property->type;
-    const auto text = toPropertyText(type, value);
-    if (!text) {
-        return "'" + value + "' is no value for '" + name + "'; expected " + std::string(expectedText(type));
-    }
-    assignment = {property == nullptr ? expandName(name) : fullName(*property), *text};
-    const std::string error = platform::propertyNameError(assignment.name.c_str());
-    return error.empty() ? error : "'" + assignment.name + "': " + error;
-}
 
 ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err) {
     for (const Assignment& assignment : assignments) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Assignment.h"
 #include "ExitCode.h"
 
 #include <ostream>
@@ -8,17 +9,6 @@
 
 /// Verbs that write properties. Each says on `err` what went wrong.
 namespace control {
-
-/// A property as it is to be written.
-struct Assignment {
-    std::string name;  ///< full
-    std::string text;
-};
-
-/// Makes an assignment of what somebody typed; with `isForced`, also for a name that the library does not
-/// know. Returns what is wrong with the name or the value, or an empty text.
-std::string readAssignment(const std::string& name, const std::string& value, bool isForced,
-                           Assignment& assignment);
 
 /// Writes the properties in that order; then, if all are written, publishes them.
 ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err);

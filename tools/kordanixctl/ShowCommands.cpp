@@ -4,6 +4,7 @@
 #include "Properties.h"
 #include "PropertyTable.h"
 #include "ValueText.h"
+#include "properties/SystemProperties.h"
 
 #include <nlohmann/json.hpp>
 
@@ -29,6 +30,11 @@ std::string meaningOf(const Property& property, const std::optional<std::string>
 }
 
 }  // namespace
+
+ExitCode checkProperties(std::ostream& err) {
+    const std::string error = platform::propertyAreaError();
+    return error.empty() ? SUCCESS : fail("there are no properties: " + error, err);
+}
 
 ExitCode printProperty(const std::string& name, std::ostream& out, std::ostream& err) {
     const Property* const property = findProperty(name);

@@ -8,6 +8,9 @@
 /// Verbs that print properties.
 namespace control {
 
+/// Fails, and says why on `err`, when the user's properties can be neither read nor written.
+ExitCode checkProperties(std::ostream& err);
+
 /// Prints the text of a property; of one of the library's that is not set, its default. Fails for any other
 /// that is not set.
 ExitCode printProperty(const std::string& name, std::ostream& out, std::ostream& err);
