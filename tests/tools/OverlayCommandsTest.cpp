@@ -30,7 +30,6 @@
 namespace control {
 namespace {
 
-using testing::AllOf;
 using testing::HasSubstr;
 
 /// This process is the one with the overlay. It listens from the first test on.
@@ -154,6 +153,71 @@ TEST_F(OverlayCommandsTest, APictureThatCannotBeHadIsExplained) {
     ASSERT_TRUE(support::waitUntil([&] { return isStopped(stopped.id()); }));
     EXPECT_EQ(picture(path, stopped.id()), FAILURE);
     EXPECT_THAT(mErr.str(), HasSubstr("is stopped"));
+}
+
+/// Takes the keys as the library does in its frames.
+class DumpingOverlay {
+public:
+    void operator()() {
+        for (const Ostra::KeyEvent& key : Ostra::receiveKeyEvents()) {
+            EXPECT_EQ(key.action, 1);
+            mCaptures += key.keyCode == 25 ? 1 : 0;
+            if (key.keyCode == 24) {
+                mIsDumping = !mIsDumping;
+                mIsDumping ? Ostra::startDumping({}) : Ostra::finishDumping();
+            }
+        }
+    }
+
+    int captures() const { return mCaptures; }
+
+private:
+    bool mIsDumping = false;
+    int mCaptures = 0;
+};
+
+TEST_F(OverlayCommandsTest, KeysSayWhatBecomesOfThem) {
+    const std::string folder = mFolder.path("dumps");
+    std::ofstream(mFolder.path("file")).flush();
+    DumpingOverlay overlay;
+    const auto press = [&](Key key) {
+        return whilePresenting(std::ref(overlay), [&] { return pressKey(key, std::nullopt, mOut, mErr); });
+    };
+    ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", folder.c_str(), 1), 0);
+    EXPECT_EQ(press(Key::DUMP), SUCCESS) << mErr.str();
+    EXPECT_THAT(mOut.str(), HasSubstr(" dumps into " + folder + "/control_tests-"));
+    EXPECT_EQ(press(Key::DUMP), SUCCESS) << mErr.str();
+    EXPECT_THAT(mOut.str(), HasSubstr(" has ended its dump: 0 frames in " + folder + "/control_tests-"));
+    ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", mFolder.path("file").c_str(), 1), 0);
+    EXPECT_EQ(press(Key::DUMP), FAILURE) << mOut.str();
+    EXPECT_THAT(mErr.str(), HasSubstr(" failed: "));
+    EXPECT_EQ(unsetenv("KORDANIX_DUMP_DIR"), 0);
+    EXPECT_EQ(pressKey(Key::CAPTURE, std::nullopt, mOut, mErr), SUCCESS) << mErr.str();
+    EXPECT_TRUE(support::waitUntil([&] {
+        overlay();
+        return overlay.captures() == 1;
+    }));
+}
+
+TEST_F(OverlayCommandsTest, KeysThatDoNothingAreExplained) {
+    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
+    EXPECT_THAT(mErr.str(), HasSubstr("has presented no frame since"));
+    Ostra::receiveKeyEvents();
+    setNote("its window is too small");
+    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
+    EXPECT_THAT(mErr.str(), HasSubstr("does not show the overlay: its window is too small"));
+    setNote({});
+    set({"devmode", "false"});
+    EXPECT_EQ(pressKey(Key::CAPTURE, std::nullopt, mOut, mErr), FAILURE);
+    EXPECT_THAT(mErr.str(), HasSubstr("developer mode"));
+    EXPECT_EQ(Ostra::receiveKeyEvents().size(), 0U);
+}
+
+TEST_F(OverlayCommandsTest, TheNoticeReachesOverlaysThatListen) {
+    EXPECT_EQ(sendToBackground(2000000000, mOut, mErr), FAILURE);
+    EXPECT_THAT(mErr.str(), HasSubstr("does not listen"));
+    EXPECT_EQ(sendToBackground(std::nullopt, mOut, mErr), SUCCESS);
+    EXPECT_TRUE(support::waitUntil([] { return mIsInBackground.load(); }));
 }
 
 }  // namespace

@@ -38,8 +38,7 @@ std::string displayedValue(std::string_view shortName) {
 }
 
 OverlayState::OverlayState(std::string directory)
-    : mDirectory(std::move(directory)),
-      mNotes(platform::readOverlayNotes(mDirectory)) {}
+    : mDirectory(std::move(directory)), mNotes(platform::readOverlayNotes(mDirectory)) {}
 
 std::vector<pid_t> OverlayState::processes() const {
     std::vector<pid_t> all = platform::listeningProcesses(mDirectory);
