@@ -1,190 +1,160 @@
 #include "properties/PropertyFile.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <memory>
-#include <system_error>
-#include <utility>
+#include <tuple>
+
+#include "io/PlainFile.h"
 
 namespace platform {
+
 namespace {
 
-/// A file descriptor that is closed at the end of its scope.
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : mDescriptor(descriptor) {}
-    ~Descriptor() {
-        if (mDescriptor >= 0) {
-            close(mDescriptor);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int get() const { return mDescriptor; }
-    bool isOpen() const { return mDescriptor >= 0; }
-
-private:
-    int mDescriptor;
-};
-
-std::string systemError(const std::string& what) {
-    return what + ": " + std::generic_category().message(errno);
+FileVersion versionOf(const struct stat& status) {
+    return {status.st_dev, status.st_ino, status.st_size, status.st_mtim};
 }
 
-bool writeAll(int descriptor, const char* bytes, std::size_t size) {
-    while (size > 0) {
-        const ssize_t written = write(descriptor, bytes, size);
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        if (written > 0) {
-            bytes += written;
-            size -= static_cast<std::size_t>(written);
-        }
-    }
-    return true;
+auto fields(const FileVersion& version) {
+    return std::tie(version.time.tv_sec, version.time.tv_nsec, version.size, version.inode, version.device);
 }
 
-/// Writes an empty area to the file's place. A half-written file of a killed process is written anew.
-std::string createFile(const std::string& path) {
-    const auto area = std::make_unique<PropertyArea>();
-    formatArea(*area);
-    const std::string draft = path + ".new";
-    const Descriptor file(open(draft.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!file.isOpen()) {
-        return systemError("cannot create " + draft);
-    }
-    if (!writeAll(file.get(), reinterpret_cast<const char*>(area.get()), sizeof(*area)) ||
-        std::rename(draft.c_str(), path.c_str()) != 0) {
-        std::string error = systemError("cannot write " + draft);
-        unlink(draft.c_str());
-        return error;
-    }
-    return {};
+bool isLater(const timespec& time, const timespec& other) {
+    return std::tie(time.tv_sec, time.tv_nsec) > std::tie(other.tv_sec, other.tv_nsec);
 }
 
-/// What is wrong with the opened file before its bytes are looked at.
-std::string fileError(int descriptor) {
+/// Reads an open file from its start, at most that many bytes. Returns 0 or an error number.
+int readBytes(int file, std::size_t limit, std::string& bytes) {
+    bytes.resize(limit);
+    std::size_t size = 0;
+    while (size < limit) {
+        const ssize_t count = read(file, &bytes[size], limit - size);
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        if (count == 0) {
+            break;
+        }
+        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    bytes.resize(size);
+    return 0;
+}
+
+/// Whether that is so because of what lies there.
+bool isNoPlainFile(int error) {
+    return error == EINVAL || error == ELOOP || error == EISDIR;
+}
+
+/// Makes the time of a file that was just written later than that of the one it replaces, whatever the clock
+/// says and however coarse it is. Returns 0 or an error number.
+int makeLater(int file, const timespec& last) {
     struct stat status = {};
-    if (fstat(descriptor, &status) != 0) {
-        return systemError("cannot be looked at");
+    if (fstat(file, &status) != 0) {
+        return errno;
     }
-    if (!S_ISREG(status.st_mode)) {
-        return "is not a file";
+    if (isLater(status.st_mtim, last)) {
+        return 0;
     }
-    if (status.st_uid != geteuid()) {
-        return "belongs to another user (id " + std::to_string(status.st_uid) + ")";
+    constexpr long NANOSECONDS = 1000000000L;
+    timespec time = {last.tv_sec, last.tv_nsec + 1};
+    if (time.tv_nsec == NANOSECONDS) {
+        time = {last.tv_sec + 1, 0};
     }
-    if (status.st_size != static_cast<off_t>(PropertyArea::SIZE)) {
-        return "is not a property area: it has " + std::to_string(status.st_size) + " bytes and not " +
-               std::to_string(PropertyArea::SIZE);
-    }
-    return {};
-}
-
-PropertyArea* mapFile(const std::string& path, bool writable, std::string& error) {
-    // Not blocking, in case somebody put a pipe there.
-    const int flags = (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    const Descriptor file(open(path.c_str(), flags));
-    if (!file.isOpen()) {
-        error = errno == ENOENT ? std::string() : systemError("cannot open " + path);
-        return nullptr;
-    }
-    error = fileError(file.get());
-    if (!error.empty()) {
-        error = path + " " + error;
-        return nullptr;
-    }
-    const int protection = writable ? PROT_READ | PROT_WRITE : PROT_READ;
-    void* memory = mmap(nullptr, PropertyArea::SIZE, protection, MAP_SHARED, file.get(), 0);
-    if (memory == MAP_FAILED) {
-        error = systemError("cannot map " + path);
-        return nullptr;
-    }
-    auto* area = static_cast<PropertyArea*>(memory);
-    error = areaError(*area);
-    if (!error.empty()) {
-        error = path + " " + error + "; it can be deleted, and with it all its properties";
-        munmap(memory, PropertyArea::SIZE);
-        return nullptr;
-    }
-    return area;
+    const timespec times[] = {time, time};
+    return futimens(file, times) == 0 ? 0 : errno;
 }
 
 }  // namespace
 
-std::string PropertyFile::path(const std::string& directory) {
+bool FileVersion::operator==(const FileVersion& other) const {
+    return fields(*this) == fields(other);
+}
+
+std::string propertyFilePath(const std::string& directory) {
     return directory + "/properties";
 }
 
-PropertyFile PropertyFile::openForReading(const std::string& directory, std::string& error) {
-    PropertyFile file;
-    file.mArea = mapFile(path(directory), false, error);
-    return file;
+FileVersion lookAtPropertyFile(const std::string& directory) {
+    struct stat status = {};
+    return lstat(propertyFilePath(directory).c_str(), &status) == 0 ? versionOf(status) : FileVersion();
 }
 
-PropertyFile PropertyFile::openForWriting(const std::string& directory, std::string& error) {
-    PropertyFile file;
-    file.mIsWritable = true;
-    file.mArea = mapFile(path(directory), true, error);
-    if (file.mArea == nullptr && error.empty()) {
-        error = createFile(path(directory));
-        if (error.empty()) {
-            file.mArea = mapFile(path(directory), true, error);
+ReadResult readPropertyFile(const std::string& directory, PropertyList& list, FileVersion& version,
+                            std::string& error) {
+    list = {};
+    version = lookAtPropertyFile(directory);
+    error.clear();
+    const std::string path = propertyFilePath(directory);
+    const int file = openPlainFile(path, O_RDONLY);
+    if (file < 0) {
+        const int reason = errno;
+        if (reason == ENOENT) {
+            version = {};
+            return ReadResult::MISSING;
         }
-        if (file.mArea == nullptr && error.empty()) {
-            error = path(directory) + " was removed while it was created";
-        }
+        error = path + ' ' + (isNoPlainFile(reason) ? "" : "cannot be opened: ") + plainFileError(reason);
+        return isNoPlainFile(reason) || reason == EACCES ? ReadResult::REFUSED : ReadResult::FAILED;
     }
-    return file;
+    struct stat status = {};
+    std::string text;
+    int reason = fstat(file, &status) == 0 ? 0 : errno;
+    const bool isOurs = status.st_uid == geteuid();
+    const bool isTooBig = status.st_size > static_cast<off_t>(PROPERTY_TEXT_SIZE_MAX);
+    if (reason == 0 && isOurs && !isTooBig) {
+        reason = readBytes(file, static_cast<std::size_t>(status.st_size), text);
+    }
+    close(file);
+    if (reason != 0) {
+        error = path + " cannot be read: " + plainFileError(reason);
+        return ReadResult::FAILED;
+    }
+    version = versionOf(status);
+    error = !isOurs    ? "belongs to another user (id " + std::to_string(status.st_uid) + ")"
+            : isTooBig ? "is too big for a property file (" + std::to_string(status.st_size) + " bytes)"
+                       : parseProperties(text, list);
+    if (!error.empty()) {
+        error.insert(0, path + ' ').append(isOurs ? "; it can be deleted, and with it all properties" : "");
+        return ReadResult::REFUSED;
+    }
+    return ReadResult::DONE;
 }
 
-PropertyFile::PropertyFile(PropertyFile&& other) noexcept
-    : mArea(std::exchange(other.mArea, nullptr)), mIsWritable(other.mIsWritable) {}
-
-PropertyFile& PropertyFile::operator=(PropertyFile&& other) noexcept {
-    std::swap(mArea, other.mArea);
-    std::swap(mIsWritable, other.mIsWritable);
-    return *this;
-}
-
-PropertyFile::~PropertyFile() {
-    if (mArea != nullptr) {
-        munmap(mArea, PropertyArea::SIZE);
+std::string writePropertyFile(const std::string& directory, const PropertyList& list,
+                              const FileVersion& last) {
+    const std::string text = formatProperties(list);
+    if (text.size() > PROPERTY_TEXT_SIZE_MAX) {
+        return "all properties together have more than " + std::to_string(PROPERTY_TEXT_SIZE_MAX) + " bytes";
     }
-}
-
-const PropertyArea* PropertyFile::release() {
-    return std::exchange(mArea, nullptr);
-}
-
-PropertyLock::PropertyLock(const std::string& directory) {
-    mDirectory = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (mDirectory < 0) {
-        mError = systemError("cannot open " + directory);
-        return;
+    // Always the same name, so that killed writers leave one file at most; the lock keeps others off it.
+    const std::string path = propertyFilePath(directory);
+    const std::string draft = path + ".new";
+    const auto failure = [&draft](int reason) {
+        return "cannot write " + draft + ": " + plainFileError(reason);
+    };
+    if (unlink(draft.c_str()) != 0 && errno != ENOENT) {
+        return failure(errno);
     }
-    while (flock(mDirectory, LOCK_EX) != 0) {
-        if (errno != EINTR) {
-            mError = systemError("cannot lock " + directory);
-            break;
-        }
+    const int file = openPlainFile(draft, O_WRONLY | O_CREAT | O_EXCL);
+    if (file < 0) {
+        return failure(errno);
     }
-}
-
-PropertyLock::~PropertyLock() {
-    if (mDirectory >= 0) {
-        // Said explicitly: a child forked meanwhile shares the descriptor, and closing ours keeps the lock.
-        flock(mDirectory, LOCK_UN);
-        close(mDirectory);
+    int reason = writeAll(file, text);
+    if (reason == 0) {
+        reason = makeLater(file, last.time);
     }
+    if (close(file) != 0 && reason == 0) {
+        reason = errno;
+    }
+    if (reason == 0 && std::rename(draft.c_str(), path.c_str()) != 0) {
+        reason = errno;
+    }
+    if (reason != 0) {
+        unlink(draft.c_str());
+        return failure(reason);
+    }
+    return {};
 }
 
 }  // namespace platform

@@ -1,64 +1,48 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <string>
 
-#include "properties/PropertyArea.h"
+#include "properties/PropertyText.h"
 
+/// The file "properties" of a runtime directory (see PropertyText.h). It is never written in place: each
+/// change makes a new file and moves it there, so that a reader finds the old bytes or the new ones, and a
+/// writer may be killed at any instant.
 namespace platform {
 
-/// The file "properties" of a runtime directory, mapped into the process; the owner of that mapping.
-/// The file is written once as a whole under another name and then moved into place, so nobody sees half
-/// of one, its blocks are reserved, and a full disk shows when it is made and not as a bus error later.
-/// It is never cut or replaced while it exists, which is what keeps the mappings of running processes
-/// valid: whoever cuts it by hand ends those processes with a bus error.
-class PropertyFile {
-public:
-    /// Maps the file for reading. When there is none yet, the result is empty and so is `error`; when it
-    /// cannot be used (not a plain file of the user's own, of another size, damaged), the result is empty
-    /// and `error` says why.
-    static PropertyFile openForReading(const std::string& directory, std::string& error);
+/// Tells two states of the file apart: of a new one the time is always later than of the one before it.
+struct FileVersion {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = -1;
+    timespec time = {};
 
-    /// Maps the file for writing, and creates it when there is none. Only for the holder of the lock.
-    static PropertyFile openForWriting(const std::string& directory, std::string& error);
-
-    PropertyFile() = default;
-    PropertyFile(PropertyFile&& other) noexcept;
-    PropertyFile& operator=(PropertyFile&& other) noexcept;
-    ~PropertyFile();
-
-    /// The mapped area, or null.
-    const PropertyArea* area() const { return mArea; }
-    /// The same, to be written; null unless opened for writing.
-    PropertyArea* writableArea() const { return mIsWritable ? mArea : nullptr; }
-    /// Gives the mapping away: it then stays until the process ends.
-    const PropertyArea* release();
-
-    /// The path of the file in that directory.
-    static std::string path(const std::string& directory);
-
-private:
-    PropertyArea* mArea = nullptr;
-    bool mIsWritable = false;
+    bool operator==(const FileVersion& other) const;
+    bool operator!=(const FileVersion& other) const { return !(*this == other); }
 };
 
-/// The lock of a runtime directory's properties, held by the one thread of the one process that writes
-/// them. The kernel releases it when its holder dies. Each object opens the directory anew, so threads
-/// and forked children exclude each other too.
-class PropertyLock {
-public:
-    /// Waits for the lock. Check isHeld().
-    explicit PropertyLock(const std::string& directory);
-    ~PropertyLock();
-    PropertyLock(const PropertyLock&) = delete;
-    PropertyLock& operator=(const PropertyLock&) = delete;
-
-    bool isHeld() const { return mError.empty(); }
-    /// Why the lock cannot be had, in plain words.
-    const std::string& error() const { return mError; }
-
-private:
-    int mDirectory = -1;
-    std::string mError;
+enum class ReadResult {
+    DONE,
+    MISSING,  ///< there is no such file, as before the first write
+    REFUSED,  ///< not a regular file of the user's own, or damaged: it stays so until somebody mends it
+    FAILED,   ///< the process has no descriptors left, or the like: a later attempt may do better
 };
+
+std::string propertyFilePath(const std::string& directory);
+
+/// The file's state as it is now, whatever lies there; that of no file has a size of -1. One system call.
+FileVersion lookAtPropertyFile(const std::string& directory);
+
+/// Reads the file. With REFUSED and FAILED, `error` says why in plain words, with the path. Otherwise than
+/// with DONE, `list` is empty; `version` is always the file's.
+ReadResult readPropertyFile(const std::string& directory, PropertyList& list, FileVersion& version,
+                            std::string& error);
+
+/// Puts a file with these properties in the place of that which has the version `last`. Only for the holder
+/// of the lock (see PropertyLock.h). Returns what went wrong, in plain words; then the old one is still
+/// there.
+std::string writePropertyFile(const std::string& directory, const PropertyList& list,
+                              const FileVersion& last);
 
 }  // namespace platform

@@ -5,8 +5,12 @@
 
 namespace platform {
 
-/// The longest name that the area has room for, in bytes.
+/// The longest name, in bytes.
 constexpr std::size_t PROPERTY_NAME_LENGTH_MAX = 127;
+
+/// The longest value on the host, in bytes; longer than bionic's, for names that programs make of their whole
+/// command line.
+constexpr std::size_t PROPERTY_VALUE_LENGTH_MAX = 4096;
 
 /// What is wrong with a property's name, in plain words; empty for a name that bionic would accept:
 /// letters, digits and "@:_.-", neither starting nor ending with a dot, without two dots in a row.

@@ -3,12 +3,23 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <memory>
 #include <system_error>
 
 namespace platform {
 namespace {
+
+struct OwnDirectory {
+    std::string path;
+    const OwnDirectory* previous;  ///< whose path somebody may still refer to
+};
+
+/// Without a destructor, since properties are read by a thread that outlives the statics.
+std::atomic<const OwnDirectory*> gOwn = nullptr;
+std::atomic<bool> gIsOwnChosen = false;
 
 std::string environment(const char* name) {
     const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): the header says so
@@ -26,6 +37,12 @@ std::string choosePath() {
         path.pop_back();
     }
     return path;
+}
+
+/// Whether the folder lies below /tmp, whatever its path looks like.
+bool isBelowTmp(const std::string& path) {
+    const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
+    return real == nullptr || std::string(real.get()).rfind("/tmp/", 0) == 0;
 }
 
 /// What is wrong with the folder, empty when nothing is.
@@ -49,8 +66,7 @@ std::string objection(const std::string& path) {
         return "belongs to another user (id " + std::to_string(status.st_uid) + ")";
     }
     // Below /tmp anyone may have prepared the place; elsewhere a group is the user's own choice.
-    const mode_t refused = path.rfind("/tmp/", 0) == 0 ? S_IWGRP | S_IWOTH : S_IWOTH;
-    if ((status.st_mode & refused) != 0) {
+    if ((status.st_mode & S_IWOTH) != 0 || ((status.st_mode & S_IWGRP) != 0 && isBelowTmp(path))) {
         return "can be written to by other users (chmod 700 mends it)";
     }
     return {};
@@ -69,6 +85,31 @@ RuntimeDirectory openRuntimeDirectory() {
             "the runtime directory " + path + " " + wrong + "; KORDANIX_RUNTIME_DIR can name another";
     }
     return directory;
+}
+
+const std::string* ownRuntimeDirectory(std::string& error) {
+    const OwnDirectory* own = gOwn.load(std::memory_order_acquire);
+    if (own != nullptr && gIsOwnChosen.load(std::memory_order_acquire)) {
+        return &own->path;
+    }
+    RuntimeDirectory found = openRuntimeDirectory();
+    error = found.error;
+    if (!error.empty()) {
+        return nullptr;
+    }
+    auto fresh = std::make_unique<OwnDirectory>(OwnDirectory{std::move(found.path), own});
+    // Of threads that look at once, one wins.
+    if (gOwn.compare_exchange_strong(own, fresh.get(), std::memory_order_acq_rel)) {
+        own = fresh.release();
+    }
+    gIsOwnChosen.store(true, std::memory_order_release);
+    return &own->path;
+}
+
+void changeRuntimeDirectory(const std::string& directory) {
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): the header says so
+    setenv("KORDANIX_RUNTIME_DIR", directory.c_str(), 1);
+    gIsOwnChosen.store(false, std::memory_order_release);
 }
 
 }  // namespace platform

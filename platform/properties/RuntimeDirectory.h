@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// The folder that the user's processes share: the property area and the sockets of running overlays.
+/// The folder that the user's processes share: the property file and the sockets of running overlays.
 /// Exactly one of the two texts is non-empty.
 struct RuntimeDirectory {
     std::string path;   ///< absolute, without a trailing slash
@@ -18,5 +18,14 @@ struct RuntimeDirectory {
 /// user owns, one that everybody may write to and, below /tmp, one that the group may write to.
 /// Reads the environment at every call; any thread, as long as none changes the environment.
 RuntimeDirectory openRuntimeDirectory();
+
+/// The path of the one that this process uses: the first that openRuntimeDirectory() gave, since from then on
+/// the program's threads may change the environment. Null, with the reason in `error`, while there is none.
+/// The text lives as long as the process, and is the same object until the directory is changed. Any thread.
+const std::string* ownRuntimeDirectory(std::string& error);
+
+/// Makes `directory` the runtime directory of this process, as if KORDANIX_RUNTIME_DIR had named it at its
+/// start (the variable is set too). While no other thread uses properties or the environment.
+void changeRuntimeDirectory(const std::string& directory);
 
 }  // namespace platform

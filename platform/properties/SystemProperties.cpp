@@ -6,62 +6,110 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <chrono>
-#include <cstdlib>
 #include <cstring>
-#include <thread>
+#include <exception>
+#include <memory>
+#include <optional>
 
-#include "properties/Futex.h"
-#include "properties/PropertyFile.h"
-#include "properties/RuntimeDirectory.h"
+#include "properties/DirectoryWatch.h"
+#include "properties/PropertyView.h"
+#include "properties/PropertyWriter.h"
+
+/// A property that was seen once. It is never freed, since handles are for good; its value is in the file.
+struct prop_info {
+    std::string name;
+    prop_info* next = nullptr;
+};
 
 namespace platform {
 namespace {
 
-constexpr char TAG[] = "properties";
-constexpr long NANOSECONDS = 1000000000L;
-/// How often a waiter looks again for an area that does not exist, or that cannot be waited on.
-constexpr std::chrono::milliseconds RETRY_PERIOD(100);
+using View = std::shared_ptr<const PropertyView>;
 
-/// The process's view of the area; null until there is one, then never unmapped, since handles point into
-/// it. Initialised before any code runs, and without a destructor: properties are created during static
-/// initialisation and read by a thread that outlives the statics.
-std::atomic<const PropertyArea*> gArea = nullptr;
-std::atomic<bool> gIsErrorLogged = false;
+/// All handles of this process.
+std::atomic<prop_info*> gHandles = nullptr;
 
-PropertyFile openFile(std::string& error) {
-    const RuntimeDirectory directory = openRuntimeDirectory();
-    error = directory.error;
-    return error.empty() ? PropertyFile::openForReading(directory.path, error) : PropertyFile();
+/// Restores the caller's errno at the end of a function that has none of its own.
+class ErrnoKept {
+public:
+    ErrnoKept() = default;
+    ~ErrnoKept() { errno = mErrno; }
+    ErrnoKept(const ErrnoKept&) = delete;
+    ErrnoKept& operator=(const ErrnoKept&) = delete;
+
+private:
+    int mErrno = errno;
+};
+
+prop_info* findHandle(const std::string& name, prop_info* first, const prop_info* end) {
+    while (first != end && first->name != name) {
+        first = first->next;
+    }
+    return first == end ? nullptr : first;
 }
 
-/// The area, or null while there is none.
-const PropertyArea* findArea() {
-    const PropertyArea* area = gArea.load(std::memory_order_acquire);
-    if (area != nullptr) {
-        return area;
+/// The handle of that name, made when it is asked for first. Any thread, without a lock.
+const prop_info* handleOf(const std::string& name) {
+    prop_info* first = gHandles.load(std::memory_order_acquire);
+    prop_info* found = findHandle(name, first, nullptr);
+    if (found != nullptr) {
+        return found;
     }
-    std::string error;
-    PropertyFile file = openFile(error);
-    if (!error.empty() && !gIsErrorLogged.exchange(true)) {
-        __android_log_print(ANDROID_LOG_ERROR, TAG, "no properties: %s", error.c_str());
+    auto fresh = std::make_unique<prop_info>();
+    fresh->name = name;
+    for (;;) {
+        fresh->next = first;
+        const prop_info* const searched = first;
+        if (gHandles.compare_exchange_strong(first, fresh.get(), std::memory_order_acq_rel)) {
+            return fresh.release();
+        }
+        found = findHandle(name, first, searched);
+        if (found != nullptr) {
+            return found;
+        }
     }
-    // Of threads that open it at once, one wins; the mappings of the others go.
-    if (file.area() != nullptr &&
-        gArea.compare_exchange_strong(area, file.area(), std::memory_order_acq_rel)) {
-        area = file.release();
+}
+
+/// The properties as they are now; null while there are none. Without memory for them, as if there were none.
+View look(Look& worth) {
+    try {
+        return currentProperties(worth);
+    } catch (const std::exception&) {
+        worth = Look::FAILED;
+        return nullptr;
     }
-    return area;
+}
+
+View look() {
+    Look ignored = Look::CURRENT;
+    return look(ignored);
+}
+
+const Property* propertyOf(const View& view, const prop_info* pi) {
+    if (view == nullptr || pi == nullptr) {
+        return nullptr;
+    }
+    const auto found = view->list.properties.find(pi->name);
+    return found == view->list.properties.end() ? nullptr : &found->second;
+}
+
+/// The serial of a property (null: of all); 0 without one.
+std::uint32_t serialOf(const View& view, const prop_info* pi) {
+    if (pi == nullptr) {
+        return view == nullptr ? 0 : view->list.serial;
+    }
+    const Property* const property = propertyOf(view, pi);
+    return property == nullptr ? 0 : property->serial;
 }
 
 timespec deadlineAfter(const timespec& timeout) {
-    timespec now = {};
-    clock_gettime(CLOCK_MONOTONIC, &now);
+    constexpr long NANOSECONDS = 1000000000L;
     // Bounded so that the sum fits a 32-bit time as well; ten years are as good as for ever.
     constexpr time_t MAX_SECONDS = 315360000;
     timespec deadline = {};
-    deadline.tv_sec = now.tv_sec + std::clamp<time_t>(timeout.tv_sec, 0, MAX_SECONDS);
-    deadline.tv_nsec = now.tv_nsec + std::clamp(timeout.tv_nsec, 0L, NANOSECONDS - 1);
+    clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += std::clamp<time_t>(timeout.tv_sec, 0, MAX_SECONDS);
+    deadline.tv_nsec += std::clamp(timeout.tv_nsec, 0L, NANOSECONDS - 1);
     if (deadline.tv_nsec >= NANOSECONDS) {
         deadline.tv_nsec -= NANOSECONDS;
         ++deadline.tv_sec;
@@ -69,98 +117,91 @@ timespec deadlineAfter(const timespec& timeout) {
     return deadline;
 }
 
-bool isPast(const timespec& deadline) {
+bool isPast(const timespec* deadline) {
+    if (deadline == nullptr) {
+        return false;
+    }
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec > deadline.tv_sec || (now.tv_sec == deadline.tv_sec && now.tv_nsec >= deadline.tv_nsec);
+    return now.tv_sec > deadline->tv_sec ||
+           (now.tv_sec == deadline->tv_sec && now.tv_nsec >= deadline->tv_nsec);
 }
 
-/// The word that a waiter for the property (null: for any) sleeps on; null while there is no area.
-const std::atomic<std::uint32_t>* waitWord(const prop_info* pi) {
-    if (pi != nullptr) {
-        return &pi->serial;
-    }
-    const PropertyArea* area = findArea();
-    return area == nullptr ? nullptr : &area->serial;
-}
-
-/// Sleeps until something may have happened; false when the deadline has passed.
-bool sleepOn(const std::atomic<std::uint32_t>* word, std::uint32_t serial, const timespec* deadline) {
-    if (word != nullptr) {
-        const int result = futexWait(*word, serial, deadline);
-        if (result == 0 || result == EAGAIN || result == EINTR) {
-            return true;
+/// Makes a watch on this process's runtime directory, if there is one.
+void watchDirectory(std::optional<DirectoryWatch>& watch) {
+    try {
+        std::string ignored;
+        const std::string* const directory = ownRuntimeDirectory(ignored);
+        if (directory != nullptr) {
+            watch.emplace(*directory);
         }
-        if (result == ETIMEDOUT) {
-            return false;
-        }
+    } catch (const std::exception&) {
+        watch.reset();
     }
-    // No area yet, or a kernel that cannot wait on it: the one case that costs a look now and then.
-    std::this_thread::sleep_for(RETRY_PERIOD);
-    return deadline == nullptr || !isPast(*deadline);
 }
 
 }  // namespace
 
-std::string setProperty(const char* name, const char* value) {
-    std::string error = propertyNameError(name);
-    if (error.empty() && (value == nullptr || std::strlen(value) >= PROP_VALUE_MAX)) {
-        error = "the value has more than " + std::to_string(PROP_VALUE_MAX - 1) + " bytes";
-    }
-    if (!error.empty()) {
-        return error;
-    }
+std::string setProperties(const std::vector<std::pair<std::string, std::string>>& properties) {
     const RuntimeDirectory directory = openRuntimeDirectory();
     if (!directory.error.empty()) {
         return directory.error;
     }
-    const PropertyLock lock(directory.path);
-    if (!lock.isHeld()) {
-        return lock.error();
+    PropertyWriter writer(directory.path);
+    for (const auto& [name, value] : properties) {
+        const std::string error = writer.set(name, value);
+        if (!error.empty()) {
+            return properties.size() == 1 ? error : name + ": " + error;
+        }
     }
-    const PropertyFile file = PropertyFile::openForWriting(directory.path, error);
-    if (file.writableArea() == nullptr) {
-        return error;
+    return writer.commit();
+}
+
+std::string setProperty(const char* name, const char* value) {
+    if (name == nullptr || value == nullptr) {
+        return name == nullptr ? "there is no name" : "there is no value";
     }
-    recoverArea(*file.writableArea());
-    return writeEntry(*file.writableArea(), name, value);
+    return setProperties({{name, value}});
 }
 
 std::string propertyAreaError() {
-    std::string error;
-    openFile(error);
+    const RuntimeDirectory directory = openRuntimeDirectory();
+    std::string error = directory.error;
+    if (error.empty()) {
+        PropertyList ignoredList;
+        FileVersion ignoredVersion;
+        readPropertyFile(directory.path, ignoredList, ignoredVersion, error);
+    }
     return error;
-}
-
-void changeRuntimeDirectory(const std::string& directory) {
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): the header says so
-    setenv("KORDANIX_RUNTIME_DIR", directory.c_str(), 1);
-    gArea.store(nullptr, std::memory_order_release);
 }
 
 }  // namespace platform
 
-using platform::findArea;
-
 // NOLINTBEGIN(bugprone-reserved-identifier): the platform's names
 
 int __system_property_set(const char* name, const char* value) {
+    const platform::ErrnoKept kept;
     const std::string error = platform::setProperty(name, value);
     if (error.empty()) {
         return 0;
     }
-    __android_log_print(ANDROID_LOG_ERROR, platform::TAG, "cannot set \"%s\": %s",
-                        name == nullptr ? "" : name, error.c_str());
+    __android_log_print(ANDROID_LOG_ERROR, "properties", "cannot set \"%s\": %s", name == nullptr ? "" : name,
+                        error.c_str());
     return -1;
 }
 
 const prop_info* __system_property_find(const char* name) {
-    const platform::PropertyArea* area = findArea();
-    if (area == nullptr || name == nullptr) {
+    const platform::ErrnoKept kept;
+    const platform::View view = platform::look();
+    if (view == nullptr || name == nullptr) {
         return nullptr;
     }
-    const std::size_t number = platform::findEntry(*area, name);
-    return number == platform::PropertyArea::CAPACITY ? nullptr : &area->entries[number];
+    const auto found = view->list.properties.find(std::string_view(name));
+    try {
+        return found == view->list.properties.end() ? nullptr : platform::handleOf(found->first);
+    } catch (const std::exception&) {
+        return nullptr;
+    }
 }
 
 void __system_property_read_callback(const prop_info* pi,
@@ -170,63 +211,83 @@ void __system_property_read_callback(const prop_info* pi,
     if (pi == nullptr) {
         return;
     }
-    // A copy that surely ends, whatever became of the file since it was checked.
-    auto name = pi->name;
-    name.back() = '\0';
-    const platform::PropertyValue value = platform::readValue(*pi);
-    callback(cookie, name.data(), value.text.data(), value.serial);
+    const int callersErrno = errno;
+    const platform::View view = platform::look();
+    const platform::Property* const property = platform::propertyOf(view, pi);
+    errno = callersErrno;
+    callback(cookie, pi->name.c_str(), property == nullptr ? "" : property->value.c_str(),
+             platform::serialOf(view, pi));
 }
 
 int __system_property_foreach(void (*callback)(const prop_info* pi, void* cookie), void* cookie) {
-    const platform::PropertyArea* area = findArea();
-    if (area == nullptr) {
+    const platform::ErrnoKept kept;
+    const platform::View view = platform::look();
+    if (view == nullptr || view->list.serial == 0) {
         return -1;
     }
-    const std::size_t count = area->count.load(std::memory_order_acquire);
-    for (std::size_t i = 0; i < std::min(count, platform::PropertyArea::CAPACITY); ++i) {
-        callback(&area->entries[i], cookie);
+    for (const auto& [name, property] : view->list.properties) {
+        callback(platform::handleOf(name), cookie);
     }
     return 0;
 }
 
 int __system_property_get(const char* name, char* value) {
+    const platform::ErrnoKept kept;
     value[0] = '\0';
-    const prop_info* pi = __system_property_find(name);
-    if (pi == nullptr) {
+    const platform::View view = platform::look();
+    if (view == nullptr || name == nullptr) {
         return 0;
     }
-    const platform::PropertyValue current = platform::readValue(*pi);
-    std::memcpy(value, current.text.data(), current.text.size());
-    return static_cast<int>(std::strlen(value));
+    const auto found = view->list.properties.find(std::string_view(name));
+    if (found == view->list.properties.end()) {
+        return 0;
+    }
+    const std::size_t length = found->second.value.copy(value, PROP_VALUE_MAX - 1);
+    value[length] = '\0';
+    return static_cast<int>(length);
 }
 
 bool __system_property_wait(const prop_info* pi, uint32_t old_serial, uint32_t* new_serial_ptr,
                             const struct timespec* relative_timeout) {
-    timespec deadline = {};
-    if (relative_timeout != nullptr) {
-        deadline = platform::deadlineAfter(*relative_timeout);
-    }
-    for (bool isInTime = true;;) {
-        const std::atomic<std::uint32_t>* word = platform::waitWord(pi);
-        const std::uint32_t serial = word == nullptr ? old_serial : word->load(std::memory_order_acquire);
-        if (serial != old_serial) {
+    const platform::ErrnoKept kept;
+    const std::optional<timespec> end = relative_timeout == nullptr
+                                            ? std::nullopt
+                                            : std::optional(platform::deadlineAfter(*relative_timeout));
+    const timespec* const deadline = end ? &*end : nullptr;
+    std::optional<platform::DirectoryWatch> watch;
+    for (;;) {
+        platform::Look worth = platform::Look::CURRENT;
+        const platform::View view = platform::look(worth);
+        const std::uint32_t serial = platform::serialOf(view, pi);
+        if (serial != old_serial && serial != 0) {
             *new_serial_ptr = serial;
             return true;
         }
-        if (!isInTime) {
+        if (platform::isPast(deadline)) {
             return false;
         }
-        isInTime = platform::sleepOn(word, old_serial, relative_timeout == nullptr ? nullptr : &deadline);
+        if (watch) {
+            watch->sleep(deadline);
+            watch.reset();
+            continue;
+        }
+        if (worth == platform::Look::CURRENT) {
+            platform::watchDirectory(watch);  // and another look, since it sees only what comes
+        }
+        if (!watch) {
+            platform::DirectoryWatch::sleepWithoutWatch(deadline);
+        }
     }
 }
 
 uint32_t __system_property_area_serial(void) {
-    const platform::PropertyArea* area = findArea();
-    return area == nullptr ? 0 : area->serial.load(std::memory_order_acquire);
+    const platform::ErrnoKept kept;
+    return platform::serialOf(platform::look(), nullptr);
 }
 
 uint32_t __system_property_serial(const prop_info* pi) {
-    return pi->serial.load(std::memory_order_acquire);
+    const platform::ErrnoKept kept;
+    return platform::serialOf(platform::look(), pi);
 }
 
 // NOLINTEND(bugprone-reserved-identifier)

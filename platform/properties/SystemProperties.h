@@ -1,6 +1,10 @@
 #pragma once
 
 #include <string>
+#include <utility>
+#include <vector>
+
+#include "properties/RuntimeDirectory.h"
 
 namespace platform {
 
@@ -11,14 +15,12 @@ namespace platform {
 /// (which every reader of switches, numbers and names takes for "not set") and publish.
 std::string setProperty(const char* name, const char* value);
 
+/// The same for several, of names and values: all are written at once, in that order, or none.
+std::string setProperties(const std::vector<std::pair<std::string, std::string>>& properties);
+
 /// Why properties can be neither read nor written, in plain words: no runtime directory, a damaged or
 /// foreign file. Looks at the file anew at every call. Empty when all is well, also when no property was
 /// ever written and so there is no file yet.
 std::string propertyAreaError();
-
-/// Makes `directory` the runtime directory of this process, as if KORDANIX_RUNTIME_DIR had named it at its
-/// start (the variable is set too): what is looked up from now on is read there, what was found before stays
-/// as it is. While no other thread uses properties or the environment.
-void changeRuntimeDirectory(const std::string& directory);
 
 }  // namespace platform

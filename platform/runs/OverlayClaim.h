@@ -10,23 +10,30 @@
 /// name.
 namespace platform {
 
+/// "open", or the number and the start of the process that has the claim. Not there when `run` was told whom
+/// to show the overlay in.
+constexpr const char* CLAIM_PROPERTY = "kordanix.run.claim";
+
 enum class Claim {
     OWN,      ///< this process shows the overlay; its name and API are in the properties, published
     FOREIGN,  ///< another process of the run was first: no frame hook is to be called
-    BUSY,     ///< somebody is writing properties; ask again at the next frame
+    BUSY,     ///< somebody is writing properties, or they cannot be written now; ask again at the next frame
     NONE,     ///< not in a run, or the run was told whom to show it in: the properties decide
 };
 
 /// Before the first frame hook of a process, and again while it answers BUSY. Takes the properties' write
 /// lock without waiting for it, and under it writes "debug.kordanix.proc" (as the library reads this
-/// process's name), "debug.kordanix.api" and the claim itself, with this process's number. A claim whose
-/// process has ended can be taken over. Some file operations; never waits. Any thread, one at a time.
+/// process's name), "debug.kordanix.api" and the claim itself, with this process's number. A process that has
+/// become another program keeps its claim, under its new name. A claim whose process has surely ended can be
+/// taken over. Some file operations, of writes that fail one a second; never waits. Any thread, one at a time.
 Claim claimOverlay(const std::string& processName, std::int32_t api);
 
-/// The process that has the claim of the run whose folder it is; nothing while none has.
+/// The process that has the claim of the run whose folder it is, also when it has ended; nothing while none
+/// has. Its number is that of its own namespace.
 std::optional<pid_t> overlayClaimant(const std::string& folder);
 
-/// Makes a run's overlay claimable; by `run`, before it starts a program without a name being set.
+/// Makes a run's overlay claimable; by `run`, before it starts a program without a name being set. Returns
+/// what went wrong, in plain words.
 std::string openOverlayClaim(const std::string& folder);
 
 }  // namespace platform

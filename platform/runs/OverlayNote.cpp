@@ -129,11 +129,12 @@ void removeOldNotes(const std::string& directory) {
 
 void writeOverlayNote(const OverlayNote& note) {
     const int callersErrno = errno;
-    const RuntimeDirectory directory = openRuntimeDirectory();
-    if (directory.error.empty()) {
-        const std::string path = notePath(directory.path, getpid());
-        if (runProcess(directory.path) == 0 && access(path.c_str(), F_OK) != 0) {
-            removeOldNotes(directory.path);
+    std::string error;
+    const std::string* const directory = ownRuntimeDirectory(error);
+    if (directory != nullptr) {
+        const std::string path = notePath(*directory, getpid());
+        if (runProcess(*directory) == 0 && access(path.c_str(), F_OK) != 0) {
+            removeOldNotes(*directory);
         }
         replaceFile(path, toText(note));
     }

@@ -124,7 +124,7 @@ const DirectoryCase DIRECTORIES[] = {
          return true;
      },
      {},
-     "is not a property area",
+     "does not begin with",
      false},
     {"ReadOnly",
      {},

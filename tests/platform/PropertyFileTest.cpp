@@ -1,153 +1,197 @@
-#include "properties/PropertyFile.h"
-
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <cstddef>
 #include <fstream>
-#include <iterator>
+#include <random>
+#include <thread>
 
 #include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
+#include "properties/PropertyName.h"
+#include "properties/PropertyWriter.h"
 #include "properties/SystemProperties.h"
 
 namespace platform {
 namespace {
 
-/// A runtime directory of the test's own, through files of its own: nothing here is mapped for good.
+namespace fs = std::filesystem;
+
+TEST(PropertyNameTest, AcceptsWhatBionicAccepts) {
+    const std::string longest(PROPERTY_NAME_LENGTH_MAX, 'n');
+    for (const std::string& name : {std::string("a"), std::string("A-z_0@x:9"), longest}) {
+        EXPECT_EQ(propertyNameError(name.c_str()), "");
+    }
+    const std::string longer = longest + "n";
+    for (const char* name : {"", ".a", "a.", "a..b", "a b", "a/b", "a=b", "a\n", "\xc3\xa4", longer.c_str(),
+                             static_cast<const char*>(nullptr)}) {
+        EXPECT_NE(propertyNameError(name), "") << (name == nullptr ? "(null)" : name);
+    }
+}
+
+TEST(PropertyTextTest, AnyValueComesBackAndEveryWriteHasASerialOfItsOwn) {
+    PropertyList list;
+    std::uint32_t last = 0;
+    list.serial = UINT32_MAX - 3;
+    for (const std::string& value :
+         {std::string(), std::string("a"), std::string(" "), std::string("  a b\t"), std::string("\\"),
+          std::string("\\n\\x20"), std::string("\n\n"), std::string("a\r\n\x7f\x01"),
+          std::string("\xc3\xa4\xff"), std::string(4096, '\x01')}) {
+        ASSERT_EQ(setProperty(list, "name", value), "");
+        ASSERT_EQ(setProperty(list, "other", value), "");
+        PropertyList read;
+        ASSERT_EQ(parseProperties(formatProperties(list), read), "");
+        EXPECT_EQ(read.properties["name"].value, value);
+        EXPECT_EQ(read.properties["other"].serial, list.serial);
+        EXPECT_TRUE(list.serial != last && list.serial != 0 && read.properties["name"].serial != list.serial);
+        last = list.serial;
+    }
+}
+
+TEST(PropertyTextTest, WhatWasCutOrDamagedIsRefused) {
+    PropertyList list;
+    setProperty(list, "first", "one");
+    setProperty(list, "second", "");
+    const std::string text = formatProperties(list);
+    PropertyList read;
+    for (std::size_t size = 0; size < text.size(); ++size) {
+        EXPECT_NE(parseProperties(text.substr(0, size), read), "") << size;
+        EXPECT_TRUE(read.properties.empty() && read.serial == 0);
+    }
+    const std::string header = "kordanix-properties version=1 serial=7 lines=";
+    for (const std::string& damaged :
+         {std::string("kordanix-properties version=2 serial=7 lines=0\n"), std::string("KPRP"),
+          header + "99999999999\n", header + "-1\n", header + "1001\n", header + "1 \na 1 b\n",
+          "kordanix-properties version=1 serial=0 lines=0\n" + std::string(), header + "0\na 1 b\n",
+          header + "1\na..b 1 c\n", header + "1\na 0 b\n", header + "1\na 4294967296 b\n",
+          header + "1\na 1b\n", header + "1\na 1 \\q\n", header + "1\na 1 \\x0\n", header + "1\na 1 \\x00\n",
+          header + "2\na 1 b\na 1 b\n", header + "1\na 1 " + std::string(4097, 'b') + "\n",
+          header + "1\n" + std::string("a\0 1 b\n", 7), header + "1\n" + std::string("a 1 b\0c\n", 8)}) {
+        EXPECT_NE(parseProperties(damaged, read), "") << damaged.substr(0, 80);
+    }
+    EXPECT_EQ(parseProperties(header + "1\na 1\n", read), "") << "an editor that takes blanks away";
+}
+
 class PropertyFileTest : public testing::Test {
 protected:
-    PropertyFileTest() { setenv("KORDANIX_RUNTIME_DIR", mDirectory.path().c_str(), 1); }
+    PropertyFileTest() { changeRuntimeDirectory(mDirectory.path()); }
 
     std::string readProperty(const std::string& name) const {
+        PropertyList list;
+        FileVersion version;
         std::string error;
-        const PropertyFile file = PropertyFile::openForReading(mDirectory.path(), error);
-        const std::size_t number = file.area() == nullptr ? 0 : findEntry(*file.area(), name.c_str());
-        return file.area() == nullptr             ? "(no area: " + error + ")"
-               : number == PropertyArea::CAPACITY ? "(none)"
-                                                  : readValue(file.area()->entries[number]).text.data();
-    }
-
-    std::string readFile() const {
-        std::ifstream file(mPath, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    /// Expects that neither readers nor writers use what lies in the file's place, and that they say why.
-    void expectRefused(const std::string& reason) const {
-        std::string error;
-        EXPECT_EQ(PropertyFile::openForReading(mDirectory.path(), error).area(), nullptr);
-        EXPECT_THAT(error, testing::AllOf(testing::HasSubstr(reason), testing::HasSubstr(mPath)));
-        EXPECT_THAT(setProperty("a", "b"), testing::HasSubstr(mPath));
-        EXPECT_EQ(propertyAreaError(), error);
+        readPropertyFile(mDirectory.path(), list, version, error);
+        const auto found = list.properties.find(name);
+        return !error.empty() ? error : found == list.properties.end() ? "(none)" : found->second.value;
     }
 
     const TemporaryDirectory mDirectory;
     const std::string mPath = mDirectory.path("properties");
 };
 
-TEST_F(PropertyFileTest, RefusesForeignAndDamagedAreasAndLeavesThemAlone) {
-    ASSERT_EQ(setProperty("debug.first", "1"), "");
-    ASSERT_EQ(setProperty("debug.second", "2"), "");
-    const std::string sound = readFile();
-    ASSERT_EQ(sound.size(), PropertyArea::SIZE);
-    const auto damaged = [&](std::size_t at, std::uint32_t word) {
-        return std::string(sound).replace(at, 4, reinterpret_cast<const char*>(&word), 4);
+TEST_F(PropertyFileTest, WhatElseLiesInItsPlaceIsRefusedInWordsAndLeftAlone) {
+    const std::string victim = mDirectory.path("victim");
+    std::ofstream(victim) << "kordanix-properties version=1 serial=7 lines=0\n";
+    const auto write = [&](const std::string& text) { std::ofstream(mPath) << text; };
+    const std::pair<const char*, std::function<void()>> places[] = {
+        {"is not a regular file", [&] { mkfifo(mPath.c_str(), 0600); }},
+        {"symbolic link", [&] { fs::create_symlink(victim, mPath); }},
+        {"directory", [&] { fs::create_directory(mPath); }},
+        {"does not begin with", [&] { write(""); }},
+        {"was cut", [&] { write("kordanix-properties version=1 serial=7 lines=3\na 1 b\n"); }},
+        {"too big",
+         [&] {
+             std::ofstream file(mPath);
+             for (int i = 0; i < 1000000; ++i) {
+                 file << "line\n";
+             }
+         }},
+        {"another user",
+         [&] {
+             write("");
+             if (chown(mPath.c_str(), 65534, 65534) != 0) {  // not root
+                 fs::remove(mPath);
+                 write("another user");
+             }
+         }},
     };
-    const std::size_t entry = offsetof(PropertyArea, entries);
-    const std::size_t index =
-        offsetof(PropertyArea, index) + hashName("debug.first") % PropertyArea::INDEX_SIZE * 4;
-    const std::pair<std::string, const char*> files[] = {
-        {"", "is not a property area"},
-        {sound.substr(1), "is not a property area"},
-        {std::string(PropertyArea::SIZE, '\0'), "is not a property area"},
-        {damaged(4, 99), "another version"},
-        {damaged(8, 4096), "another version"},
-        {damaged(offsetof(PropertyArea, serial), 0), "header"},
-        {damaged(offsetof(PropertyArea, count), 794), "header"},
-        {damaged(offsetof(PropertyArea, count), 1), "header"},
-        {damaged(offsetof(PropertyArea, pending), UINT32_MAX), "header"},
-        {damaged(index, UINT32_MAX), "header"},
-        {damaged(index, 0), "entry 0"},
-        {damaged(entry, 0), "entry 0"},
-        {damaged(entry + offsetof(prop_info, hash), 7), "entry 0"},
-        {damaged(entry + offsetof(prop_info, name), 0x2e2e6161), "entry 0"},        // "aa.."
-        {damaged(entry + offsetof(prop_info, name) + 124, 0x61616161), "entry 0"},  // without an end
-    };
-    for (const auto& [bytes, reason] : files) {
-        SCOPED_TRACE(&bytes - &files[0].first);
-        std::ofstream(mPath, std::ios::binary | std::ios::trunc) << bytes;
-        expectRefused(reason);
-        EXPECT_TRUE(readFile() == bytes);
+    for (const auto& [reason, put] : places) {
+        put();
+        const auto sizeBefore = fs::is_regular_file(mPath) ? fs::file_size(mPath) : 0;
+        const auto isSaid = testing::AllOf(testing::HasSubstr(mPath), testing::HasSubstr(reason));
+        EXPECT_THAT(propertyAreaError(), isSaid);
+        EXPECT_THAT(setProperty("a", "b"), isSaid);
+        EXPECT_EQ(fs::is_regular_file(mPath) ? fs::file_size(mPath) : 0, sizeBefore);
+        fs::remove(mPath);
     }
+    // The file that writers make aside: what a killed one left goes, the rest is said.
+    const std::string draft = mPath + ".new";
+    fs::create_symlink(victim, draft);
+    EXPECT_EQ(setProperty("a", "1"), "");
+    std::ofstream(draft) << "half a li";
+    EXPECT_EQ(setProperty("a", "2"), "");
+    mkfifo(draft.c_str(), 0600);
+    EXPECT_EQ(setProperty("a", "3"), "");
+    fs::create_directory(draft);
+    EXPECT_THAT(setProperty("a", "4"), testing::HasSubstr(draft));
+    EXPECT_EQ(readProperty("a"), "3");
+    EXPECT_EQ(fs::file_size(victim), 47U);
 }
 
-TEST_F(PropertyFileTest, RefusesOtherThingsInItsPlace) {
-    ASSERT_EQ(mkfifo(mPath.c_str(), 0600), 0);
-    expectRefused("");
-    std::filesystem::remove(mPath);
-    ASSERT_EQ(symlink("elsewhere", mPath.c_str()), 0);
-    expectRefused("");
-    EXPECT_FALSE(std::filesystem::exists(mDirectory.path("elsewhere")));
-    std::filesystem::remove(mPath);
-    ASSERT_EQ(setProperty("a", "1"), "");
-    if (geteuid() == 0) {
-        ASSERT_EQ(chown(mPath.c_str(), 65534, 65534), 0);
-        expectRefused("another user");
-    }
-}
-
-TEST_F(PropertyFileTest, FailedCreationLeavesNothingBehind) {
+TEST_F(PropertyFileTest, FailedWritesLeaveTheOldFileAndNothingElse) {
+    ASSERT_EQ(setProperty("a", "old"), "");
     const pid_t child = startChild([] {
-        signal(SIGXFSZ, SIG_IGN);
         const rlimit limit = {4096, 4096};
         setrlimit(RLIMIT_FSIZE, &limit);
-        return setProperty("a", "1").find("cannot write") == std::string::npos ? 1 : 0;
+        return setProperty("b", std::string(4096, 'x').c_str()).find("cannot write") == 0 ? 0 : 1;
     });
-    EXPECT_EQ(waitForChild(child), 0);
-    EXPECT_TRUE(std::filesystem::is_empty(mDirectory.path()));
-    EXPECT_EQ(setProperty("a", "1"), "");
+    EXPECT_EQ(waitForChild(child), 0) << "not ended by a signal";
+    EXPECT_THAT(setProperties({{"b", "1"}, {"c..d", "2"}}), testing::HasSubstr("c..d"));
+    EXPECT_THAT(setProperty("b", std::string(4097, 'x').c_str()), testing::HasSubstr("4096"));
+    EXPECT_EQ(readProperty("a"), "old");
+    EXPECT_EQ(readProperty("b"), "(none)");
+    EXPECT_EQ(std::distance(fs::directory_iterator(mDirectory.path()), fs::directory_iterator()), 1);
+    PropertyWriter writer(mDirectory.path());
+    for (std::size_t i = 1; i < PROPERTY_COUNT_MAX; ++i) {
+        writer.set("n" + std::to_string(i), "");
+    }
+    EXPECT_EQ(writer.commit(), "");
+    EXPECT_THAT(writer.set("one.more", ""), testing::HasSubstr("1000"));
 }
 
-// A writer was killed between a value and its announcement: whoever writes next tells those who wait.
-TEST_F(PropertyFileTest, TheNextWriterAnnouncesWhatAKilledOneHasWritten) {
-    ASSERT_EQ(setProperty("first", "1"), "");
-    std::string error;
-    const PropertyFile file = PropertyFile::openForWriting(mDirectory.path(), error);
-    ASSERT_NE(file.writableArea(), nullptr) << error;
-    const std::uint32_t serial = file.area()->serial;
-    file.writableArea()->pending = 1;
-    EXPECT_EQ(setProperty("second", "2"), "");
-    EXPECT_EQ(file.area()->serial, serial + 2);
-    EXPECT_EQ(file.area()->pending, 0U);
+TEST_F(PropertyFileTest, WriterWaitsForTheLockOnlySoLongAndSaysForWhom) {
+    const PropertyLock lock(mDirectory.path(), std::chrono::seconds(0));
+    ASSERT_TRUE(lock.isHeld());
+    const PropertyWriter atOnce(mDirectory.path(), std::chrono::seconds(0));
+    EXPECT_TRUE(atOnce.isBusy());
+    const PropertyWriter later(mDirectory.path(), std::chrono::milliseconds(20));
+    EXPECT_TRUE(later.isBusy());
+    EXPECT_THAT(later.error(), testing::HasSubstr("process " + std::to_string(getpid()) + ' '));
+    EXPECT_THAT(later.error(), testing::HasSubstr(mDirectory.path()));
 }
 
-TEST_F(PropertyFileTest, ManyProcessesCreateItAtOnce) {
-    for (int round = 0; round < 50; ++round) {
-        std::filesystem::remove(mPath);
-        int gate[2];
-        ASSERT_EQ(pipe(gate), 0);
-        std::vector<pid_t> children;
-        for (const char* name : {"from.1", "from.2", "from.3", "from.4"}) {
-            children.push_back(startChild([&gate, name] {
-                close(gate[1]);
-                char byte = 0;
-                (void)!read(gate[0], &byte, 1);
-                return setProperty(name, "here").empty() ? 0 : 1;
-            }));
-        }
-        close(gate[0]);
-        close(gate[1]);
-        while (readProperty("from.1") == "(no area: )") {  // a reader finds none or a whole one
-        }
-        EXPECT_THAT(readProperty("from.2"), testing::AnyOf("(none)", "here"));
-        for (const pid_t child : children) {
-            EXPECT_EQ(waitForChild(child), 0);
-        }
-        for (const char* name : {"from.1", "from.2", "from.3", "from.4"}) {
-            ASSERT_EQ(readProperty(name), "here");
-        }
+TEST_F(PropertyFileTest, KilledWritersLeaveTheOldFileOrTheNew) {
+    ASSERT_EQ(setProperties({{"a", "0"}, {"b", "0"}}), "");
+    FileVersion last = lookAtPropertyFile(mDirectory.path());
+    std::mt19937 random(5);
+    for (int round = 0; round < 300; ++round) {
+        const pid_t writer = startChild([&] {
+            for (int i = round;; ++i) {
+                const std::string value(static_cast<std::size_t>(i % 4000), 'x');
+                setProperties({{"a", value}, {"b", value}});
+            }
+            return 0;
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
+        kill(writer, SIGKILL);
+        ASSERT_EQ(waitForChild(writer), -SIGKILL);
+        ASSERT_EQ(propertyAreaError(), "");
+        ASSERT_EQ(readProperty("a"), readProperty("b"));
+        ASSERT_EQ(setProperty("own", std::to_string(round).c_str()), "");
+        const FileVersion version = lookAtPropertyFile(mDirectory.path());
+        ASSERT_TRUE(version != last && std::tie(version.time.tv_sec, version.time.tv_nsec) >
+                                           std::tie(last.time.tv_sec, last.time.tv_nsec));
+        last = version;
     }
 }
 

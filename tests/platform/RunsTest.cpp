@@ -3,10 +3,14 @@
 #include <sys/stat.h>
 
 #include <fstream>
+#include <tuple>
 
 #include "io/ProcessStart.h"
 #include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
+#include "properties/PropertyWriter.h"
+#include "properties/SystemProperties.h"
+#include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
 #include "runs/RunFolder.h"
 
@@ -118,9 +122,63 @@ TEST_F(RunFolderTest, AsLongAsItsLauncherRunsNobodyElseRemovesIt) {
     EXPECT_THAT(error, testing::HasSubstr("too long"));
 }
 
+class OverlayClaimTest : public testing::Test {
+protected:
+    OverlayClaimTest() { changeRuntimeDirectory(mRun.path()); }
+
+    std::string value(const char* name) const { return PropertyWriter(mRun.path()).value(name); }
+    /// What another process gets.
+    static Claim claimElsewhere() {
+        return static_cast<Claim>(
+            waitForChild(startChild([] { return static_cast<int>(claimOverlay("other", 1)); })));
+    }
+
+    const TemporaryDirectory mRun;
+};
+
+TEST_F(OverlayClaimTest, TheFirstProcessHasItUntilItEnds) {
+    EXPECT_EQ(claimOverlay("first", 7), Claim::NONE);
+    ASSERT_EQ(openOverlayClaim(mRun.path()), "");
+    EXPECT_EQ(overlayClaimant(mRun.path()), std::nullopt);
+    EXPECT_EQ(claimElsewhere(), Claim::OWN);
+    EXPECT_EQ(value("debug.kordanix.proc"), "other");
+    {
+        const PropertyLock lock(mRun.path(), std::chrono::seconds(0));
+        EXPECT_EQ(claimOverlay("first", 7), Claim::BUSY);
+    }
+    EXPECT_EQ(claimOverlay("first", 7), Claim::OWN) << "the one that had it has ended";
+    EXPECT_EQ(claimElsewhere(), Claim::FOREIGN);
+    EXPECT_EQ(overlayClaimant(mRun.path()), getpid());
+    EXPECT_EQ(value("debug.kordanix.proc"), "first");
+    EXPECT_EQ(value("debug.kordanix.api"), "7");
+    EXPECT_EQ(value("debug.kordanix.settingsgeneration"), "2");
+    // Another program in the same process.
+    const std::string longName(4000, 'n');
+    EXPECT_EQ(claimOverlay(longName, 7), Claim::OWN);
+    EXPECT_EQ(claimOverlay(longName, 7), Claim::OWN);
+    EXPECT_EQ(value("debug.kordanix.proc"), longName);
+    EXPECT_EQ(value("debug.kordanix.settingsgeneration"), "3") << "nothing new is nothing to publish";
+}
+
+TEST_F(OverlayClaimTest, IsNotTakenFromAProcessThatMayLive) {
+    ASSERT_EQ(openOverlayClaim(mRun.path()), "");
+    ASSERT_EQ(claimElsewhere(), Claim::OWN);
+    const std::string ended = value(CLAIM_PROPERTY);
+    const std::string here = value("kordanix.run.namespace");
+    const std::string reused = std::to_string(getppid()) + " 1";
+    const std::tuple<std::string, std::string, Claim> claims[] = {
+        {ended, "pid:[1]", Claim::FOREIGN}, {"1 x", here, Claim::FOREIGN}, {"-1 5", here, Claim::FOREIGN},
+        {reused, here, Claim::OWN},         {ended, here, Claim::OWN},
+    };
+    for (const auto& [claim, place, expected] : claims) {
+        ASSERT_EQ(setProperties({{CLAIM_PROPERTY, claim}, {"kordanix.run.namespace", place}}), "");
+        EXPECT_EQ(claimOverlay("first", 0), expected) << claim << " in " << place;
+    }
+}
+
 TEST(OverlayNoteTest, AreReadBackAndRubbishIsPassedOver) {
     const TemporaryDirectory directory;
-    setenv("KORDANIX_RUNTIME_DIR", directory.path().c_str(), 1);
+    changeRuntimeDirectory(directory.path());
     const OverlayNote note = {getpid(), " a\nname\\ ", -7, true, 1ULL << 63, "its state\nkeeps it away"};
     writeOverlayNote({getpid(), "first", 0, false, 0, ""});
     writeOverlayNote(note);

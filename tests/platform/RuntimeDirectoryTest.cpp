@@ -43,7 +43,9 @@ TEST(RuntimeDirectoryTest, RefusesWhatOthersCouldMeddleWith) {
     expectRefused(path, "written to by other users");
     if (path.rfind("/tmp/", 0) == 0) {  // below it the group must not write either
         ASSERT_EQ(chmod(path.c_str(), 0770), 0);
-        expectRefused(path, "written to by other users");
+        for (const std::string& same : {path, '/' + path, "/tmp/../" + path, "/usr/.." + path}) {
+            expectRefused(same, "written to by other users");
+        }
     }
     ASSERT_EQ(chmod(path.c_str(), 0700), 0);
     if (geteuid() == 0) {

@@ -1,9 +1,11 @@
 #include <android/log.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/system_properties.h>
 #include <sys/time.h>
 
+#include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <fstream>
@@ -50,79 +52,98 @@ pid_t setInAWhile(const char* name, const char* value) {
     });
 }
 
-/// All tests share one runtime directory, since a process keeps the first area that it finds.
 class SystemPropertiesTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        static const TemporaryDirectory directory;
-        setenv("KORDANIX_RUNTIME_DIR", directory.path().c_str(), 1);
-        checkLifeWithoutArea(directory.path("properties"));
-        ASSERT_EQ(__system_property_set("test.value", "first"), 0);
+    SystemPropertiesTest() {
+        changeRuntimeDirectory(mDirectory.path());
+        EXPECT_EQ(__system_property_set("test.value", "first"), 0);
         mProperty = __system_property_find("test.value");
-        ASSERT_NE(mProperty, nullptr);
     }
 
-    /// Can only be seen before the process has found an area, so it is part of the set-up.
-    static void checkLifeWithoutArea(const std::string& path) {
-        std::ofstream(path) << "not an area";
-        EXPECT_EQ(__system_property_find("test.value"), nullptr);
-        EXPECT_EQ(__system_property_find("test.value"), nullptr);
-        EXPECT_EQ(gLoggedErrors, 1) << "the damaged file is to be reported, once";
-        std::filesystem::remove(path);
-
-        char value[PROP_VALUE_MAX] = "left";
-        EXPECT_EQ(__system_property_get("test.value", value), 0);
-        EXPECT_STREQ(value, "");
-        EXPECT_EQ(__system_property_area_serial(), 0U);
-        EXPECT_EQ(__system_property_foreach([](const prop_info*, void*) {}, nullptr), -1);
-        EXPECT_EQ(propertyAreaError(), "");
-
-        std::uint32_t serial = 7;
-        const pid_t writer = setInAWhile("test.other", "x");
-        EXPECT_TRUE(__system_property_wait(nullptr, 0, &serial, nullptr));
+    /// Waits for another process's write; the time from then on.
+    milliseconds waitForWrite(const prop_info* pi) const {
+        const std::uint32_t serial =
+            pi == nullptr ? __system_property_area_serial() : __system_property_serial(pi);
+        const Clock::time_point start = Clock::now();
+        const pid_t writer = setInAWhile("test.value", "woken");
+        std::uint32_t next = serial;
+        EXPECT_TRUE(__system_property_wait(pi, serial, &next, nullptr));
+        const auto time = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
+        EXPECT_NE(next, serial);
+        EXPECT_EQ(readProperty(mProperty).value, "woken");
         EXPECT_EQ(waitForChild(writer), 0);
-        EXPECT_NE(__system_property_find("test.other"), nullptr);
+        return time - milliseconds(30);
     }
 
-    static inline const prop_info* mProperty = nullptr;
+    const TemporaryDirectory mDirectory;
+    const std::string mPath = mDirectory.path("properties");
+    const prop_info* mProperty = nullptr;
 };
 
+TEST_F(SystemPropertiesTest, WithoutAFileThereIsNothingButAWaitForOne) {
+    std::filesystem::remove(mPath);
+    EXPECT_EQ(readProperty(mProperty).value, "first") << "what was read stays";
+    const TemporaryDirectory empty;
+    changeRuntimeDirectory(empty.path());
+    std::ofstream(empty.path("properties")) << "not properties";
+    const int logged = gLoggedErrors;
+    EXPECT_EQ(__system_property_find("test.value"), nullptr);
+    EXPECT_EQ(__system_property_find("test.value"), nullptr);
+    EXPECT_EQ(gLoggedErrors, logged + 1) << "the damaged file is to be reported, once";
+    std::filesystem::remove(empty.path("properties"));
+    char value[PROP_VALUE_MAX] = "left";
+    EXPECT_EQ(__system_property_get("test.value", value), 0);
+    EXPECT_STREQ(value, "");
+    EXPECT_EQ(readProperty(mProperty).value, "");
+    EXPECT_EQ(__system_property_area_serial(), 0U);
+    EXPECT_EQ(__system_property_foreach([](const prop_info*, void*) {}, nullptr), -1);
+    EXPECT_EQ(propertyAreaError(), "");
+
+    std::uint32_t serial = 7;
+    const pid_t writer = setInAWhile("test.other", "x");
+    EXPECT_TRUE(__system_property_wait(nullptr, 0, &serial, nullptr));
+    EXPECT_EQ(waitForChild(writer), 0);
+    EXPECT_NE(__system_property_find("test.other"), nullptr);
+}
+
 TEST_F(SystemPropertiesTest, NamesAndValuesOutsideTheLimitsAreRefused) {
-    const std::string longest(91, 'v');
-    char value[PROP_VALUE_MAX];
+    const std::string longest(4096, 'v');
+    char value[PROP_VALUE_MAX + 1] = {};
+    value[PROP_VALUE_MAX] = '!';
+    errno = 77;
     EXPECT_EQ(__system_property_set("test.value", longest.c_str()), 0);
     EXPECT_EQ(__system_property_get("test.value", value), 91);
-    EXPECT_EQ(value, longest);
+    EXPECT_EQ(value, longest.substr(0, 91));
+    EXPECT_EQ(value[PROP_VALUE_MAX], '!');
     EXPECT_EQ(readProperty(mProperty).name, "test.value");
+    EXPECT_EQ(readProperty(mProperty).value, longest);
     EXPECT_EQ(setProperty("ro.test", "first"), "");
     EXPECT_THAT(setProperty("ro.test", "second"), testing::HasSubstr("read-only"));
 
+    errno = 77;
     const std::uint32_t serial = __system_property_area_serial();
     EXPECT_EQ(__system_property_set("test.value", (longest + "v").c_str()), -1);
     EXPECT_EQ(__system_property_set("test.value", nullptr), -1);
     EXPECT_EQ(__system_property_set("a..b", "x"), -1);
     EXPECT_EQ(__system_property_set(nullptr, "x"), -1);
     EXPECT_EQ(__system_property_area_serial(), serial);
-    EXPECT_EQ(readProperty(mProperty).value, longest);
     EXPECT_EQ(readProperty(__system_property_find("ro.test")).value, "first");
+    std::filesystem::remove(mPath);
+    EXPECT_EQ(__system_property_serial(mProperty), readProperty(mProperty).serial);
+    EXPECT_EQ(errno, 77) << "the caller's errno";
 }
 
 TEST_F(SystemPropertiesTest, WaitersAreWokenByOtherProcessesAlsoByTheSameValue) {
     std::uint32_t serial = 0;
     ASSERT_TRUE(__system_property_wait(mProperty, 0, &serial, nullptr)) << "the first wait returns at once";
     EXPECT_EQ(serial, readProperty(mProperty).serial);
-    for (const prop_info* pi : {mProperty, static_cast<const prop_info*>(nullptr), mProperty}) {
-        serial = pi == nullptr ? __system_property_area_serial() : __system_property_serial(pi);
-        const Clock::time_point start = Clock::now();
-        const pid_t writer = setInAWhile("test.value", "woken");
-        const timespec timeout = {20, 0};
-        std::uint32_t next = serial;
-        EXPECT_TRUE(__system_property_wait(pi, serial, &next, &timeout));
-        EXPECT_LT(Clock::now() - start, std::chrono::seconds(10)) << "nobody woke the waiter";
-        EXPECT_NE(next, serial);
-        EXPECT_EQ(readProperty(mProperty).value, "woken");
-        EXPECT_EQ(waitForChild(writer), 0);
+    std::vector<milliseconds> times;
+    for (const prop_info* pi : {mProperty, static_cast<const prop_info*>(nullptr), mProperty, mProperty,
+                                static_cast<const prop_info*>(nullptr)}) {
+        times.push_back(waitForWrite(pi));
     }
+    std::sort(times.begin(), times.end());
+    EXPECT_LT(times[2], milliseconds(20)) << "nobody woke the waiters";
 }
 
 TEST_F(SystemPropertiesTest, WaitsLastUntilTheirTimeoutWhateverWakesThem) {
@@ -148,6 +169,28 @@ TEST_F(SystemPropertiesTest, WaitsLastUntilTheirTimeoutWhateverWakesThem) {
         EXPECT_FALSE(__system_property_wait(mProperty, serial, &next, &strange));
     }
     EXPECT_EQ(next, 0U);
+}
+
+// A program that closes what it does not know, and has the number for a file of its own at once.
+TEST_F(SystemPropertiesTest, WaitersLeaveTheProgramsDescriptorsAlone) {
+    int own[2];
+    ASSERT_EQ(pipe(own), 0);
+    ASSERT_EQ(write(own[1], "x", 1), 1);
+    std::thread program([&] {
+        std::this_thread::sleep_for(milliseconds(20));
+        for (int number = own[1] + 1; number < own[1] + 20; ++number) {
+            dup2(own[0], number);
+        }
+    });
+    waitForWrite(mProperty);
+    program.join();
+    for (int number = own[1] + 1; number < own[1] + 20; ++number) {
+        EXPECT_EQ(close(number), 0) << number;
+    }
+    char byte = 0;
+    EXPECT_EQ(read(own[0], &byte, 1), 1) << "somebody read what is the program's";
+    close(own[0]);
+    close(own[1]);
 }
 
 TEST_F(SystemPropertiesTest, ThreadsAndAForkedChildWriteTogether) {

@@ -1,0 +1,105 @@
+// The property file: any bytes in its place, as somebody may have left or edited them.
+
+#include "Check.h"
+#include "platform/TemporaryDirectory.h"
+#include "properties/PropertyFile.h"
+#include "properties/PropertyName.h"
+#include "properties/SystemProperties.h"
+
+#include <sys/system_properties.h>
+
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+namespace {
+
+using platform::PropertyList;
+
+bool isSame(const PropertyList& one, const PropertyList& other) {
+    bool isSame = one.serial == other.serial && one.properties.size() == other.properties.size();
+    for (const auto& [name, property] : one.properties) {
+        const auto found = other.properties.find(name);
+        isSame = isSame && found != other.properties.end() && found->second.value == property.value &&
+                 found->second.serial == property.serial;
+    }
+    return isSame;
+}
+
+/// What was accepted keeps the rules, and comes back from the text that is written of it.
+void checkAccepted(const PropertyList& list) {
+    FUZZ_CHECK(list.serial != 0 && list.properties.size() <= platform::PROPERTY_COUNT_MAX);
+    for (const auto& [name, property] : list.properties) {
+        FUZZ_CHECK(platform::propertyNameError(name.c_str()).empty() &&
+                   std::strlen(name.c_str()) == name.size());
+        FUZZ_CHECK(property.serial != 0 && property.value.size() <= platform::PROPERTY_VALUE_LENGTH_MAX);
+        FUZZ_CHECK(property.value.find('\0') == std::string::npos);
+    }
+    PropertyList again;
+    FUZZ_CHECK(platform::parseProperties(platform::formatProperties(list), again).empty());
+    FUZZ_CHECK(isSame(list, again));
+}
+
+/// What this process's readers make of the file, and of one that was there before when it is refused.
+void checkReaders(const PropertyList& list, bool isSound) {
+    const auto read = [](const prop_info* pi, void* cookie) {
+        __system_property_read_callback(
+            pi,
+            [](void* expected, const char* name, const char* text, std::uint32_t serial) {
+                const auto& properties = static_cast<const PropertyList*>(expected)->properties;
+                const auto found = properties.find(name);
+                FUZZ_CHECK(found != properties.end() && found->second.value == text &&
+                           found->second.serial == serial);
+                char value[PROP_VALUE_MAX];
+                const int length = __system_property_get(name, value);
+                FUZZ_CHECK(length >= 0 && length < PROP_VALUE_MAX &&
+                           std::strncmp(value, text, static_cast<std::size_t>(length)) == 0);
+            },
+            cookie);
+        const timespec atOnce = {};
+        std::uint32_t serial = 0;
+        FUZZ_CHECK(__system_property_wait(pi, 0, &serial, &atOnce) && serial == __system_property_serial(pi));
+    };
+    FUZZ_CHECK(platform::propertyAreaError().empty() == isSound);
+    if (isSound) {
+        PropertyList copy = list;
+        FUZZ_CHECK(__system_property_foreach(read, &copy) == 0);
+        FUZZ_CHECK(__system_property_area_serial() == list.serial);
+    } else {
+        FUZZ_CHECK(__system_property_find("a") != nullptr);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const platform::TemporaryDirectory directory;
+    static const bool isSet = (platform::changeRuntimeDirectory(directory.path()), true);
+    FUZZ_CHECK(isSet);
+    const std::string path = platform::propertyFilePath(directory.path());
+    std::filesystem::remove(path);
+    FUZZ_CHECK(platform::setProperty("a", "1").empty() && __system_property_find("a") != nullptr);
+
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    PropertyList list;
+    const bool isSound = platform::parseProperties(bytes, list).empty();
+    if (isSound) {
+        checkAccepted(list);
+    }
+    const std::string aside = path + ".aside";
+    std::ofstream(aside, std::ios::binary) << bytes;
+    std::filesystem::rename(aside, path);
+    checkReaders(list, isSound);
+
+    const std::string value =
+        bytes.substr(0, bytes.find('\0')).substr(0, platform::PROPERTY_VALUE_LENGTH_MAX);
+    PropertyList changed = list;
+    const bool canBeSet = isSound && platform::setProperty(changed, "b", value).empty();
+    const bool wasSet = platform::setProperty("b", value.c_str()).empty();
+    FUZZ_CHECK(wasSet == canBeSet);
+    if (wasSet) {
+        checkReaders(changed, true);
+    }
+    return 0;
+}
