@@ -18,14 +18,14 @@ if [ "${1-}" = opengl ]; then
     build kordanix-opengl-bench kordanix-opengl-client kordanixctl kordanix_opengl kordanix_preload
     display=$(mktemp)
     # A server that starts afresh whenever the last program leaves would now and then refuse the next one.
-    Xvfb -displayfd 3 -screen 0 1280x720x24 -nolisten tcp -noreset 3>"$display" 2>/dev/null &
+    Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp -noreset 3>"$display" 2>/dev/null &
     server=$!
     trap 'kill "$server"; rm -f "$display"' EXIT
     until [ -s "$display" ]; do
         kill -0 "$server" 2>/dev/null || { echo "Xvfb did not start" >&2; exit 1; }
         sleep 0.1
     done
-    echo "Measuring, some ten minutes; files of the runs: build/bench-opengl" >&2
+    echo "Measuring, some fifteen minutes; files of the runs: build/bench-opengl" >&2
     DISPLAY=:$(cat "$display") build/release/bin/kordanix-opengl-bench "$@"
     exit
 fi

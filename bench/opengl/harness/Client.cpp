@@ -69,6 +69,26 @@ const std::vector<Mode>& modes() {
          10,
          30,
          true},
+        {"figures",
+         "with pixels, new figures in every frame",
+         {{"GALLIUM_THREAD", "0"}, {"LP_NUM_THREADS", "0"}},
+         8,
+         8,
+         32,
+         8,
+         16,
+         true},
+        {"pacing",
+         "with pixels, 1920 by 1080, a program that shows 60 frames a second",
+         {},
+         0,
+         60,
+         600,
+         0,
+         0,
+         true,
+         60,
+         {"--width", "1920", "--height", "1080"}},
     };
     return all;
 }
@@ -104,6 +124,10 @@ bool Client::measure(const Candidate& candidate, const Mode& mode, Times& times)
     Command options{"--warm-up", std::to_string(mode.warmUp),
                     "--frames",  std::to_string(mode.frames),
                     "--report",  report};
+    options.insert(options.end(), mode.size.begin(), mode.size.end());
+    if (mode.pace > 0) {
+        options.insert(options.end(), {"--pace", std::to_string(mode.pace)});
+    }
     if (mode.hasPixels) {
         options.insert(options.end(), {"--picture", path(candidate, mode, ".ppm")});
     }
@@ -114,7 +138,8 @@ bool Client::measure(const Candidate& candidate, const Mode& mode, Times& times)
     if (!figures.is_object()) {
         return fail(candidate, mode, "no figures in " + report);
     }
-    times = {figures.at("swap_us").get<double>(), figures.at("frame_us").get<double>()};
+    times = {figures.at("swap_us").get<double>(), figures.at("frame_us").get<double>(),
+             figures.at("intervals_ms").get<std::vector<double>>()};
     return candidate.library.empty() || isLoaded(figures.at("libraries"), candidate.library) ||
            fail(candidate, mode, candidate.library + " is not in the program");
 }

@@ -18,6 +18,8 @@ struct Mode {
     int countedWarmUp;  ///< frames
     int countedFrames;  ///< whose instructions are counted
     bool hasPixels;     ///< whether the overlay can be seen in the window
+    int pace = 0;       ///< frames a second of real time, whose intervals are what is measured; 0: no matter
+    Command size = {};  ///< options of the client
 };
 
 /// With the pixels taken out, then with them.
@@ -27,6 +29,7 @@ const std::vector<Mode>& modes();
 struct Times {
     double swap = 0.0;
     double frame = 0.0;
+    std::vector<double> intervals;  ///< from swap to swap in milliseconds, of a paced mode
 };
 
 /// Runs the client under the candidates. Files of the runs go to a folder, which stays.

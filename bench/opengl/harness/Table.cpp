@@ -47,6 +47,30 @@ double median(std::vector<double> values) {
     return values.size() % 2 == 1 ? values[half] : (values[half - 1] + values[half]) / 2.0;
 }
 
+double percentile(std::vector<double> values, double share) {
+    if (values.empty()) {
+        return 0.0;
+    }
+    std::sort(values.begin(), values.end());
+    return values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1) + 0.5)];
+}
+
+void printPacing(std::ostream& out, const Mode& mode, const std::vector<Samples>& rows) {
+    out << "\n| " << mode.title << " | p50, ms | p95, ms | p99, ms |\n|---|---|---|---|\n"
+        << std::fixed << std::setprecision(1);
+    for (const Samples& row : rows) {
+        out << "| " << row.candidate << " | " << median(row.p50) << " | " << median(row.p95) << " | "
+            << median(row.p99) << " |\n";
+    }
+    const Samples* ours = find(rows, OURS);
+    const Samples* theirs = find(rows, MANGOHUD);
+    if (ours != nullptr && theirs != nullptr) {
+        const bool isMet =
+            median(ours->p95) <= median(theirs->p95) && median(ours->p99) <= median(theirs->p99);
+        out << "\np95 and p99 no worse than mangohud's: " << (isMet ? "met" : "missed") << '\n';
+    }
+}
+
 void printTable(std::ostream& out, const Mode& mode, const std::vector<Samples>& rows) {
     out << "\n| " << mode.title << " | swap, us | over bare, us | instructions a frame, k | over bare, k |";
     out << (mode.hasPixels ? " picture changed |" : "") << "\n|---|---|---|---|---|"
@@ -87,6 +111,9 @@ void writeRounds(const std::string& path,
         for (const Samples& row : rows) {
             all[mode][row.candidate] = {{"swap_us", row.swap},
                                         {"frame_us", row.frame},
+                                        {"p50_ms", row.p50},
+                                        {"p95_ms", row.p95},
+                                        {"p99_ms", row.p99},
                                         {"instructions", row.instructions},
                                         {"changed_per_mille", row.changed}};
         }

@@ -39,6 +39,9 @@ bool measure(const Options& options, const bench::Client& client, const bench::M
             }
             rows[i].swap.push_back(times.swap);
             rows[i].frame.push_back(times.frame);
+            rows[i].p50.push_back(bench::percentile(times.intervals, 0.50));
+            rows[i].p95.push_back(bench::percentile(times.intervals, 0.95));
+            rows[i].p99.push_back(bench::percentile(times.intervals, 0.99));
         }
     }
     std::cerr << '\n';
@@ -96,14 +99,16 @@ bool runAll(const Options& options) {
         std::vector<bench::Samples> rows(candidates.size());
         std::transform(candidates.begin(), candidates.end(), rows.begin(),
                        [](const bench::Candidate& candidate) {
-                           return bench::Samples{candidate.name, {}, {}, 0.0, 0.0};
+                           bench::Samples samples;
+                           samples.candidate = candidate.name;
+                           return samples;
                        });
         if (!measure(options, client, mode, candidates, rows) ||
             (mode.hasPixels && !checkPictures(client, mode, candidates, rows)) ||
-            (!options.isUncounted && !count(client, mode, candidates, rows))) {
+            (!options.isUncounted && mode.pace == 0 && !count(client, mode, candidates, rows))) {
             return false;
         }
-        bench::printTable(std::cout, mode, rows);
+        mode.pace > 0 ? bench::printPacing(std::cout, mode, rows) : bench::printTable(std::cout, mode, rows);
         if (!mode.hasPixels && !options.isUncounted) {
             bench::printTargets(std::cout, mode, rows);
         }
@@ -122,7 +127,7 @@ int main(int argc, char** argv) {
     app.add_option("--build", options.build, "The build folder")->check(CLI::ExistingDirectory);
     app.add_option("--folder", options.folder, "Where the files of the runs go");
     app.add_option("--rounds", options.rounds, "How often each is measured")->check(CLI::PositiveNumber);
-    app.add_option("--mode", options.modes, "Only these: free, rate, thread, pixels");
+    app.add_option("--mode", options.modes, "Only these: free, rate, thread, pixels, figures, pacing");
     app.add_option("--without", options.without, "Overlays to leave out, by their names in the table");
     app.add_flag("--no-instructions", options.isUncounted, "Leave callgrind out");
     CLI11_PARSE(app, argc, argv);
