@@ -103,7 +103,7 @@ void drawScene(scene::PrimitiveFactory& factory, const Drawers& drawers, bool is
 class Draw : public testing::TestWithParam<GlStage::Api> {
 protected:
     std::unique_ptr<GlStage> stage(const Size& size, bool isSrgb = false) {
-        auto made = GlStage::create(GetParam().name, size.width, size.height, isSrgb);
+        auto made = GlStage::create(GetParam(), size.width, size.height, isSrgb);
         EXPECT_TRUE(made != nullptr || isSrgb);
         return made;
     }

@@ -3,7 +3,6 @@
 #include "opengl/draw/AppPicture.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 
 const std::vector<GlStage::Api> GlStage::APIS = {
@@ -35,17 +34,12 @@ GlStage::GlStage(std::unique_ptr<HeadlessContext> context, const Api& api, bool 
       mDrawing(mFunctions),
       mIsSrgb(isSrgb) {}
 
-std::unique_ptr<GlStage> GlStage::create(const std::string& api, std::uint32_t width, std::uint32_t height,
+std::unique_ptr<GlStage> GlStage::create(const Api& api, std::uint32_t width, std::uint32_t height,
                                          bool isSrgb) {
-    const auto found =
-        std::find_if(APIS.begin(), APIS.end(), [&api](const Api& entry) { return entry.name == api; });
-    if (found == APIS.end()) {
-        return nullptr;
-    }
     HeadlessContext::Options options;
-    options.api = found->api;
-    options.major = found->major;
-    options.minor = found->minor;
+    options.api = api.api;
+    options.major = api.major;
+    options.minor = api.minor;
     options.width = static_cast<int>(width);
     options.height = static_cast<int>(height);
     options.srgb = isSrgb;
@@ -53,18 +47,14 @@ std::unique_ptr<GlStage> GlStage::create(const std::string& api, std::uint32_t w
     if (context == nullptr) {
         return nullptr;
     }
-    std::unique_ptr<GlStage> stage(new GlStage(std::move(context), *found, isSrgb));
-    std::string error = "the state cannot be saved";
-    if (stage->mState.save(options.width, options.height)) {
-        error = stage->mDrawing.create();
-        stage->mState.restore();
-    }
-    if (!error.empty()) {
-        std::fprintf(stderr, "%s: %s\n", api.c_str(), error.c_str());
+    std::unique_ptr<GlStage> stage(new GlStage(std::move(context), api, isSrgb));
+    stage->mDrawing.setSurface(options.width, options.height, isSrgb);
+    if (!stage->mState.save(options.width, options.height)) {
         return nullptr;
     }
-    stage->mDrawing.setSurface(options.width, options.height, isSrgb);
-    return stage;
+    const std::string error = stage->mDrawing.create();
+    stage->mState.restore();
+    return error.empty() ? std::move(stage) : nullptr;
 }
 
 void GlStage::paintBlocks() {

@@ -24,7 +24,7 @@ public:
     static const std::vector<Api> APIS;
 
     /// Null without such a context, or when the drawing cannot be made there.
-    static std::unique_ptr<GlStage> create(const std::string& api, std::uint32_t width, std::uint32_t height,
+    static std::unique_ptr<GlStage> create(const Api& api, std::uint32_t width, std::uint32_t height,
                                            bool isSrgb = false);
 
     /// What an application does: its picture all over the surface.
