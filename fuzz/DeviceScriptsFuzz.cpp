@@ -17,11 +17,13 @@ namespace {
 
 constexpr double TIMES[] = {0.0, 0.0005, 1.0 / 3.0, 1.0, 12.5, 3600.0, 1e9};
 
-/// "PATH:LINE: expected ..." with a line that the text has.
+/// "PATH:LINE: expected ..." with a line that the text has, or "PATH: expected ...".
 void checkMessage(const std::string& message, const std::string& path, const std::string& text) {
     FUZZ_CHECK(message.compare(0, path.size() + 1, path + ':') == 0);
-    const long line = std::strtol(message.c_str() + path.size() + 1, nullptr, 10);
-    FUZZ_CHECK(line >= 1 && line <= 1 + std::count(text.begin(), text.end(), '\n'));
+    if (message.compare(path.size() + 1, 1, " ") != 0) {
+        const long line = std::strtol(message.c_str() + path.size() + 1, nullptr, 10);
+        FUZZ_CHECK(line >= 1 && line <= 1 + std::count(text.begin(), text.end(), '\n'));
+    }
     FUZZ_CHECK(message.find(": expected ") != std::string::npos);
 }
 

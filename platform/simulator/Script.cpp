@@ -1,11 +1,13 @@
 #include "simulator/Script.h"
 
-#include "simulator/JsonTree.h"
+#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
 #include <limits>
+#include <set>
+#include <utility>
 
 namespace simulator {
 
@@ -20,91 +22,107 @@ constexpr double MAX_VALUE = std::numeric_limits<std::uint32_t>::max();
 constexpr double LARGEST = 1e15;
 constexpr double SHORTEST = 1e-6;
 
-[[noreturn]] void fail(const JsonNode& node, const std::string& expected) {
-    throw ScriptError{node.line, "expected " + expected};
+using Json = nlohmann::json;
+
+/// A value of the script and where it stands.
+struct Node {
+    const Json& root;
+    Json::json_pointer pointer;
+
+    const Json& value() const { return root[pointer]; }
+    std::size_t size() const { return value().size(); }
+    bool has(const char* name) const { return value().contains(name); }
+    Node at(const std::string& name) const { return {root, pointer / name}; }
+    Node at(std::size_t index) const { return {root, pointer / index}; }
+};
+
+/// Something is wrong with the script. Does not leave this file.
+struct ScriptError {
+    std::string where;  ///< ":LINE" or ": /POINTER"
+    std::string expected;
+};
+
+[[noreturn]] void fail(const Node& node, const std::string& expected) {
+    const std::string pointer = node.pointer.to_string();
+    throw ScriptError{pointer.empty() ? "" : ": " + pointer, expected};
 }
 
-/// The node's name for messages.
-std::string nameOf(const JsonNode& node) {
-    return node.name.empty() ? "an element" : '"' + node.name + '"';
-}
-
-void requireKind(const JsonNode& node, JsonNode::Kind kind, const char* what) {
-    if (node.kind != kind) {
-        fail(node, std::string(what) + " for " + nameOf(node));
-    }
-}
-
-const JsonNode& member(const JsonNode& object, const char* name) {
-    const JsonNode* const found = object.find(name);
-    if (found == nullptr) {
+Node member(const Node& object, const char* name) {
+    if (!object.has(name)) {
         fail(object, std::string("a member \"") + name + '"');
     }
-    return *found;
+    return object.at(name);
 }
 
 /// Catches misspelt names of members that may be missing.
-void requireObject(const JsonNode& node, std::initializer_list<std::string_view> names) {
-    requireKind(node, JsonNode::Kind::OBJECT, "an object");
-    for (const JsonNode& item : node.items) {
-        if (std::find(names.begin(), names.end(), item.name) == names.end()) {
+void requireObject(const Node& node, std::initializer_list<std::string_view> names) {
+    if (!node.value().is_object()) {
+        fail(node, "an object");
+    }
+    for (const auto& item : node.value().items()) {
+        if (names.size() != 0 && std::find(names.begin(), names.end(), item.key()) == names.end()) {
             std::string known;
             for (const std::string_view name : names) {
                 known += (known.empty() ? "" : ", ") + std::string(name);
             }
-            fail(item, "one of " + known + ", found \"" + item.name + '"');
+            fail(node.at(item.key()), "one of " + known);
         }
     }
 }
 
-double number(const JsonNode& node) {
-    requireKind(node, JsonNode::Kind::NUMBER, "a number");
-    if (!(std::abs(node.number) <= LARGEST)) {
-        fail(node, "a number of at most 1e15 for " + nameOf(node));
+constexpr std::initializer_list<std::string_view> ANY_NAMES = {};
+
+double number(const Node& node) {
+    if (!node.value().is_number()) {
+        fail(node, "a number");
     }
-    return node.number;
+    const auto number = node.value().get<double>();
+    if (!(std::abs(number) <= LARGEST)) {
+        fail(node, "a number of at most 1e15");
+    }
+    return number;
 }
 
-double positive(const JsonNode& node) {
-    if (number(node) <= 0.0) {
-        fail(node, "a number above 0 for " + nameOf(node));
+double positive(const Node& node) {
+    if (number(node) < SHORTEST) {
+        fail(node, "a number of at least 0.000001");
     }
-    if (node.number < SHORTEST) {
-        fail(node, "a number of at least 0.000001 for " + nameOf(node));
-    }
-    return node.number;
+    return number(node);
 }
 
-double notNegative(const JsonNode& node) {
+double notNegative(const Node& node) {
     if (number(node) < 0.0) {
-        fail(node, "0 or more for " + nameOf(node));
+        fail(node, "0 or more");
     }
-    return node.number;
+    return number(node);
 }
 
-double wholeNumber(const JsonNode& node, double least, double most) {
-    if (number(node) != std::floor(node.number) || node.number < least || node.number > most) {
+double wholeNumber(const Node& node, double least, double most) {
+    const double whole = number(node);
+    if (whole != std::floor(whole) || whole < least || whole > most) {
         fail(node, "a whole number from " + std::to_string(static_cast<std::int64_t>(least)) + " to " +
-                       std::to_string(static_cast<std::int64_t>(most)) + " for " + nameOf(node));
+                       std::to_string(static_cast<std::int64_t>(most)));
     }
-    return node.number;
+    return whole;
 }
 
-const std::vector<JsonNode>& list(const JsonNode& node) {
-    requireKind(node, JsonNode::Kind::LIST, "a list");
-    if (node.items.empty()) {
-        fail(node, "at least one element in " + nameOf(node));
+/// The number of its elements.
+std::size_t requireList(const Node& node) {
+    if (!node.value().is_array() || node.value().empty()) {
+        fail(node, "a list with at least one element");
     }
-    return node.items;
+    return node.size();
 }
 
-std::vector<Curve::Point> readPoints(const JsonNode& node, double period) {
+std::vector<Curve::Point> readPoints(const Node& node, double period) {
     std::vector<Curve::Point> points;
-    for (const JsonNode& item : list(node)) {
-        if (item.kind != JsonNode::Kind::LIST || item.items.size() != 2) {
-            fail(item, "a pair [seconds, value] in " + nameOf(node));
+    const std::size_t count = requireList(node);
+    for (std::size_t i = 0; i < count; ++i) {
+        const Node item = node.at(i);
+        if (!item.value().is_array() || item.size() != 2) {
+            fail(item, "a pair [seconds, value]");
         }
-        const Curve::Point point = {number(item.items[0]), number(item.items[1])};
+        const Curve::Point point = {number(item.at(0)), number(item.at(1))};
         if (point.time < 0.0 || point.time >= period ||
             (!points.empty() && point.time <= points.back().time)) {
             fail(item, "ascending times from 0 to below the period");
@@ -114,63 +132,60 @@ std::vector<Curve::Point> readPoints(const JsonNode& node, double period) {
     return points;
 }
 
-Curve readCurve(const JsonNode& node, double commonPeriod) {
-    if (node.kind == JsonNode::Kind::NUMBER) {
+Curve readCurve(const Node& node, double commonPeriod) {
+    if (node.value().is_number()) {
         return Curve({{0.0, number(node)}}, commonPeriod, true);
     }
-    if (node.kind == JsonNode::Kind::LIST) {
+    if (node.value().is_array()) {
         return Curve(readPoints(node, commonPeriod), commonPeriod, false);
     }
-    if (node.kind != JsonNode::Kind::OBJECT) {
-        fail(node, "a number, a list of points or an object for " + nameOf(node));
+    if (!node.value().is_object()) {
+        fail(node, "a number, a list of points or an object");
     }
     requireObject(node, {"period", "points", "steps"});
-    const JsonNode* const ownPeriod = node.find("period");
-    const double period = ownPeriod != nullptr ? positive(*ownPeriod) : commonPeriod;
-    const JsonNode* const points = node.find("points");
-    const JsonNode* const steps = node.find("steps");
-    if ((points == nullptr) == (steps == nullptr)) {
-        fail(node, "either \"points\" or \"steps\" in " + nameOf(node));
+    const double period = node.has("period") ? positive(node.at("period")) : commonPeriod;
+    if (node.has("points") == node.has("steps")) {
+        fail(node, "either \"points\" or \"steps\"");
     }
-    return Curve(readPoints(steps != nullptr ? *steps : *points, period), period, steps != nullptr);
+    const bool isStepped = node.has("steps");
+    return Curve(readPoints(node.at(isStepped ? "steps" : "points"), period), period, isStepped);
 }
 
-std::string curveName(const JsonNode& node, const Script& script) {
-    requireKind(node, JsonNode::Kind::TEXT, "the name of a curve");
-    if (script.curves.count(node.text) == 0) {
-        fail(node, "the name of a curve for " + nameOf(node) + ", found \"" + node.text + '"');
+std::string curveName(const Node& node, const Script& script) {
+    if (!node.value().is_string() || script.curves.count(node.value().get<std::string>()) == 0) {
+        fail(node, "the name of a curve");
     }
-    return node.text;
+    return node.value().get<std::string>();
 }
 
-void readTotals(const JsonNode& node, Script& script) {
-    requireKind(node, JsonNode::Kind::OBJECT, "an object");
-    for (const JsonNode& item : node.items) {
-        requireObject(item, {"curve", "per_second", "start"});
-        if (script.curves.count(item.name) != 0) {
-            fail(item, "another name for the total: \"" + item.name + "\" is a curve");
+void readTotals(const Node& node, Script& script) {
+    requireObject(node, ANY_NAMES);
+    for (const auto& item : node.value().items()) {
+        const Node total = node.at(item.key());
+        requireObject(total, {"curve", "per_second", "start"});
+        if (script.curves.count(item.key()) != 0) {
+            fail(total, "another name for the total: this one is a curve's");
         }
-        const JsonNode* const start = item.find("start");
-        script.totals[item.name] = {curveName(member(item, "curve"), script),
-                                    notNegative(member(item, "per_second")),
-                                    start != nullptr ? notNegative(*start) : 0.0};
+        script.totals[item.key()] = {curveName(member(total, "curve"), script),
+                                     notNegative(member(total, "per_second")),
+                                     total.has("start") ? notNegative(total.at("start")) : 0.0};
     }
 }
 
-std::vector<double> readValues(const JsonNode& node, double least, std::size_t count) {
+std::vector<double> readValues(const Node& node, double least, std::size_t count) {
     std::vector<double> values;
-    for (const JsonNode& item : list(node)) {
-        values.push_back(wholeNumber(item, least, MAX_VALUE));
+    const std::size_t size = requireList(node);
+    for (std::size_t i = 0; i < size; ++i) {
+        values.push_back(wholeNumber(node.at(i), least, MAX_VALUE));
     }
-    if (values.size() > MAX_VALUES || (count != 0 && values.size() != count)) {
-        fail(node, count != 0 ? "as many numbers in \"add\" as in \"values\""
-                              : "1 to 6 numbers in " + nameOf(node));
+    if (size > MAX_VALUES || (count != 0 && size != count)) {
+        fail(node, count != 0 ? "as many numbers in \"add\" as in \"values\"" : "1 to 6 numbers");
     }
     return values;
 }
 
 /// A pass, or several ones alike when it repeats.
-void readPass(const JsonNode& node, std::vector<ScriptedPass>& passes) {
+void readPass(const Node& node, std::vector<ScriptedPass>& passes) {
     requireObject(node, {"start", "duration", "values", "repeat"});
     const double start = notNegative(member(node, "start"));
     const double duration = notNegative(member(node, "duration"));
@@ -178,12 +193,13 @@ void readPass(const JsonNode& node, std::vector<ScriptedPass>& passes) {
     std::vector<double> growth(values.size(), 0.0);
     int count = 1;
     double every = 0.0;
-    if (const JsonNode* const repeat = node.find("repeat")) {
-        requireObject(*repeat, {"count", "every", "add"});
-        count = static_cast<int>(wholeNumber(member(*repeat, "count"), 1.0, MAX_REPETITIONS));
-        every = notNegative(member(*repeat, "every"));
-        if (const JsonNode* const add = repeat->find("add")) {
-            growth = readValues(*add, -MAX_VALUE, values.size());
+    if (node.has("repeat")) {
+        const Node repeat = node.at("repeat");
+        requireObject(repeat, {"count", "every", "add"});
+        count = static_cast<int>(wholeNumber(member(repeat, "count"), 1.0, MAX_REPETITIONS));
+        every = notNegative(member(repeat, "every"));
+        if (repeat.has("add")) {
+            growth = readValues(repeat.at("add"), -MAX_VALUE, values.size());
         }
     }
     for (int i = 0; i < count; ++i) {
@@ -201,33 +217,65 @@ double endOf(const std::vector<ScriptedFrame>& frames) {
     return frames.empty() ? 0.0 : frames.back().startMs + frames.back().durationMs;
 }
 
-void readScript(const JsonNode& root, Script& script) {
+void readScript(const Node& root, Script& script) {
     requireObject(root, {"period", "curves", "totals", "counters", "frames"});
     const double period = positive(member(root, "period"));
-    const JsonNode& curves = member(root, "curves");
-    requireKind(curves, JsonNode::Kind::OBJECT, "an object");
-    for (const JsonNode& item : curves.items) {
-        script.curves.emplace(item.name, readCurve(item, period));
+    const Node curves = member(root, "curves");
+    requireObject(curves, ANY_NAMES);
+    for (const auto& item : curves.value().items()) {
+        script.curves.emplace(item.key(), readCurve(curves.at(item.key()), period));
     }
-    if (const JsonNode* const totals = root.find("totals")) {
-        readTotals(*totals, script);
+    if (root.has("totals")) {
+        readTotals(root.at("totals"), script);
     }
-    if (const JsonNode* const counters = root.find("counters")) {
-        requireObject(*counters, {"usage", "vertex_activity", "fragment_activity"});
-        script.counters = {curveName(member(*counters, "usage"), script),
-                           curveName(member(*counters, "vertex_activity"), script),
-                           curveName(member(*counters, "fragment_activity"), script)};
+    if (root.has("counters")) {
+        const Node counters = root.at("counters");
+        requireObject(counters, {"usage", "vertex_activity", "fragment_activity"});
+        script.counters = {curveName(member(counters, "usage"), script),
+                           curveName(member(counters, "vertex_activity"), script),
+                           curveName(member(counters, "fragment_activity"), script)};
     }
-    if (const JsonNode* const frames = root.find("frames")) {
-        for (const JsonNode& item : list(*frames)) {
-            requireObject(item, {"duration", "passes"});
-            const double start = endOf(script.frames);
-            ScriptedFrame frame = {start, positive(member(item, "duration")), {}};
-            for (const JsonNode& pass : list(member(item, "passes"))) {
-                readPass(pass, frame.passes);
-            }
-            script.frames.push_back(std::move(frame));
+    const std::size_t frames = root.has("frames") ? requireList(root.at("frames")) : 0;
+    for (std::size_t i = 0; i < frames; ++i) {
+        const Node item = root.at("frames").at(i);
+        requireObject(item, {"duration", "passes"});
+        ScriptedFrame frame = {endOf(script.frames), positive(member(item, "duration")), {}};
+        const Node passes = member(item, "passes");
+        const std::size_t count = requireList(passes);
+        for (std::size_t j = 0; j < count; ++j) {
+            readPass(passes.at(j), frame.passes);
         }
+        script.frames.push_back(std::move(frame));
+    }
+}
+
+/// Refuses names that stand twice in an object, of which the parser would take the last one.
+Json parse(std::string_view text) {
+    std::vector<std::set<std::string>> names;
+    const auto check = [&names](int /*depth*/, Json::parse_event_t event, Json& parsed) {
+        if (event == Json::parse_event_t::object_start) {
+            names.emplace_back();
+        } else if (event == Json::parse_event_t::object_end) {
+            names.pop_back();
+        } else if (event == Json::parse_event_t::key &&
+                   !names.back().insert(parsed.get<std::string>()).second) {
+            throw ScriptError{"", "each name once, found a second " + parsed.dump()};
+        }
+        return true;
+    };
+    try {
+        return Json::parse(text, check);
+    } catch (const Json::exception& error) {
+        // "[json.exception.parse_error.101] parse error at line 1, column 2: syntax error while ..."
+        const std::string message = error.what();
+        constexpr std::string_view LINE = "at line ";
+        const std::size_t line = message.find(LINE);
+        if (line == std::string::npos) {
+            throw ScriptError{"", "JSON: " + message.substr(message.find("] ") + 2)};
+        }
+        const std::size_t digits = line + LINE.size();
+        throw ScriptError{':' + message.substr(digits, message.find(',', digits) - digits),
+                          "JSON" + message.substr(message.find(": "))};
     }
 }
 
@@ -235,10 +283,11 @@ void readScript(const JsonNode& root, Script& script) {
 
 std::string Script::read(const std::string& path, std::string_view text) {
     try {
-        readScript(parseJson(text), *this);
+        const Json root = parse(text);
+        readScript({root, Json::json_pointer()}, *this);
         return {};
     } catch (const ScriptError& error) {
-        return path + ':' + std::to_string(error.line) + ": " + error.message;
+        return path + error.where + ": expected " + error.expected;
     }
 }
 

@@ -35,7 +35,8 @@ public:
         std::string fragmentActivity;
     };
 
-    /// Reads a script. Returns an empty text, or "PATH:LINE: what was expected".
+    /// Reads a script. Returns an empty text, or "PATH: POINTER: expected ..." with the JSON pointer of what
+    /// is wrong; where the text is no JSON, "PATH:LINE: expected JSON: ...".
     std::string read(const std::string& path, std::string_view text);
 
     /// Whether there is a curve or a total of this name.
