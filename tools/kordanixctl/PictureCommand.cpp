@@ -38,16 +38,26 @@ std::string secondsText(double seconds) {
     return text.str();
 }
 
+/// Why a process that was asked gave no picture, as a sentence's end.
+std::string describeSilence(const std::string& directory, pid_t process, double seconds) {
+    const std::string obstacle = findObstacle(directory, process);
+    if (!obstacle.empty()) {
+        return obstacle;
+    }
+    // A layer that says nothing of its overlay is none of those that give pictures.
+    const bool isTalkative = OverlayState(directory).note(process) != nullptr;
+    return (isTalkative ? "presented no frame in " : "gave no picture in ") + secondsText(seconds) +
+           (isTalkative ? "; it may draw only when something changes or its window is seen"
+                        : "; its layer may give none") +
+           " ('--seconds' waits longer)";
+}
+
 /// Waits for the picture. Returns an empty text, or why none came.
 std::string await(const PictureDelivery& delivery, const std::string& directory, pid_t process,
                   double seconds, Clock::time_point end) {
     while (delivery.state() == PictureDelivery::State::AWAITED) {
         if (Clock::now() >= end) {
-            const std::string obstacle = findObstacle(directory, process);
-            return !obstacle.empty() ? obstacle
-                                     : "presented no frame in " + secondsText(seconds) +
-                                           "; it may draw only when something changes or its window is seen "
-                                           "('--seconds' waits longer)";
+            return describeSilence(directory, process, seconds);
         }
         if (!platform::processStart(process)) {
             return "has ended";
