@@ -1,10 +1,10 @@
 #include "Settings.h"
 
-#include "Assignment.h"
 #include "Options.h"
-#include "Properties.h"
 #include "Restart.h"
 #include "properties/SystemProperties.h"
+#include "settings/Assignment.h"
+#include "settings/Properties.h"
 
 #include <string>
 

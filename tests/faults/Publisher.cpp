@@ -1,9 +1,9 @@
 #include "faults/Publisher.h"
 
-#include "PropertyTable.h"
 #include "faults/HostProcess.h"
 #include "platform/ChildProcess.h"
 #include "properties/SystemProperties.h"
+#include "settings/PropertyTable.h"
 
 #include <csignal>
 #include <thread>

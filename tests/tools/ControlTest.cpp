@@ -16,15 +16,15 @@
 #include <tuple>
 #include <vector>
 
-#include "Properties.h"
-#include "PropertyTable.h"
-#include "SetCommand.h"
-#include "ShowCommands.h"
-#include "ValueText.h"
-#include "WatchCommand.h"
 #include "doubles/Emulator.h"
 #include "platform/TemporaryDirectory.h"
+#include "properties/SetCommand.h"
+#include "properties/ShowCommands.h"
 #include "properties/SystemProperties.h"
+#include "properties/WatchCommand.h"
+#include "settings/Properties.h"
+#include "settings/PropertyTable.h"
+#include "settings/ValueText.h"
 #include "support/ChildProcess.h"
 
 namespace control {

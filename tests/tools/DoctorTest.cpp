@@ -7,11 +7,11 @@
 #include <sstream>
 #include <string>
 
-#include "Doctor.h"
-#include "ProcessInfo.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeProperties.h"
+#include "overlays/Doctor.h"
 #include "platform/TemporaryDirectory.h"
+#include "processes/ProcessInfo.h"
 #include "runs/OverlayNote.h"
 
 namespace control {

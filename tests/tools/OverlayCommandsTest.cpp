@@ -15,13 +15,13 @@
 #include <string>
 #include <thread>
 
-#include "PictureCommand.h"
-#include "ProcessCommands.h"
-#include "ProcessInfo.h"
-#include "SetCommand.h"
 #include "ostra/PictureRequest.h"
+#include "overlays/PictureCommand.h"
+#include "overlays/ProcessCommands.h"
 #include "platform/TemporaryDirectory.h"
+#include "processes/ProcessInfo.h"
 #include "properties/RuntimeDirectory.h"
+#include "properties/SetCommand.h"
 #include "runs/OverlayNote.h"
 #include "software/Image.h"
 #include "software/Png.h"

@@ -1,9 +1,9 @@
 #include "cli/CommandLine.h"
 
-#include "Addressing.h"
 #include "Complaint.h"
 #include "cli/Verbs.h"
 #include "cli/Words.h"
+#include "processes/Addressing.h"
 
 #include <algorithm>
 #include <csignal>

@@ -1,9 +1,9 @@
 #include "Complaint.h"
-#include "Doctor.h"
-#include "PictureCommand.h"
-#include "ProcessCommands.h"
-#include "ProcessInfo.h"
 #include "cli/Verbs.h"
+#include "overlays/Doctor.h"
+#include "overlays/PictureCommand.h"
+#include "overlays/ProcessCommands.h"
+#include "processes/ProcessInfo.h"
 
 #include <iostream>
 #include <memory>

@@ -1,8 +1,8 @@
-#include "Properties.h"
-#include "SetCommand.h"
-#include "ShowCommands.h"
-#include "WatchCommand.h"
 #include "cli/Verbs.h"
+#include "properties/SetCommand.h"
+#include "properties/ShowCommands.h"
+#include "properties/WatchCommand.h"
+#include "settings/Properties.h"
 
 #include <iostream>
 #include <memory>

@@ -1,6 +1,6 @@
 #include "cli/Verbs.h"
 
-#include "ProcessInfo.h"
+#include "processes/ProcessInfo.h"
 
 #include <charconv>
 #include <cmath>

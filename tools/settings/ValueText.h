@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PropertyTable.h"
+#include "settings/PropertyTable.h"
 
 #include <optional>
 #include <string>

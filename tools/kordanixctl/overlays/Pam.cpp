@@ -1,4 +1,4 @@
-#include "Pam.h"
+#include "overlays/Pam.h"
 
 #include "software/Image.h"
 

@@ -1,4 +1,4 @@
-#include "PropertyTable.h"
+#include "settings/PropertyTable.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,5 +1,5 @@
 #include "Complaint.h"
-#include "PictureCommand.h"
+#include "overlays/PictureCommand.h"
 
 namespace control {
 

@@ -1,15 +1,15 @@
-#include "Doctor.h"
+#include "overlays/Doctor.h"
 
-#include "MetricChecks.h"
-#include "OverlayState.h"
-#include "ProcessInfo.h"
-#include "Properties.h"
-#include "PropertyTable.h"
-#include "RunDirectories.h"
-#include "ShowCommands.h"
-#include "ValueText.h"
 #include "io/ProcessStart.h"
+#include "overlays/MetricChecks.h"
+#include "overlays/OverlayState.h"
+#include "processes/ProcessInfo.h"
+#include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
+#include "properties/ShowCommands.h"
+#include "settings/Properties.h"
+#include "settings/PropertyTable.h"
+#include "settings/ValueText.h"
 
 #include <algorithm>
 #include <iomanip>

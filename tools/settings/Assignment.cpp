@@ -1,8 +1,8 @@
-#include "Assignment.h"
+#include "settings/Assignment.h"
 
-#include "PropertyTable.h"
-#include "ValueText.h"
 #include "properties/PropertyName.h"
+#include "settings/PropertyTable.h"
+#include "settings/ValueText.h"
 
 namespace control {
 

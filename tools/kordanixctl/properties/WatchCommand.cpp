@@ -1,7 +1,7 @@
-#include "WatchCommand.h"
+#include "properties/WatchCommand.h"
 
-#include "PropertyTable.h"
-#include "ValueText.h"
+#include "settings/PropertyTable.h"
+#include "settings/ValueText.h"
 
 #include <sys/system_properties.h>
 

@@ -1,13 +1,13 @@
-#include "ProcessCommands.h"
+#include "overlays/ProcessCommands.h"
 
-#include "Addressing.h"
 #include "Complaint.h"
-#include "DumpAnswers.h"
-#include "OverlayState.h"
-#include "ProcessInfo.h"
-#include "Properties.h"
 #include "ostra/ProcessSocket.h"
+#include "overlays/DumpAnswers.h"
+#include "overlays/OverlayState.h"
+#include "processes/Addressing.h"
+#include "processes/ProcessInfo.h"
 #include "properties/RuntimeDirectory.h"
+#include "settings/Properties.h"
 
 #include <vector>
 

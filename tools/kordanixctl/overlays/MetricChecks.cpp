@@ -1,4 +1,4 @@
-#include "MetricChecks.h"
+#include "overlays/MetricChecks.h"
 
 #include "core/StateInfo.h"
 #include "figures/KernelFiles.h"

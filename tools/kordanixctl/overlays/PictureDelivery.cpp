@@ -1,4 +1,4 @@
-#include "PictureDelivery.h"
+#include "overlays/PictureDelivery.h"
 
 #include "io/PlainFile.h"
 

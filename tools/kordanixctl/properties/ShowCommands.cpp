@@ -1,10 +1,10 @@
-#include "ShowCommands.h"
+#include "properties/ShowCommands.h"
 
 #include "Complaint.h"
-#include "Properties.h"
-#include "PropertyTable.h"
-#include "ValueText.h"
 #include "properties/SystemProperties.h"
+#include "settings/Properties.h"
+#include "settings/PropertyTable.h"
+#include "settings/ValueText.h"
 
 #include <nlohmann/json.hpp>
 

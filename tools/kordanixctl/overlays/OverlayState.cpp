@@ -1,12 +1,12 @@
-#include "OverlayState.h"
+#include "overlays/OverlayState.h"
 
-#include "Addressing.h"
-#include "ProcessInfo.h"
-#include "Properties.h"
-#include "PropertyTable.h"
-#include "ValueText.h"
 #include "io/ProcessStart.h"
 #include "ostra/ProcessSocket.h"
+#include "processes/Addressing.h"
+#include "processes/ProcessInfo.h"
+#include "settings/Properties.h"
+#include "settings/PropertyTable.h"
+#include "settings/ValueText.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,8 +1,8 @@
-#include "DumpAnswers.h"
+#include "overlays/DumpAnswers.h"
 
 #include "Complaint.h"
-#include "OverlayState.h"
 #include "io/ProcessStart.h"
+#include "overlays/OverlayState.h"
 
 #include <unistd.h>
 
