@@ -12,7 +12,11 @@
 #include "overlays/Doctor.h"
 #include "platform/TemporaryDirectory.h"
 #include "processes/ProcessInfo.h"
+#include "properties/PropertyWriter.h"
+#include "properties/RuntimeDirectory.h"
+#include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
+#include "runs/RunFolder.h"
 
 namespace control {
 namespace {
@@ -27,7 +31,7 @@ class DoctorTest : public testing::Test {
 protected:
     DoctorTest() {
         doubles::removeAllFiles();
-        setenv("KORDANIX_RUNTIME_DIR", mDirectory.path().c_str(), 1);
+        platform::changeRuntimeDirectory(mDirectory.path());
     }
 
     std::string report(ExitCode expected = SUCCESS) {
@@ -93,6 +97,24 @@ TEST_F(DoctorTest, SaysWhoShowsTheOverlayAndWhyNot) {
         platform::writeOverlayNote(note);
         EXPECT_THAT(report(), AllOf(HasSubstr(note.name == name ? line : ""), HasSubstr(text)));
     }
+}
+
+TEST_F(DoctorTest, SaysWhoCameLaterInARun) {
+    std::string error;
+    const std::string run = platform::makeRunFolder(mDirectory.path(), error);
+    ASSERT_EQ(error, "");
+    {
+        platform::PropertyWriter writer(run);
+        writer.set(platform::CLAIM_PROPERTY, "4194303 1");
+        ASSERT_EQ(writer.commit(), "");
+    }
+    doubles::setProperty("debug.kordanix.status", "true");
+    platform::changeRuntimeDirectory(run);
+    platform::writeOverlayNote({0, "late", 0, false, 1, ""});
+    const std::string me = std::to_string(getpid());
+    EXPECT_THAT(report(), HasSubstr(me + " late: does not show the overlay; process 4194303 presented"));
+    platform::changeRuntimeDirectory(mDirectory.path());
+    EXPECT_THAT(report(), HasSubstr("    " + me + " late: came later, so that it has no overlay\n"));
 }
 
 TEST_F(DoctorTest, FailsOnlyWithoutAUsableRuntimeDirectory) {

@@ -2,6 +2,7 @@
 
 #include "io/ProcessStart.h"
 #include "ostra/ProcessSocket.h"
+#include "runs/OverlayClaim.h"
 #include "processes/Addressing.h"
 #include "processes/ProcessInfo.h"
 #include "settings/Properties.h"
@@ -38,7 +39,9 @@ std::string displayedValue(std::string_view shortName) {
 }
 
 OverlayState::OverlayState(std::string directory)
-    : mDirectory(std::move(directory)), mNotes(platform::readOverlayNotes(mDirectory)) {}
+    : mDirectory(std::move(directory)),
+      mNotes(platform::readOverlayNotes(mDirectory)),
+      mClaimant(platform::overlayClaimant(mDirectory)) {}
 
 std::vector<pid_t> OverlayState::processes() const {
     std::vector<pid_t> all = platform::listeningProcesses(mDirectory);
