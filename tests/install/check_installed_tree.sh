@@ -2,9 +2,10 @@
 # Installs the build, moves the result, and checks that it is whole: no file of it names a folder of the build,
 # every header compiles on its own, and the example, copied out of the sources, builds as a CMake package and with
 # pkg-config, and draws what is expected.
-# Usage: check_installed_tree.sh CMAKE BUILD_FOLDER SOURCE_FOLDER COMPILER PKG_CONFIG
+# Usage: check_installed_tree.sh CMAKE BUILD_FOLDER SOURCE_FOLDER COMPILER PKG_CONFIG PREFIX LIBRARY_FOLDER
+# PREFIX and LIBRARY_FOLDER, below it, are those that the build was configured with.
 set -euo pipefail
-cmake=$1 build=$2 source=$3 compiler=$4 pkg_config=$5
+cmake=$1 build=$2 source=$3 compiler=$4 pkg_config=$5 configured_prefix=$6 library_folder=$7
 
 fail() {
     printf '%s\n' "$@" >&2
@@ -14,25 +15,26 @@ fail() {
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 prefix=$work/moved
-"$cmake" --install "$build" --prefix "$work/installed" >"$work/install.log" || fail "$(cat "$work/install.log")"
-mv "$work/installed" "$prefix"
+lib=$prefix/$library_folder
+DESTDIR=$work/installed "$cmake" --install "$build" >"$work/install.log" || fail "$(cat "$work/install.log")"
+mv "$work/installed/$configured_prefix" "$prefix"
 cp -r "$source/examples/null-layer" "$work/by-cmake"
 cp -r "$source/examples/null-layer" "$work/by-pkg-config"
 
 # What debuggers are told may name the sources.
-strip --strip-debug "$prefix"/bin/* "$prefix"/lib/*.so "$prefix"/lib/*.a
+strip --strip-debug "$prefix"/bin/* "$lib"/*.so "$lib"/*.a
 named=$(grep -rlaF -e "$build" -e "$source" -e "$work/installed" "$prefix" || true)
 [ -z "$named" ] || fail "These files name a folder of the build:" "$named"
 
 # Programs and libraries find each other where they lie.
-for file in "$prefix"/bin/* "$prefix"/lib/*.so; do
+for file in "$prefix"/bin/* "$lib"/*.so; do
     missing=$(ldd "$file" | grep 'not found' || true)
     [ -z "$missing" ] || fail "$file:" "$missing"
     strange=$(ldd "$file" | grep -E 'libKordanix|libkordanix|libostra' | grep -vF "$prefix/" || true)
     [ -z "$strange" ] || fail "$file takes libraries from elsewhere:" "$strange"
 done
 
-export PKG_CONFIG_PATH=$prefix/lib/pkgconfig
+export PKG_CONFIG_PATH=$lib/pkgconfig
 read -ra flags < <("$pkg_config" --cflags kordanix-core)
 headers=$(cd "$prefix/include/kordanix" && find core gui drawers utils scene platform -name '*.h')
 [ "$(wc -l <<<"$headers")" -gt 50 ] || fail "Headers are missing:" "$headers"
@@ -93,6 +95,10 @@ for folder in by-cmake by-pkg-config; do
     drawn=$(sed -e '1,/^frame 5$/d' -e '/^glyph [^FPS]/d' -e 's/ at .*//' -e 's/"FPS [0-9.]*"/"FPS #"/' "$work/out")
     [ "$drawn" = "$expected" ] || fail "$folder: the fifth frame is" "$drawn"
 done
+
+# 'run' finds what it brings into programs.
+ran=$("$prefix/bin/kordanixctl" run -- sh -c 'echo "$LD_PRELOAD"' 2>"$work/log") || fail "$(cat "$work/log")"
+[ "$ran" = "$lib/libkordanix-preload.so" ] || fail "A program is started with $ran"
 
 # The demo finds its devices.
 "$prefix/bin/kordanix-demo" --private --fixed-step --device mali-b31 --size 370x180 --seconds 1 --png "$work/out.png" \

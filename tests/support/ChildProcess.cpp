@@ -52,8 +52,9 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command, const Enviro
 }
 
 ChildProcess::~ChildProcess() {
-    kill(SIGKILL);
-    wait();
+    // A parent of the program proper passes this on.
+    kill(SIGTERM);
+    wait(std::chrono::seconds(2));
     for (const int file : {mOutput, mErrors}) {
         if (file >= 0) {
             close(file);

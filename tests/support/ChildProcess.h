@@ -10,8 +10,8 @@
 
 namespace support {
 
-/// A function that runs in a forked child, or a program. It is killed when the object or the thread that made
-/// it ends. One thread.
+/// A function that runs in a forked child, or a program. When the object ends it is sent SIGTERM, and killed
+/// two seconds later; when the thread that made it ends, it is killed. One thread.
 class ChildProcess {
 public:
     using Environment = std::map<std::string, std::string>;

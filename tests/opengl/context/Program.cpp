@@ -42,7 +42,7 @@ Program::Program(const std::vector<std::string>& command,
 
 Program::~Program() {
     if (mProcess > 0) {
-        kill(mProcess, SIGKILL);
+        kill(mProcess, SIGTERM);
         wait();
     }
     for (const std::string& file : {mOutputFile, mErrorFile}) {

@@ -126,9 +126,11 @@ INSTANTIATE_TEST_SUITE_P(
                     RealProgram{"sdl_gles2", {SDL_PROGRAMS "testgles2"}, false}),
     [](const auto& each) { return std::string(each.param.name); });
 
-/// Digits out, since they are speeds.
+/// Digits out, since they are speeds, and what 'run' adds when a program ended before its first frame.
 std::string withoutNumbers(const std::string& text) {
-    return std::regex_replace(text, std::regex("[0-9]+(\\.[0-9]+)?"), "N");
+    static const std::regex added("kordanixctl: the overlay was not shown: .*\n");
+    static const std::regex number("[0-9]+(\\.[0-9]+)?");
+    return std::regex_replace(std::regex_replace(text, added, ""), number, "N");
 }
 
 TEST(RealPrograms, WhatTheyPrintAndReturnIsTheirOwn) {

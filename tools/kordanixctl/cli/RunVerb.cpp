@@ -1,6 +1,6 @@
 #include "Complaint.h"
-#include "RunCommand.h"
 #include "cli/Verbs.h"
+#include "run/RunCommand.h"
 
 #include <iostream>
 #include <memory>
@@ -13,12 +13,13 @@ void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::st
     setUsage(*verb, "run [OPTIONS] [--] PROGRAM [ARGUMENTS]...");
     verb->footer(
         "Everything from PROGRAM on is the program's own. Exit status: the program's; 127 when there is "
-        "no such program, 126 when it cannot be run.");
+        "no such program, 126 when it cannot be run. Says at the end why the overlay was not shown, if it "
+        "was not.");
     verb->add_option(
             "--set", *assignments,
-            "Set a property for the program, as 'set' does; may be given more than once. status, proc "
-            "and api are set so that the program shows the overlay; when PROGRAM starts another one that "
-            "shall show it, proc=NAME with the first word of that one's command line")
+            "Set a property for the program, as 'set' does; may be given more than once. The overlay is "
+            "switched on, in the first process that presents a frame, whether that is PROGRAM or one that "
+            "it starts; proc=NAME, with the first word of a command line, and api=NUMBER choose another")
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();

@@ -5,6 +5,7 @@
 #include "RunDirectories.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/SystemProperties.h"
+#include "runs/RunFolder.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -26,8 +27,9 @@ std::string directoryOf(pid_t process, std::string& error) {
         return {};
     }
     const std::vector<Run> runs = findRuns(user);
-    const auto run =
-        std::find_if(runs.begin(), runs.end(), [&](const Run& each) { return each.process == process; });
+    const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& each) {
+        return each.process == process || platform::runProcess(each.directory) == process;
+    });
     if (run != runs.end()) {
         return run->directory;
     }

@@ -79,10 +79,10 @@ std::vector<Run> findRuns(const std::string& userDirectory) {
         const std::string name = fs::path(directory).filename();
         const pid_t process = processOf(name).value_or(0);
         const auto user = inUse.find(directory);
-        if (name == nameFor(process)) {
-            runs.push_back({directory, process});
-        } else if (user != inUse.end()) {
+        if (user != inUse.end()) {
             runs.push_back({directory, user->second});
+        } else if (name == nameFor(process)) {
+            runs.push_back({directory, process});
         } else {
             removeRunDirectory(directory);
         }

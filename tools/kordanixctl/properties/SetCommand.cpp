@@ -3,7 +3,9 @@
 #include "Complaint.h"
 #include "Properties.h"
 #include "PropertyTable.h"
+#include "properties/RuntimeDirectory.h"
 #include "properties/SystemProperties.h"
+#include "run/InitialProperties.h"
 
 #include <cstddef>
 
@@ -41,14 +43,25 @@ ExitCode publishProperties(std::ostream& err) {
 }
 
 ExitCode resetProperties(bool keepsControl, std::ostream& err) {
+    const auto initial = readInitialProperties(platform::openRuntimeDirectory().path);
+    const auto initialText = [&](const std::string& name) {
+        std::string text;
+        for (const Assignment& assignment : initial.value_or(std::vector<Assignment>())) {
+            text = assignment.name == name ? assignment.text : text;
+        }
+        return text;
+    };
+    // Unless a run was told where to show the overlay, its process has decided that and keeps it.
+    const bool isClaimed = initial && initialText("debug.kordanix.proc").empty();
     for (const Property& property : properties()) {
         const std::string name = fullName(property);
-        const bool isKept =
-            property.type == PropertyType::GENERATION || (keepsControl && isControlProperty(property));
+        const bool isKept = property.type == PropertyType::GENERATION ||
+                            (keepsControl && isControlProperty(property)) ||
+                            (isClaimed && (name == "debug.kordanix.proc" || name == "debug.kordanix.api"));
         if (isKept || !readProperty(name)) {
             continue;
         }
-        const std::string error = platform::setProperty(name.c_str(), "");
+        const std::string error = platform::setProperty(name.c_str(), initialText(name).c_str());
         if (!error.empty()) {
             return fail(std::string("cannot reset ").append(name).append(": ").append(error), err);
         }

@@ -25,8 +25,8 @@ ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& 
 /// Publishes what others have set.
 ExitCode publishProperties(std::ostream& err);
 
-/// Takes the library's properties back to their defaults and publishes that; with `keepsControl`, only the
-/// settings and not the properties that say where the overlay is shown.
+/// Takes the library's properties back to their defaults, or to what the run began with, and publishes that;
+/// with `keepsControl`, only the settings and not the properties that say where the overlay is shown.
 ExitCode resetProperties(bool keepsControl, std::ostream& err);
 
 }  // namespace control

@@ -1,0 +1,83 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "RunFixture.h"
+#include "opengl/context/VirtualDisplay.h"
+#include "runs/OverlayClaim.h"
+#include "runs/OverlayNote.h"
+
+namespace control {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+class RunShown : public RunFixture {
+protected:
+    RunShown() {
+        VirtualDisplay::get();
+        setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
+        setenv("CLIENT", PLAIN_CLIENT, 1);
+    }
+};
+
+TEST_F(RunShown, WhoeverPresentsFirstShowsItAndElseItIsSaidWhyNot) {
+    std::ofstream(mHome.path("script")) << "#!/bin/sh\n$CLIENT \"$@\"\nexit 4\n";
+    const struct {
+        std::string command;
+        int status;
+        std::string reason;  ///< empty when the overlay is shown
+    } cases[] = {
+        {"$CLIENT", 0, ""},
+        {"$CLIENT window=glx frames=1", 0, ""},
+        {"sh -c '$CLIENT api=gl; exit 3'", 3, ""},
+        {"env A=1 nice sh ./script api=core", 4, ""},
+        {"sh -c '$CLIENT frames=20 & $CLIENT; wait'", 0, ""},
+        {"--set proc=$CLIENT --set api=0 $CLIENT", 0, ""},
+        {"--set proc=another $CLIENT", 0, "another process is selected"},
+        {"--set status=off $CLIENT", 0, "switched off"},
+        {"$CLIENT surface=pbuffer", 0, "plain_client: it swaps a pbuffer"},
+        {"$CLIENT api=gl state=query frames=1", 0, "a query"},
+        {"$CLIENT frames=0", 0, "no swap came"},
+        {"env -i /bin/sh -c 'exit 2'", 2, "no frame of OpenGL"},
+        {STATIC_PROGRAM, 0, "is statically linked"},
+    };
+    for (const auto& [command, status, reason] : cases) {
+        const support::Outcome outcome = run("$CTL run " + command);
+        EXPECT_EQ(outcome.status, status) << command;
+        EXPECT_THAT(outcome.err,
+                    reason.empty() ? testing::Matcher<std::string>(IsEmpty()) : HasSubstr(reason))
+            << command;
+        EXPECT_LE(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    }
+}
+
+TEST_F(RunShown, TheSecondProcessOfARunIsKnown) {
+    support::ChildProcess program(
+        {KORDANIXCTL, "run", "sh", "-c", "$CLIENT pause=20 frames=500 & $CLIENT pause=20 frames=500; wait"});
+    std::vector<platform::OverlayNote> notes;
+    std::string folder;
+    EXPECT_TRUE(support::waitUntil([&] {
+        std::error_code ignored;
+        for (const auto& entry : fs::directory_iterator(mHome.path("kordanix"), ignored)) {
+            folder = entry.path();
+            notes = platform::readOverlayNotes(folder);
+        }
+        return notes.size() == 2;
+    }));
+    ASSERT_EQ(notes.size(), 2U);
+    const auto claimant = platform::overlayClaimant(folder);
+    for (const platform::OverlayNote& note : notes) {
+        EXPECT_EQ(note.wasShown, note.process == claimant) << note.reason;
+        EXPECT_EQ(note.reason.empty(), note.wasShown) << note.reason;
+    }
+    program.kill(SIGTERM);
+    EXPECT_EQ(program.wait(), -SIGTERM);
+    run("kill " + std::to_string(notes[0].process) + ' ' + std::to_string(notes[1].process));
+}
+
+}  // namespace
+}  // namespace control

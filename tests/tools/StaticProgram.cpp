@@ -1,0 +1,2 @@
+// A program that nothing can be preloaded into.
+int main() {}

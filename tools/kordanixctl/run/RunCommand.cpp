@@ -1,0 +1,162 @@
+#include "run/RunCommand.h"
+
+#include "Complaint.h"
+#include "ProcessInfo.h"
+#include "RunDirectories.h"
+#include "SetCommand.h"
+#include "io/WriteSignalsBlocked.h"
+#include "properties/RuntimeDirectory.h"
+#include "run/InitialProperties.h"
+#include "run/ProgramFile.h"
+#include "run/Supervisor.h"
+#include "run/Verdict.h"
+#include "run/WaysIn.h"
+#include "runs/OverlayClaim.h"
+#include "runs/RunFolder.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+#include <system_error>
+
+namespace control {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* LOG_FILE = "KORDANIX_LOG_FILE";
+
+ExitCode readAssignments(const std::vector<std::string>& texts, std::vector<Assignment>& assignments,
+                         std::ostream& err) {
+    ExitCode result = SUCCESS;
+    for (const std::string& text : texts) {
+        const std::size_t sign = text.find('=');
+        Assignment assignment;
+        const std::string error =
+            sign == std::string::npos
+                ? "'" + text + "' has no value; expected NAME=VALUE"
+                : readAssignment(text.substr(0, sign), text.substr(sign + 1), false, assignment);
+        result = error.empty() ? result : fail(error, err, USAGE_ERROR);
+        assignments.push_back(std::move(assignment));
+    }
+    return result;
+}
+
+bool isSet(const char* name, const std::vector<Assignment>& assignments) {
+    return std::any_of(assignments.begin(), assignments.end(),
+                       [&](const Assignment& assignment) { return assignment.name == name; });
+}
+
+/// Turns the overlay on for the program; what was set by hand comes later and so wins.
+void addDefaults(bool isClaimed, const std::string& name, std::vector<Assignment>& assignments) {
+    std::vector<Assignment> all{{"debug.kordanix.status", "true"}};
+    all.push_back({"debug.kordanix.api", "0"});
+    if (isClaimed) {
+        all.push_back({"debug.kordanix.proc", name});
+    }
+    all.insert(all.end(), assignments.begin(), assignments.end());
+    assignments = std::move(all);
+}
+
+/// Removes ended runs, but none that a process has in its environment: it may yet show the overlay.
+void removeEndedRuns(const std::string& user) {
+    std::set<std::string> used;
+    for (const pid_t process : allProcesses()) {
+        used.insert(environmentVariable(process, "KORDANIX_RUNTIME_DIR").value_or(""));
+    }
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(user, ignored)) {
+        if (used.count(entry.path()) == 0) {
+            platform::removeEndedRun(entry.path());
+        }
+    }
+}
+
+/// What the program writes to standard error stays its own.
+void keepLog(const std::string& folder) {
+    // NOLINTBEGIN(concurrency-mt-unsafe): this process has one thread
+    const char* const chosen = std::getenv(LOG_FILE);
+    if (chosen == nullptr || chosen[0] == '\0') {
+        setenv(LOG_FILE, (folder + "/log").c_str(), 1);
+    }
+    // NOLINTEND(concurrency-mt-unsafe)
+}
+
+/// Writes what the run begins with into its folder, which has become this process's runtime directory.
+ExitCode prepareFolder(const std::string& folder, const std::vector<Assignment>& assignments, bool isClaimed,
+                       std::ostream& err) {
+    const platform::WriteSignalsBlocked blocked;
+    const ExitCode written = writeAssignments(assignments, true, err);
+    if (written != SUCCESS) {
+        return written;
+    }
+    std::string error = writeInitialProperties(folder, assignments);
+    if (error.empty() && isClaimed) {
+        error = platform::openOverlayClaim(folder);
+    }
+    return failUnlessEmpty(error, err);
+}
+
+}  // namespace
+
+ExitCode runProgram(const std::vector<std::string>& assignments, const std::vector<std::string>& words,
+                    std::ostream& err) {
+    std::vector<Assignment> all;
+    const ExitCode understood = readAssignments(assignments, all, err);
+    if (understood != SUCCESS) {
+        return understood;
+    }
+    const bool isClaimed = !isSet("debug.kordanix.proc", all);
+    if (isClaimed && isSet("debug.kordanix.api", all)) {
+        return fail(
+            "the process that shows the overlay sets 'api' itself; --set proc=NAME chooses another way", err,
+            USAGE_ERROR);
+    }
+    addDefaults(isClaimed, words.front(), all);
+    const std::string& name = words.front();
+    const ProgramFile program = findProgram(name);
+    if (program.result != SUCCESS) {
+        return fail(name + (program.result == NOT_FOUND ? ": there is no such program"
+                                                        : ": this is no program that you may run"),
+                    err, program.result);
+    }
+    const ProgramKind kind = inspectProgram(program.path);
+    std::string error = kind.isHarmedByUs ? std::string() : openWaysIn();
+    const std::string user = error.empty() ? userDirectory(error) : std::string();
+    if (user.empty()) {
+        return fail(error, err);
+    }
+    removeEndedRuns(user);
+    const std::string folder = platform::makeRunFolder(user, error);
+    if (folder.empty()) {
+        return fail(error, err);
+    }
+    platform::RunHold hold;
+    hold.take(folder);
+    platform::changeRuntimeDirectory(folder);
+    const ExitCode prepared = prepareFolder(folder, all, isClaimed, err);
+    if (prepared != SUCCESS) {
+        hold.forget();
+        platform::removeEndedRun(folder);
+        return prepared;
+    }
+    keepLog(folder);
+    const ProgramEnd end = superviseProgram(words);
+    const std::string reason = end.startError == 0 ? notShownReason(folder, kind.obstacle) : std::string();
+    hold.forget();
+    removeEndedRuns(user);
+    if (end.startError != 0) {
+        return fail(name + ": " + std::generic_category().message(end.startError), err,
+                    end.startError == ENOENT ? NOT_FOUND : NOT_EXECUTABLE);
+    }
+    if (!reason.empty()) {
+        const platform::WriteSignalsBlocked blocked;
+        complain("the overlay was not shown: " + reason, err);
+    }
+    return endAs(end.status);
+}
+
+}  // namespace control

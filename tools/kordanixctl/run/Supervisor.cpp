@@ -1,0 +1,129 @@
+#include "run/Supervisor.h"
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <iterator>
+
+namespace control {
+
+namespace {
+
+constexpr int PASSED_ON[] = {SIGTERM, SIGHUP, SIGCONT, SIGUSR1, SIGUSR2};
+constexpr int TERMINAL_STOPS[] = {SIGTSTP, SIGTTIN, SIGTTOU};
+constexpr int OTHERS[] = {SIGCHLD, SIGINT, SIGQUIT};
+
+template <std::size_t SIZE>
+void add(const int (&signals)[SIZE], sigset_t& set) {
+    for (const int signal : signals) {
+        sigaddset(&set, signal);
+    }
+}
+
+template <std::size_t SIZE>
+bool contains(const int (&signals)[SIZE], int signal) {
+    return std::find(std::begin(signals), std::end(signals), signal) != std::end(signals);
+}
+
+/// Only returns when it fails, with an error number.
+int execute(const std::vector<std::string>& words) {
+    std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
+    for (const std::string& word : words) {
+        arguments.push_back(const_cast<char*>(word.c_str()));  // the interface is older than const
+    }
+    arguments.push_back(nullptr);
+    execvp(arguments[0], arguments.data());
+    return errno;
+}
+
+/// Starts the program. Returns its process, or -1 with errno set.
+pid_t start(const std::vector<std::string>& words, const sigset_t& mask, const struct sigaction& onChild) {
+    int ends[2];  // closed by execvp(), so that nothing comes through them when it succeeds
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+        return -1;
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        sigaction(SIGCHLD, &onChild, nullptr);
+        sigprocmask(SIG_SETMASK, &mask, nullptr);
+        const int error = execute(words);
+        const ssize_t ignored = write(ends[1], &error, sizeof(error));
+        _exit(ignored == sizeof(error) ? 0 : 1);
+    }
+    int error = child < 0 ? errno : 0;
+    close(ends[1]);
+    if (child > 0 && read(ends[0], &error, sizeof(error)) != sizeof(error)) {
+        error = 0;
+    }
+    close(ends[0]);
+    if (child > 0 && error != 0) {
+        waitpid(child, nullptr, 0);
+    }
+    errno = error;
+    return error == 0 ? child : -1;
+}
+
+/// Waits until the program has ended, with the signals of `set` blocked. Returns its status.
+int attend(pid_t program, const sigset_t& set) {
+    while (true) {
+        const int signal = sigwaitinfo(&set, nullptr);
+        if (contains(PASSED_ON, signal)) {
+            kill(program, signal);
+        }
+        int status = 0;
+        int last = 0;
+        while (waitpid(program, &status, WNOHANG | WUNTRACED | WCONTINUED) > 0) {
+            if (WIFEXITED(status) || WIFSIGNALED(status)) {
+                return status;
+            }
+            last = status;
+        }
+        // The shell takes the terminal back when this process stops, and lets both go on later.
+        if (WIFSTOPPED(last) && contains(TERMINAL_STOPS, WSTOPSIG(last))) {
+            raise(SIGSTOP);
+        }
+    }
+}
+
+}  // namespace
+
+ProgramEnd superviseProgram(const std::vector<std::string>& words) {
+    sigset_t set;
+    sigset_t mask;
+    sigemptyset(&set);
+    add(PASSED_ON, set);
+    add(TERMINAL_STOPS, set);
+    add(OTHERS, set);
+    sigprocmask(SIG_BLOCK, &set, &mask);
+    // Were it ignored, there would be no status to wait for.
+    struct sigaction onChild = {};
+    struct sigaction standard = {};
+    standard.sa_handler = SIG_DFL;
+    sigaction(SIGCHLD, &standard, &onChild);
+
+    const pid_t program = start(words, mask, onChild);
+    return program < 0 ? ProgramEnd{errno, 0} : ProgramEnd{0, attend(program, set)};
+}
+
+ExitCode endAs(int status) {
+    if (!WIFSIGNALED(status)) {
+        return static_cast<ExitCode>(WEXITSTATUS(status));
+    }
+    const int signal = WTERMSIG(status);
+    prctl(PR_SET_DUMPABLE, 0);
+    std::signal(signal, SIG_DFL);
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, signal);
+    sigprocmask(SIG_UNBLOCK, &set, nullptr);
+    raise(signal);
+    return static_cast<ExitCode>(128 + signal);
+}
+
+}  // namespace control

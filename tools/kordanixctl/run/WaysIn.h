@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+/// How layers get into a program: by variables in its environment.
+namespace control {
+
+/// A layer's way in. A further layer is a further row in WaysIn.cpp.
+struct WayIn {
+    const char* graphics;  ///< what the layer draws over, in messages
+    const char* variable;  ///< of the program's environment
+    const char* file;      ///< its path goes first into the variable, before what the user has there
+    char separator;        ///< between the paths in the variable
+    bool isExpanded;       ///< the reader of the variable replaces $LIB, $ORIGIN and $PLATFORM in paths
+    bool isSplitAtBlanks;  ///< and takes blanks for separators too
+};
+
+/// Sets the variables of all layers in this process's environment. Returns what keeps a layer from being
+/// found, or nothing. In a process with one thread.
+std::string openWaysIn();
+
+/// "OpenGL or OpenGL ES": what the layers draw over.
+std::string knownGraphics();
+
+}  // namespace control
