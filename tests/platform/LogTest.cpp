@@ -1,14 +1,19 @@
 #include <android/log.h>
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 
-#include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
+#include "support/ChildProcess.h"
 
 namespace platform {
 namespace {
@@ -24,7 +29,7 @@ struct Logged {
 Logged runLogged(const char* level, const std::function<int()>& work) {
     int ends[2] = {-1, -1};
     EXPECT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);
-    const pid_t child = startChild([&] {
+    support::ChildProcess child([&] {
         setenv("KORDANIX_LOG", level, 1);
         dup2(ends[1], STDERR_FILENO);
         close(ends[0]);
@@ -38,8 +43,8 @@ Logged runLogged(const char* level, const std::function<int()>& work) {
         logged.writes.push_back(bytes.substr(0, static_cast<std::size_t>(size)));
     }
     close(ends[0]);
-    logged.result = waitForChild(child);
-    const std::string pid = std::to_string(child);
+    logged.result = child.wait();
+    const std::string pid = std::to_string(child.id());
     logged.source = "(" + std::string(pid.size() < 5 ? 5 - pid.size() : 0, ' ') + pid + "): ";
     return logged;
 }
@@ -68,7 +73,8 @@ TEST(LogTest, EveryLineHasThePrefixAndEveryMessageIsOneWrite) {
 
 TEST(LogTest, AFileTakesTheMessagesInstead) {
     const TemporaryDirectory folder;
-    const std::string path = folder.path() + "/log";
+    const std::string path = folder.path("link");
+    std::filesystem::create_symlink("log", path);
     for (const char* const message : {"one", "two"}) {
         const Logged logged = runLogged("I", [&] {
             setenv("KORDANIX_LOG_FILE", path.c_str(), 1);
@@ -80,6 +86,76 @@ TEST(LogTest, AFileTakesTheMessagesInstead) {
     std::string text;
     std::getline(std::ifstream(path), text, '\0');
     EXPECT_THAT(text, testing::MatchesRegex("I/t  *\\( *[0-9]+\\): one\nI/t  *\\( *[0-9]+\\): two\n"));
+}
+
+TEST(LogTest, WhatIsNoFileIsNoLog) {
+    const TemporaryDirectory folder;
+    const std::string path = folder.path("fifo");
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const Logged logged = runLogged("I", [&] {
+        setenv("KORDANIX_LOG_FILE", path.c_str(), 1);
+        __android_log_print(ANDROID_LOG_INFO, "t", "one");
+        return __android_log_print(ANDROID_LOG_INFO, "t", "two");
+    });
+    EXPECT_EQ(logged.result, 1);
+    EXPECT_THAT(logged.writes, testing::ElementsAre(testing::HasSubstr("fifo: is not a regular file"),
+                                                    testing::EndsWith("one\n"), testing::EndsWith("two\n")));
+}
+
+/// Puts a pipe in the place of standard error and returns the end to read from.
+int usePipe() {
+    int ends[2] = {-1, -1};
+    if (pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0) {
+        _exit(1);
+    }
+    close(ends[1]);
+    return ends[0];
+}
+
+void useFile(const std::string& path, int flags) {
+    close(STDERR_FILENO);
+    if (open(path.c_str(), O_WRONLY | O_CREAT | flags, 0600) != STDERR_FILENO) {
+        _exit(1);
+    }
+}
+
+TEST(LogTest, StandardErrorDoesNoHarmHoweverItIs) {
+    const TemporaryDirectory folder;
+    const std::string path = folder.path("save.game");
+    const struct {
+        const char* name;
+        std::function<void()> prepare;
+        int error;
+    } cases[] = {
+        {"a file that must not grow",
+         [&] {
+             useFile(path, O_APPEND);
+             const rlimit none = {0, 0};
+             setrlimit(RLIMIT_FSIZE, &none);
+         },
+         EFBIG},
+        {"a pipe without a reader", [] { close(usePipe()); }, EPIPE},
+        {"a pipe that nobody reads",
+         [] {
+             usePipe();
+             fcntl(STDERR_FILENO, F_SETFL, O_NONBLOCK);
+             const std::string block(4096, 'x');
+             while (write(STDERR_FILENO, block.data(), block.size()) > 0) {
+             }
+             fcntl(STDERR_FILENO, F_SETFL, 0);
+         },
+         EAGAIN},
+        {"a file of the program's", [&] { useFile(path, 0); }, EBADF},
+        {"closed", [] { close(STDERR_FILENO); }, EBADF},
+    };
+    for (const auto& standardError : cases) {
+        support::ChildProcess program([&] {
+            standardError.prepare();
+            return -__android_log_print(ANDROID_LOG_ERROR, "t", "text");
+        });
+        EXPECT_EQ(program.wait(std::chrono::seconds(10)), standardError.error) << standardError.name;
+    }
+    EXPECT_EQ(std::filesystem::file_size(path), 0U);
 }
 
 TEST(LogTest, LevelFilters) {
