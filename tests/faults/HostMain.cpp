@@ -1,24 +1,29 @@
-// The process that the tests of faults are hard on: an application that draws frames with the overlay and
-// meanwhile does what it is told, a line a command on standard input. Its answers are lines on standard
-// output.
-//   fault_host APIS PACE    APIS: numbers of the layers' APIs, such as 0,1; PACE: microseconds between frames
+// The process that the tests of faults are hard on: an application that draws frames with the overlay, tells
+// of them in shared memory and does what it finds there.
+//   fault-host APIS PACE    APIS: numbers of the layers' APIs, such as 01; PACE: microseconds between frames
 
+#include "NullFactory.h"
+#include "core/KeyEventInterceptor.h"
+#include "core/StateInfo.h"
 #include "core/SysPropWatcher.h"
-#include "faults/Application.h"
+#include "doubles/FixedPasses.h"
+#include "faults/HostShared.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/Overlay.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <memory>
-#include <set>
-#include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 // The process forks with threads running, and ends without waiting for them.
@@ -28,174 +33,180 @@ extern "C" const char* __tsan_default_options() {
 
 namespace {
 
-using faults::Application;
+using faults::End;
+using faults::HostShared;
+using faults::Order;
+
+struct Application {
+    explicit Application(std::string numbers) : apis(std::move(numbers)) { makeLayers(); }
+
+    void makeLayers() {
+        layers.clear();
+        for (const char api : apis) {
+            layers.push_back(std::make_unique<scene::Overlay>(
+                factory, static_cast<core::RenderingApiType>(api - '0'), &passes));
+            layers.back()->attach();
+        }
+    }
+
+    std::string apis;
+    bench::NullFactory factory;
+    doubles::FixedPasses passes{20, {1, 100, 7}};
+    std::vector<std::unique_ptr<scene::Overlay>> layers;
+};
 
 /// Outlives main(), so that its end can be that of the statics.
-std::unique_ptr<Application>& application() {
-    static std::unique_ptr<Application> instance;
-    return instance;
-}
+std::unique_ptr<Application> owner;
+Application* application = nullptr;
+HostShared* shared = nullptr;
+std::atomic<bool> isEnding{false};
 
-std::set<pid_t> children;
-int failedChildren = 0;
-
-void say(std::string line) {
-    line += '\n';
-    if (write(STDOUT_FILENO, line.data(), line.size()) != static_cast<ssize_t>(line.size())) {
-        _exit(3);
+/// A notice of the background may come at any moment: only a frame before which and after which a dump runs
+/// is surely in it, and the frame with the key that ends it.
+void noteDump(bool wasDumping, bool isToggled) {
+    if (isToggled && !wasDumping) {
+        ++shared->dumpCount;
+    }
+    const std::size_t count = shared->dumpCount;
+    if (wasDumping && (isToggled || core::StateInfo::isDumpingEnabled()) && count > 0 && !isEnding) {
+        HostShared::Dump& dump = shared->dumps[(count - 1) % HostShared::MAX_DUMPS];
+        dump.first = dump.first == 0 ? core::StateInfo::mFrameNumber : dump.first.load();
+        dump.last = core::StateInfo::mFrameNumber;
     }
 }
 
-/// What a program finds that a process with the overlay executes: only the three standard files.
-int countForeignFiles() {
-    int count = 0;
-    for (int i = 3; i < 256; ++i) {
-        count += fcntl(i, F_GETFD) >= 0 ? 1 : 0;
+/// One frame of every layer.
+void frame() {
+    static auto& text = SysPropWatcher::createSysProp<std::string>("debug.fault.text", {});
+    for (std::size_t i = 0; i < application->layers.size(); ++i) {
+        scene::Overlay& layer = *application->layers[i];
+        layer.beginFrame();
+        shared->changes += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
+        layer.draw();
+        const bool wasDumping = core::StateInfo::isDumpingEnabled();
+        const bool isToggled = layer.isShown() && core::StateInfo::mDevModeProp.getValue() &&
+                               KeyEventInterceptor::getInstance()->mIsDumpKeyPressed;
+        layer.endFrame();
+        noteDump(wasDumping, isToggled);
+        shared->isShown[i] = layer.isShown();
     }
-    return count;
+    // Always written as a repetition of one letter.
+    const std::string value = text.getValue();
+    shared->tornTexts +=
+        !value.empty() && value.find_first_not_of(value.front()) != std::string::npos ? 1 : 0;
+    shared->isDumping = core::StateInfo::isDumpingEnabled();
+    shared->opacity = static_cast<int>(gui::WidgetsSettings::getWidgets().mBgTransparency.getValue());
+    ++shared->frames;
 }
 
-void startChild(const std::string& kind) {
-    static char option[] = "--count-files";
-    char* const program = std::getenv("FAULT_HOST");
-    char* const arguments[] = {program, option, nullptr};
+void startChild(Order order) {
+    // What a program finds that a process with the overlay executes: only the three standard files.
+    static char shell[] = "/bin/sh";
+    static char option[] = "-c";
+    static char command[] = "for i in 3 4 5 6 7 8 9; do if [ -e /proc/$$/fd/$i ]; then exit 1; fi; done";
+    char* const arguments[] = {shell, option, command, nullptr};
     pid_t child = 0;
-    if (kind == "spawn") {  // without fork(), and so without anything that is done for a forked child
-        child = posix_spawn(&child, program, nullptr, nullptr, arguments, environ) == 0 ? child : -1;
+    if (order == Order::CHILD_IS_SPAWNED) {  // without fork(), and what is done for a forked child
+        child = posix_spawn(&child, shell, nullptr, nullptr, arguments, environ) == 0 ? child : -1;
     } else {
         child = fork();
     }
     if (child != 0) {
-        if (child < 0) {
-            ++failedChildren;
-        } else {
-            children.insert(child);
-        }
+        ++(child < 0 ? shared->failedChildren : shared->children);
         return;
     }
     alarm(60);
-    if (kind == "exec") {
-        execv(program, arguments);
+    if (order == Order::CHILD_EXECUTES) {
+        execv(shell, arguments);
         _exit(4);
     }
-    if (kind == "exit") {
+    if (order == Order::CHILD_EXITS) {
         std::exit(0);
     }
+    shared = new HostShared();  // the counters are the parent's
     for (int i = 0; i < 50; ++i) {
-        application()->frame();
+        frame();
     }
-    _exit(application()->isWhole() ? 0 : 5);
+    _exit(shared->tornTexts == 0 ? 0 : 5);
 }
 
 void lookAfterChildren() {
-    for (auto child = children.begin(); child != children.end();) {
-        int status = 0;
-        if (waitpid(*child, &status, WNOHANG) == *child) {
-            failedChildren += status == 0 ? 0 : 1;
-            child = children.erase(child);
-        } else {
-            ++child;
-        }
+    int status = 0;
+    while (shared->children > 0 && waitpid(-1, &status, WNOHANG) > 0) {
+        shared->failedChildren += status == 0 ? 0 : 1;
+        --shared->children;
     }
 }
 
-/// Ends the process. The frames that a dump was promised by now are told before.
-int endAs(const std::string& kind) {
-    if (kind == "thread") {
-        // The thread that draws does not stop for it, and its layers stay.
-        Application* const drawing = application().release();
-        std::thread([drawing] {
-            say("end" + drawing->dumps());
+int endAs(End end) {
+    if (end == End::EXIT_ON_A_THREAD) {
+        static_cast<void>(owner.release());  // the thread that draws does not stop for it
+        std::thread([] {
+            isEnding = true;
             std::exit(0);
         }).detach();
         for (;;) {
-            drawing->frame();
+            frame();
             // Faster than any screen, but not so fast that frames of the dump have to be left out.
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
-    say("end" + application()->dumps());
-    if (kind == "exit") {
-        std::exit(0);
+    switch (end) {
+        case End::EXIT:
+            std::exit(0);
+        case End::QUICK_EXIT:
+            std::quick_exit(0);
+        case End::UNDERSCORE_EXIT:
+            _exit(0);
+        default:
+            owner.reset();
+            return 0;
     }
-    if (kind == "quick_exit") {
-        std::quick_exit(0);
-    }
-    if (kind == "_exit") {
-        _exit(0);
-    }
-    application().reset();
-    return 0;
 }
 
-/// The command lines that have arrived; false when there will be no more.
-bool readCommands(std::vector<std::string>& lines) {
-    static std::string text;
-    pollfd input = {STDIN_FILENO, POLLIN, 0};
-    while (poll(&input, 1, 0) > 0) {
-        char bytes[512];
-        const ssize_t size = read(STDIN_FILENO, bytes, sizeof(bytes));
-        if (size <= 0) {
-            return false;
+void obey() {
+    std::this_thread::sleep_for(std::chrono::milliseconds(shared->stallMs.exchange(0)));
+    for (; shared->reattach > 0; --shared->reattach) {
+        for (const auto& layer : application->layers) {
+            layer->detach();
+            layer->attach();
         }
-        text.append(bytes, static_cast<std::size_t>(size));
+        frame();
     }
-    for (std::size_t newline = text.find('\n'); newline != std::string::npos; newline = text.find('\n')) {
-        lines.push_back(text.substr(0, newline));
-        text.erase(0, newline + 1);
+    for (; shared->renew > 0; --shared->renew) {
+        application->makeLayers();
+        frame();
     }
-    return true;
+    if (shared->order != Order::NONE) {
+        startChild(shared->order);
+        shared->order = Order::NONE;
+    }
+    lookAfterChildren();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 2 && std::string(argv[1]) == "--count-files") {
-        return countForeignFiles();
-    }
-    if (argc != 3) {
+    const int file = open(std::getenv("FAULT_SHARED"), O_RDWR | O_CLOEXEC);
+    void* const memory = mmap(nullptr, sizeof(HostShared), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    close(file);
+    if (argc != 3 || memory == MAP_FAILED) {
         return 2;
     }
-    std::vector<int> apis;
-    std::istringstream numbers(argv[1]);
-    for (std::string number; std::getline(numbers, number, ',');) {
-        apis.push_back(std::atoi(number.c_str()));
-    }
-    std::chrono::microseconds pace(std::atoi(argv[2]));
+    shared = static_cast<HostShared*>(memory);
+    const std::chrono::microseconds pace(std::atoi(argv[2]));
 
     // The library would wait a second before it looks for its first publication; tests are in a hurry.
     SysPropWatcher::init("debug.kordanix.settingsgeneration", std::chrono::milliseconds(1));
-    application() = std::make_unique<Application>(apis);
-    while (true) {
-        application()->frame();
-        lookAfterChildren();
-        std::vector<std::string> lines;
-        if (!readCommands(lines)) {
-            return endAs("return");
+    owner = std::make_unique<Application>(argv[1]);
+    application = owner.get();
+    for (;;) {
+        frame();
+        obey();
+        const End end = shared->end;
+        if (end != End::NONE) {
+            return endAs(end);
         }
-        for (const std::string& line : lines) {
-            std::istringstream words(line);
-            std::string command;
-            std::string kind;
-            words >> command >> kind;
-            if (command == "report") {
-                say(application()->report() + " children=" + std::to_string(children.size()) +
-                    " failed_children=" + std::to_string(failedChildren));
-            } else if (command == "stall") {
-                say("stalled");
-                std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(kind.c_str())));
-            } else if (command == "reattach" || command == "renew") {
-                application()->reattach(std::atoi(kind.c_str()), 3, command == "renew");
-            } else if (command == "fork") {
-                startChild(kind);
-            } else if (command == "end") {
-                return endAs(kind);
-            } else {
-                return 2;
-            }
-        }
-        if (pace.count() > 0) {
-            std::this_thread::sleep_for(pace);
-        }
+        std::this_thread::sleep_for(pace);
     }
 }

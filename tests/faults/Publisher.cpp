@@ -1,11 +1,8 @@
 #include "faults/Publisher.h"
 
-#include "faults/HostProcess.h"
-#include "platform/ChildProcess.h"
 #include "properties/SystemProperties.h"
 #include "settings/PropertyTable.h"
 
-#include <csignal>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -32,7 +29,7 @@ std::string textFor(const control::Property& property, std::mt19937& random) {
         case control::PropertyType::API:
             return "0";
         default:
-            return HostProcess::NAME;
+            return HOST_NAME;
     }
 }
 
@@ -50,7 +47,7 @@ std::string showOverlay() {
     std::string error;
     for (const auto& [name, value] : {std::pair{"status", "true"},
                                       {"api", "0"},
-                                      {"proc", HostProcess::NAME},
+                                      {"proc", HOST_NAME},
                                       {"devmode", "true"},
                                       {"fixclock", "true"},
                                       {"widget_memory", "true"}}) {
@@ -74,10 +71,10 @@ std::string setText(std::mt19937& random) {
     return set("debug.fault.text", std::string(random() % 92, static_cast<char>('a' + random() % 26)));
 }
 
-Publisher::Publisher(What what, unsigned seed, int times, std::chrono::microseconds longestPause)
-    : mProcess(platform::startChild([=] {
+Publisher::Publisher(What what, unsigned seed, std::chrono::microseconds longestPause)
+    : mProcess([=] {
           std::mt19937 random(seed);
-          for (int i = 0; i != times; ++i) {
+          for (;;) {
               std::string error = setText(random);
               for (auto count = random() % 4; count > 0 && what == What::ANYTHING; --count) {
                   error += setAny(random);
@@ -89,20 +86,6 @@ Publisher::Publisher(What what, unsigned seed, int times, std::chrono::microseco
                   std::this_thread::sleep_for(longestPause * (random() % 1000) / 1000);
               }
           }
-          return 0;
-      })) {}
-
-Publisher::~Publisher() {
-    if (mProcess > 0) {
-        kill(mProcess, SIGKILL);
-        platform::waitForChild(mProcess);
-    }
-}
-
-int Publisher::wait() {
-    const int result = platform::waitForChild(mProcess);
-    mProcess = -1;
-    return result;
-}
+      }) {}
 
 }  // namespace faults

@@ -1,12 +1,15 @@
 #pragma once
 
-#include <sys/types.h>
+#include "support/ChildProcess.h"
 
 #include <chrono>
 #include <random>
 #include <string>
 
 namespace faults {
+
+/// The name by which the library knows the process of a fault_host.
+constexpr const char* HOST_NAME = "fault-host";
 
 /// Writes a property, as platform::setProperty does. The short name will do for the library's own.
 std::string set(const std::string& name, const std::string& value);
@@ -24,22 +27,16 @@ std::string setAny(std::mt19937& random);
 /// Writes the text that fault_host reads: one letter over and over.
 std::string setText(std::mt19937& random);
 
-/// Another process that changes and publishes settings, as fast as it can or with random pauses, until it has
-/// published `times` times or this object ends, which kills it. It lasts for a minute at the most.
+/// Another process that changes and publishes settings, as fast as it can or with random pauses, until this
+/// object ends, which kills it.
 class Publisher {
 public:
     enum class What { TEXT_ALONE, ANYTHING };
 
-    Publisher(What what, unsigned seed, int times = -1, std::chrono::microseconds longestPause = {});
-    ~Publisher();
-    Publisher(const Publisher&) = delete;
-    Publisher& operator=(const Publisher&) = delete;
-
-    /// Waits for the end of its own accord: 0 when everything could be written.
-    int wait();
+    Publisher(What what, unsigned seed, std::chrono::microseconds longestPause = {});
 
 private:
-    pid_t mProcess;
+    support::ChildProcess mProcess;
 };
 
 }  // namespace faults
