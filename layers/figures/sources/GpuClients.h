@@ -1,0 +1,99 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "figures/sources/FdInfo.h"
+#include "figures/sources/FileTree.h"
+#include "figures/sources/Value.h"
+
+namespace sources {
+
+/// A GPU as a process's open files name it.
+struct GpuName {
+    std::string driver;
+    std::string pciDevice;  ///< empty for other buses
+    int minor = -1;         ///< of the node in /dev/dri; -1 when it is not known
+
+    /// Card and render node of one device count as one where the bus tells.
+    bool isSameDevice(const GpuName& other) const {
+        return driver == other.driver && pciDevice == other.pciDevice;
+    }
+};
+
+/// The GPU clients of one process: which device it works with, how much it loads that, and how much memory it
+/// holds there. Looks at every open file anew at each reading, because files come, go and change their
+/// numbers. One thread at a time.
+class GpuClients {
+public:
+    /// `process` is the folder with fd and fdinfo: "/proc/self" or "/proc/PID".
+    GpuClients(const FileTree& tree, std::string process);
+
+    /// Takes a reading. `now` is in seconds, on a clock that does not jump.
+    void read(double now);
+
+    /// The device whose engines worked most for this process between the last two readings; before that the
+    /// one in which it holds most memory. Stays the same for some seconds where two work by turns.
+    const std::optional<GpuName>& device() const { return mDevice; }
+
+    /// The number of an NVIDIA device that the process holds open, /dev/nvidia<N>.
+    std::optional<int> nvidiaDevice() const { return mNvidia; }
+
+    /// Percent, 0 to 100: the busiest class of engines of the device.
+    Value load() const { return mLoad; }
+
+    /// Bytes. On an APU what lies in the machine's memory is the GPU's too.
+    Value memory(bool isApu) const;
+
+    /// MHz, of drivers that tell them here.
+    Value clock() const;
+    Value maxClock() const;
+
+    /// Whether any engine has worked for this process since the last reading.
+    bool hasWorked() const { return mHasWorked; }
+
+    /// Why the process's files could not be looked at; 0 when they could.
+    int error() const { return mError; }
+
+private:
+    /// Counters may step back; the largest that was seen stands until it is passed.
+    struct Counters {
+        std::uint64_t busyNs = 0;
+        std::uint64_t cycles = 0;
+        std::uint64_t totalCycles = 0;
+    };
+    struct Client {
+        GpuName device;
+        FdInfo info;
+        std::string file;
+        std::map<std::string, Counters> counters;
+        std::map<std::string, double> loads;  ///< by engine class, percent, not yet cut at 100
+    };
+    using Clients = std::map<std::string, Client>;
+
+    Clients collect();
+    void lookAtNode(const std::string& number, int& minor);
+    static void compare(Client& now, const Client& before, double seconds);
+    void choose(double now);
+    void updateLoad();
+    std::vector<const Client*> ofDevice() const;
+
+    const FileTree& mTree;
+    std::string mProcess;
+    Clients mClients;
+    std::optional<GpuName> mDevice;
+    std::optional<int> mNvidia;
+    Value mLoad = Value::none(Reason::NO_DEVICE);
+    double mLastTime = 0.0;
+    double mChosenTime = 0.0;
+    bool mHasRead = false;
+    bool mHasWorked = false;
+    int mError = 0;
+};
+
+}  // namespace sources

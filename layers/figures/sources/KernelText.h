@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "figures/sources/FileTree.h"
+#include "figures/sources/Value.h"
+
+namespace sources {
+
+/// Small pieces of the kernel's texts, the same in every locale.
+
+std::string_view trimmed(std::string_view text);
+
+/// Takes a whole unsigned decimal number off the front, after blanks; nothing when there is none that fits
+/// into 64 bits.
+std::optional<std::uint64_t> takeNumber(std::string_view& text);
+
+/// The signed whole number that the text begins with, after blanks.
+std::optional<std::int64_t> leadingInteger(std::string_view text);
+
+/// Takes the next line off the front, without its end; nothing when the text is used up.
+std::optional<std::string_view> takeLine(std::string_view& text);
+
+/// The first line, trimmed, of a file; empty when it cannot be read.
+std::string readWord(const FileTree& tree, const std::string& path);
+
+/// The number a file begins with, times `scale`.
+Value readScaled(const FileTree& tree, const std::string& path, double scale);
+
+}  // namespace sources

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <array>
+#include <bitset>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "figures/sources/CpuFiles.h"
+#include "figures/sources/FileTree.h"
+#include "figures/sources/GpuClients.h"
+#include "figures/sources/GpuDevice.h"
+#include "figures/sources/GpuFiles.h"
+#include "figures/sources/NvidiaLibrary.h"
+#include "figures/sources/Value.h"
+
+namespace sources {
+
+/// Every figure that a machine tells, in the order in which they are listed.
+enum class Id {
+    CPU_LOAD_PROCESS,
+    CPU_LOAD_SYSTEM,
+    CPU_LOAD_CORE,
+    CPU_CLOCK,
+    CPU_TEMPERATURE,
+    GPU_LOAD_PROCESS,
+    GPU_LOAD_DEVICE,
+    GPU_CLOCK,
+    GPU_CLOCK_MAX,
+    GPU_TEMPERATURE,
+    GPU_MEMORY_PROCESS,
+    GPU_MEMORY_DEVICE,
+    GPU_MEMORY_TOTAL,
+    GPU_POWER,
+    GPU_FAN,
+    MEMORY_PROCESS,
+    MEMORY_USED,
+    MEMORY_FREE,
+    COUNT
+};
+
+constexpr std::size_t FIGURES = static_cast<std::size_t>(Id::COUNT);
+using Wanted = std::bitset<FIGURES>;
+
+/// "cpu.load.process" and so on.
+const char* nameOf(Id id);
+
+/// percent (of all online processors; the core's of one), MHz, celsius, bytes, watts, rpm.
+const char* unitOf(Id id);
+
+/// Reads a machine's figures, for one process of it or for none. Opens many files and allocates: for a tool
+/// or a helper thread, twice a second. One thread at a time.
+class MachineFigures {
+public:
+    /// The tree outlives this. `process` is 0 for none, else a process of this machine; in a folder of
+    /// another machine any number stands for the process whose files are in it.
+    MachineFigures(const FileTree& tree, pid_t process);
+
+    /// Takes a reading of the figures that are wanted; `now` in seconds, on a clock that does not jump. Rates
+    /// have values from the second reading on.
+    void read(double now, const Wanted& wanted = Wanted().set());
+
+    const Value& value(Id id) const { return mValues[static_cast<std::size_t>(id)]; }
+    const char* unit(Id id) const;
+
+    const GpuDevice& gpu() const { return mGpu; }
+
+    /// Whether a driver's library is still being loaded: a later reading will know more.
+    bool isAnswerPending();
+
+    /// One command that would make the figure readable; empty when there is none.
+    std::string advice(Id id) const;
+
+private:
+    Value& at(Id id) { return mValues[static_cast<std::size_t>(id)]; }
+    void readCpu(double now, const Wanted& wanted);
+    void locate();
+    void readGpuOfProcess(double now, const Wanted& wanted);
+    void readGpu(double now, const Wanted& wanted);
+    void readNvidia(const Wanted& wanted);
+
+    const FileTree& mTree;
+    pid_t mProcess;
+    CpuFiles mCpu;
+    std::optional<GpuClients> mClients;
+    GpuFiles mFiles;
+    GpuDevice mGpu;
+    std::unique_ptr<NvidiaLibrary> mNvidia;
+    std::array<Value, FIGURES> mValues;
+};
+
+}  // namespace sources
