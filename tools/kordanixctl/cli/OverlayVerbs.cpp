@@ -1,5 +1,6 @@
 #include "Complaint.h"
 #include "cli/Verbs.h"
+#include "machine/MachineDoctor.h"
 #include "overlays/Doctor.h"
 #include "overlays/PictureCommand.h"
 #include "overlays/ProcessCommands.h"
@@ -89,11 +90,56 @@ void addBackground(CLI::App& app, Invocation& invocation) {
 }
 
 void addDoctor(CLI::App& app, Invocation& invocation) {
-    addVerb(app, "doctor", "Say who shows the overlay or why not, what can be measured, and what to do")
-        ->callback([&] {
-            invocation.address = Invocation::Address::HELPFUL;
-            invocation.action = [] { return runDoctor(std::cout, std::cerr); };
-        });
+    struct Options {
+        MachineOptions machine;
+        bool isJson = false;
+    };
+    const auto options = std::make_shared<Options>();
+    MachineOptions& machine = options->machine;
+    CLI::App* const verb =
+        addVerb(app, "doctor", "Say who shows the overlay or why not, what can be measured, and what to do");
+    verb->add_flag(
+        "--json", options->isJson,
+        "The machine's figures as a JSON array, each with its source or the reason why there is none");
+    CLI::Option* const root =
+        verb->add_option("--root", machine.root, "Read a recorded machine instead of this one")
+            ->type_name("DIR");
+    CLI::Option* const next = verb->add_option("--next", machine.next,
+                                               "The same machine a moment later, for figures that are rates")
+                                  ->type_name("DIR")
+                                  ->needs(root);
+    verb->add_option("--interval", machine.interval, "Seconds between the two")
+        ->type_name("SECONDS")
+        ->check(isSeconds())
+        ->needs(next);
+    verb->add_option(
+            "--record", machine.record,
+            "Write the files behind the figures into a new folder, to go with a report of a wrong one")
+        ->type_name("DIR")
+        ->excludes(root);
+    verb->callback([&invocation, options] {
+        invocation.address = Invocation::Address::HELPFUL;
+        if (options->isJson || !options->machine.root.empty() || !options->machine.record.empty()) {
+            invocation.address = Invocation::Address::NONE;
+        }
+        invocation.action = [&invocation, options] {
+            MachineOptions& chosen = options->machine;
+            chosen.process = invocation.process;
+            if (!chosen.record.empty()) {
+                return recordMachine(chosen, std::cout, std::cerr);
+            }
+            if (options->isJson) {
+                return printFiguresAsJson(chosen, std::cout, std::cerr);
+            }
+            if (!chosen.root.empty()) {
+                return printFigures(chosen, std::cout, std::cerr);
+            }
+            const ExitCode result = runDoctor(std::cout, std::cerr);
+            std::cout << '\n';
+            printFigures(chosen, std::cout, std::cerr);
+            return result;
+        };
+    });
 }
 
 }  // namespace
