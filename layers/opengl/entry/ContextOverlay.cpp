@@ -9,7 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "core/RenderingApiType.h"
+#include "core/StateInfo.h"
+#include "opengl/entry/LayerApi.h"
 #include "opengl/entry/PictureFile.h"
 #include "ostra/PictureRequest.h"
 #include "utils/Log.h"
@@ -30,81 +31,125 @@ private:
     SavedState& mState;
 };
 
+Obstacle whyIsOff() {
+    if (!core::StateInfo::mStatusProp.getValue()) {
+        return "it is switched off (debug.kordanix.status)";
+    }
+    if (core::StateInfo::mRenderApiProp.getValue() != LAYER_API) {
+        return "another graphics API is selected (debug.kordanix.api)";
+    }
+    return "another process is selected (debug.kordanix.proc)";
+}
+
 }  // namespace
 
 Functions ContextOverlay::load(GetProcAddress lookUp) {
     Functions functions;
     if (!functions.load(lookUp)) {
-        throw Unusable("it is older than OpenGL 2.0 and OpenGL ES 2.0, or lacks functions");
+        throw Unusable("its context is older than OpenGL 2.0 and OpenGL ES 2.0, or lacks functions");
     }
     return functions;
 }
 
-ContextOverlay::ContextOverlay(GetProcAddress lookUp, std::mutex& libraryMutex)
-    : mLibraryMutex(libraryMutex),
+ContextOverlay::ContextOverlay(GetProcAddress lookUp, Shared& shared)
+    : mShared(shared),
       mFunctions(load(lookUp)),
       mState(mFunctions),
       mDrawing(mFunctions),
       mPasses(mFunctions),
-      mOverlay(mDrawing.factory(), core::RenderingApiType::OPENGL_ES, &mPasses) {}
+      mOverlay(mDrawing.factory(), LAYER_API, &mPasses) {}
 
-bool ContextOverlay::beforeSwap(const WindowLibrary& library, const Swap& swap) {
-    endPasses();
+Obstacle ContextOverlay::beforeSwap(const WindowLibrary& library, const Swap& swap,
+                                    unsigned int attributeChanges) {
+    mPasses.onFrameEnd();
     // While the overlay is off nobody asks for the surface. When it has just been switched on, this frame is
     // laid out for what the surface once was, and goes without.
     const bool isLookedAt = mOverlay.isShown() || !mOverlay.mIsAttached;
     if (isLookedAt) {
-        lookAtSurface(library, swap);
-    }
-    bool isShown = false;
-    {
-        const std::lock_guard<std::mutex> lock(mLibraryMutex);
-        mOverlay.attach();
-        mOverlay.beginFrame();
-        isShown = mOverlay.isShown() && isLookedAt && mSize.isDrawable();
-        if (isShown) {
-            mOverlay.draw();
+        lookAtSurface(library, swap, attributeChanges);
+        if (mSurface.obstacle != nullptr) {
+            return mSurface.obstacle;
         }
     }
-    const bool isPictured = isPictureWanted();
+    Obstacle obstacle = beginFrame(isLookedAt);
+    const bool isPictured = mIsInFrame && isPictureWanted();
     if (isPictured && !isLookedAt) {
-        lookAtSurface(library, swap);
+        lookAtSurface(library, swap, attributeChanges);
     }
-    if ((!isShown && !isPictured) || !mSize.isDrawable() || !mState.save(mSize.width, mSize.height)) {
-        return false;
+    if ((obstacle != nullptr && !isPictured) || mSurface.obstacle != nullptr || !mSurface.size.isDrawable()) {
+        return obstacle;
+    }
+    if (!mState.save(mSurface.size.width, mSurface.size.height)) {
+        return mState.obstacle();
     }
     const StateRestorer restorer(mState);
-    const bool hasDrawn = isShown && show();
+    if (mState.isSingleBuffered()) {
+        return SINGLE_BUFFERED;
+    }
+    if (obstacle == nullptr) {
+        obstacle = show();
+    }
     if (isPictured) {
         takePicture();
     }
-    return hasDrawn;
+    return obstacle;
 }
 
 void ContextOverlay::afterSwap() {
+    if (!mIsInFrame) {
+        return;
+    }
+    std::uint64_t swapped = 0;
     {
-        const std::lock_guard<std::mutex> lock(mLibraryMutex);
+        const std::lock_guard<std::mutex> lock(mShared.mutex);
+        mIsInFrame = false;
         mOverlay.endFrame();
+        swapped = core::StateInfo::mFrameNumber;
     }
-    mPasses.onFrameBegin();
+    mPasses.onFrameBegin(static_cast<std::uint32_t>(swapped));
 }
 
-void ContextOverlay::endPasses() {
-    // A frame that was recorded carries the library's number.
-    if (PassTimer::isAnyRecording()) {
-        const std::lock_guard<std::mutex> lock(mLibraryMutex);
-        mPasses.onFrameEnd();
-    }
+void ContextOverlay::release() {
+    mPasses.release();
+    mDrawing.destroy();
 }
 
-void ContextOverlay::lookAtSurface(const WindowLibrary& library, const Swap& swap) {
-    std::array<GLint, 4> viewport = {};
-    mFunctions.getIntegerv(GL_VIEWPORT, viewport.data());
+/// The library's part.
+Obstacle ContextOverlay::beginFrame(bool isLookedAt) {
+    constexpr Obstacle TOO_SMALL = "its window has only one pixel, or one row or column of them";
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
+    if (!mShared.right.isGranted()) {
+        // Launchers have windows of a single pixel, which are not to be taken for the program.
+        const Obstacle refusal = mSurface.size.isDrawable() ? mShared.right.ask() : TOO_SMALL;
+        if (refusal != nullptr) {
+            return refusal;
+        }
+    }
+    mIsInFrame = true;
+    mOverlay.attach();
+    mOverlay.beginFrame();
+    if (!mOverlay.isShown()) {
+        return whyIsOff();
+    }
+    if (!isLookedAt) {
+        return "it has just been switched on";
+    }
+    if (!mSurface.size.isDrawable()) {
+        return TOO_SMALL;
+    }
+    mOverlay.draw();
+    return nullptr;
+}
+
+void ContextOverlay::lookAtSurface(const WindowLibrary& library, const Swap& swap,
+                                   unsigned int attributeChanges) {
+    SurfaceSizeCache::Signs signs;
+    mFunctions.getIntegerv(GL_VIEWPORT, signs.viewport.data());
+    signs.attributeChanges = attributeChanges;
     const bool isAlwaysSrgb = mFunctions.version.isEs && !mFunctions.features.framebufferSrgb;
-    const SurfaceWatch::Answer& answer = mSurfaces.look(library, swap, viewport, isAlwaysSrgb);
-    mSize = answer.size;
-    if (mSize.isDrawable()) {
-        mDrawing.setSurface(mSize.width, mSize.height, answer.isSrgb);
+    mSurface = mSurfaces.look(library, swap, signs, isAlwaysSrgb);
+    if (mSurface.size.isDrawable()) {
+        mDrawing.setSurface(mSurface.size.width, mSurface.size.height, mSurface.isSrgb);
     }
 }
 
@@ -114,7 +159,7 @@ bool ContextOverlay::isPictureWanted() {
         if (access(mPicture.c_str(), F_OK) != 0) {
             mPicture.clear();
         }
-    } else if (mSize.isDrawable()) {
+    } else if (mSurface.size.isDrawable()) {
         if (std::optional<std::string> path = platform::takePictureRequest()) {
             mPicture = *std::move(path);
         }
@@ -122,7 +167,7 @@ bool ContextOverlay::isPictureWanted() {
     return !mPicture.empty();
 }
 
-bool ContextOverlay::show() {
+Obstacle ContextOverlay::show() {
     if (!mIsCreated) {
         const std::string error = mDrawing.create();
         if (!error.empty()) {
@@ -130,7 +175,10 @@ bool ContextOverlay::show() {
         }
         mIsCreated = true;
     }
-    return mDrawing.show(mState);
+    if (mDrawing.show(mState)) {
+        return nullptr;
+    }
+    return mState.obstacle() != nullptr ? mState.obstacle() : "its drawing cannot be made for this surface";
 }
 
 void ContextOverlay::takePicture() {
@@ -139,10 +187,16 @@ void ContextOverlay::takePicture() {
         return;
     }
     const std::string path = std::exchange(mPicture, {});
-    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(mSize.width) *
-                                     static_cast<std::size_t>(mSize.height) * CHANNELS);
-    mFunctions.readPixels(0, 0, mSize.width, mSize.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    const std::string error = writePicture(path, mSize, pixels);
+    const SurfaceSize& size = mSurface.size;
+    std::string error = "there is no memory for it";
+    try {
+        std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) *
+                                         static_cast<std::size_t>(size.height) * CHANNELS);
+        mFunctions.readPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
+        error = writePicture(path, size, pixels);
+    } catch (const std::bad_alloc&) {
+        unlink(path.c_str());
+    }
     if (!error.empty()) {
         KORDANIX_LOG_ERROR("no picture could be written: %s", KORDANIX_LOG_HERE, error.c_str());
     }

@@ -5,7 +5,8 @@
 #include <string>
 
 #include "opengl/draw/OverlayDrawing.h"
-#include "opengl/entry/SurfaceWatch.h"
+#include "opengl/entry/OverlayRight.h"
+#include "opengl/entry/SurfaceSizeCache.h"
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/SavedState.h"
 #include "opengl/passes/PassTimer.h"
@@ -19,46 +20,56 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The overlay in one context of the program. Made and used on the thread that the context is current on;
-/// destroyed anywhere, without a call to OpenGL, for what it made in the context goes with that. The library
-/// does its work for one context at a time, so that is done under `libraryMutex`, which no call to OpenGL is.
+/// What the overlays of a process share. The library works for one context at a time.
+struct Shared {
+    std::mutex mutex;  ///< around the library's work and the right; no call to OpenGL is made under it
+    OverlayRight right;
+};
+
+/// The overlay in one context of the program. Made and used on the thread that the context is current on.
 /// Allocates nothing once warm.
 class ContextOverlay {
 public:
     /// For the current context. Throws Unusable.
-    ContextOverlay(GetProcAddress lookUp, std::mutex& libraryMutex);
+    ContextOverlay(GetProcAddress lookUp, Shared& shared);
 
-    /// Under the mutex, for the library's part goes as well.
+    /// Anywhere, under the mutex. Calls nothing of OpenGL: what it made in the context goes with that, unless
+    /// release() took it out before.
     ~ContextOverlay() = default;
     ContextOverlay(const ContextOverlay&) = delete;
     ContextOverlay& operator=(const ContextOverlay&) = delete;
 
-    /// Around the real swap of what the context draws on. True when the picture differs from the program's.
-    /// Throws when the overlay has failed in this context; the context's state is the program's all the same.
-    bool beforeSwap(const WindowLibrary& library, const Swap& swap);
+    /// Around the real swap of what the context draws on. Returns why the frame goes without the overlay;
+    /// null when the picture has it. Throws when the overlay has failed in this context; the context's state
+    /// is the program's all the same.
+    Obstacle beforeSwap(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
     void afterSwap();
 
     /// The program has bound a framebuffer.
     void onFramebufferBound() { mPasses.onFramebufferBound(); }
 
+    /// Takes everything out of the context, which is current. Only the destructor may follow.
+    void release();
+
 private:
-    void endPasses();
-    void lookAtSurface(const WindowLibrary& library, const Swap& swap);
+    Obstacle beginFrame(bool isLookedAt);
+    void lookAtSurface(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
     bool isPictureWanted();
-    bool show();
+    Obstacle show();
     void takePicture();
 
     /// What load() has filled, or Unusable.
     static Functions load(GetProcAddress lookUp);
 
-    std::mutex& mLibraryMutex;
+    Shared& mShared;
     Functions mFunctions;
     SavedState mState;
     OverlayDrawing mDrawing;
     PassTimer mPasses;
     scene::Overlay mOverlay;
-    SurfaceWatch mSurfaces;
-    SurfaceSize mSize;  ///< of the surface last looked at
+    SurfaceSizeCache mSurfaces;
+    SurfaceSizeCache::Answer mSurface;  ///< the one last looked at
+    bool mIsInFrame = false;            ///< the library's frame has begun
     bool mIsCreated = false;
     std::string mPicture;  ///< file to write the next picture to; empty for none
 };

@@ -1,8 +1,11 @@
 #include "opengl/entry/Layer.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
+#include <limits>
 
+#include "opengl/entry/FrameClock.h"
 #include "opengl/passes/PassTimer.h"
 #include "ostra/PerProcess.h"
 #include "utils/Log.h"
@@ -10,6 +13,13 @@
 namespace opengl {
 
 namespace {
+
+/// After a failure the overlay is tried again 1, 2, 4 and 8 seconds later. Failures that lie far apart are
+/// not counted together.
+constexpr int RETRIES = 4;
+constexpr std::int64_t FIRST_RETRY_MS = 1000;
+constexpr std::int64_t FORGIVEN_MS = 60000;
+constexpr std::int64_t NEVER = std::numeric_limits<std::int64_t>::max();
 
 const ShimCalls* gShim = nullptr;
 
@@ -26,37 +36,63 @@ void Layer::setShim(const ShimCalls& shim) {
 }
 
 SwapResult Layer::beforeSwap(const Swap& swap) {
-    Context* context = nullptr;
-    try {
-        context = use(libraryOf(swap), swap);
-        if (context == nullptr) {
-            return {};
-        }
-        const bool hasDrawn = context->overlay->beforeSwap(*context->library, swap);
-        updateListener();
-        return {context, hasDrawn};
-    } catch (const std::exception& error) {
-        if (context != nullptr) {
-            fail(*context, error.what());
-        }
+    if (mShared.right.isRefused()) {
         return {};
     }
+    Obstacle obstacle = nullptr;
+    try {
+        if (Context* const context = use(swap, obstacle)) {
+            context->obstacle = draw(*context, swap);
+            updateListener();
+            if (context->overlay != nullptr) {
+                return {context, context->obstacle == nullptr};
+            }
+            report(context->obstacle);
+            endUse(*context);
+        } else {
+            report(obstacle);
+        }
+    } catch (const std::exception&) {
+        // Out of memory before there was a context to remember it by: the next frame tries again.
+    }
+    return {};
+}
+
+/// A frame of a context that is in use. After a failure its overlay is gone.
+Obstacle Layer::draw(Context& context, const Swap& swap) {
+    try {
+        if (context.overlay == nullptr) {
+            context.overlay = std::make_unique<ContextOverlay>(context.library->lookUp(), mShared);
+        }
+        const unsigned int changes = gShim->surfaceChanges->load(std::memory_order_relaxed);
+        const Obstacle obstacle = context.overlay->beforeSwap(*context.library, swap, changes);
+        if (mShared.right.isRefused()) {
+            removeOverlay(context);
+        }
+        return obstacle;
+    } catch (const Unusable& error) {
+        fail(context, error.what(), true);
+    } catch (const std::exception& error) {
+        fail(context, error.what(), false);
+    }
+    return context.failure.data();
 }
 
 void Layer::afterSwap(void* frame) {
     Context& context = *static_cast<Context*>(frame);
     try {
         context.overlay->afterSwap();
-        updateListener();
-        endUse(context);
     } catch (const std::exception& error) {
-        fail(context, error.what());
+        fail(context, error.what(), false);
     }
+    updateListener();
+    report(context.obstacle);
+    endUse(context);
 }
 
 /// A handle alone tells contexts apart, whatever display it was given with.
 void Layer::forget(WindowSystem windowSystem, void* display, void* context) {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
     const auto isMeant = [&](const std::unique_ptr<Context>& each) {
         return each->library->windowSystem() == windowSystem &&
                (context != nullptr ? each->context == context : each->display == display);
@@ -72,7 +108,7 @@ void Layer::forget(WindowSystem windowSystem, void* display, void* context) {
 void Layer::onFramebufferBound() {
     Context* bound = nullptr;
     {
-        const std::lock_guard<std::mutex> lock(mMutex);
+        const std::lock_guard<std::mutex> lock(mShared.mutex);
         for (const std::unique_ptr<Context>& each : mContexts) {
             if (each->overlay != nullptr && !each->isInUse &&
                 each->library->currentContext() == each->context) {
@@ -91,52 +127,62 @@ void Layer::onForked() const {
     gShim->framebufferListener->store(nullptr, std::memory_order_relaxed);
 }
 
+void Layer::onExit() {
+    // Another thread may be in the middle of a frame, and this one may have been.
+    const std::unique_lock<std::mutex> lock(mShared.mutex, std::try_to_lock);
+    if (lock.owns_lock()) {
+        try {
+            mStatus.finish();
+        } catch (const std::exception&) {
+            // Out of memory: nobody is told.
+        }
+    }
+}
+
 const WindowLibrary& Layer::libraryOf(const Swap& swap) {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
     for (const std::unique_ptr<WindowLibrary>& each : mLibraries) {
         if (each->isOf(swap)) {
             return *each;
         }
     }
     mLibraries.push_back(std::make_unique<WindowLibrary>(swap, *gShim));
-    if (!mLibraries.back()->isUsable()) {
-        KORDANIX_LOG_ERROR("a library's swaps are passed through: it lacks functions", KORDANIX_LOG_HERE);
-    }
     return *mLibraries.back();
 }
 
-Layer::Context* Layer::use(const WindowLibrary& library, const Swap& swap) {
+/// The context that this swap shows, in use; null, and why, when it is to be passed through.
+Layer::Context* Layer::use(const Swap& swap, Obstacle& obstacle) {
+    const WindowLibrary& library = libraryOf(swap);
     void* const current = library.isUsable() ? library.currentContext() : nullptr;
     if (current == nullptr || !library.isDrawnOn(swap)) {
+        obstacle = !library.isUsable()  ? "its EGL or GLX lacks functions"
+                   : current == nullptr ? "no context is current when it swaps"
+                                        : "it swaps another surface than it draws on";
         return nullptr;
     }
     {
-        const std::lock_guard<std::mutex> lock(mMutex);
+        const std::lock_guard<std::mutex> lock(mShared.mutex);
         for (const std::unique_ptr<Context>& each : mContexts) {
             if (each->context == current && each->display == swap.display && !each->isForgotten) {
-                each->isInUse = each->overlay != nullptr;
+                each->isInUse = each->overlay != nullptr || nowMs() >= each->triedAt;
+                obstacle = each->failure.data();
                 return each->isInUse ? each.get() : nullptr;
             }
         }
     }
-    return library.isAlive(swap.display, current) ? add(library, swap.display, current) : nullptr;
-}
-
-Layer::Context* Layer::add(const WindowLibrary& library, void* display, void* context) {
-    auto record = std::make_unique<Context>(Context{&library, display, context, nullptr});
-    try {
-        record->overlay = std::make_unique<ContextOverlay>(library.lookUp(), mMutex);
-        record->isInUse = true;
-    } catch (const std::exception& error) {
-        KORDANIX_LOG_ERROR("a context is passed through: %s", KORDANIX_LOG_HERE, error.what());
+    if (!library.isAlive(swap.display, current)) {
+        obstacle = "its context was destroyed";
+        return nullptr;
     }
-    const std::lock_guard<std::mutex> lock(mMutex);
-    mContexts.push_back(std::move(record));
-    return mContexts.back()->isInUse ? mContexts.back().get() : nullptr;
+    auto context = std::make_unique<Context>(Context{&library, swap.display, current, nullptr});
+    context->isInUse = true;
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
+    mContexts.push_back(std::move(context));
+    return mContexts.back().get();
 }
 
 void Layer::endUse(Context& context) {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
     context.isInUse = false;
     if (context.isForgotten) {
         mContexts.erase(std::find_if(mContexts.begin(), mContexts.end(),
@@ -144,14 +190,46 @@ void Layer::endUse(Context& context) {
     }
 }
 
-void Layer::fail(Context& context, const char* reason) {
-    KORDANIX_LOG_ERROR("a context is passed through from now on: %s", KORDANIX_LOG_HERE, reason);
-    {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        context.overlay.reset();
+void Layer::fail(Context& context, const char* reason, bool isFinal) {
+    const std::int64_t now = nowMs();
+    context.failures = now - context.failedAt < FORGIVEN_MS ? context.failures + 1 : 1;
+    context.failedAt = now;
+    const bool isOver = isFinal || context.failures > RETRIES;
+    context.triedAt = isOver ? NEVER : now + (FIRST_RETRY_MS << (context.failures - 1));
+    std::snprintf(context.failure.data(), context.failure.size(), "%s", reason);
+    context.obstacle = context.failure.data();
+    if (context.failures == 1 || isOver) {
+        KORDANIX_LOG_ERROR("a context is passed through%s: %s", KORDANIX_LOG_HERE,
+                           isOver ? "" : " for a while", context.failure.data());
     }
-    updateListener();
-    endUse(context);
+    removeOverlay(context);
+}
+
+/// On the thread that the context is current on.
+void Layer::removeOverlay(Context& context) {
+    if (context.overlay != nullptr) {
+        context.overlay->release();
+    }
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
+    context.overlay.reset();
+}
+
+/// What became of a swap, for the log and the note.
+void Layer::report(Obstacle obstacle) {
+    const std::lock_guard<std::mutex> lock(mShared.mutex);
+    try {
+        mStatus.onFrame(obstacle);
+        if (mShared.right.isRefused()) {
+            mStatus.finish();
+        }
+        if (obstacle != nullptr && WindowLibrary::isLeftAlone(obstacle) &&
+            std::find(mLogged.begin(), mLogged.end(), obstacle) == mLogged.end()) {
+            mLogged.push_back(obstacle);
+            KORDANIX_LOG_ERROR("a surface is left alone: %s", KORDANIX_LOG_HERE, obstacle);
+        }
+    } catch (const std::exception&) {
+        // Out of memory: told after another swap.
+    }
 }
 
 void Layer::updateListener() {

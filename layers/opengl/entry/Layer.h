@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <vector>
 
 #include "opengl/entry/ContextOverlay.h"
+#include "opengl/entry/StatusNote.h"
 #include "opengl/entry/WindowLibrary.h"
 #include "opengl/shim/LayerCalls.h"
 
@@ -23,26 +26,35 @@ public:
     void onFramebufferBound();
 
     void onForked() const;
-    void onExit() const {}
+    void onExit();
 
 private:
     struct Context {
         const WindowLibrary* library;
         void* display;
         void* context;
-        std::unique_ptr<ContextOverlay> overlay;  ///< null: passed through for good
-        bool isInUse = false;      ///< by the thread that it is current on, outside of the mutex
-        bool isForgotten = false;  ///< goes with the end of that use
+        std::unique_ptr<ContextOverlay> overlay;  ///< null: passed through, for the time being or for good
+        bool isInUse = false;         ///< by the thread that it is current on, outside of the mutex
+        bool isForgotten = false;     ///< goes with the end of that use
+        Obstacle obstacle = nullptr;  ///< of the last swap
+        int failures = 0;
+        std::int64_t failedAt = 0;           ///< in milliseconds
+        std::int64_t triedAt = 0;            ///< when its overlay is made anew
+        std::array<char, 200> failure = {};  ///< of the last one, as an obstacle
     };
 
     const WindowLibrary& libraryOf(const Swap& swap);
-    Context* use(const WindowLibrary& library, const Swap& swap);
-    Context* add(const WindowLibrary& library, void* display, void* context);
+    Context* use(const Swap& swap, Obstacle& obstacle);
+    Obstacle draw(Context& context, const Swap& swap);
     void endUse(Context& context);
-    void fail(Context& context, const char* reason);
+    void fail(Context& context, const char* reason, bool isFinal);
+    void removeOverlay(Context& context);
+    void report(Obstacle obstacle);
     static void updateListener();
 
-    std::mutex mMutex;  ///< guards what follows, and the library's work
+    Shared mShared;  ///< its mutex guards what follows as well
+    StatusNote mStatus;
+    std::vector<Obstacle> mLogged;  ///< of surfaces
     std::vector<std::unique_ptr<WindowLibrary>> mLibraries;
     std::vector<std::unique_ptr<Context>> mContexts;
 };

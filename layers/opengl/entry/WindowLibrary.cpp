@@ -4,6 +4,8 @@
 #include <EGL/eglext.h>
 #include <dlfcn.h>
 
+#include <cstring>
+
 namespace opengl {
 
 namespace {
@@ -11,6 +13,15 @@ namespace {
 // Of GLX's header, which brings all of X11's along.
 constexpr int GLX_WIDTH_ATTRIBUTE = 0x801D;
 constexpr int GLX_HEIGHT_ATTRIBUTE = 0x801E;
+constexpr int GLX_PRESERVED_CONTENTS_ATTRIBUTE = 0x801B;
+constexpr int GLX_DRAWABLE_TYPE_ATTRIBUTE = 0x8010;
+constexpr unsigned int GLX_PIXMAP_TYPE = 2;
+constexpr unsigned int GLX_PBUFFER_TYPE = 4;
+constexpr int GLX_EXTENSIONS_NAME = 3;
+
+constexpr Obstacle PBUFFER = "it swaps a pbuffer, which no swap shows";
+constexpr Obstacle PIXMAP = "it swaps a pixmap, which no swap shows";
+constexpr Obstacle PRESERVED = "its surface keeps its picture from swap to swap (EGL_BUFFER_PRESERVED)";
 
 /// A handle on the library that a function lies in.
 void* libraryOf(void* function) {
@@ -62,9 +73,11 @@ WindowLibrary::WindowLibrary(const Swap& swap, const ShimCalls& shim)
         assign(mGetCurrentDisplay, find("glXGetCurrentDisplay"));
         assign(mGetCurrentDrawable, find("glXGetCurrentDrawable"));
         assign(mQueryDrawable, find("glXQueryDrawable"));
+        assign(mQueryServerString, find("glXQueryServerString"));
         assign(mGetContextId, find("glXGetContextIDEXT"));
         mIsUsable = mGetCurrentContext != nullptr && mGetCurrentDisplay != nullptr &&
-                    mGetCurrentDrawable != nullptr && mQueryDrawable != nullptr;
+                    mGetCurrentDrawable != nullptr && mQueryDrawable != nullptr &&
+                    mQueryServerString != nullptr;
     }
 }
 
@@ -89,6 +102,51 @@ bool WindowLibrary::isAlive(void* display, void* context) const {
     // Sets EGL's own error at most, which the swap to come sets anew.
     int value = 0;
     return mQueryContext(display, context, EGL_CONFIG_ID, &value) != EGL_FALSE;
+}
+
+Obstacle WindowLibrary::findObstacle(void* display, std::uintptr_t surface) const {
+    return mWindowSystem == WindowSystem::EGL ? findEglObstacle(display, eglSurface(surface))
+                                              : findGlxObstacle(display, surface);
+}
+
+bool WindowLibrary::isLeftAlone(Obstacle obstacle) {
+    return obstacle == PBUFFER || obstacle == PIXMAP || obstacle == SINGLE_BUFFERED || obstacle == PRESERVED;
+}
+
+Obstacle WindowLibrary::findEglObstacle(void* display, void* surface) const {
+    // Windows and pixmaps have no such attribute, and the value stays as it is.
+    constexpr int UNTOUCHED = -1;
+    int largest = UNTOUCHED;
+    if (mQuerySurface(display, surface, EGL_LARGEST_PBUFFER, &largest) != EGL_FALSE && largest != UNTOUCHED) {
+        return PBUFFER;
+    }
+    // What was asked for, and what the context draws on: a library may give another buffer than it was asked
+    // for, and its program may still draw only what has changed.
+    int wanted = EGL_BACK_BUFFER;
+    int given = EGL_BACK_BUFFER;
+    mQuerySurface(display, surface, EGL_RENDER_BUFFER, &wanted);
+    mQueryContext(display, currentContext(), EGL_RENDER_BUFFER, &given);
+    if (wanted == EGL_SINGLE_BUFFER || given == EGL_SINGLE_BUFFER) {
+        return SINGLE_BUFFERED;
+    }
+    int behavior = EGL_BUFFER_DESTROYED;
+    mQuerySurface(display, surface, EGL_SWAP_BEHAVIOR, &behavior);
+    return behavior == EGL_BUFFER_PRESERVED ? PRESERVED : nullptr;
+}
+
+/// That a drawable has a single buffer only OpenGL tells (SavedState).
+Obstacle WindowLibrary::findGlxObstacle(void* display, unsigned long drawable) const {
+    const char* const extensions = mQueryServerString(display, 0, GLX_EXTENSIONS_NAME);
+    unsigned int value = 0;
+    if (extensions != nullptr && std::strstr(extensions, "GLX_EXT_get_drawable_type") != nullptr) {
+        mQueryDrawable(display, drawable, GLX_DRAWABLE_TYPE_ATTRIBUTE, &value);
+        if (value == GLX_PIXMAP_TYPE) {
+            return PIXMAP;
+        }
+        return value == GLX_PBUFFER_TYPE ? PBUFFER : nullptr;
+    }
+    mQueryDrawable(display, drawable, GLX_PRESERVED_CONTENTS_ATTRIBUTE, &value);
+    return value != 0 ? PBUFFER : nullptr;  // windows and pixmaps have no such attribute
 }
 
 SurfaceSize WindowLibrary::size(void* display, std::uintptr_t surface) const {

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "opengl/gl/Functions.h"
+#include "opengl/gl/Obstacle.h"
 #include "opengl/shim/LayerCalls.h"
 
 namespace opengl {
@@ -45,6 +46,13 @@ public:
     /// until it is released.
     bool isAlive(void* display, void* context) const;
 
+    /// Why the surface, which the current context draws on, is to be left alone: a swap does not show it, or
+    /// it keeps its picture, in which the overlay would stay. May ask the server and wait for its answer.
+    Obstacle findObstacle(void* display, std::uintptr_t surface) const;
+
+    /// Whether that is what the obstacle says, or what SavedState found.
+    static bool isLeftAlone(Obstacle obstacle);
+
     /// May ask the server and wait for its answer. Nothing when it cannot be had.
     SurfaceSize size(void* display, std::uintptr_t surface) const;
 
@@ -53,6 +61,8 @@ public:
 
 private:
     void* find(const char* name) const;
+    Obstacle findEglObstacle(void* display, void* surface) const;
+    Obstacle findGlxObstacle(void* display, unsigned long drawable) const;
 
     WindowSystem mWindowSystem;
     void* mSwapFunction;
@@ -70,6 +80,7 @@ private:
     unsigned int (*mQueryContext)(void* display, void* context, int attribute, int* value) = nullptr;
     void (*mQueryDrawable)(void* display, unsigned long drawable, int attribute,
                            unsigned int* value) = nullptr;
+    const char* (*mQueryServerString)(void* display, int screen, int name) = nullptr;
     unsigned long (*mGetContextId)(void* context) = nullptr;
 };
 

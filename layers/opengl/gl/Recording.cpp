@@ -36,19 +36,21 @@ Recording::Recording(const Functions& gl) {
     }
 }
 
-bool Recording::isRunning(const Functions& gl) const {
-    if (gl.features.compatibility &&
-        (getInteger(gl, LIST_INDEX) != 0 || getName(gl, RENDER_MODE) != RENDER)) {
-        return true;
+Obstacle Recording::find(const Functions& gl) const {
+    if (gl.features.compatibility && getInteger(gl, LIST_INDEX) != 0) {
+        return "a display list is being compiled when it swaps";
+    }
+    if (gl.features.compatibility && getName(gl, RENDER_MODE) != RENDER) {
+        return "what it draws goes to selection or feedback when it swaps";
     }
     for (std::size_t i = 0; i < mTargetCount; ++i) {
         GLint query = 0;
         gl.getQueryiv(mTargets[i], GL_CURRENT_QUERY, &query);
         if (query != 0) {
-            return true;
+            return "a query of what is drawn spans the swap";
         }
     }
-    return false;
+    return nullptr;
 }
 
 }  // namespace opengl

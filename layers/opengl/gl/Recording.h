@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "opengl/gl/Functions.h"
+#include "opengl/gl/Obstacle.h"
 
 namespace opengl {
 
@@ -15,7 +16,7 @@ public:
     /// A query for samples, primitives or pipeline statistics is running, a display list is being compiled,
     /// or what is drawn goes to selection or feedback. Conditional rendering cannot be asked for and needs
     /// not be: at most the overlay is not drawn.
-    bool isRunning(const Functions& gl) const;
+    Obstacle find(const Functions& gl) const;
 
 private:
     std::array<GLenum, 10> mTargets = {};  ///< of queries that the overlay's drawing would count for

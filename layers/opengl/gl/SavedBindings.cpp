@@ -77,15 +77,16 @@ void SavedAttributes::restore(const Functions& gl) const {
     gl.bindBuffer(GL_ELEMENT_ARRAY_BUFFER, mElementBuffer);
 }
 
-bool SavedBindings::read(const Functions& gl) {
+Obstacle SavedBindings::read(const Functions& gl) {
+    constexpr Obstacle DELETED_BUFFER = "a buffer that it has bound was deleted";
     mArrayBuffer = getName(gl, GL_ARRAY_BUFFER_BINDING);
     if (!isBindableBuffer(gl, mArrayBuffer)) {
-        return false;
+        return DELETED_BUFFER;
     }
     if (gl.features.vertexArrays) {
         mVertexArray = getName(gl, GL_VERTEX_ARRAY_BINDING);
     } else if (!mAttributes.read(gl)) {
-        return false;
+        return DELETED_BUFFER;
     }
     mActiveUnit = getName(gl, GL_ACTIVE_TEXTURE);
     if (mActiveUnit != UNIT_NAME) {
@@ -97,10 +98,11 @@ bool SavedBindings::read(const Functions& gl) {
         mSampler = getName(gl, GL_SAMPLER_BINDING);
         isBindable = isBindable && (mSampler == 0 || gl.isSampler(mSampler));
     }
-    if (!isBindable) {
-        cancel(gl);
+    if (isBindable) {
+        return nullptr;
     }
-    return isBindable;
+    cancel(gl);
+    return "a texture or sampler that it has bound was deleted";
 }
 
 void SavedBindings::cancel(const Functions& gl) const {

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "opengl/gl/Functions.h"
+#include "opengl/gl/Obstacle.h"
 
 namespace opengl {
 
@@ -44,9 +45,9 @@ class SavedBindings {
 public:
     static constexpr GLuint UNIT = 0;  ///< the texture unit
 
-    /// Makes UNIT active, for only the active one can be asked. False, with the application's unit active,
-    /// when something could not be bound again.
-    bool read(const Functions& gl);
+    /// Makes UNIT active, for only the active one can be asked. When something could not be bound again, the
+    /// application's unit is active.
+    Obstacle read(const Functions& gl);
 
     /// Takes back what read() did.
     void cancel(const Functions& gl) const;

@@ -8,12 +8,15 @@ namespace {
 constexpr GLenum STAGE_TYPES[] = {GL_VERTEX_SHADER, GL_TESS_CONTROL_SHADER, GL_TESS_EVALUATION_SHADER,
                                   GL_GEOMETRY_SHADER, GL_FRAGMENT_SHADER};
 
-bool isUsableAgain(const Functions& gl, GLuint program) {
+Obstacle findObstacle(const Functions& gl, GLuint program) {
     GLint isDeleted = GL_FALSE;
     GLint isLinked = GL_FALSE;
     gl.getProgramiv(program, GL_DELETE_STATUS, &isDeleted);
     gl.getProgramiv(program, GL_LINK_STATUS, &isLinked);
-    return isDeleted == GL_FALSE && isLinked != GL_FALSE;
+    if (isDeleted != GL_FALSE) {
+        return "its current program was deleted";
+    }
+    return isLinked != GL_FALSE ? nullptr : "its current program failed to link again";
 }
 
 /// How many subroutine uniforms, counting the elements of arrays. Drivers differ on whether a program without
@@ -29,25 +32,26 @@ GLint countSubroutines(const Functions& gl, GLuint program, GLenum stage) {
 
 }  // namespace
 
-bool SavedProgram::read(const Functions& gl) {
+Obstacle SavedProgram::read(const Functions& gl) {
     mProgram = getName(gl, GL_CURRENT_PROGRAM);
-    if (mProgram != 0 && !isUsableAgain(gl, mProgram)) {
-        return false;
+    const Obstacle obstacle = mProgram != 0 ? findObstacle(gl, mProgram) : nullptr;
+    if (obstacle != nullptr) {
+        return obstacle;
     }
     // Where it cannot be paused it cannot be asked for either.
     mPausesFeedback = gl.features.transformFeedback && getInteger(gl, GL_TRANSFORM_FEEDBACK_ACTIVE) != 0 &&
                       getInteger(gl, GL_TRANSFORM_FEEDBACK_PAUSED) == 0;
-    return !gl.features.subroutines || readSubroutines(gl);
+    return gl.features.subroutines ? readSubroutines(gl) : nullptr;
 }
 
-bool SavedProgram::readSubroutines(const Functions& gl) {
+Obstacle SavedProgram::readSubroutines(const Functions& gl) {
     mSubroutineCounts = {};
     GLuint pipeline = 0;
     if (mProgram == 0 && gl.features.programPipelines) {
         pipeline = getName(gl, GL_PROGRAM_PIPELINE_BINDING);
     }
     if (mProgram == 0 && pipeline == 0) {
-        return true;
+        return nullptr;
     }
     std::size_t total = 0;
     for (std::size_t stage = 0; stage < STAGES; ++stage) {
@@ -60,13 +64,13 @@ bool SavedProgram::readSubroutines(const Functions& gl) {
             count = countSubroutines(gl, static_cast<GLuint>(program), STAGE_TYPES[stage]);
         }
         if (total + static_cast<std::size_t>(count) > MAX_SUBROUTINES) {
-            return false;
+            return "its current program has more subroutines than can be kept";
         }
         for (GLint location = 0; location < count; ++location) {
             gl.getUniformSubroutineuiv(STAGE_TYPES[stage], location, &mSubroutines[total++]);
         }
     }
-    return true;
+    return nullptr;
 }
 
 void SavedProgram::set(const Functions& gl) const {

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "opengl/gl/Functions.h"
+#include "opengl/gl/Obstacle.h"
 
 namespace opengl {
 
@@ -11,9 +12,9 @@ namespace opengl {
 /// comes back into its rights when no program is current again.
 class SavedProgram {
 public:
-    /// False when the program could not be made current again: it was deleted, and lives only as long as it
-    /// is current, or its last link failed, and the executable of the link before is in use.
-    bool read(const Functions& gl);
+    /// The program must be one that can be made current again: not if it was deleted, and lives only as long
+    /// as it is current, nor if its last link failed, and the executable of the link before is in use.
+    Obstacle read(const Functions& gl);
 
     /// Pauses transform feedback; then another program may be made current.
     void set(const Functions& gl) const;
@@ -24,7 +25,7 @@ private:
     static constexpr std::size_t STAGES = 5;
     static constexpr std::size_t MAX_SUBROUTINES = 64;  ///< of all stages together
 
-    bool readSubroutines(const Functions& gl);
+    Obstacle readSubroutines(const Functions& gl);
 
     GLuint mProgram = 0;
     bool mPausesFeedback = false;

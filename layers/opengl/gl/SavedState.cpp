@@ -8,7 +8,8 @@ SavedState::SavedState(const Functions& functions)
 bool SavedState::save(int width, int height) {
     const Functions& gl = mFunctions;
     // All reasons to leave the frame alone come before the first change.
-    if (mRecording.isRunning(gl) || !mProgram.read(gl) || !mTarget.read(gl) || !mBindings.read(gl)) {
+    mObstacle = read();
+    if (mObstacle != nullptr) {
         return false;
     }
     mProgram.set(gl);
@@ -19,6 +20,14 @@ bool SavedState::save(int width, int height) {
     return true;
 }
 
+Obstacle SavedState::read() {
+    const Functions& gl = mFunctions;
+    Obstacle obstacle = mRecording.find(gl);
+    obstacle = obstacle == nullptr ? mProgram.read(gl) : obstacle;
+    obstacle = obstacle == nullptr ? mTarget.read(gl) : obstacle;
+    return obstacle == nullptr ? mBindings.read(gl) : obstacle;
+}
+
 void SavedState::prepareTransfer() {
     if (!mHasTransfer) {
         mHasTransfer = true;
@@ -26,12 +35,19 @@ void SavedState::prepareTransfer() {
     }
 }
 
+bool SavedState::known(bool isPrepared) {
+    if (!isPrepared) {
+        mObstacle = "what it reads or copies pixels by was deleted";
+    }
+    return isPrepared;
+}
+
 bool SavedState::prepareUpload() {
     if (!mHasUnpacking) {
         mHasUnpacking = mUnpacking.set(mFunctions);
         prepareTransfer();
     }
-    return mHasUnpacking;
+    return known(mHasUnpacking);
 }
 
 bool SavedState::prepareCopy() {
@@ -39,14 +55,14 @@ bool SavedState::prepareCopy() {
         mHasSource = mSource.set(mFunctions);
         prepareTransfer();
     }
-    return mHasSource;
+    return known(mHasSource);
 }
 
 bool SavedState::prepareRead() {
     if (!mHasPacking) {
         mHasPacking = prepareCopy() && mPacking.set(mFunctions);
     }
-    return mHasPacking;
+    return known(mHasPacking);
 }
 
 void SavedState::restore() {

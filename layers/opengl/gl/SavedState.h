@@ -1,6 +1,7 @@
 #pragma once
 
 #include "opengl/gl/Functions.h"
+#include "opengl/gl/Obstacle.h"
 #include "opengl/gl/Recording.h"
 #include "opengl/gl/SavedBindings.h"
 #include "opengl/gl/SavedBlend.h"
@@ -37,9 +38,15 @@ public:
     /// element buffers, the 2D texture of TEXTURE_UNIT. Everything else must be left alone: there are no
     /// uniforms of the application's the overlay could set, no depth, no lines or points, no second colour
     /// output. False, and nothing was changed, when drawing would show in what the application counts or
-    /// records, or something that is bound could not be bound again; then this frame goes without the
-    /// overlay.
+    /// records, or when something that is bound could not be bound again; then
+    /// this frame goes without the overlay.
     bool save(int width, int height);
+
+    /// Why the last save(), prepareUpload(), prepareCopy() or prepareRead() was in vain.
+    Obstacle obstacle() const { return mObstacle; }
+
+    /// After save(): what is drawn on the surface stays there, since it has no back buffer.
+    bool isSingleBuffered() const { return mTarget.isSingleBuffered(); }
 
     /// Between save() and restore(), before glTexSubImage2D and its like: no buffer bound for unpacking, rows
     /// without gaps. False when that cannot be had this frame. restore() puts it back.
@@ -65,9 +72,12 @@ public:
     void restore();
 
 private:
+    Obstacle read();
     void prepareTransfer();
+    bool known(bool isPrepared);
 
     const Functions& mFunctions;
+    Obstacle mObstacle = nullptr;
     Recording mRecording;
     SavedProgram mProgram;
     SavedBindings mBindings;

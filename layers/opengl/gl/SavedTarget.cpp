@@ -17,12 +17,13 @@ GLenum getShownBuffer(const Functions& gl) {
     return gl.version.isEs || getInteger(gl, GL_DOUBLEBUFFER) != 0 ? GL_BACK : GL_FRONT;
 }
 
-bool SavedTarget::read(const Functions& gl) {
+Obstacle SavedTarget::read(const Functions& gl) {
     if (!gl.features.framebuffers) {
-        return true;
+        return nullptr;
     }
     mFramebuffer = getName(gl, GL_DRAW_FRAMEBUFFER_BINDING);
-    return isBindableFramebuffer(gl, mFramebuffer);
+    return isBindableFramebuffer(gl, mFramebuffer) ? nullptr
+                                                   : "the framebuffer that it has bound was deleted";
 }
 
 void SavedTarget::set(const Functions& gl, int width, int height) {
@@ -30,6 +31,7 @@ void SavedTarget::set(const Functions& gl, int width, int height) {
         gl.bindFramebuffer(getDrawTarget(gl), 0);
     }
     mChangesDrawBuffer = false;
+    mIsSingleBuffered = false;
     if (gl.features.drawBuffers) {
         setDrawBuffer(gl);
     }
@@ -52,6 +54,7 @@ void SavedTarget::setDrawBuffer(const Functions& gl) {
         mDrawBufferCount = buffer != GL_NONE ? i + 1 : mDrawBufferCount;
     }
     const GLenum shown = getShownBuffer(gl);
+    mIsSingleBuffered = shown == GL_FRONT;
     if (mDrawBufferCount == 1 && mDrawBuffers[0] == shown) {
         return;
     }

@@ -3,14 +3,15 @@
 #include <array>
 
 #include "opengl/gl/Functions.h"
+#include "opengl/gl/Obstacle.h"
 
 namespace opengl {
 
 /// Where drawing goes: framebuffer, draw buffers of the default framebuffer, viewport.
 class SavedTarget {
 public:
-    /// False when the framebuffer could not be bound again.
-    bool read(const Functions& gl);
+    /// The framebuffer must be one that can be bound again.
+    Obstacle read(const Functions& gl);
 
     /// The default framebuffer, its back buffer alone (the front one of a surface that has no back), and
     /// width × height pixels of it.
@@ -19,6 +20,9 @@ public:
     /// Between set() and restore(): a framebuffer of the overlay's own, or 0 for the default one again, and
     /// width × height pixels of it.
     static void move(const Functions& gl, GLuint framebuffer, int width, int height);
+
+    /// After set(): the surface has no back buffer.
+    bool isSingleBuffered() const { return mIsSingleBuffered; }
 
     void restore(const Functions& gl) const;
 
@@ -34,6 +38,7 @@ private:
     std::array<GLenum, MAX_DRAW_BUFFERS> mDrawBuffers = {};
     GLsizei mDrawBufferCount = 0;
     bool mChangesDrawBuffer = false;
+    bool mIsSingleBuffered = false;
     std::array<GLint, 4> mViewport = {};
     std::array<GLfloat, 4> mIndexedViewport = {};
     bool mChangesViewport = false;

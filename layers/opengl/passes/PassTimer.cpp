@@ -1,7 +1,5 @@
 #include "opengl/passes/PassTimer.h"
 
-#include "core/StateInfo.h"
-
 namespace opengl {
 
 namespace {
@@ -22,31 +20,41 @@ PassTimer::~PassTimer() {
 }
 
 void PassTimer::startCapture() {
-    end(State::FAILED);
-    if (!mGl.features.timerQueries) {
-        return;
-    }
-    GLint bits = 0;
-    mGl.getQueryiv(GL_TIMESTAMP, GL_QUERY_COUNTER_BITS, &bits);
-    if (bits <= 0) {
-        return;
-    }
-    mCounterMask = bits >= FULL_BITS ? ~std::uint64_t{0} : (std::uint64_t{1} << bits) - 1;
-    mQueries.resize(MAX_STAMPS);
-    mGl.genQueries(static_cast<GLsizei>(MAX_STAMPS), mQueries.data());
-    mStamps.reserve(MAX_STAMPS);
-    static_cast<void>(wasDisjoint());
-    mState = State::ARMED;
+    end(mGl.features.timerQueries ? State::ARMED : State::FAILED);
 }
 
-void PassTimer::onFrameBegin() {
+void PassTimer::onFrameBegin(std::uint32_t swapped) {
+    if (!mIsNumbered) {
+        mFrameNumber = swapped;
+        mIsNumbered = true;
+    }
     if (mState != State::ARMED) {
+        return;
+    }
+    if (!prepare()) {
+        mState = State::FAILED;
         return;
     }
     mState = State::RECORDING;
     mThread = std::this_thread::get_id();
     gRecording.fetch_add(1, std::memory_order_relaxed);
     stamp(drawFramebuffer());
+}
+
+/// False when there are no time stamps.
+bool PassTimer::prepare() {
+    GLint bits = 0;
+    mGl.getQueryiv(GL_TIMESTAMP, GL_QUERY_COUNTER_BITS, &bits);
+    if (bits <= 0) {
+        return false;
+    }
+    mCounterMask = bits >= FULL_BITS ? ~std::uint64_t{0} : (std::uint64_t{1} << bits) - 1;
+    mStamps.reserve(MAX_STAMPS);
+    deleteQueries();
+    mQueries.resize(MAX_STAMPS);
+    mGl.genQueries(static_cast<GLsizei>(MAX_STAMPS), mQueries.data());
+    static_cast<void>(wasDisjoint());
+    return true;
 }
 
 void PassTimer::onFramebufferBound() {
@@ -60,26 +68,22 @@ void PassTimer::onFramebufferBound() {
 }
 
 void PassTimer::onFrameEnd() {
-    if (mState != State::RECORDING) {
-        return;
+    if (mState == State::RECORDING) {
+        stopRecording();
+        const std::size_t count = mStamps.size();
+        stamp(0);
+        mIsNumbered = false;
+        mRead = 0;
+        mState = count == 0 || mStamps.size() == count ? State::FAILED : State::READING;
     }
-    stopRecording();
-    const std::size_t count = mStamps.size();
-    stamp(0);
-    // The swap that comes next counts the frame.
-    mFrameNumber = static_cast<std::uint32_t>(core::StateInfo::mFrameNumber) + 1;
-    mRead = 0;
-    if (count == 0 || mStamps.size() == count) {
-        end(State::FAILED);
-    } else {
-        mState = State::READING;
+    if (mState == State::READING) {
+        readStamp();
+    } else if (!mQueries.empty()) {
+        deleteQueries();
     }
 }
 
 scene::RenderPassSource::Progress PassTimer::advanceCapture() {
-    if (mState == State::READING) {
-        readStamp();
-    }
     switch (mState) {
         case State::READY:
             return Progress::READY;
@@ -93,6 +97,11 @@ scene::RenderPassSource::Progress PassTimer::advanceCapture() {
 
 void PassTimer::abandonCapture() {
     end(State::FAILED);
+}
+
+void PassTimer::release() {
+    end(State::FAILED);
+    deleteQueries();
 }
 
 bool PassTimer::readFrame(gui::FrameData& frame, scene::Reading /*captureStart*/) {
@@ -180,10 +189,8 @@ void PassTimer::readStamp() {
     mStamps[mRead].time = (time - mFirst) & mCounterMask;
     ++mRead;
     if (mRead == mStamps.size()) {
-        const State state = wasDisjoint() ? State::FAILED : State::READY;
-        mGl.deleteQueries(static_cast<GLsizei>(mQueries.size()), mQueries.data());
-        mQueries.clear();
-        mState = state;
+        mState = wasDisjoint() ? State::FAILED : State::READY;
+        deleteQueries();
     }
 }
 
@@ -203,12 +210,14 @@ void PassTimer::stopRecording() {
 
 void PassTimer::end(State state) {
     stopRecording();
-    if (!mQueries.empty()) {
-        mGl.deleteQueries(static_cast<GLsizei>(mQueries.size()), mQueries.data());
-        mQueries.clear();
-    }
     mStamps.clear();
+    mIsNumbered = true;
     mState = state;
+}
+
+void PassTimer::deleteQueries() {
+    mGl.deleteQueries(static_cast<GLsizei>(mQueries.size()), mQueries.data());
+    mQueries.clear();
 }
 
 }  // namespace opengl

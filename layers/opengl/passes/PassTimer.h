@@ -30,7 +30,8 @@ namespace opengl {
 /// beginning of the frame.
 ///
 /// Everything happens on the thread that draws with the context, which is current; only isAnyRecording() may
-/// be called anywhere, and the destructor, which calls no OpenGL function, wherever the context went. No
+/// be called anywhere, and the destructor, wherever the context went. OpenGL is called in onFrameEnd(),
+/// onFrameBegin(), onFramebufferBound() and release() alone; a capture only asks and is answered. No
 /// operation raises an OpenGL error, waits for the GPU, or touches a query of the program's; in OpenGL ES the
 /// flag of time stamps that are not to be trusted (GL_GPU_DISJOINT_EXT) is read twice a capture, which
 /// clears it for the program too.
@@ -45,11 +46,11 @@ public:
     PassTimer(const PassTimer&) = delete;
     PassTimer& operator=(const PassTimer&) = delete;
 
-    /// Before each swap, before the overlay does anything in this frame.
+    /// Before each swap, before the overlay does anything in this frame. Reads a time stamp a frame at most.
     void onFrameEnd();
 
-    /// After each swap.
-    void onFrameBegin();
+    /// After each swap, with the number of the frame that was swapped.
+    void onFrameBegin(std::uint32_t swapped);
 
     /// After a framebuffer was bound, in any manner, with any result. Only when this timer's context is
     /// current; does nothing unless it is recording on this very thread.
@@ -59,6 +60,9 @@ public:
     /// order: a thread always sees its own.
     static bool isAnyRecording() { return gRecording.load(std::memory_order_relaxed) != 0; }
 
+    /// Takes its queries out of the context.
+    void release();
+
     void startCapture() override;
     Progress advanceCapture() override;
     void abandonCapture() override;
@@ -67,7 +71,7 @@ public:
 private:
     enum class State {
         IDLE,
-        ARMED,      ///< the next frame is the one
+        ARMED,      ///< the next frame is to be recorded
         RECORDING,  ///< in that frame
         READING,    ///< the time stamps come in
         READY,      ///< all of them are here
@@ -86,24 +90,27 @@ private:
     };
 
     GLuint drawFramebuffer() const;
+    bool prepare();
     void stamp(GLuint framebuffer);
     void readStamp();
     std::vector<Pass> findPasses() const;
     bool wasDisjoint() const;
     void stopRecording();
     void end(State state);
+    void deleteQueries();
 
     static std::atomic<unsigned int> gRecording;
 
     const Functions& mGl;
     State mState = State::IDLE;
     std::thread::id mThread;
-    std::vector<GLuint> mQueries;  ///< all of them while a capture runs, none otherwise
+    std::vector<GLuint> mQueries;  ///< of a capture; deleted in the first frame after it
     std::vector<Stamp> mStamps;
     std::size_t mRead = 0;           ///< stamps whose time is known
     std::uint64_t mCounterMask = 0;  ///< time stamps count modulo this + 1
     std::uint64_t mFirst = 0;        ///< the first stamp as the GPU gave it
     std::uint32_t mFrameNumber = 0;
+    bool mIsNumbered = true;  ///< false from the end of the recorded frame until its swap
 };
 
 }  // namespace opengl

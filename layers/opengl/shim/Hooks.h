@@ -19,6 +19,7 @@ namespace opengl {
     HOOK(glXGetProcAddressARB, AnyLookUp)            \
     HOOK(eglDestroyContext, EglDestroy)              \
     HOOK(eglTerminate, EglTerminate)                 \
+    HOOK(eglSurfaceAttrib, EglAttribute)             \
     HOOK(glXDestroyContext, GlxDestroy)              \
     HOOK(glXFreeContextEXT, GlxDestroy)              \
     HOOK(glBindFramebuffer, FramebufferBind)         \

@@ -35,6 +35,8 @@ struct ShimCalls {
     void* (*findSymbol)(void* handle, const char* name);  ///< dlsym without the hooks
     /// Null, or who is told of every glBindFramebuffer of the program; for the layer to set. Relaxed order.
     std::atomic<FramebufferListener>* framebufferListener;
+    /// Counts the program's calls of eglSurfaceAttrib. Relaxed order: a thread always sees its own.
+    const std::atomic<unsigned int>* surfaceChanges;
 };
 
 /// What the layer offers. Any thread.

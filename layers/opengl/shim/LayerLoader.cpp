@@ -12,6 +12,7 @@
 namespace opengl {
 
 std::atomic<FramebufferListener> gFramebufferListener{nullptr};
+std::atomic<unsigned int> gSurfaceChanges{0};
 
 namespace {
 
@@ -20,7 +21,8 @@ constexpr int MAX_PATH = 4096;
 
 pthread_once_t gOnce = PTHREAD_ONCE_INIT;
 std::atomic<const LayerCalls*> gLayer{nullptr};
-ShimCalls gShimCalls{nullptr, &gFramebufferListener};
+std::atomic<bool> gHasSwapped{false};
+ShimCalls gShimCalls{nullptr, &gFramebufferListener, &gSurfaceChanges};
 
 /// As the log of the host writes it: this is the one message that there is no library for.
 void logError(const char* message) {
@@ -32,6 +34,7 @@ void logError(const char* message) {
 }
 
 void load() {
+    gHasSwapped.store(true, std::memory_order_relaxed);
     Dl_info info;
     char path[MAX_PATH];
     if (dladdr(&gOnce, &info) == 0) {
@@ -61,6 +64,10 @@ void load() {
 const LayerCalls* loadLayer() {
     pthread_once(&gOnce, load);
     return loadedLayer();
+}
+
+bool hasSwapped() {
+    return gHasSwapped.load(std::memory_order_relaxed);
 }
 
 const LayerCalls* loadedLayer() {

@@ -11,6 +11,10 @@ const LayerCalls* loadLayer();
 /// The layer if it has been loaded. Never waits.
 const LayerCalls* loadedLayer();
 
+/// Whether loadLayer() was ever called, which a swap does.
+bool hasSwapped();
+
 extern std::atomic<FramebufferListener> gFramebufferListener;
+extern std::atomic<unsigned int> gSurfaceChanges;
 
 }  // namespace opengl

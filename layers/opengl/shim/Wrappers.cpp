@@ -173,6 +173,18 @@ struct EglTerminate {
     }
 };
 
+struct EglAttribute {
+    using Type = unsigned int(void* display, void* surface, int attribute, int value);
+    [[gnu::noinline]] static unsigned int run(Real real, void* display, void* surface, int attribute,
+                                              int value) {
+        const unsigned int result = real.function == nullptr ? 0
+                                                             : reinterpret_cast<Type*>(real.function)(
+                                                                   display, surface, attribute, value);
+        gSurfaceChanges.fetch_add(1, std::memory_order_relaxed);
+        return result;
+    }
+};
+
 struct GlxDestroy {
     using Type = void(void* display, void* context);
     [[gnu::noinline]] static void run(Real real, void* display, void* context) {
@@ -261,6 +273,10 @@ OPENGL_EXPORT unsigned int eglDestroyContext(void* display, void* context) {
 
 OPENGL_EXPORT unsigned int eglTerminate(void* display) {
     return OPENGL_RUN(eglTerminate, EglTerminate, display);
+}
+
+OPENGL_EXPORT unsigned int eglSurfaceAttrib(void* display, void* surface, int attribute, int value) {
+    return OPENGL_RUN(eglSurfaceAttrib, EglAttribute, display, surface, attribute, value);
 }
 
 OPENGL_EXPORT void glXDestroyContext(void* display, void* context) {

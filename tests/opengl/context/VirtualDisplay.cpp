@@ -2,11 +2,10 @@
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <thread>
 
 namespace {
@@ -61,27 +60,22 @@ bool hasSeveralColours(const software::Image& picture) {
 
 }  // namespace
 
-VirtualDisplay::VirtualDisplay() {
-    int ends[2];
-    if (pipe(ends) != 0) {
-        return;
-    }
-    mServer = std::make_unique<Program>(
-        std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", "1280x800x24",
-                                 "-nolisten", "tcp", "-noreset"},
-        std::map<std::string, std::string>{});
-    close(ends[1]);
-    // The server writes its number and a new line when it is ready, and nothing if it fails.
-    std::string number;
-    for (char digit = 0; read(ends[0], &digit, 1) == 1 && digit != '\n';) {
-        number += digit;
-    }
-    close(ends[0]);
-    if (!number.empty()) {
-        mName = ':' + number;
+VirtualDisplay::VirtualDisplay()
+    : mServer({"Xvfb", "-displayfd", "1", "-screen", "0", "1280x800x24", "-nolisten", "tcp", "-noreset"}) {
+    // The server writes its number and a new line when it is ready.
+    const auto isReady = [this] { return mServer.output().find('\n') != std::string::npos; };
+    if (support::waitUntil(isReady)) {
+        const std::string number = mServer.output();
+        mName = ':' + number.substr(0, number.find('\n'));
+        setenv("DISPLAY", mName.c_str(), 1);
         // A window may go between two requests about it.
         XSetErrorHandler([](Display*, XErrorEvent*) { return 0; });
     }
+}
+
+VirtualDisplay& VirtualDisplay::get() {
+    static VirtualDisplay display;
+    return display;
 }
 
 std::optional<software::Image> VirtualDisplay::windowPicture(bool isStill) const {

@@ -1,18 +1,18 @@
 #pragma once
 
-#include "opengl/context/Program.h"
 #include "software/Image.h"
+#include "support/ChildProcess.h"
 
-#include <memory>
 #include <optional>
 #include <string>
 
-/// An X server without a screen, for as long as the object lives.
+/// An X server without a screen.
 class VirtualDisplay {
 public:
-    VirtualDisplay();
+    /// The one of this process, started by the first call, and $DISPLAY from then on.
+    static VirtualDisplay& get();
 
-    /// For $DISPLAY; empty when the server could not be started.
+    /// Empty when the server could not be started.
     const std::string& name() const { return mName; }
 
     /// What the largest window shows, once three looks in a row found more than one colour in it and, if
@@ -20,6 +20,8 @@ public:
     std::optional<software::Image> windowPicture(bool isStill) const;
 
 private:
+    VirtualDisplay();
+
     std::string mName;
-    std::unique_ptr<Program> mServer;
+    support::ChildProcess mServer;
 };

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "opengl/context/Program.h"
+#include "support/ChildProcess.h"
 
 namespace {
 
@@ -34,14 +34,13 @@ struct Result {
 };
 
 Result runClient(const char* client, const std::string& way, const char* fake, const std::string& shim) {
-    std::map<std::string, std::string> environment;
+    support::ChildProcess::Environment environment;
     if (!shim.empty()) {
         environment["LD_PRELOAD"] = shim;
     }
-    Program program({client, way, fake, FAKE_SECOND}, environment, true);
-    const int status = program.wait();
-    Result result{{}, {}, linesOf(program.errors()), status};
-    for (const std::string& line : linesOf(program.output())) {
+    const support::Outcome outcome = support::run({client, way, fake, FAKE_SECOND}, environment);
+    Result result{{}, {}, linesOf(outcome.err), outcome.status};
+    for (const std::string& line : linesOf(outcome.out)) {
         (line.rfind("layer:", 0) == 0 ? result.layer : result.own).push_back(line);
     }
     return result;
@@ -109,9 +108,9 @@ TEST(Shim, PassesEverythingThroughWhenThereIsNoLayerToLoad) {
 }
 
 std::string outputOf(const std::string& command) {
-    Program program({"/bin/sh", "-c", command}, {}, true);
-    EXPECT_EQ(program.wait(), 0) << command;
-    return program.output();
+    const support::Outcome outcome = support::run({"/bin/sh", "-c", command});
+    EXPECT_EQ(outcome.status, 0) << command;
+    return outcome.out;
 }
 
 TEST(Shim, IsSmallAndNeedsTheCLibraryAlone) {
@@ -119,7 +118,7 @@ TEST(Shim, IsSmallAndNeedsTheCLibraryAlone) {
     EXPECT_THAT(linesOf(needed), ElementsAre(testing::HasSubstr("[libc.so.6]")));
     EXPECT_LT(std::stoi(outputOf("strip -o /dev/stdout " SHIM_ALONE " | wc -c")), 20 * 1024);
     EXPECT_THAT(linesOf(outputOf("nm -D --defined-only -j " SHIM_ALONE " | LC_ALL=C sort")),
-                ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSwapBuffers",
+                ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSurfaceAttrib", "eglSwapBuffers",
                             "eglSwapBuffersWithDamageEXT", "eglSwapBuffersWithDamageKHR", "eglTerminate",
                             "glBindFramebuffer", "glBindFramebufferEXT", "glBindFramebufferOES",
                             "glXDestroyContext", "glXFreeContextEXT", "glXGetProcAddress",

@@ -1,6 +1,5 @@
 #include "opengl/passes/PassTimer.h"
 
-#include "core/StateInfo.h"
 #include "opengl/context/HeadlessContext.h"
 
 #include <gmock/gmock.h>
@@ -33,18 +32,26 @@ struct Calls {
     int disjointRead = 0;  ///< the flag is set when it is read for the so-manieth time
     int disjointReads = 0;
     std::vector<GLuint64> times;  ///< what is read, instead of the GPU's
+    bool isForbidden = false;     ///< within what a capture asks, which the library's mutex is around
 };
 Calls calls;
 
+void check() {
+    EXPECT_FALSE(calls.isForbidden);
+}
+
 void APIENTRY genQueries(GLsizei count, GLuint* names) {
+    check();
     calls.queries += count;
     calls.real->genQueries(count, names);
 }
 void APIENTRY deleteQueries(GLsizei count, const GLuint* names) {
+    check();
     calls.queries -= count;
     calls.real->deleteQueries(count, names);
 }
 void APIENTRY queryCounter(GLuint query, GLenum target) {
+    check();
     ++calls.stamps;
     calls.real->queryCounter(query, target);
 }
@@ -55,6 +62,7 @@ void APIENTRY getQueryObjectuiv(GLuint query, GLenum name, GLuint* value) {
     *value = calls.isAvailable ? *value : 0;
 }
 void APIENTRY getQueryObjectui64v(GLuint query, GLenum name, GLuint64* value) {
+    check();
     calls.real->getQueryObjectui64v(query, name, value);
     if (!calls.times.empty()) {
         *value = calls.times.at(static_cast<std::size_t>(calls.reads));
@@ -62,6 +70,7 @@ void APIENTRY getQueryObjectui64v(GLuint query, GLenum name, GLuint64* value) {
     ++calls.reads;
 }
 void APIENTRY getIntegerv(GLenum name, GLint* value) {
+    check();
     calls.real->getIntegerv(name, value);
     if (name == opengl::GPU_DISJOINT_EXT && ++calls.disjointReads == calls.disjointRead) {
         *value = GL_TRUE;
@@ -155,31 +164,48 @@ protected:
         draw(times);
     }
 
-    /// The frame around the program's drawing; what the capture asks in it.
+    /// What a capture asks, under the library's mutex.
+    template <typename Asking>
+    auto ask(const Asking& asking) {
+        calls.isForbidden = true;
+        const auto answer = asking(*mTimer);
+        calls.isForbidden = false;
+        return answer;
+    }
+
+    void start() {
+        ask([](PassTimer& timer) { return timer.startCapture(), 0; });
+        swap();
+    }
+
+    void swap() {
+        mContext->swap();
+        mTimer->onFrameBegin(++mFrames);
+    }
+
+    /// A frame of the program's; what the capture is told in it.
     Progress frame(const std::function<void()>& drawing = [] {}) {
-        mTimer->onFrameBegin();
         drawing();
         mTimer->onFrameEnd();
-        const Progress progress = mTimer->advanceCapture();
-        mContext->swap();
-        ++core::StateInfo::mFrameNumber;
+        const Progress progress = ask([](PassTimer& timer) { return timer.advanceCapture(); });
+        swap();
         return progress;
     }
 
     /// The frame in which the key is pressed, the one that is measured, and those in which it is read.
     bool capture(const std::function<void()>& drawing, gui::FrameData& data) {
-        mTimer->startCapture();
-        mContext->swap();
-        ++core::StateInfo::mFrameNumber;
+        start();
         Progress progress = frame(drawing);
         for (int i = 0; i < 10000 && progress == Progress::PENDING; ++i) {
             // Frames without drawing in them are over sooner than the renderer's threads get to run.
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
             progress = frame();
         }
-        return progress == Progress::READY && mTimer->readFrame(data, {});
+        return progress == Progress::READY &&
+               ask([&data](PassTimer& timer) { return timer.readFrame(data, {}); });
     }
 
+    std::uint32_t mFrames = 0;  ///< swapped
     std::unique_ptr<HeadlessContext> mContext;
     opengl::Functions mFunctions;
     std::unique_ptr<PassTimer> mTimer;
@@ -206,7 +232,6 @@ TEST_P(PassTimerTest, EveryFramebufferDrawnToIsAPass) {
     const auto [first, second] = mFramebuffers;
     GLuint ownQuery = 0;
     gl().genQueries(1, &ownQuery);
-    const unsigned long long framesBefore = core::StateInfo::mFrameNumber;
     for (int round = 0; round < 3; ++round) {
         SCOPED_TRACE(round);
         gui::FrameData data(0, {});
@@ -247,7 +272,7 @@ TEST_P(PassTimerTest, EveryFramebufferDrawnToIsAPass) {
         gl().getQueryObjectui64v(ownQuery, GL_QUERY_RESULT, &ownTime);
         EXPECT_GT(ownTime, 0U) << "the program's own measurement goes on";
         if (round == 0) {
-            EXPECT_EQ(data.mFrameId, framesBefore + 2) << "the frame after the one with the key";
+            EXPECT_EQ(data.mFrameId, 2U) << "the frame after the one with the key";
         }
     }
 }
@@ -275,9 +300,8 @@ TEST_P(PassTimerTest, TimesThatAreTooShortAreNoPasses) {
 
 TEST_P(PassTimerTest, ReadsOneTimeStampAFrameAndNoneBeforeItIsThere) {
     calls.isAvailable = false;
-    mTimer->startCapture();
+    start();
     EXPECT_EQ(calls.queries, static_cast<int>(PassTimer::MAX_STAMPS));
-    mContext->swap();
     EXPECT_EQ(frame([&] { draw(mFramebuffers[0], 20); }), Progress::PENDING);
     for (int i = 1; i < 50; ++i) {
         EXPECT_EQ(frame([&] { draw(mFramebuffers[i % 2], 1); }), Progress::PENDING);
@@ -327,31 +351,33 @@ TEST_P(PassTimerTest, ACaptureCanBeLeftAnywhere) {
         SCOPED_TRACE(stage);
         ASSERT_NO_FATAL_FAILURE(open(GetParam()));
         calls.isAvailable = false;
-        mTimer->startCapture();
+        start();
         if (stage % 3 > 0) {
-            mTimer->onFrameBegin();
             draw(mFramebuffers[0], 2);
             EXPECT_TRUE(PassTimer::isAnyRecording());
         }
         if (stage % 3 > 1) {
             mTimer->onFrameEnd();
         }
+        EXPECT_NE(calls.queries, 0);
         if (stage < 3) {
             mContext.reset();
             mTimer.reset();
             EXPECT_NE(calls.queries, 0) << "which went with the context";
         } else {
-            mTimer->abandonCapture();
-            EXPECT_EQ(calls.queries, 0);
+            ask([](PassTimer& timer) { return timer.abandonCapture(), 0; });
             EXPECT_EQ(frame(), Progress::NONE);
+            EXPECT_EQ(calls.queries, 0);
+            start();
+            mTimer->release();
+            EXPECT_EQ(calls.queries, 0);
         }
         EXPECT_FALSE(PassTimer::isAnyRecording());
     }
 }
 
 TEST_P(PassTimerTest, OnlyTheThreadOfTheContextCounts) {
-    mTimer->startCapture();
-    mContext->swap();
+    start();
     frame([&] {
         const int before = calls.stamps;
         gl().bindFramebuffer(GL_FRAMEBUFFER, mFramebuffers[0]);

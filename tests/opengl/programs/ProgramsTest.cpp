@@ -1,5 +1,4 @@
 #include "gui/LayoutManager.h"
-#include "opengl/context/Program.h"
 #include "opengl/context/VirtualDisplay.h"
 #include "software/Png.h"
 
@@ -15,10 +14,8 @@ namespace {
 using Command = std::vector<std::string>;
 using software::Image;
 
-/// One server for all tests: starting it takes longer than most of them.
 VirtualDisplay& display() {
-    static VirtualDisplay server;
-    return server;
+    return VirtualDisplay::get();
 }
 
 /// The widgets' usual black background would not be seen over black.
@@ -37,7 +34,7 @@ std::map<std::string, std::string> environment(bool isFrozen) {
 }
 
 std::optional<Image> pictureOf(const Command& command, bool isStill) {
-    const Program program(command, environment(isStill));
+    const support::ChildProcess program(command, environment(isStill));
     return display().windowPicture(isStill);
 }
 
@@ -149,14 +146,12 @@ TEST(RealPrograms, WhatTheyPrintAndReturnIsTheirOwn) {
         if (!item.hasDisplay) {
             variables["DISPLAY"] = ":none";
         }
-        Program bare(item.command, variables, true);
-        const int bareStatus = bare.wait();
-        Program overlaid(underOverlay(item.command), variables, true);
-        const int status = overlaid.wait();
-        EXPECT_EQ(status, bareStatus) << item.command[0];
-        EXPECT_EQ(withoutNumbers(overlaid.output()), withoutNumbers(bare.output()));
-        EXPECT_EQ(withoutNumbers(overlaid.errors()), withoutNumbers(bare.errors()));
-        EXPECT_FALSE(bare.output().empty() && bare.errors().empty());
+        const support::Outcome bare = support::run(item.command, variables);
+        const support::Outcome overlaid = support::run(underOverlay(item.command), variables);
+        EXPECT_EQ(overlaid.status, bare.status) << item.command[0];
+        EXPECT_EQ(withoutNumbers(overlaid.out), withoutNumbers(bare.out));
+        EXPECT_EQ(withoutNumbers(overlaid.err), withoutNumbers(bare.err));
+        EXPECT_FALSE(bare.out.empty() && bare.err.empty());
     }
 }
 

@@ -1,0 +1,24 @@
+#include "opengl/entry/OverlayRight.h"
+
+#include "opengl/entry/LayerApi.h"
+#include "runs/OverlayClaim.h"
+#include "utils/SystemInfoHelper.h"
+
+namespace opengl {
+
+Obstacle OverlayRight::ask() {
+    switch (platform::claimOverlay(utils::getProcessName(), static_cast<std::int32_t>(LAYER_API))) {
+        case platform::Claim::FOREIGN:
+            mIsRefused.store(true, std::memory_order_relaxed);
+            return "another process of the run was the first to present a frame";
+        case platform::Claim::BUSY:
+            return "somebody is writing properties";
+        case platform::Claim::OWN:
+        case platform::Claim::NONE:
+            break;
+    }
+    mIsGranted = true;
+    return nullptr;
+}
+
+}  // namespace opengl

@@ -1,0 +1,56 @@
+#include "opengl/entry/StatusNote.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "opengl/entry/FrameClock.h"
+#include "opengl/entry/LayerApi.h"
+#include "runs/OverlayNote.h"
+#include "utils/SystemInfoHelper.h"
+
+namespace opengl {
+
+namespace {
+
+constexpr std::int64_t PERIOD_MS = 1000;
+
+}  // namespace
+
+void StatusNote::onFrame(Obstacle obstacle) {
+    ++mFrames;
+    if (obstacle == nullptr) {
+        mWasShown = true;
+        mMissed = 0;
+        mReason.clear();
+    } else {
+        mMissed = std::min(mMissed + 1, HELD_FRAMES);
+        if (mReason != obstacle) {
+            mReason = obstacle;
+        }
+        if (mMissed < HELD_FRAMES) {
+            return;
+        }
+    }
+    if (!isTold() && (!mHasTold || nowMs() - mToldAt >= PERIOD_MS)) {
+        tell();
+    }
+}
+
+void StatusNote::finish() {
+    // Few swaps without the overlay at the end of many with it are no news.
+    const bool isNews = !mWasShown || mReason.empty();
+    if (mFrames != 0 && isNews && !isTold()) {
+        tell();
+    }
+}
+
+void StatusNote::tell() {
+    mHasTold = true;
+    mToldReason = mReason;
+    mToldAt = nowMs();
+    platform::writeOverlayNote({getpid(), utils::getProcessName(), static_cast<std::int32_t>(LAYER_API),
+                                mWasShown, mFrames, mReason});
+}
+
+}  // namespace opengl

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "opengl/gl/Obstacle.h"
+
+namespace opengl {
+
+/// Leaves a note on whether the overlay is shown in this process, and why not (runs/OverlayNote.h): when it
+/// is shown first, and when a reason has held for HELD_FRAMES; at most once a second. One thread at a time.
+class StatusNote {
+public:
+    static constexpr unsigned int HELD_FRAMES = 10;
+
+    /// After each swap: why it went without the overlay; null when it had it. Writes and allocates nothing
+    /// while that stays the same.
+    void onFrame(Obstacle obstacle);
+
+    /// No more swaps will be reported: says now what is still to be said.
+    void finish();
+
+private:
+    bool isTold() const { return mHasTold && mToldReason == mReason; }
+    void tell();
+
+    std::uint64_t mFrames = 0;
+    unsigned int mMissed = 0;  ///< swaps since the last one with the overlay, up to HELD_FRAMES
+    bool mWasShown = false;
+    std::string mReason;  ///< of the last swap; empty when it had the overlay
+    bool mHasTold = false;
+    std::string mToldReason;
+    std::int64_t mToldAt = 0;  ///< in milliseconds
+};
+
+}  // namespace opengl
