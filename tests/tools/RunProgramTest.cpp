@@ -45,12 +45,13 @@ TEST_F(RunProgram, RunsAsIfByItself) {
         {"$CTL run sh -c 'exit 3' 2>&-", 3, "", ""},
         {"{ $CTL run sh -c 'sleep 0.1; exit 4' 2>&1; echo $? >s; } | true; cat s", 0, "4\n", ""},
         {"$CTL run --set widget_fps=off -- sh -c '$CTL get'", 0,
-         "debug.kordanix.status true\n.*debug.kordanix.widget_fps false\n"
+         "debug.kordanix.status true\ndebug.kordanix.widget_fps false\n"
          "debug.kordanix.settingsgeneration 1\n"},
         {"$CTL run --set proc=a=b -- sh -c '$CTL get proc; $CTL get api'", 0, "a=b\n0\n"},
         {"$CTL run --set widget_fps=off -- sh -c '$CTL set widget_fps on status off proc x devmode on; $CTL "
          "reset; $CTL get'",
-         0, "debug.kordanix.status true\n.*debug.kordanix.proc sh\ndebug.kordanix.widget_fps false\n.*"},
+         0,
+         "debug.kordanix.status true\ndebug.kordanix.proc x\ndebug.kordanix.widget_fps false\n.*"},
         {"unset PATH; $CTL run sh -c 'exit 7'", 7, ""},
         {"cp /bin/false f; PATH=/nowhere: $CTL run f", 1, ""},
         {"$CTL run -- nonsense", 127, "", "kordanixctl: nonsense: there is no such program\n"},

@@ -51,11 +51,10 @@ bool isSet(const char* name, const std::vector<Assignment>& assignments) {
 }
 
 /// Turns the overlay on for the program; what was set by hand comes later and so wins.
-void addDefaults(bool isClaimed, const std::string& name, std::vector<Assignment>& assignments) {
+void addDefaults(bool isClaimed, std::vector<Assignment>& assignments) {
     std::vector<Assignment> all{{"debug.kordanix.status", "true"}};
-    all.push_back({"debug.kordanix.api", "0"});
-    if (isClaimed) {
-        all.push_back({"debug.kordanix.proc", name});
+    if (!isClaimed) {
+        all.push_back({"debug.kordanix.api", "0"});
     }
     all.insert(all.end(), assignments.begin(), assignments.end());
     assignments = std::move(all);
@@ -115,7 +114,7 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
             "the process that shows the overlay sets 'api' itself; --set proc=NAME chooses another way", err,
             USAGE_ERROR);
     }
-    addDefaults(isClaimed, words.front(), all);
+    addDefaults(isClaimed, all);
     const std::string& name = words.front();
     const ProgramFile program = findProgram(name);
     if (program.result != SUCCESS) {
