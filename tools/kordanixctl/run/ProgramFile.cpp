@@ -41,8 +41,9 @@ ProgramFile findProgram(const std::string& name) {
     std::size_t begin = 0;
     for (std::size_t end = 0; (end = folders.find(':', begin)) != std::string::npos; begin = end + 1) {
         // An empty folder is the working directory.
-        const std::string folder = end == begin ? "." : folders.substr(begin, end - begin);
-        if (look(folder + '/' + name)) {
+        std::string path = end == begin ? "." : folders.substr(begin, end - begin);
+        path.append(1, '/').append(name);
+        if (look(path)) {
             break;
         }
     }

@@ -51,7 +51,7 @@ pid_t start(const std::vector<std::string>& words, const sigset_t& mask, const s
     const pid_t child = fork();
     if (child == 0) {
         sigaction(SIGCHLD, &onChild, nullptr);
-        sigprocmask(SIG_SETMASK, &mask, nullptr);
+        pthread_sigmask(SIG_SETMASK, &mask, nullptr);
         const int error = execute(words);
         const ssize_t ignored = write(ends[1], &error, sizeof(error));
         _exit(ignored == sizeof(error) ? 0 : 1);
@@ -100,7 +100,7 @@ ProgramEnd superviseProgram(const std::vector<std::string>& words) {
     add(PASSED_ON, set);
     add(TERMINAL_STOPS, set);
     add(OTHERS, set);
-    sigprocmask(SIG_BLOCK, &set, &mask);
+    pthread_sigmask(SIG_BLOCK, &set, &mask);
     // Were it ignored, there would be no status to wait for.
     struct sigaction onChild = {};
     struct sigaction standard = {};
@@ -121,7 +121,7 @@ ExitCode endAs(int status) {
     sigset_t set;
     sigemptyset(&set);
     sigaddset(&set, signal);
-    sigprocmask(SIG_UNBLOCK, &set, nullptr);
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
     raise(signal);
     return static_cast<ExitCode>(128 + signal);
 }
