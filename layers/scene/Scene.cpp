@@ -52,6 +52,7 @@ void Scene::update() {
         for (WidgetView* widget : mShown) {
             widget->refresh(mMetrics);
         }
+        mExtraDump.tell(mMetrics);
         mPacing.resetUpdateDuration();
         mIsChanged = true;
     }

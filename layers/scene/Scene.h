@@ -2,6 +2,7 @@
 
 #include "core/RenderingApiType.h"
 #include "figures/Metrics.h"
+#include "scene/ExtraDump.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
 #include "utils/UpdateHelper.h"
@@ -44,6 +45,7 @@ public:
 private:
     PrimitiveFactory& mFactory;
     figures::Metrics mMetrics;
+    ExtraDump mExtraDump;
     UpdateHelper mPacing;
     bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;

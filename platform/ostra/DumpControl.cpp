@@ -3,8 +3,10 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <exception>
+#include <limits>
 #include <new>
 #include <string>
 #include <utility>
@@ -35,17 +37,19 @@ void DumpControl::start(const std::vector<Ostra::DumpWidgetMeta>& metas) {
     finish();
     const std::lock_guard<std::mutex> order(mOrder);
     DumpPlan plan;
+    std::vector<const char*> extraColumns;
     try {
         plan = planDump(++mCount);
         {
             const std::lock_guard<std::mutex> lock(mMutex);
             mRuntimeDirectory = plan.runtimeDirectory;
+            extraColumns = mExtraColumns;
         }
         if (stopAdding() != nullptr) {
             tellFailure(plan, "the last one still waits for its disk");
             return;
         }
-        std::shared_ptr<DumpRun> run = DumpRun::start(metas, plan);
+        std::shared_ptr<DumpRun> run = DumpRun::start(metas, extraColumns, plan);
         if (run == nullptr) {
             tellFailure(plan, "no thread can be started");
             return;
@@ -63,8 +67,19 @@ void DumpControl::start(const std::vector<Ostra::DumpWidgetMeta>& metas) {
 void DumpControl::add(const Ostra::FrameDump& dump) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mIsAdding) {
-        mRun->add(dump);
+        mRun->add(dump, mExtraValues);
     }
+}
+
+void DumpControl::setExtraColumns(const std::vector<const char*>& names) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mExtraColumns = names;
+    mExtraValues.assign(names.size(), std::numeric_limits<double>::quiet_NaN());
+}
+
+void DumpControl::setExtraValues(const double* values, std::size_t count) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    std::copy_n(values, std::min(count, mExtraValues.size()), mExtraValues.begin());
 }
 
 void DumpControl::finish() {

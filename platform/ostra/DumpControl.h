@@ -21,6 +21,10 @@ public:
     /// started, an error is logged and told by the dump's notice.
     void start(const std::vector<Ostra::DumpWidgetMeta>& metas);
 
+    /// As Ostra::setExtraColumns() and Ostra::setExtraValues().
+    void setExtraColumns(const std::vector<const char*>& names);
+    void setExtraValues(const double* values, std::size_t count);
+
     /// Never waits for a disk.
     void add(const Ostra::FrameDump& dump);
 
@@ -41,6 +45,8 @@ private:
 
     std::mutex mMutex;  ///< guards what follows; held for the copy of one frame at most
     std::shared_ptr<DumpRun> mRun;
+    std::vector<const char*> mExtraColumns;
+    std::vector<double> mExtraValues;
     bool mIsAdding = false;
     std::string mRuntimeDirectory;  ///< empty before the first dump
 };

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 
 #include <cerrno>
+#include <cmath>
 #include <utility>
 
 namespace platform {
@@ -66,7 +67,9 @@ std::string OutputFile::close() {
     return error;
 }
 
-DumpFiles::DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas) {
+DumpFiles::DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas,
+                     const std::vector<const char*>& extraColumns)
+    : mExtraColumns(extraColumns.begin(), extraColumns.end()) {
     mColumns.reserve(metas.size());
     for (const Ostra::DumpWidgetMeta& meta : metas) {
         mColumns.push_back({meta.name.string(), meta.valueType == FLOAT_VALUE});
@@ -86,6 +89,9 @@ std::string DumpFiles::open(const std::string& folder) {
     }
     frames.add("RenderPassFrameId");
     frames.add("FrameDuration");
+    for (const std::string& column : mExtraColumns) {
+        frames.add(column);
+    }
     frames.endRow();
     CsvWriter passes(mPasses.buffer());
     for (const char* const name :
@@ -112,6 +118,14 @@ void DumpFiles::writeFrame(const FrameQueue& frames) {
     }
     row.add(frame.renderPassFrameId);
     row.add(frame.frameDuration);
+    for (std::size_t i = 0; i < mExtraColumns.size(); ++i) {
+        const double value = frames.extraValue(i);
+        if (std::isnan(value)) {
+            row.add(std::string_view());
+        } else {
+            row.add(value);
+        }
+    }
     row.endRow();
 }
 

@@ -38,14 +38,15 @@ private:
 };
 
 /// The two files of a dump. frames.csv has a row for every frame: FrameNumber, TimestampMs, a column for
-/// every dumpable value under its own name, RenderPassFrameId, FrameDuration. passes.csv has a row for every
-/// render pass of those frames that carry some: FrameNumber, RenderPassFrameId, Pass (0, 1, ... in frame
-/// order), FirstValue, SecondValue, Duration. Durations are in milliseconds. Values are integers or floats as
-/// their meta says; a value that a frame does not have is an empty field. Errors are returned as by
-/// OutputFile.
+/// every dumpable value under its own name, RenderPassFrameId, FrameDuration, and the extra columns.
+/// passes.csv has a row for every render pass of those frames that carry some: FrameNumber,
+/// RenderPassFrameId, Pass (0, 1, ... in frame order), FirstValue, SecondValue, Duration. Durations are in
+/// milliseconds. Values are integers or floats as their meta says; a value that a frame does not have is an
+/// empty field. Errors are returned as by OutputFile.
 class DumpFiles {
 public:
-    explicit DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas);
+    explicit DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas,
+                       const std::vector<const char*>& extraColumns = {});
 
     /// Creates both files in a folder where they are missing, and writes their first rows.
     std::string open(const std::string& folder);
@@ -66,6 +67,7 @@ private:
     void writePasses(const FrameQueue& frames);
 
     std::vector<Column> mColumns;
+    std::vector<std::string> mExtraColumns;
     OutputFile mFrames;
     OutputFile mPasses;
 };

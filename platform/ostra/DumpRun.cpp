@@ -33,22 +33,24 @@ private:
     DumpRun& mRun;
 };
 
-std::shared_ptr<DumpRun> DumpRun::start(const std::vector<Ostra::DumpWidgetMeta>& metas, DumpPlan plan) {
-    auto run = std::make_shared<DumpRun>(metas, std::move(plan));
+std::shared_ptr<DumpRun> DumpRun::start(const std::vector<Ostra::DumpWidgetMeta>& metas,
+                                        const std::vector<const char*>& extraColumns, DumpPlan plan) {
+    auto run = std::make_shared<DumpRun>(metas, extraColumns, std::move(plan));
     // The thread owns its share: nobody waits for a disk that hangs.
     return startHelperThread("ostra-dump", [run] { run->write(); }) ? run : nullptr;
 }
 
-DumpRun::DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas, DumpPlan plan)
-    : mQueue(metas.size()), mPlan(std::move(plan)), mFiles(metas) {
+DumpRun::DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas,
+                 const std::vector<const char*>& extraColumns, DumpPlan plan)
+    : mQueue(metas.size(), extraColumns.size()), mPlan(std::move(plan)), mFiles(metas, extraColumns) {
     mNotice.number = mPlan.number;
 }
 
-void DumpRun::add(const Ostra::FrameDump& dump) {
+void DumpRun::add(const Ostra::FrameDump& dump, const std::vector<double>& extraValues) {
     if (mHasEnded.load(std::memory_order_relaxed)) {
         return;
     }
-    if (!mQueue.push(dump)) {
+    if (!mQueue.push(dump, extraValues)) {
         mDropped.fetch_add(1, std::memory_order_relaxed);
     }
     // The writer looks by itself at every period, so that at usual frame rates nobody has to be woken.

@@ -25,13 +25,15 @@ namespace platform {
 class DumpRun {
 public:
     /// Starts the dump; null when no thread can be had. Throws std::bad_alloc.
-    static std::shared_ptr<DumpRun> start(const std::vector<Ostra::DumpWidgetMeta>& metas, DumpPlan plan);
+    static std::shared_ptr<DumpRun> start(const std::vector<Ostra::DumpWidgetMeta>& metas,
+                                          const std::vector<const char*>& extraColumns, DumpPlan plan);
 
     /// Use start().
-    DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas, DumpPlan plan);
+    DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas, const std::vector<const char*>& extraColumns,
+            DumpPlan plan);
 
     /// Copies one frame. Never waits and never allocates. One thread at a time, and not after finish().
-    void add(const Ostra::FrameDump& dump);
+    void add(const Ostra::FrameDump& dump, const std::vector<double>& extraValues);
 
     /// Waits until everything that was added is in the files and they are closed, but not longer than
     /// `patience`. Returns whether they are. May be called again.

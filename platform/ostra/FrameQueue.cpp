@@ -1,16 +1,19 @@
 #include "ostra/FrameQueue.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace platform {
 
-FrameQueue::FrameQueue(std::size_t valuesPerFrame)
+FrameQueue::FrameQueue(std::size_t valuesPerFrame, std::size_t extrasPerFrame)
     : mValuesPerFrame(valuesPerFrame),
       mFrames(MAX_FRAMES),
       mValues(MAX_FRAMES * valuesPerFrame),
+      mExtrasPerFrame(extrasPerFrame),
+      mExtras(MAX_FRAMES * extrasPerFrame),
       mPasses(MAX_PASSES) {}
 
-bool FrameQueue::push(const Ostra::FrameDump& dump) {
+bool FrameQueue::push(const Ostra::FrameDump& dump, const std::vector<double>& extraValues) {
     const std::uint32_t frame = mFramesWritten.load(std::memory_order_relaxed);
     const std::uint32_t firstPass = mPassesWritten.load(std::memory_order_relaxed);
     const std::uint32_t freePasses = MAX_PASSES - (firstPass - mPassesRead.load(std::memory_order_acquire));
@@ -30,6 +33,10 @@ bool FrameQueue::push(const Ostra::FrameDump& dump) {
                      firstPass};
     std::copy_n(dump.values.begin(), valueCount,
                 mValues.begin() + static_cast<std::ptrdiff_t>(slot * mValuesPerFrame));
+    for (std::size_t i = 0; i < mExtrasPerFrame; ++i) {
+        mExtras[slot * mExtrasPerFrame + i] =
+            i < extraValues.size() ? extraValues[i] : std::numeric_limits<double>::quiet_NaN();
+    }
     for (std::uint32_t i = 0; i < passCount; ++i) {
         mPasses[(firstPass + i) % MAX_PASSES] = dump.renderPasses[i];
     }
@@ -54,6 +61,11 @@ const FrameQueue::Frame* FrameQueue::front() const {
 const Ostra::DumpValue& FrameQueue::value(std::size_t index) const {
     const std::uint32_t slot = mFramesRead.load(std::memory_order_relaxed) % MAX_FRAMES;
     return mValues[slot * mValuesPerFrame + index];
+}
+
+double FrameQueue::extraValue(std::size_t index) const {
+    const std::uint32_t slot = mFramesRead.load(std::memory_order_relaxed) % MAX_FRAMES;
+    return mExtras[slot * mExtrasPerFrame + index];
 }
 
 const Ostra::DumpRenderpassValue& FrameQueue::pass(std::uint32_t index) const {

@@ -29,11 +29,11 @@ public:
         std::uint32_t firstPass;
     };
 
-    explicit FrameQueue(std::size_t valuesPerFrame);
+    explicit FrameQueue(std::size_t valuesPerFrame, std::size_t extrasPerFrame = 0);
 
     /// Copies the frame, with at most as many values as the queue was made for. False, and the frame is
     /// dropped, when there is no room for it.
-    bool push(const Ostra::FrameDump& dump);
+    bool push(const Ostra::FrameDump& dump, const std::vector<double>& extraValues = {});
 
     /// Whether it is time to read. Any thread.
     bool isHalfFull() const;
@@ -41,8 +41,9 @@ public:
     /// The oldest frame, or null. Stays valid until pop().
     const Frame* front() const;
 
-    /// Value and render pass of the oldest frame.
+    /// Values and render pass of the oldest frame.
     const Ostra::DumpValue& value(std::size_t index) const;
+    double extraValue(std::size_t index) const;
     const Ostra::DumpRenderpassValue& pass(std::uint32_t index) const;
 
     /// Forgets the oldest frame.
@@ -52,6 +53,8 @@ private:
     std::size_t mValuesPerFrame;
     std::vector<Frame> mFrames;
     std::vector<Ostra::DumpValue> mValues;
+    std::size_t mExtrasPerFrame;
+    std::vector<double> mExtras;  ///< NaN where a frame has none
     std::vector<Ostra::DumpRenderpassValue> mPasses;
 
     // Running counts. Each is advanced by one side with release order, after that side is done with the

@@ -3,6 +3,7 @@
 #include "ostra/ProcessChannel.h"
 
 #include <android/log.h>
+#include <ostra/ExtraColumns.h>
 #include <ostra/Ostra.h>
 
 #include <atomic>
@@ -39,6 +40,16 @@ void startDumping(const std::vector<DumpWidgetMeta>& metas) {
 void addDump(const FrameDump& dump) {
     if (DumpControl* const control = PerProcess<DumpControl>::find()) {
         control->add(dump);
+    }
+}
+
+void setExtraColumns(const std::vector<const char*>& names) {
+    PerProcess<DumpControl>::get().setExtraColumns(names);
+}
+
+void setExtraValues(const double* values, std::size_t count) {
+    if (DumpControl* const control = PerProcess<DumpControl>::find()) {
+        control->setExtraValues(values, count);
     }
 }
 

@@ -97,13 +97,14 @@ TEST(DumpReader, KeepsWhatIsWholeOfADumpCutAtAnyByte) {
 TEST(DumpReader, ReadsWhatTheCompanionLibraryWrites) {
     const platform::TemporaryDirectory folder;
     platform::DumpFiles files(
-        {{android::String8("Fps, \"now\"\n"), 1, 1}, {android::String8("MemPss(Bytes)"), 2, 1}});
+        {{android::String8("Fps, \"now\"\n"), 1, 1}, {android::String8("MemPss(Bytes)"), 2, 1}},
+        {"Power(W)", "Fan(rpm)"});
     ASSERT_EQ(files.open(folder.path()), "");
-    platform::FrameQueue queue(2);
+    platform::FrameQueue queue(2, 2);
     Ostra::FrameDump frame = {7, 1700000000140, 5, 3.5F, 0, {{}, {}}, {{1, 2, 1.5}, {3, 4, 2.0}}};
     frame.values[0].floatValue = 59.94F;
     frame.values[1].intValue = 5000000000U;
-    ASSERT_TRUE(queue.push(frame));
+    ASSERT_TRUE(queue.push(frame, {12.25}));
     ASSERT_EQ(files.append(queue), "");
     ASSERT_EQ(files.close(), "");
     Dump dump;
@@ -112,7 +113,10 @@ TEST(DumpReader, ReadsWhatTheCompanionLibraryWrites) {
     ASSERT_EQ(dump.frames.size(), 1U);
     EXPECT_EQ(dump.frames[0].timestampMs, 1700000000140);
     EXPECT_EQ(dump.frames[0].passFrameMs, 3.5);
-    ASSERT_EQ(dump.values.size(), 2U);
+    ASSERT_EQ(dump.values.size(), 4U);
+    EXPECT_EQ(dump.values[2].unit, "W");
+    EXPECT_THAT(dump.values[2].figures, ElementsAre(12.25));
+    EXPECT_TRUE(std::isnan(dump.values[3].figures.at(0))) << "nobody gave it a value";
     EXPECT_EQ(dump.values[0].name, "Fps, \"now\"\n");
     EXPECT_THAT(dump.values[0].figures, ElementsAre(59.94));
     EXPECT_THAT(dump.values[1].figures, ElementsAre(5e9));
