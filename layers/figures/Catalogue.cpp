@@ -1,18 +1,11 @@
 #include "figures/Catalogue.h"
 
-#include "figures/Metrics.h"
-
-#include <array>
 #include <iterator>
-#include <memory>
-#include <string>
 
 namespace figures {
 
 namespace {
 
-using Graph = gui::WidgetsSettings::Graph;
-using Widgets = gui::WidgetsSettings::Widgets;
 using gui::WidgetType;
 
 constexpr std::uint32_t BLUE = 0xFF0084FF;
@@ -24,15 +17,6 @@ constexpr std::uint32_t YELLOW = 0xFFFFFF00;
 constexpr Figure::Settings NOTE = {};
 constexpr Figure::Column NO_COLUMN = {};
 
-/// Of the library's own settings.
-template <auto WIDGET, auto GRAPH>
-const Graph& of() {
-    return gui::WidgetsSettings::getWidgets().*WIDGET.*GRAPH;
-}
-
-using Fps = Widgets::Fps;
-using CpuGpu = Widgets::CpuGpu;
-using Memory = Widgets::Memory;
 using Value = gui::WidgetValueType;
 
 constexpr Figure FIGURES[] = {
@@ -41,25 +25,25 @@ constexpr Figure FIGURES[] = {
      "FPS",
      {"frames per second", "", Kind::RATE, 1},
      WidgetType::FPS,
-     {"widget_fps_current", true, BLUE, of<&Widgets::mFps, &Fps::mCurrent>},
+     {"widget_fps_current", true, BLUE},
      {"Fps", Value::FPS},
-     {nullptr, nullptr, &Metrics::currentFps, &Metrics::maxFps}},
+     {Source::CURRENT_FPS, nullptr, nullptr}},
     {"fps.median",
      "median frame rate",
      "Med",
      {"frames per second", "", Kind::RATE, 1},
      WidgetType::FPS,
-     {"widget_fps_median", true, ORANGE, of<&Widgets::mFps, &Fps::mMedian>},
+     {"widget_fps_median", true, ORANGE},
      NO_COLUMN,
-     {nullptr, nullptr, &Metrics::medianFps, nullptr}},
+     {Source::MEDIAN_FPS, nullptr, nullptr}},
     {"fps.stability",
      "frame-rate stability",
      "Stab",
      {"percent", "%", Kind::RATE, 0},
      WidgetType::FPS,
-     {"widget_fps_stability", true, YELLOW, of<&Widgets::mFps, &Fps::mStability>},
+     {"widget_fps_stability", true, YELLOW},
      NO_COLUMN,
-     {nullptr, nullptr, &Metrics::fpsStability, nullptr}},
+     {Source::FPS_STABILITY, nullptr, nullptr}},
     {"fps.average",
      "average frame rate",
      "Avg",
@@ -67,33 +51,31 @@ constexpr Figure FIGURES[] = {
      WidgetType::FPS,
      NOTE,
      NO_COLUMN,
-     {nullptr, nullptr, &Metrics::averageFps, nullptr}},
+     {Source::AVERAGE_FPS, nullptr, nullptr}},
     {"cpu.load.process",
      "CPU load",
      "CPU",
      {"percent", "%", Kind::RATE, 0},
      WidgetType::CPU_GPU,
-     {"widget_cpu_gpu_cpu_load", true, BLUE, of<&Widgets::mCpuGpu, &CpuGpu::mCpuLoad>},
+     {"widget_cpu_gpu_cpu_load", true, BLUE},
      {"CpuLoad(%)", Value::CPU_LOAD},
-     {"/proc/self/stat", "the process's times as its 14th and 15th item", &Metrics::cpuLoad,
-      &Metrics::percentTop}},
+     {Source::CPU_LOAD, "/proc/self/stat", "the process's times as its 14th and 15th item"}},
     {"gpu.clock",
      "GPU frequency",
      "MHz",
      {"MHz", "", Kind::NUMBER, 0},
      WidgetType::CPU_GPU,
-     {"widget_cpu_gpu_gpu_freq", false, YELLOW, of<&Widgets::mCpuGpu, &CpuGpu::mGpuFreq>},
+     {"widget_cpu_gpu_gpu_freq", false, YELLOW},
      {"GpuFreq(MHz)", Value::GPU_FREQ},
-     {"/sys/kernel/gpu/gpu_clock", "a clock in the unit of the clock table", &Metrics::gpuClock,
-      &Metrics::gpuMaxClock}},
+     {Source::GPU_CLOCK, "/sys/kernel/gpu/gpu_clock", "a clock in the unit of the clock table"}},
     {"gpu.load.device",
      "GPU load",
      "GPU",
      {"percent", "%", Kind::NUMBER, 0},
      WidgetType::CPU_GPU,
-     {"widget_cpu_gpu_gpu_load", true, ORANGE, of<&Widgets::mCpuGpu, &CpuGpu::mGpuLoad>},
+     {"widget_cpu_gpu_gpu_load", true, ORANGE},
      {"GpuLoad(%)", Value::GPU_LOAD},
-     {"/sys/kernel/gpu/gpu_busy", "a number of percent", &Metrics::gpuLoad, &Metrics::percentTop}},
+     {Source::GPU_LOAD, "/sys/kernel/gpu/gpu_busy", "a number of percent"}},
     {"cpu.temperature",
      "CPU temperature",
      "CPU",
@@ -101,7 +83,7 @@ constexpr Figure FIGURES[] = {
      WidgetType::CPU_GPU,
      NOTE,
      NO_COLUMN,
-     {"/sys/class/thermal/thermal_zone0/temp", "thousandths of a degree", &Metrics::cpuTemperature, nullptr}},
+     {Source::CPU_TEMPERATURE, "/sys/class/thermal/thermal_zone0/temp", "thousandths of a degree"}},
     {"gpu.temperature",
      "GPU temperature",
      "GPU",
@@ -109,7 +91,7 @@ constexpr Figure FIGURES[] = {
      WidgetType::CPU_GPU,
      NOTE,
      NO_COLUMN,
-     {"/sys/kernel/gpu/gpu_tmu", "a number", &Metrics::gpuTemperature, nullptr}},
+     {Source::GPU_TEMPERATURE, "/sys/kernel/gpu/gpu_tmu", "a number"}},
     {"gpu.clock.max",
      "highest GPU frequency",
      "Max",
@@ -117,50 +99,47 @@ constexpr Figure FIGURES[] = {
      WidgetType::CPU_GPU,
      NOTE,
      NO_COLUMN,
-     {"/sys/kernel/gpu/gpu_freq_table", "clocks in kHz or MHz", &Metrics::gpuMaxClock, nullptr}},
+     {Source::GPU_MAX_CLOCK, "/sys/kernel/gpu/gpu_freq_table", "clocks in kHz or MHz"}},
     {"memory.process",
      "proportional set size of the process",
      "PSS",
      {"bytes", "", Kind::MEMORY, 0},
      WidgetType::MEMORY,
-     {"widget_memory_pss", true, BLUE, of<&Widgets::mMemory, &Memory::mPss>},
+     {"widget_memory_pss", true, BLUE},
      {"MemPss(Bytes)", Value::MEM_PSS},
-     {"/proc/self/smaps_rollup", "a line Pss", &Metrics::pss, &Metrics::processMemoryTop}},
+     {Source::PSS, "/proc/self/smaps_rollup", "a line Pss"}},
     {"gpu.memory.process",
      "GPU memory in total",
      "GPU",
      {"bytes", "", Kind::MEMORY, 0},
      WidgetType::MEMORY,
-     {"widget_memory_gpu_total", true, YELLOW, of<&Widgets::mMemory, &Memory::mGpuTotal>},
+     {"widget_memory_gpu_total", true, YELLOW},
      {"MemGpu(Bytes)", Value::MEM_GPU},
-     {"/sys/kernel/gpu/gpu_mem_total", "a number of bytes", &Metrics::gpuMemoryTotal,
-      &Metrics::processMemoryTop}},
+     {Source::GPU_MEMORY_TOTAL, "/sys/kernel/gpu/gpu_mem_total", "a number of bytes"}},
     {"gpu.memory.surfaces",
      "GPU memory of surfaces",
      "Surf",
      {"bytes", "", Kind::MEMORY, 0},
      WidgetType::MEMORY,
-     {"widget_memory_gpu_surface", true, ORANGE, of<&Widgets::mMemory, &Memory::mGpuSurface>},
+     {"widget_memory_gpu_surface", true, ORANGE},
      {"MemSurf(Bytes)", Value::MEM_SURF},
-     {"/sys/kernel/gpu/gpu_mem_surface", "a number of bytes", &Metrics::gpuMemorySurface,
-      &Metrics::processMemoryTop}},
+     {Source::GPU_MEMORY_SURFACE, "/sys/kernel/gpu/gpu_mem_surface", "a number of bytes"}},
     {"gpu.memory.textures",
      "GPU memory of textures",
      "Tex",
      {"bytes", "", Kind::MEMORY, 0},
      WidgetType::MEMORY,
-     {"widget_memory_gpu_texture", true, RED, of<&Widgets::mMemory, &Memory::mGpuTexture>},
+     {"widget_memory_gpu_texture", true, RED},
      {"MemTex(Bytes)", Value::MEM_TEX},
-     {"/sys/kernel/gpu/gpu_mem_texture", "a number of bytes", &Metrics::gpuMemoryTexture,
-      &Metrics::processMemoryTop}},
+     {Source::GPU_MEMORY_TEXTURE, "/sys/kernel/gpu/gpu_mem_texture", "a number of bytes"}},
     {"memory.free",
      "free memory of the system",
      "SysFree",
      {"bytes", "", Kind::MEMORY, 0},
      WidgetType::MEMORY,
-     {"widget_memory_sys_free", true, GREEN, of<&Widgets::mMemory, &Memory::mSysFree>},
+     {"widget_memory_sys_free", true, GREEN},
      {"MemSysFreeHeap(Bytes)", Value::MEM_SYS_FREE},
-     {"/proc/meminfo", "a line MemAvailable", &Metrics::systemMemoryFree, &Metrics::systemMemoryTotal}},
+     {Source::SYSTEM_MEMORY_FREE, "/proc/meminfo", "a line MemAvailable"}},
     {"memory.used",
      "memory in use",
      "Used",
@@ -168,7 +147,7 @@ constexpr Figure FIGURES[] = {
      WidgetType::MEMORY,
      NOTE,
      NO_COLUMN,
-     {"/proc/meminfo", "lines MemTotal, MemFree and Cached", &Metrics::systemMemoryUsed, nullptr}},
+     {Source::SYSTEM_MEMORY_USED, "/proc/meminfo", "lines MemTotal, MemFree and Cached"}},
 };
 
 static_assert(std::size(FIGURES) <= FigureSet().size());
@@ -181,20 +160,6 @@ FigureRows catalogue() {
 
 std::size_t indexOf(const Figure& figure) {
     return static_cast<std::size_t>(&figure - FIGURES);
-}
-
-const Graph& settingsOf(const Figure& figure) {
-    if (figure.settings.ofLibrary != nullptr) {
-        return figure.settings.ofLibrary();
-    }
-    // Never destroyed: a frame may still ask while the process exits.
-    static auto& made = *new std::array<std::unique_ptr<Graph>, std::size(FIGURES)>;
-    std::unique_ptr<Graph>& graph = made[indexOf(figure)];
-    if (graph == nullptr) {
-        graph = std::make_unique<Graph>(std::string("debug.kordanix.") + figure.settings.property,
-                                        figure.settings.isOnByDefault, figure.settings.color);
-    }
-    return *graph;
 }
 
 }  // namespace figures

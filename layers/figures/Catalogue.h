@@ -3,7 +3,6 @@
 #include "drawers/Drawer.h"
 #include "figures/Reading.h"
 #include "gui/LayoutDef.h"
-#include "gui/WidgetsSettings.h"
 
 #include <bitset>
 #include <cstddef>
@@ -11,7 +10,26 @@
 
 namespace figures {
 
-class Metrics;
+/// The readers of Metrics.
+enum class Source {
+    CURRENT_FPS,
+    MEDIAN_FPS,
+    FPS_STABILITY,
+    AVERAGE_FPS,
+    CPU_LOAD,
+    GPU_CLOCK,
+    GPU_LOAD,
+    CPU_TEMPERATURE,
+    GPU_TEMPERATURE,
+    GPU_MAX_CLOCK,
+    PSS,
+    GPU_MEMORY_TOTAL,
+    GPU_MEMORY_SURFACE,
+    GPU_MEMORY_TEXTURE,
+    SYSTEM_MEMORY_FREE,
+    SYSTEM_MEMORY_USED,
+    COUNT
+};
 
 enum class Kind {
     NUMBER,
@@ -40,8 +58,6 @@ struct Figure {
         const char* property = nullptr;
         bool isOnByDefault = true;
         std::uint32_t color = 0;  ///< 0xAARRGGBB, by default
-        /// Of a figure whose properties the library has; null when they are made from this table.
-        const gui::WidgetsSettings::Graph& (*ofLibrary)() = nullptr;
     } settings;
 
     /// In frame dumps. A figure without a column has no graph either.
@@ -51,12 +67,11 @@ struct Figure {
         gui::WidgetValueType slot = gui::WidgetValueType::NONE;
     } column;
 
-    struct Source {
+    struct Origin {
+        Source source;
         const char* file;      ///< null: the frames alone
         const char* expected;  ///< what the file must hold
-        Reading (Metrics::*read)();
-        Reading (Metrics::*top)();  ///< of the graph's scale; null: the largest value so far
-    } source;
+    } origin;
 
     bool isNote() const { return settings.property == nullptr; }
     bool hasGraph() const { return column.name != nullptr; }
@@ -77,8 +92,5 @@ FigureRows catalogue();
 using FigureSet = std::bitset<64>;
 
 std::size_t indexOf(const Figure& figure);
-
-/// Switch and colour; the first call makes them where the library has none. Not for a note. Rendering thread.
-const gui::WidgetsSettings::Graph& settingsOf(const Figure& figure);
 
 }  // namespace figures

@@ -47,13 +47,33 @@ double cpuLoadElapsed(double microseconds) {
 
 }  // namespace
 
+// In the order of Source.
+const Metrics::Reader Metrics::READERS[] = {
+    {&Metrics::currentFps, &Metrics::maxFps},
+    {&Metrics::medianFps, nullptr},
+    {&Metrics::fpsStability, nullptr},
+    {&Metrics::averageFps, nullptr},
+    {&Metrics::cpuLoad, &Metrics::percentTop},
+    {&Metrics::gpuClock, &Metrics::gpuMaxClock},
+    {&Metrics::gpuLoad, &Metrics::percentTop},
+    {&Metrics::cpuTemperature, nullptr},
+    {&Metrics::gpuTemperature, nullptr},
+    {&Metrics::gpuMaxClock, nullptr},
+    {&Metrics::pss, &Metrics::processMemoryTop},
+    {&Metrics::gpuMemoryTotal, &Metrics::processMemoryTop},
+    {&Metrics::gpuMemorySurface, &Metrics::processMemoryTop},
+    {&Metrics::gpuMemoryTexture, &Metrics::processMemoryTop},
+    {&Metrics::systemMemoryFree, &Metrics::systemMemoryTotal},
+    {&Metrics::systemMemoryUsed, nullptr},
+};
+
 Metrics::Metrics() : mState(makeState()), mCpuDamper(CPU_DAMPER_SPAN), mPss(readProportionalSetSize) {}
 
 void Metrics::want(const FigureSet& wanted) {
     mWanted = wanted;
     bool isSlowWanted = false;
     for (const Figure& figure : catalogue()) {
-        isSlowWanted = isSlowWanted || (wanted[indexOf(figure)] && figure.source.read == &Metrics::pss);
+        isSlowWanted = isSlowWanted || (wanted[indexOf(figure)] && figure.origin.source == Source::PSS);
     }
     if (isSlowWanted && !mIsSlowWanted) {
         mPss.start();
@@ -72,7 +92,9 @@ void Metrics::refresh(std::uint32_t frames, double elapsedUs) {
     mSystemMemory.reset();
     for (const Figure& figure : catalogue()) {
         Reading& reading = mReadings[indexOf(figure)];
-        reading = mWanted[indexOf(figure)] ? (this->*figure.source.read)() : Reading();
+        reading = mWanted[indexOf(figure)]
+                      ? (this->*READERS[static_cast<std::size_t>(figure.origin.source)].read)()
+                      : Reading();
     }
     // Asked for after the last one was taken: which value a refresh shows must not depend on a race.
     mSinceSlowRequestUs += elapsedUs;
@@ -92,7 +114,8 @@ void Metrics::restart() {
 }
 
 Reading Metrics::top(const Figure& figure) {
-    return figure.source.top != nullptr ? (this->*figure.source.top)() : Reading();
+    const Reader& reader = READERS[static_cast<std::size_t>(figure.origin.source)];
+    return reader.top != nullptr ? (this->*reader.top)() : Reading();
 }
 
 Reading Metrics::fpsReading(float value) const {

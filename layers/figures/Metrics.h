@@ -38,7 +38,14 @@ public:
     /// Waits until the slow figures that were asked for are there, for the next refresh.
     void settle();
 
-    // The readers of the catalogue, called by refresh(). A negative or infinite number, one with all bits set
+private:
+    struct Reader {
+        Reading (Metrics::*read)();
+        Reading (Metrics::*top)();  ///< of the graph's scale; null: the largest value so far
+    };
+    static const Reader READERS[static_cast<std::size_t>(Source::COUNT)];
+
+    // The sources, called once a refresh. A negative or infinite number, one with all bits set
     // and what is no number at all give an empty reading.
 
     /// Frames per second: of the last interval, and the mean and the median since the statistics were reset.
@@ -82,7 +89,6 @@ public:
     Reading processMemoryTop();
     Reading systemMemoryTotal();
 
-private:
     Reading fpsReading(float value) const;
     Reading keepPeak(Reading bytes);
     const SystemMemory& systemMemory();

@@ -100,7 +100,7 @@ void FigureWidget::addView(PrimitiveFactory& factory, const figures::Figure& fig
 void FigureWidget::enable() {
     bool isMoreOn = false;
     for (const View& view : mViews) {
-        isMoreOn = isMoreOn || (view.figure->settings.ofLibrary == nullptr && view.isOn());
+        isMoreOn = isMoreOn || (!figures::isOfLibrary(*view.figure) && view.isOn());
     }
     // The library knows of its own figures only.
     if (isMoreOn && mLayout.widgetSwitch().getValue()) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "figures/Catalogue.h"
+#include "figures/FigureSettings.h"
 #include "figures/Metrics.h"
 #include "scene/Canvas.h"
 #include "scene/FigureWidgets.h"

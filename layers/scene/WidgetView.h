@@ -8,6 +8,10 @@
 #include <utility>
 #include <vector>
 
+namespace figures {
+class Metrics;
+}
+
 namespace scene {
 
 struct Canvas;

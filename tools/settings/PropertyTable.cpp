@@ -1,6 +1,9 @@
 #include "settings/PropertyTable.h"
 
+#include "figures/Catalogue.h"
+
 #include <algorithm>
+#include <deque>
 #include <iterator>
 #include <numeric>
 #include <vector>
@@ -14,42 +17,36 @@ constexpr std::uint32_t ON = 1;
 constexpr std::uint32_t BLACK = 0xFF000000;
 constexpr std::uint32_t BLUE = 0xFF0084FF;
 constexpr std::uint32_t ORANGE = 0xFFFF7200;
-constexpr std::uint32_t YELLOW = 0xFFFFFF00;
-constexpr std::uint32_t RED = 0xFFFF0000;
-constexpr std::uint32_t GREEN = 0xFF00FF00;
 
 constexpr auto BOOLEAN = PropertyType::BOOLEAN;
 constexpr auto POSITION = PropertyType::POSITION;
 constexpr auto COLOR = PropertyType::COLOR;
 
-constexpr Property TABLE[] = {
+constexpr Property CONTROLS[] = {
     {"status", BOOLEAN, OFF, "master switch of the overlay"},
     {"devmode", BOOLEAN, OFF, "developer mode: the keys start dumps and captures"},
     {"fixclock", BOOLEAN, OFF, "fix the CPU and GPU clocks while the overlay runs"},
     {"api", PropertyType::API, 0, "number of the graphics API whose layer shows the overlay"},
     {"proc", PropertyType::TEXT, 0, "process that shows the overlay: its command line's first word"},
+};
 
+constexpr Property BACKGROUND[] = {
     {"bg_color", COLOR, BLACK, "background of the widgets"},
     {"bg_transparency", PropertyType::OPACITY, 128, "opacity of the background: 0 clear, 255 opaque"},
+};
 
+// Of each widget before its figures, which are in the catalogue.
+constexpr Property FPS[] = {
     {"widget_fps", BOOLEAN, ON, "frame-rate widget"},
     {"widget_fps_position", POSITION, 0, "its place"},
-    {"widget_fps_current", BOOLEAN, ON, "current frame rate"},
-    {"widget_fps_current_color", COLOR, BLUE, "its colour"},
-    {"widget_fps_median", BOOLEAN, ON, "median frame rate"},
-    {"widget_fps_median_color", COLOR, ORANGE, "its colour"},
-    {"widget_fps_stability", BOOLEAN, ON, "frame-rate stability"},
-    {"widget_fps_stability_color", COLOR, YELLOW, "its colour"},
+};
 
+constexpr Property CPU_GPU[] = {
     {"widget_cpu_gpu", BOOLEAN, ON, "CPU/GPU widget"},
     {"widget_cpu_gpu_position", POSITION, 2, "its place"},
-    {"widget_cpu_gpu_cpu_load", BOOLEAN, ON, "CPU load"},
-    {"widget_cpu_gpu_cpu_load_color", COLOR, BLUE, "its colour"},
-    {"widget_cpu_gpu_gpu_freq", BOOLEAN, OFF, "GPU frequency"},
-    {"widget_cpu_gpu_gpu_freq_color", COLOR, YELLOW, "its colour"},
-    {"widget_cpu_gpu_gpu_load", BOOLEAN, ON, "GPU load"},
-    {"widget_cpu_gpu_gpu_load_color", COLOR, ORANGE, "its colour"},
+};
 
+constexpr Property GPU_ACTIVITY[] = {
     {"widget_gpu_activity", BOOLEAN, ON, "GPU-activity widget"},
     {"widget_gpu_activity_position", POSITION, 6, "its place"},
     {"widget_gpu_activity_fragment_load", BOOLEAN, ON, "load of the fragment shaders"},
@@ -59,25 +56,58 @@ constexpr Property TABLE[] = {
     {"widget_gpu_activity_renderpass", BOOLEAN, ON, "render passes"},
     {"widget_gpu_activity_thumbnail", BOOLEAN, ON, "thumbnail of the application's picture"},
     {"widget_gpu_activity_thumbnail_position", POSITION, 5, "its place"},
+};
 
+constexpr Property MEMORY[] = {
     {"widget_memory", BOOLEAN, OFF, "memory widget"},
     {"widget_memory_position", POSITION, 1, "its place"},
-    {"widget_memory_pss", BOOLEAN, ON, "proportional set size of the process"},
-    {"widget_memory_pss_color", COLOR, BLUE, "its colour"},
-    {"widget_memory_gpu_total", BOOLEAN, ON, "GPU memory in total"},
-    {"widget_memory_gpu_total_color", COLOR, YELLOW, "its colour"},
-    {"widget_memory_gpu_surface", BOOLEAN, ON, "GPU memory of surfaces"},
-    {"widget_memory_gpu_surface_color", COLOR, ORANGE, "its colour"},
-    {"widget_memory_gpu_texture", BOOLEAN, ON, "GPU memory of textures"},
-    {"widget_memory_gpu_texture_color", COLOR, RED, "its colour"},
-    {"widget_memory_sys_free", BOOLEAN, ON, "free memory of the system"},
-    {"widget_memory_sys_free_color", COLOR, GREEN, "its colour"},
+};
 
+constexpr Property GENERATION[] = {
     {"settingsgeneration", PropertyType::GENERATION, 0, "writing it publishes all the others"},
 };
 
-/// The first rows of the table.
-constexpr std::ptrdiff_t CONTROL_PROPERTIES = 5;
+class Table {
+public:
+    Table() {
+        add(CONTROLS);
+        add(BACKGROUND);
+        add(FPS);
+        addFigures(gui::WidgetType::FPS);
+        add(CPU_GPU);
+        addFigures(gui::WidgetType::CPU_GPU);
+        add(GPU_ACTIVITY);
+        add(MEMORY);
+        addFigures(gui::WidgetType::MEMORY);
+        add(GENERATION);
+    }
+
+    std::vector<Property> mRows;
+
+private:
+    template <std::size_t COUNT>
+    void add(const Property (&rows)[COUNT]) {
+        mRows.insert(mRows.end(), std::begin(rows), std::end(rows));
+    }
+
+    void addFigures(gui::WidgetType widget) {
+        for (const figures::Figure& figure : figures::catalogue()) {
+            if (figure.widget == widget && !figure.isNote()) {
+                const figures::Figure::Settings& settings = figure.settings;
+                mRows.push_back({settings.property, BOOLEAN, settings.isOnByDefault ? ON : OFF, figure.name});
+                mColorNames.push_back(std::string(settings.property) + "_color");
+                mRows.push_back({mColorNames.back(), COLOR, settings.color, "its colour"});
+            }
+        }
+    }
+
+    std::deque<std::string> mColorNames;  // which stay where they are
+};
+
+const std::vector<Property>& table() {
+    static const auto* const instance = new Table;
+    return instance->mRows;
+}
 
 std::string_view withoutPrefix(std::string_view name) {
     return name.substr(0, PREFIX.size()) == PREFIX ? name.substr(PREFIX.size()) : name;
@@ -102,11 +132,11 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
 }  // namespace
 
 PropertyRows properties() {
-    return {TABLE, std::size(TABLE)};
+    return {table().data(), table().size()};
 }
 
 bool isControlProperty(const Property& property) {
-    return &property - TABLE < CONTROL_PROPERTIES;
+    return static_cast<std::size_t>(&property - table().data()) < std::size(CONTROLS);
 }
 
 std::string fullName(const Property& property) {

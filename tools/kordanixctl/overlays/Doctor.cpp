@@ -125,11 +125,14 @@ void addAdvice(const MetricCheck& check, std::vector<Advice>& advices) {
     if (found == advices.end()) {
         found = advices.insert(found, {check.advice, {}});
     }
-    found->second.push_back(check.path);
+    std::vector<std::string_view>& paths = found->second;
+    if (std::find(paths.begin(), paths.end(), check.path) == paths.end()) {
+        paths.push_back(check.path);
+    }
 }
 
 void describeMetrics(std::ostream& out) {
-    constexpr int NAME_WIDTH = 17;
+    constexpr int NAME_WIDTH = 38;
     constexpr int PATH_WIDTH = 39;
     out << "\nWhat can be measured here:\n" << std::left;
     std::vector<Advice> advices;

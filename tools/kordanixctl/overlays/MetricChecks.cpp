@@ -1,17 +1,19 @@
 #include "overlays/MetricChecks.h"
 
 #include "core/StateInfo.h"
-#include "figures/KernelFiles.h"
+#include "figures/Catalogue.h"
+#include "figures/Metrics.h"
+#include "figures/TextFormat.h"
 #include "utils/SystemInfoHelper.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 namespace control {
 
@@ -24,116 +26,50 @@ struct FileCloser {
 };
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
+constexpr std::string_view GPU_CLOCK = "/sys/kernel/gpu/gpu_clock";
 constexpr const char* GPU_TABLE = "/sys/kernel/gpu/gpu_freq_table";
 
-std::string formatted(const char* format, double figure) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), format, figure);
-    return text.data();
-}
+/// The figures of this process, read until there is a load.
+class Samples {
+public:
+    Samples() {
+        using Clock = std::chrono::steady_clock;
+        constexpr std::chrono::milliseconds PATIENCE(200);
+        mMetrics.want(figures::FigureSet().set());
+        mMetrics.settle();
+        // A load lies between two readings, and the times of a process as young as this one begin with no
+        // whole tick, which the library takes for a first reading.
+        const Clock::time_point end = Clock::now() + PATIENCE;
+        do {
+            mMetrics.refresh(0, 1000.0);
+        } while (!hasLoad() && Clock::now() < end);
+    }
 
-/// A figure of the library's readers, which answer with a negative one when there is none.
-std::string figureText(const char* format, float figure) {
-    return figure >= 0.0F && std::isfinite(figure) ? formatted(format, static_cast<double>(figure))
-                                                   : std::string();
-}
+    const figures::Reading& reading(const figures::Figure& figure) const { return mMetrics.reading(figure); }
 
-std::string mebibytes(const figures::Reading& bytes) {
-    return bytes ? formatted("%.1f MiB", *bytes / (1024.0 * 1024.0)) : std::string();
-}
+private:
+    bool hasLoad() const {
+        const figures::FigureRows rows = figures::catalogue();
+        return std::all_of(rows.begin(), rows.end(), [this](const figures::Figure& figure) {
+            return figure.origin.file == nullptr || figure.format.kind != figures::Kind::RATE ||
+                   mMetrics.reading(figure);
+        });
+    }
 
-std::string cpuLoad() {
-    using Clock = std::chrono::steady_clock;
-    constexpr std::chrono::milliseconds PATIENCE(200);
-    StateInfo state;
-    // A load lies between two readings, and the times of a process as young as this one begin with no whole
-    // tick, which the library takes for a first reading.
-    const Clock::time_point end = Clock::now() + PATIENCE;
-    do {
-        if (state.getCurrentCPUUsage(1.0) >= 0.0F) {
-            return "readable";
-        }
-    } while (Clock::now() < end);
-    return {};
-}
-
-std::string cpuTemperature() {
-    return figureText("%.1f degrees Celsius", StateInfo::getCPUTemperature());
-}
-
-std::string gpuModel() {
-    static constexpr std::array<const char*, 3> VENDORS = {"Mali", "Adreno", ""};
-    return VENDORS.at(static_cast<std::size_t>(utils::checkVendor()));
-}
-
-std::string gpuLoad() {
-    return figureText("%.0f %%", StateInfo::getGPUUsage());
-}
-
-std::string gpuClockTable() {
-    const float highest = StateInfo::getGPUMaxClock();
-    return highest > 0.0F ? figureText("up to %.0f MHz", highest) +
-                                (StateInfo::mIsGpuClockKHz ? ", counted in kHz" : ", counted in MHz")
-                          : std::string();
-}
-
-std::string gpuClock() {
-    return figureText("%.0f MHz", StateInfo::getGPUClock());
-}
-
-std::string gpuTemperature() {
-    return figureText("%.1f degrees Celsius", StateInfo::getGPUTemperature());
-}
-
-std::string memoryInUse() {
-    const std::uint32_t kibibytes = StateInfo::getMemoryUsage();
-    return kibibytes == 0xFFFFFFFF ? std::string() : mebibytes(kibibytes * 1024.0);
-}
-
-std::string freeMemory() {
-    return mebibytes(figures::readSystemMemory().available);
-}
-
-std::string processMemory() {
-    return mebibytes(figures::readProportionalSetSize());
-}
-
-std::string gpuMemoryTotal() {
-    return mebibytes(figures::readGpuMemoryTotal());
-}
-
-std::string gpuMemorySurface() {
-    return mebibytes(figures::readGpuMemorySurface());
-}
-
-std::string gpuMemoryTexture() {
-    return mebibytes(figures::readGpuMemoryTexture());
-}
-
-/// A figure: where it comes from, what it is at the moment, and what the file must hold.
-struct Metric {
-    std::string_view name;
-    const char* path;
-    std::string (*read)();
-    std::string_view expected;
+    figures::Metrics mMetrics;
 };
 
-/// What others depend on comes first.
-constexpr Metric METRICS[] = {
-    {"CPU load", "/proc/self/stat", cpuLoad, "the process's times as its 14th and 15th item"},
-    {"CPU temperature", "/sys/class/thermal/thermal_zone0/temp", cpuTemperature, "thousandths of a degree"},
-    {"GPU model", "/sys/kernel/gpu/gpu_model", gpuModel, "a text with Mali or Adreno in it"},
-    {"GPU load", "/sys/kernel/gpu/gpu_busy", gpuLoad, "a number of percent"},
-    {"GPU clock table", GPU_TABLE, gpuClockTable, "clocks in kHz or MHz"},
-    {"GPU clock", "/sys/kernel/gpu/gpu_clock", gpuClock, "a clock in the unit of the clock table"},
-    {"GPU temperature", "/sys/kernel/gpu/gpu_tmu", gpuTemperature, "a number"},
-    {"memory in use", "/proc/meminfo", memoryInUse, "MemTotal, MemFree and Cached in its first five lines"},
-    {"free memory", "/proc/meminfo", freeMemory, "a line MemAvailable"},
-    {"process memory", "/proc/self/smaps_rollup", processMemory, "a line Pss"},
-    {"GPU memory", "/sys/kernel/gpu/gpu_mem_total", gpuMemoryTotal, "a number of bytes"},
-    {"  of surfaces", "/sys/kernel/gpu/gpu_mem_surface", gpuMemorySurface, "a number of bytes"},
-    {"  of textures", "/sys/kernel/gpu/gpu_mem_texture", gpuMemoryTexture, "a number of bytes"},
-};
+std::string valueText(const figures::Figure& figure, const figures::Reading& reading) {
+    if (!reading) {
+        return {};
+    }
+    if (figure.format.kind == figures::Kind::RATE) {
+        return "readable";  // the rate is this program's own
+    }
+    const std::string unit = figure.format.unit;
+    const bool isShownWithUnit = figure.format.kind == figures::Kind::MEMORY || *figure.format.suffix != '\0';
+    return figures::format(figure, reading) + (isShownWithUnit ? "" : ' ' + unit);
+}
 
 bool isBelow(std::string_view path, std::string_view folder) {
     return path.substr(0, folder.size()) == folder;
@@ -169,37 +105,45 @@ std::string beginningOf(std::FILE* file) {
     return text;
 }
 
-MetricCheck check(const Metric& metric) {
-    MetricCheck result = {metric.name, metric.path, {}, {}, {}};
-    const File file(StateInfo::file_open(metric.path, "r"));
+/// `value` is empty when there is none; `expected` says what the file must hold.
+MetricCheck check(std::string_view name, const char* path, std::string value, std::string_view expected) {
+    MetricCheck result = {name, path, {}, {}, {}};
+    const File file(StateInfo::file_open(path, "r"));
     if (!file) {
         const int error = errno;
         result.error = std::generic_category().message(error);
-        result.advice = adviceFor(metric.path, error);
-        return result;
-    }
-    result.value = metric.read();
-    if (!result.value.empty()) {
-        return result;
-    }
-    if (metric.read == gpuClock && !StateInfo::checkGPUClockUnit()) {
+        result.advice = adviceFor(path, error);
+    } else if (!value.empty()) {
+        result.value = std::move(value);
+    } else if (std::string_view(path) == GPU_CLOCK && !StateInfo::checkGPUClockUnit()) {
         result.error = "its unit is unknown";
         result.advice =
             std::string("Without ") + GPU_TABLE + " the clock's unit is not known; mend that first.";
-        return result;
+    } else {
+        result.error = "begins with \"" + beginningOf(file.get()) + "\"";
+        result.advice = "Expected " + std::string(expected) +
+                        "; this kernel or driver writes something else. The overlay shows N/A.";
     }
-    result.error = "begins with \"" + beginningOf(file.get()) + "\"";
-    result.advice = "Expected " + std::string(metric.expected) +
-                    "; this kernel or driver writes something else. The overlay shows N/A.";
     return result;
+}
+
+std::string gpuMaker() {
+    static constexpr std::array<const char*, 3> MAKERS = {"Mali", "Adreno", ""};
+    return MAKERS.at(static_cast<std::size_t>(utils::checkVendor()));
 }
 
 }  // namespace
 
 std::vector<MetricCheck> checkMetrics() {
     std::vector<MetricCheck> checks;
-    for (const Metric& metric : METRICS) {
-        checks.push_back(check(metric));
+    const Samples samples;
+    checks.push_back(
+        check("GPU model", "/sys/kernel/gpu/gpu_model", gpuMaker(), "a text with Mali or Adreno in it"));
+    for (const figures::Figure& figure : figures::catalogue()) {
+        if (figure.origin.file != nullptr) {
+            checks.push_back(check(figure.name, figure.origin.file,
+                                   valueText(figure, samples.reading(figure)), figure.origin.expected));
+        }
     }
     return checks;
 }

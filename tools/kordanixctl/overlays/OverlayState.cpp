@@ -2,9 +2,9 @@
 
 #include "io/ProcessStart.h"
 #include "ostra/ProcessSocket.h"
-#include "runs/OverlayClaim.h"
 #include "processes/Addressing.h"
 #include "processes/ProcessInfo.h"
+#include "runs/OverlayClaim.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
 #include "settings/ValueText.h"
