@@ -9,7 +9,6 @@
 #include "scene/Canvas.h"
 #include "scene/Style.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -23,6 +22,12 @@ constexpr unsigned int HISTORY = 100;
 
 /// Between a figure's name and its value, in canvas units.
 constexpr float NAME_GAP = 3.0F;
+
+/// In a strip that is shared, around a name; in units of a line, which is 2 high.
+constexpr float SHARED_GAP = 0.7F;
+
+/// As wide as most values.
+constexpr const char* TYPICAL_VALUE = "8888MB";
 
 /// Left and right of the text, in canvas units.
 constexpr float BACKDROP_MARGIN = 2.0F;
@@ -155,28 +160,31 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     }
 }
 
-/// Gives all figures that are on an equal part of the strip, with the name in the left half.
+/// Gives the figures that are on parts of the strip, each as wide as its texts are against the others'.
 void FigureWidget::shareStrip(const Canvas& canvas) {
-    const auto count =
-        std::count_if(mViews.begin(), mViews.end(), [](const View& view) { return view.isOn(); });
+    const float valueWidth = lineWidth(TYPICAL_VALUE);
+    const auto nameWidth = [](const View& view) { return lineWidth(view.figure->label) + SHARED_GAP; };
+    float all = 0.0F;
+    for (const View& view : mViews) {
+        all += view.isOn() ? nameWidth(view) + valueWidth : 0.0F;
+    }
     const float left = mLayout.labelWidth / canvas.units.x;
-    const float width = (mStrip->mSize.x - left) / static_cast<float>(count);
+    const float unit = (mStrip->mSize.x - left) / all;
     glm::vec2 position(mStrip->mPosition.x + left, mStrip->mPosition.y);
     for (const View& view : mViews) {
         if (!view.isOn()) {
             continue;
         }
-        float valueWidth = width;
-        glm::vec2 valuePosition = position;
+        const float name = nameWidth(view) * unit;
+        view.value->mPosition = position;
+        view.value->mSize = {name + valueWidth * unit, mStrip->mSize.y};
+        position.x += view.value->mSize.x;
         if (view.name != nullptr) {
-            valueWidth = width / 2.0F;
-            valuePosition.x += valueWidth;
-            view.name->mPosition = position;
-            view.name->mSize = {valueWidth, mStrip->mSize.y};
+            view.name->mPosition = view.value->mPosition;
+            view.name->mSize = {name, mStrip->mSize.y};
+            view.value->mPosition.x += name;
+            view.value->mSize.x -= name;
         }
-        view.value->mPosition = valuePosition;
-        view.value->mSize = {valueWidth, mStrip->mSize.y};
-        position.x += width;
     }
 }
 
