@@ -9,6 +9,8 @@
 #include <memory>
 #include <system_error>
 
+#include "runs/RunFolder.h"
+
 namespace platform {
 namespace {
 
@@ -26,19 +28,6 @@ std::string environment(const char* name) {
     return value == nullptr ? std::string() : std::string(value);
 }
 
-std::string choosePath() {
-    std::string path = environment("KORDANIX_RUNTIME_DIR");
-    if (path.empty()) {
-        path = environment("XDG_RUNTIME_DIR");
-        path = path.empty() ? "/tmp/kordanix-" + std::to_string(geteuid()) : path + "/kordanix";
-    }
-    // With a slash at its end, lstat would follow a symbolic link.
-    while (path.size() > 1 && path.back() == '/') {
-        path.pop_back();
-    }
-    return path;
-}
-
 /// Whether the folder lies below /tmp, whatever its path looks like.
 bool isBelowTmp(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
@@ -50,10 +39,14 @@ std::string objection(const std::string& path) {
     if (path.front() != '/') {
         return "is not an absolute path";
     }
-    const bool created = mkdir(path.c_str(), 0700) == 0;
+    const bool isOfRun = runProcess(path) != 0;
+    const bool created = !isOfRun && mkdir(path.c_str(), 0700) == 0;
     const int createError = errno;
     struct stat status = {};
     if (lstat(path.c_str(), &status) != 0) {
+        if (isOfRun && errno == ENOENT) {
+            return "is that of a run that has ended";
+        }
         return "cannot be created: " + std::generic_category().message(created ? errno : createError);
     }
     if (S_ISLNK(status.st_mode)) {
@@ -74,17 +67,29 @@ std::string objection(const std::string& path) {
 
 }  // namespace
 
-RuntimeDirectory openRuntimeDirectory() {
-    RuntimeDirectory directory;
-    std::string path = choosePath();
+std::string runtimeDirectoryPath() {
+    std::string path = environment("KORDANIX_RUNTIME_DIR");
+    if (path.empty()) {
+        path = environment("XDG_RUNTIME_DIR");
+        path = path.empty() ? "/tmp/kordanix-" + std::to_string(geteuid()) : path + "/kordanix";
+    }
+    // With a slash at its end, lstat would follow a symbolic link.
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+RuntimeDirectory openRuntimeDirectory(const std::string& path) {
     const std::string wrong = objection(path);
     if (wrong.empty()) {
-        directory.path = std::move(path);
-    } else {
-        directory.error =
-            "the runtime directory " + path + " " + wrong + "; KORDANIX_RUNTIME_DIR can name another";
+        return {path, {}};
     }
-    return directory;
+    return {{}, "the runtime directory " + path + " " + wrong + "; KORDANIX_RUNTIME_DIR can name another"};
+}
+
+RuntimeDirectory openRuntimeDirectory() {
+    return openRuntimeDirectory(runtimeDirectoryPath());
 }
 
 const std::string* ownRuntimeDirectory(std::string& error) {

@@ -19,6 +19,13 @@ struct RuntimeDirectory {
 /// Reads the environment at every call; any thread, as long as none changes the environment.
 RuntimeDirectory openRuntimeDirectory();
 
+/// The same with a path that was chosen otherwise. The folder of a run (see runs/RunFolder.h) is not created:
+/// the run has ended.
+RuntimeDirectory openRuntimeDirectory(const std::string& path);
+
+/// The path that the environment names, before anything is looked at or created.
+std::string runtimeDirectoryPath();
+
 /// The path of the one that this process uses: the first that openRuntimeDirectory() gave, since from then on
 /// the program's threads may change the environment. Null, with the reason in `error`, while there is none.
 /// The text lives as long as the process, and is the same object until the directory is changed. Any thread.

@@ -148,6 +148,9 @@ std::string setProperties(const std::vector<std::pair<std::string, std::string>>
         return directory.error;
     }
     PropertyWriter writer(directory.path);
+    if (!writer.error().empty()) {
+        return writer.error();
+    }
     for (const auto& [name, value] : properties) {
         const std::string error = writer.set(name, value);
         if (!error.empty()) {

@@ -25,7 +25,8 @@ enum class Claim {
 /// lock without waiting for it, and under it writes "debug.kordanix.proc" (as the library reads this
 /// process's name), "debug.kordanix.api" and the claim itself, with this process's number. A process that has
 /// become another program keeps its claim, under its new name. A claim whose process has surely ended can be
-/// taken over. Some file operations, of writes that fail one a second; never waits. Any thread, one at a time.
+/// taken over. Some file operations, of writes that fail one a second; never waits. Any thread, one at a
+/// time.
 Claim claimOverlay(const std::string& processName, std::int32_t api);
 
 /// The process that has the claim of the run whose folder it is, also when it has ended; nothing while none

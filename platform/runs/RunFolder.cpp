@@ -178,16 +178,18 @@ bool isRunHeld(const std::string& folder) {
     return !isFree;
 }
 
-bool isRunOver(const std::string& folder) {
+bool hasLauncherEnded(const std::string& folder) {
     pid_t process = 0;
     std::uint64_t start = 0;
-    return readName(folder, process, start) && hasSurelyEnded(process, start) && !isRunHeld(folder);
+    return readName(folder, process, start) && hasSurelyEnded(process, start);
+}
+
+bool isRunOver(const std::string& folder) {
+    return hasLauncherEnded(folder) && !isRunHeld(folder);
 }
 
 bool removeEndedRun(const std::string& folder) {
-    pid_t process = 0;
-    std::uint64_t start = 0;
-    if (!readName(folder, process, start) || (process != getpid() && !hasSurelyEnded(process, start))) {
+    if (runProcess(folder) != getpid() && !hasLauncherEnded(folder)) {
         return false;
     }
     const int marker = openMarker(folder);

@@ -25,6 +25,9 @@ bool isRunFolder(const std::string& folder);
 /// The number of `run` in the folder's name, whether or not it still runs; 0 for another name.
 pid_t runProcess(const std::string& folder);
 
+/// Whether `run` has surely ended, by the folder's name; false for another name.
+bool hasLauncherEnded(const std::string& folder);
+
 /// Whether any process holds the run's marker.
 bool isRunHeld(const std::string& folder);
 

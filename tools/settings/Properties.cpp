@@ -24,12 +24,15 @@ std::optional<std::string> readProperty(const std::string& name) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-std::string publish() {
-    const std::string name(GENERATION_NAME);
-    const std::string last = readProperty(name).value_or(std::string());
+std::string nextGeneration() {
+    const std::string last = readProperty(std::string(GENERATION_NAME)).value_or(std::string());
     std::uint32_t generation = 0;
     std::from_chars(last.data(), last.data() + last.size(), generation);
-    return platform::setProperty(name.c_str(), std::to_string(generation + 1).c_str());
+    return std::to_string(generation + 1);
+}
+
+std::string publish() {
+    return platform::setProperty(std::string(GENERATION_NAME).c_str(), nextGeneration().c_str());
 }
 
 }  // namespace control

@@ -10,8 +10,10 @@ namespace control {
 /// an empty text counts as not set.
 std::optional<std::string> readProperty(const std::string& name);
 
-/// Publishes what was set: writes the generation property, with the number after the one it holds. Returns an
-/// empty text, or what went wrong.
+/// What the generation property is to be written with, to publish: the number after the one it holds.
+std::string nextGeneration();
+
+/// Publishes what was set. Returns what went wrong, in plain words.
 std::string publish();
 
 }  // namespace control

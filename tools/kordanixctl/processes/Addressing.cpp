@@ -4,8 +4,9 @@
 #include "ProcessInfo.h"
 #include "RunDirectories.h"
 #include "ostra/ProcessSocket.h"
-#include "properties/SystemProperties.h"
-#include "runs/RunFolder.h"
+#include "properties/RuntimeDirectory.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,29 +16,36 @@ namespace control {
 
 namespace {
 
+/// Empty when somebody may be in the runtime directory; otherwise why nobody is.
+std::string emptinessOf(const std::string& directory) {
+    return isRunDirectory(directory) && hasRunEnded(directory) ? "the run in " + directory + " has ended"
+                                                               : std::string();
+}
+
 /// The runtime directory of a process; empty, with the reason in `error`, when it is not to be had.
 std::string directoryOf(pid_t process, std::string& error) {
     const std::string who = "process " + std::to_string(process);
-    if (!startTime(process)) {
-        error = "there is no " + who;
-        return {};
-    }
     const std::string user = userDirectory(error);
     if (user.empty()) {
         return {};
     }
-    const std::vector<Run> runs = findRuns(user);
-    const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& each) {
-        return each.process == process || platform::runProcess(each.directory) == process;
-    });
-    if (run != runs.end()) {
-        return run->directory;
+    for (const Run& run : findRuns(user)) {
+        if (std::find(run.members.begin(), run.members.end(), process) != run.members.end()) {
+            return run.directory;
+        }
+    }
+    if (!startTime(process)) {
+        error = startTime(getpid()) ? "there is no " + who
+                                    : "/proc cannot be read, so that " + who + " is not to be found";
+        return {};
     }
     const auto directory = environmentVariable(process, "KORDANIX_RUNTIME_DIR");
     if (!directory) {
         error = "the environment of " + who + " cannot be read: it belongs to another user, or is protected";
+        return {};
     }
-    return directory && directory->empty() ? user : directory.value_or(std::string());
+    error = emptinessOf(*directory);
+    return directory->empty() ? user : *directory;
 }
 
 std::string line(pid_t process) {
@@ -76,7 +84,9 @@ ExitCode chooseRuntimeDirectory(std::optional<pid_t> process, std::ostream& err)
     const char* const chosen = std::getenv("KORDANIX_RUNTIME_DIR");
     if (process) {
         directory = directoryOf(*process, error);
-    } else if (chosen == nullptr || *chosen == '\0') {
+    } else if (chosen != nullptr && *chosen != '\0') {
+        error = emptinessOf(platform::runtimeDirectoryPath());
+    } else {
         std::string ignored;  // the verb will find out itself, and may do without
         const std::string user = userDirectory(ignored);
         const std::optional<Run> run = user.empty() ? std::nullopt : onlyRun(user, error);

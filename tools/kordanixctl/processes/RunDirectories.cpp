@@ -1,18 +1,18 @@
 #include "RunDirectories.h"
 
 #include "ProcessInfo.h"
+#include "io/ProcessStart.h"
 #include "ostra/ProcessSocket.h"
 #include "properties/RuntimeDirectory.h"
+#include "runs/OverlayClaim.h"
+#include "runs/OverlayNote.h"
+#include "runs/RunFolder.h"
 
-#include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <filesystem>
 #include <map>
-#include <optional>
 #include <system_error>
 
 namespace control {
@@ -21,93 +21,95 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string NAME_BEGIN = "run-";
-/// No process has a larger number.
-constexpr pid_t MAX_PROCESS = 4194304;
-
-std::string nameFor(pid_t process) {
-    return NAME_BEGIN + std::to_string(process) + '-' + std::to_string(startTime(process).value_or(0));
-}
-
-/// The process in a name that nameFor() made, whether or not it still runs.
-std::optional<pid_t> processOf(const std::string& name) {
-    const std::size_t end = name.rfind('-');
-    if (name.compare(0, NAME_BEGIN.size(), NAME_BEGIN) != 0 || end < NAME_BEGIN.size() ||
-        end + 1 == name.size() || name.find_first_not_of("0123456789", end + 1) != std::string::npos) {
-        return std::nullopt;
-    }
-    return toProcess(name.substr(NAME_BEGIN.size(), end - NAME_BEGIN.size()));
-}
-
-/// The first process that has each runtime directory in its environment.
-std::map<std::string, pid_t> directoriesInUse() {
-    std::map<std::string, pid_t> directories;
+/// The other processes that have each runtime directory in their environment.
+std::map<std::string, std::vector<pid_t>> processesByDirectory() {
+    std::map<std::string, std::vector<pid_t>> directories;
     for (const pid_t process : allProcesses()) {
-        directories.emplace(environmentVariable(process, "KORDANIX_RUNTIME_DIR").value_or(""), process);
+        if (process == getpid()) {
+            continue;
+        }
+        const auto directory = environmentVariable(process, "KORDANIX_RUNTIME_DIR");
+        if (directory && !directory->empty()) {
+            directories[*directory].push_back(process);
+        }
     }
     return directories;
+}
+
+/// The members of a run: first those with the overlay, then those that inherited its folder's name, then
+/// 'run'. What a process says of itself counts most, as it may hide its environment or be in a namespace
+/// where its number is another.
+std::vector<pid_t> findMembers(const std::string& directory, const std::vector<pid_t>& inheritors) {
+    std::vector<pid_t> members;
+    const auto add = [&members](pid_t process) {
+        if (std::find(members.begin(), members.end(), process) == members.end()) {
+            members.push_back(process);
+        }
+    };
+    const std::vector<pid_t> listening = platform::listeningProcesses(directory);
+    const auto isThere = [&](pid_t process) {
+        return platform::processStart(process) ||
+               std::find(listening.begin(), listening.end(), process) != listening.end();
+    };
+    const auto claimant = platform::overlayClaimant(directory);
+    if (claimant && isThere(*claimant)) {
+        add(*claimant);
+    }
+    std::for_each(listening.begin(), listening.end(), add);
+    for (const platform::OverlayNote& note : platform::readOverlayNotes(directory)) {
+        if (isThere(note.process)) {
+            add(note.process);
+        }
+    }
+    std::for_each(inheritors.begin(), inheritors.end(), add);
+    if (members.empty() || !platform::hasLauncherEnded(directory)) {
+        add(platform::runProcess(directory));
+    }
+    return members;
 }
 
 }  // namespace
 
 std::string userDirectory(std::string& error) {
-    platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    error = directory.error;
-    while (isRunDirectory(directory.path)) {
-        directory.path = fs::path(directory.path).parent_path();
+    std::string path = platform::runtimeDirectoryPath();
+    while (isRunDirectory(path)) {
+        path = fs::path(path).parent_path();
     }
+    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory(path);
+    error = directory.error;
     return directory.path;
 }
 
 bool isRunDirectory(const std::string& directory) {
-    return processOf(fs::path(directory).filename()).has_value();
+    return platform::runProcess(directory) != 0;
+}
+
+bool hasRunEnded(const std::string& directory) {
+    return !platform::isRunFolder(directory) ||
+           (platform::isRunOver(directory) && processesByDirectory()[directory].empty());
 }
 
 std::vector<Run> findRuns(const std::string& userDirectory) {
-    std::vector<std::string> directories;
+    std::vector<Run> runs;
+    std::map<std::string, std::vector<pid_t>> inheritors;
     std::error_code ignored;
     for (const auto& entry : fs::directory_iterator(userDirectory, ignored)) {
-        if (isRunDirectory(entry.path())) {
-            directories.push_back(entry.path());
+        const std::string directory = entry.path();
+        if (!platform::isRunFolder(directory)) {
+            continue;
         }
-    }
-    std::vector<Run> runs;
-    // Only then, so that no process of a directory that was seen can have been missed.
-    const std::map<std::string, pid_t> inUse =
-        directories.empty() ? std::map<std::string, pid_t>() : directoriesInUse();
-    for (const std::string& directory : directories) {
-        const std::string name = fs::path(directory).filename();
-        const pid_t process = processOf(name).value_or(0);
-        const auto user = inUse.find(directory);
-        if (user != inUse.end()) {
-            runs.push_back({directory, user->second});
-        } else if (name == nameFor(process)) {
-            runs.push_back({directory, process});
-        } else {
-            removeRunDirectory(directory);
+        if (inheritors.empty()) {
+            inheritors = processesByDirectory();
+        }
+        const std::vector<pid_t>& own = inheritors[directory];
+        if (!platform::isRunOver(directory) || !own.empty()) {
+            std::vector<pid_t> members = findMembers(directory, own);
+            const pid_t first = members.front();
+            runs.push_back({directory, first, std::move(members)});
         }
     }
     std::sort(runs.begin(), runs.end(), [](const Run& a, const Run& b) { return a.process < b.process; });
     return runs;
-}
-
-std::string makeRunDirectory(const std::string& userDirectory, std::string& error) {
-    std::string directory = userDirectory + '/' + nameFor(getpid());
-    if (platform::processSocketPath(directory, MAX_PROCESS).size() >= sizeof(sockaddr_un::sun_path)) {
-        error = "the path of the runtime directory " + userDirectory +
-                " is too long for the sockets in it; KORDANIX_RUNTIME_DIR can name another";
-        return {};
-    }
-    if (mkdir(directory.c_str(), S_IRWXU) != 0) {
-        error = "cannot make " + directory + ": " + std::generic_category().message(errno);
-        return {};
-    }
-    return directory;
-}
-
-void removeRunDirectory(const std::string& directory) {
-    std::error_code ignored;
-    fs::remove_all(directory, ignored);
 }
 
 }  // namespace control

@@ -8,17 +8,21 @@
 #include "run/InitialProperties.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace control {
 
 ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err) {
+    std::vector<std::pair<std::string, std::string>> all;
+    all.reserve(assignments.size() + 1);
     for (const Assignment& assignment : assignments) {
-        const std::string error = platform::setProperty(assignment.name.c_str(), assignment.text.c_str());
-        if (!error.empty()) {
-            return fail("cannot set " + assignment.name + ", so nothing is published: " + error, err);
-        }
+        all.emplace_back(assignment.name, assignment.text);
     }
-    return isPublished ? publishProperties(err) : SUCCESS;
+    if (isPublished) {
+        all.emplace_back(std::string(GENERATION_NAME), nextGeneration());
+    }
+    const std::string error = platform::setProperties(all);
+    return failUnlessEmpty(error.empty() ? error : "nothing was set: " + error, err);
 }
 
 ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& options, std::ostream& err) {
@@ -38,8 +42,7 @@ ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& 
 }
 
 ExitCode publishProperties(std::ostream& err) {
-    const std::string error = publish();
-    return failUnlessEmpty(error.empty() ? error : "cannot publish: " + error, err);
+    return writeAssignments({}, true, err);
 }
 
 ExitCode resetProperties(bool keepsControl, std::ostream& err) {

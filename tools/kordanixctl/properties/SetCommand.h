@@ -10,7 +10,7 @@
 /// Verbs that write properties. Each says on `err` what went wrong.
 namespace control {
 
-/// Writes the properties in that order; then, if all are written, publishes them.
+/// Writes the properties and publishes them: all at once, or none.
 ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err);
 
 struct SetOptions {
