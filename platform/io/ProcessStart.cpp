@@ -12,39 +12,60 @@
 
 namespace platform {
 
-std::optional<std::uint64_t> processStart(pid_t process) {
+namespace {
+
+struct ProcessState {
+    std::uint64_t start = 0;
+    bool hasEnded = false;  ///< and waits for its parent to notice
+};
+
+/// Nothing for a process that /proc does not show.
+std::optional<ProcessState> readState(pid_t process) {
     constexpr std::size_t LIMIT = 4096;
+    constexpr int FIRST_FIELD = 3;  // behind the name
+    constexpr int THREADS_FIELD = 20;
+    constexpr int START_FIELD = 22;
     std::string text;
     if (readPlainFile("/proc/" + std::to_string(process) + "/stat", text, LIMIT) != 0) {
         return std::nullopt;
     }
-    // Behind the name in parentheses, which may itself hold blanks and parentheses: the state is the third
-    // field, the start the twenty-second.
+    // The name in parentheses may itself hold blanks and parentheses.
     std::string_view fields(text);
     const std::size_t nameEnd = fields.rfind(") ");
     if (nameEnd == std::string_view::npos) {
         return std::nullopt;
     }
     fields.remove_prefix(nameEnd + 2);
-    const bool hasEnded = fields.front() == 'Z' || fields.front() == 'X';
-    for (int field = 3; field < 22; ++field) {
+    const bool isZombie = fields.front() == 'Z' || fields.front() == 'X';
+    ProcessState state;
+    for (int field = FIRST_FIELD; field < START_FIELD; ++field) {
+        if (field == THREADS_FIELD) {
+            // One whose first thread has ended may go on with others.
+            state.hasEnded = isZombie && (fields.substr(0, 2) == "0 " || fields.substr(0, 2) == "1 ");
+        }
         const std::size_t blank = fields.find(' ');
         if (blank == std::string_view::npos) {
             return std::nullopt;
         }
         fields.remove_prefix(blank + 1);
     }
-    std::uint64_t start = 0;
-    const auto result = std::from_chars(fields.data(), fields.data() + fields.size(), start);
-    return result.ec == std::errc() && !hasEnded ? std::optional(start) : std::nullopt;
+    const auto result = std::from_chars(fields.data(), fields.data() + fields.size(), state.start);
+    return result.ec == std::errc() ? std::optional(state) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::uint64_t> processStart(pid_t process) {
+    const auto state = readState(process);
+    return state && !state->hasEnded ? std::optional(state->start) : std::nullopt;
 }
 
 bool hasSurelyEnded(pid_t process, std::uint64_t start) {
-    const std::optional<std::uint64_t> current = processStart(process);
-    if (current) {
-        return *current != start;
+    const auto state = readState(process);
+    if (state) {
+        return state->start != start || state->hasEnded;
     }
-    if (!processStart(getpid())) {
+    if (!readState(getpid())) {
         return false;
     }
     // Known to the kernel and not shown: it has just ended, or belongs to somebody else.

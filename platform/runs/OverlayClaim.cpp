@@ -128,6 +128,8 @@ Claim claimIn(const std::string& directory, const std::string& processName, cons
     }
     writer.set(NAME_PROPERTY, processName);
     writer.set(API_PROPERTY, api);
+    writer.set(CLAIM_NAME_PROPERTY, processName);
+    writer.set(CLAIM_API_PROPERTY, api);
     writer.set(NAMESPACE_PROPERTY, ownNamespace());
     writer.set(CLAIM_PROPERTY, own);
     writer.set(GENERATION_PROPERTY, nextGeneration(writer.value(GENERATION_PROPERTY)));

@@ -14,6 +14,11 @@ namespace platform {
 /// to show the overlay in.
 constexpr const char* CLAIM_PROPERTY = "kordanix.run.claim";
 
+/// What the process with the claim wrote as its name and API, to be returned to when somebody has changed
+/// those.
+constexpr const char* CLAIM_NAME_PROPERTY = "kordanix.run.proc";
+constexpr const char* CLAIM_API_PROPERTY = "kordanix.run.api";
+
 enum class Claim {
     OWN,      ///< this process shows the overlay; its name and API are in the properties, published
     FOREIGN,  ///< another process of the run was first: no frame hook is to be called

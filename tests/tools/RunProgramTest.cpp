@@ -51,7 +51,7 @@ TEST_F(RunProgram, RunsAsIfByItself) {
         {"$CTL run --set proc=a=b -- sh -c '$CTL get proc; $CTL get api'", 0, "a=b\n0\n"},
         {"$CTL run --set widget_fps=off -- sh -c '$CTL set widget_fps on status off proc x devmode on; $CTL "
          "reset; $CTL get'",
-         0, "debug.kordanix.status true\ndebug.kordanix.proc x\ndebug.kordanix.widget_fps false\n.*"},
+         0, "debug.kordanix.status true\ndebug.kordanix.widget_fps false\n.*"},
         {"unset PATH; $CTL run sh -c 'exit 7'", 7, ""},
         {"cp /bin/false f; PATH=/nowhere: $CTL run f", 1, ""},
         {"$CTL run -- nonsense", 127, "", "kordanixctl: nonsense: there is no such program\n"},

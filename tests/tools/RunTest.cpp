@@ -57,8 +57,9 @@ TEST_F(RunTest, AVerbIsAboutTheProcessThatIsMeant) {
     const support::Outcome several = run("$CTL get proc");
     EXPECT_EQ(several.status, 1);
     EXPECT_THAT(several.err,
-                MatchesRegex("kordanixctl: several programs.*\n  [0-9]+ .*run_probe\n  [0-9]+ sh\n.*"));
-    EXPECT_THAT(run("$CTL doctor").out, HasSubstr(" sh: " + mHome.path()));
+                MatchesRegex("kordanixctl: several programs.*\n  [0-9]+ .*run_probe\n  [0-9]+ .*run_probe\n.*"))
+        << "who has the overlay, not the shell that started it";
+    EXPECT_THAT(run("$CTL doctor").out, HasSubstr("run_probe: " + mHome.path()));
     const std::string ofSecond = "--process " + std::to_string(second);
     EXPECT_EQ(run("$CTL " + ofSecond + " set proc third; $CTL get proc " + ofSecond).out, "third\n");
     EXPECT_EQ(run("$CTL --process " + std::to_string(first) + " get proc").out, "first\n");

@@ -6,8 +6,11 @@
 #include "properties/RuntimeDirectory.h"
 #include "properties/SystemProperties.h"
 #include "run/InitialProperties.h"
+#include "runs/OverlayClaim.h"
 
 #include <cstddef>
+#include <map>
+#include <optional>
 #include <utility>
 
 namespace control {
@@ -46,30 +49,28 @@ ExitCode publishProperties(std::ostream& err) {
 }
 
 ExitCode resetProperties(bool keepsControl, std::ostream& err) {
-    const auto initial = readInitialProperties(platform::openRuntimeDirectory().path);
-    const auto initialText = [&](const std::string& name) {
-        std::string text;
-        for (const Assignment& assignment : initial.value_or(std::vector<Assignment>())) {
-            text = assignment.name == name ? assignment.text : text;
-        }
-        return text;
-    };
-    // Unless a run was told where to show the overlay, its process has decided that and keeps it.
-    const bool isClaimed = initial && initialText("debug.kordanix.proc").empty();
-    for (const Property& property : properties()) {
-        const std::string name = fullName(property);
-        const bool isKept = property.type == PropertyType::GENERATION ||
-                            (keepsControl && isControlProperty(property)) ||
-                            (isClaimed && (name == "debug.kordanix.proc" || name == "debug.kordanix.api"));
-        if (isKept || !readProperty(name)) {
-            continue;
-        }
-        const std::string error = platform::setProperty(name.c_str(), initialText(name).c_str());
-        if (!error.empty()) {
-            return fail(std::string("cannot reset ").append(name).append(": ").append(error), err);
+    std::map<std::string, std::string> beginning;
+    for (Assignment& assignment :
+         readInitialProperties(platform::openRuntimeDirectory().path).value_or(std::vector<Assignment>())) {
+        beginning[assignment.name] = std::move(assignment.text);
+    }
+    // What the process wrote that shows the overlay because it was the first to present a frame.
+    for (const auto& [name, claimed] : {std::pair{"debug.kordanix.proc", platform::CLAIM_NAME_PROPERTY},
+                                        {"debug.kordanix.api", platform::CLAIM_API_PROPERTY}}) {
+        if (auto text = readProperty(claimed)) {
+            beginning[name] = *std::move(text);
         }
     }
-    return publishProperties(err);
+    std::vector<Assignment> changes;
+    for (const Property& property : properties()) {
+        const std::string name = fullName(property);
+        const bool isKept =
+            property.type == PropertyType::GENERATION || (keepsControl && isControlProperty(property));
+        if (!isKept && readProperty(name).value_or(std::string()) != beginning[name]) {
+            changes.push_back({name, beginning[name]});
+        }
+    }
+    return writeAssignments(changes, true, err);
 }
 
 }  // namespace control
