@@ -46,8 +46,14 @@ bool HeadlessContext::open() {
 /// Contexts that share objects share a display. All others on the X server have one each: Mesa corrupts
 /// memory when contexts of one display are used on several threads.
 bool HeadlessContext::openDisplay() {
+    // Stays open, so that the driver stays loaded: a leak check knows the driver's leaks by its name.
+    static const EGLDisplay memory = [] {
+        const EGLDisplay display = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+        eglInitialize(display, nullptr, nullptr);
+        return display;
+    }();
     if (mOptions.surface == Surface::PBUFFER) {
-        mDisplay = eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, nullptr, nullptr);
+        mDisplay = memory;
     } else if (mOptions.shareWith != nullptr) {
         mConnection = mOptions.shareWith->mConnection;
         mDisplay = mOptions.shareWith->mDisplay;
