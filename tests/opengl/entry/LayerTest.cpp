@@ -371,7 +371,7 @@ TEST_F(LayerTest, ADestroyedContextThatIsStillCurrentIsPassedThrough) {
     expectNotShown(*mContext, "destroyed");
 }
 
-TEST_F(LayerTest, AForkedChildLeavesItsParentsContextsAloneAndClaimsForItself) {
+TEST_F(LayerTest, AForkedChildLeavesItsParentsContextsAlone) {
     const opengl::LayerCalls& calls = *kordanixOpenGlLayer(&SHIM);
     const opengl::SwapResult first = calls.beforeSwap(swapOf(*mContext));
     EXPECT_TRUE(first.hasDrawn);
@@ -383,10 +383,7 @@ TEST_F(LayerTest, AForkedChildLeavesItsParentsContextsAloneAndClaimsForItself) {
         calls.afterSwap(first.frame);
         const bool isLeftAlone = calls.beforeSwap(swapOf(*mContext)).frame == nullptr;
         calls.contextDestroyed(opengl::WindowSystem::EGL, mContext->display(), mContext->context());
-        HeadlessContext::Options options = sized(740, 360);
-        const auto own = HeadlessContext::create(options);
-        const bool isDrawn = own != nullptr && calls.beforeSwap(swapOf(*own)).hasDrawn;
-        _exit(isReset && isLeftAlone && isDrawn && claims == 2 ? 0 : 1);
+        _exit(isReset && isLeftAlone ? 0 : 1);
     }
     calls.afterSwap(first.frame);
     int status = -1;

@@ -3,6 +3,7 @@
 // plugin that is so linked while the program is not.
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -73,6 +74,12 @@ int run(const std::string& way, const char* fake, const char* other) {
     } else if (way == "plugin") {
         void* const plugin = dlopen(fake, RTLD_NOW | RTLD_LOCAL);
         std::printf("result %u\n", find<unsigned int (*)(void*)>(plugin, "swapLinked")(&gObject));
+    } else if (way == "deep") {
+        void* const plugin = dlopen(fake, RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
+        std::printf("result %u\n", find<unsigned int (*)(void*)>(plugin, "swapLinked")(&gObject));
+        if (vfork() == 0) {
+            _exit(0);
+        }
     } else if (way == "handles") {
         void* const first = dlopen(fake, RTLD_NOW | RTLD_LOCAL);
         void* const second = dlopen(other, RTLD_NOW | RTLD_LOCAL);

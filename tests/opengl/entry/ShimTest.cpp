@@ -77,7 +77,7 @@ INSTANTIATE_TEST_SUITE_P(
         Way{"plain", CLIENT, FAKE_FIRST, {"layer: mapped"}},
         Way{"missing", CLIENT, FAKE_FIRST, {"layer: loaded", BEFORE, AFTER}},
         Way{"linked", CLIENT_LINKED, FAKE_FIRST, {"layer: loaded", BEFORE, AFTER}},
-        Way{"plugin", CLIENT, PLUGIN, {"layer: loaded", BEFORE, AFTER}},
+        Way{"plugin", CLIENT, PLUGIN, {"layer: loaded", BEFORE, AFTER}}, Way{"deep", CLIENT, PLUGIN, {}},
         Way{"handles", CLIENT, FAKE_FIRST, {"layer: loaded", BEFORE, AFTER, BEFORE, AFTER, BEFORE, AFTER}},
         Way{"lookup",
             CLIENT,
@@ -117,12 +117,13 @@ TEST(Shim, IsSmallAndNeedsTheCLibraryAlone) {
     const std::string needed = outputOf("readelf -d " SHIM_ALONE " | grep NEEDED");
     EXPECT_THAT(linesOf(needed), ElementsAre(testing::HasSubstr("[libc.so.6]")));
     EXPECT_LT(std::stoi(outputOf("strip -o /dev/stdout " SHIM_ALONE " | wc -c")), 20 * 1024);
-    EXPECT_THAT(linesOf(outputOf("nm -D --defined-only -j " SHIM_ALONE " | LC_ALL=C sort")),
-                ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSurfaceAttrib", "eglSwapBuffers",
-                            "eglSwapBuffersWithDamageEXT", "eglSwapBuffersWithDamageKHR", "eglTerminate",
-                            "glBindFramebuffer", "glBindFramebufferEXT", "glBindFramebufferOES",
-                            "glXDestroyContext", "glXFreeContextEXT", "glXGetProcAddress",
-                            "glXGetProcAddressARB", "glXSwapBuffers", "glXSwapBuffersMscOML"));
+    EXPECT_THAT(
+        linesOf(outputOf("nm -D --defined-only -j " SHIM_ALONE " | LC_ALL=C sort")),
+        ElementsAre("dlsym", "eglDestroyContext", "eglGetProcAddress", "eglSurfaceAttrib", "eglSwapBuffers",
+                    "eglSwapBuffersWithDamageEXT", "eglSwapBuffersWithDamageKHR", "eglTerminate",
+                    "glBindFramebuffer", "glBindFramebufferEXT", "glBindFramebufferOES", "glXDestroyContext",
+                    "glXFreeContextEXT", "glXGetProcAddress", "glXGetProcAddressARB", "glXSwapBuffers",
+                    "glXSwapBuffersMscOML"));
 }
 
 }  // namespace

@@ -155,4 +155,37 @@ TEST(RealPrograms, WhatTheyPrintAndReturnIsTheirOwn) {
     }
 }
 
+TEST(RealPrograms, AreLeftAloneForAReasonThatIsTold) {
+    ASSERT_THAT(display().name(), testing::Not(testing::IsEmpty()));
+    const struct {
+        const char* words;
+        const char* reason;
+    } cases[] = {
+        {"surface=pbuffer", "it swaps a pbuffer"},
+        {"surface=pixmap", "a pixmap or has a single buffer"},
+        {"surface=single api=gl", "a pixmap or has a single buffer"},
+        {"surface=preserved", "EGL_BUFFER_PRESERVED"},
+        {"window=glx surface=pbuffer", "it swaps a pbuffer"},
+        {"window=glx surface=pixmap", "it swaps a pixmap"},
+        {"window=glx surface=single", "has a single buffer"},
+        {"state=deleted-program", "its current program was deleted"},
+        {"state=list api=gl", "a display list is being compiled"},
+        {"size=1x1", "only one pixel"},
+        {"frames=0; ulimit -f 0; exec 2>/dev/null", "kordanixctl: the overlay was not shown"},
+    };
+    for (const auto& [words, reason] : cases) {
+        // The limit is set before the program, which its words come after.
+        const std::string text(words);
+        const std::size_t end = text.find(';');
+        const std::string limit = end == std::string::npos ? ":" : text.substr(end + 1);
+        const std::string line = limit + "; exec " PLAIN_CLIENT " frames=15 " + text.substr(0, end);
+        const support::Outcome outcome =
+            support::run({KORDANIXCTL, "run", "--", "sh", "-c", line}, environment(false));
+        EXPECT_EQ(outcome.status, 0) << words;
+        EXPECT_THAT(outcome.err, testing::HasSubstr(reason)) << words;
+        const bool isCounted = text.find("surface=") != std::string::npos;
+        EXPECT_EQ(outcome.out, isCounted ? "0 pixels changed\n" : "") << words;
+    }
+}
+
 }  // namespace
