@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "Pam.h"
 #include "RunFixture.h"
+#include "overlays/Pam.h"
 #include "software/Image.h"
 
 namespace control {
@@ -56,8 +56,9 @@ TEST_F(RunTest, AVerbIsAboutTheProcessThatIsMeant) {
     const pid_t second = start("--set proc=second", "sh -c '" RUN_PROBE " & wait'");
     const support::Outcome several = run("$CTL get proc");
     EXPECT_EQ(several.status, 1);
-    EXPECT_THAT(several.err,
-                MatchesRegex("kordanixctl: several programs.*\n  [0-9]+ .*run_probe\n  [0-9]+ .*run_probe\n.*"))
+    EXPECT_THAT(
+        several.err,
+        MatchesRegex("kordanixctl: several programs.*\n  [0-9]+ .*run_probe\n  [0-9]+ .*run_probe\n.*"))
         << "who has the overlay, not the shell that started it";
     EXPECT_THAT(run("$CTL doctor").out, HasSubstr("run_probe: " + mHome.path()));
     const std::string ofSecond = "--process " + std::to_string(second);

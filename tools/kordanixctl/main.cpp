@@ -1,4 +1,4 @@
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "cli/CommandLine.h"
 
 #include <poll.h>

@@ -1,7 +1,7 @@
-#include "Properties.h"
+#include "settings/Properties.h"
 
-#include "PropertyTable.h"
 #include "properties/SystemProperties.h"
+#include "settings/PropertyTable.h"
 
 #include <sys/system_properties.h>
 

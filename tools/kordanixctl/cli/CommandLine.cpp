@@ -1,6 +1,6 @@
 #include "cli/CommandLine.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "cli/Verbs.h"
 #include "cli/Words.h"
 #include "processes/Addressing.h"

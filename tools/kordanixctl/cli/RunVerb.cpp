@@ -1,4 +1,4 @@
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "cli/Verbs.h"
 #include "run/RunCommand.h"
 

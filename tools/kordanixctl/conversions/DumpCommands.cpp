@@ -1,6 +1,6 @@
 #include "conversions/DumpCommands.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "conversions/ReplacedFile.h"
 #include "dumps/DumpFolder.h"
 #include "dumps/DumpReader.h"
@@ -36,7 +36,7 @@ ExitCode convert(const std::string& folder, const std::string& path, DumpWriter 
     }
     const std::string losses = dumps::describeLosses(dump);
     if (!losses.empty()) {
-        complain(found + ": " + losses, err);
+        printDiagnostic(found + ": " + losses, err);
     }
     ReplacedFile file(path);
     error = file.open();

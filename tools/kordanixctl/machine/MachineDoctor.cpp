@@ -1,6 +1,6 @@
 #include "machine/MachineDoctor.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "figures/sources/MachineFigures.h"
 #include "machine/MachineRecorder.h"
 

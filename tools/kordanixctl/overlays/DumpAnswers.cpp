@@ -1,6 +1,6 @@
 #include "overlays/DumpAnswers.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "io/ProcessStart.h"
 #include "overlays/OverlayState.h"
 

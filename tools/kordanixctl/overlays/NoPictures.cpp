@@ -1,4 +1,4 @@
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "overlays/PictureCommand.h"
 
 namespace control {

@@ -1,6 +1,6 @@
 #include "overlays/PictureCommand.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "io/ProcessStart.h"
 #include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"

@@ -1,6 +1,6 @@
 #include "overlays/ProcessCommands.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "ostra/ProcessSocket.h"
 #include "overlays/DumpAnswers.h"
 #include "overlays/OverlayState.h"

@@ -1,9 +1,9 @@
-#include "Addressing.h"
+#include "processes/Addressing.h"
 
-#include "Complaint.h"
-#include "ProcessInfo.h"
-#include "RunDirectories.h"
+#include "Diagnostic.h"
 #include "ostra/ProcessSocket.h"
+#include "processes/ProcessInfo.h"
+#include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
 
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "ProcessInfo.h"
+#include "processes/ProcessInfo.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
-#include "RunDirectories.h"
+#include "processes/RunDirectories.h"
 
-#include "ProcessInfo.h"
 #include "io/ProcessStart.h"
 #include "ostra/ProcessSocket.h"
+#include "processes/ProcessInfo.h"
 #include "properties/RuntimeDirectory.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"

@@ -1,12 +1,12 @@
-#include "SetCommand.h"
+#include "properties/SetCommand.h"
 
-#include "Complaint.h"
-#include "Properties.h"
-#include "PropertyTable.h"
+#include "Diagnostic.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SystemProperties.h"
 #include "run/InitialProperties.h"
 #include "runs/OverlayClaim.h"
+#include "settings/Properties.h"
+#include "settings/PropertyTable.h"
 
 #include <cstddef>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Assignment.h"
 #include "ExitCode.h"
+#include "settings/Assignment.h"
 
 #include <ostream>
 #include <string>

@@ -1,6 +1,6 @@
 #include "properties/ShowCommands.h"
 
-#include "Complaint.h"
+#include "Diagnostic.h"
 #include "properties/SystemProperties.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Assignment.h"
+#include "settings/Assignment.h"
 
 #include <optional>
 #include <string>

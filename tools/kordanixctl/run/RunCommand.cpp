@@ -1,11 +1,11 @@
 #include "run/RunCommand.h"
 
-#include "Complaint.h"
-#include "ProcessInfo.h"
-#include "RunDirectories.h"
-#include "SetCommand.h"
+#include "Diagnostic.h"
 #include "io/WriteSignalsBlocked.h"
+#include "processes/ProcessInfo.h"
+#include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
+#include "properties/SetCommand.h"
 #include "run/InitialProperties.h"
 #include "run/ProgramFile.h"
 #include "run/Supervisor.h"
@@ -153,7 +153,7 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
     }
     if (!reason.empty()) {
         const platform::WriteSignalsBlocked blocked;
-        complain("the overlay was not shown: " + reason, err);
+        printDiagnostic("the overlay was not shown: " + reason, err);
     }
     return endAs(end.status);
 }

@@ -8,7 +8,7 @@
 namespace control {
 
 /// Says on `err` what a user should know, as the line "kordanixctl: TEXT".
-void complain(std::string_view text, std::ostream& err);
+void printDiagnostic(std::string_view text, std::ostream& err);
 
 /// Says why something could not be done, and returns what the verb returns then.
 ExitCode fail(std::string_view error, std::ostream& err, ExitCode code = FAILURE);

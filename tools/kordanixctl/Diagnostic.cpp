@@ -1,13 +1,13 @@
-#include "Complaint.h"
+#include "Diagnostic.h"
 
 namespace control {
 
-void complain(std::string_view text, std::ostream& err) {
+void printDiagnostic(std::string_view text, std::ostream& err) {
     err << "kordanixctl: " << text << '\n';
 }
 
 ExitCode fail(std::string_view error, std::ostream& err, ExitCode code) {
-    complain(error, err);
+    printDiagnostic(error, err);
     return code;
 }
 
