@@ -35,7 +35,7 @@ int isOpenGl(dl_phdr_info* library, std::size_t, void*) {
 /// Opens a file of the user's own that is neither a link nor anything to wait for.
 int openFile(int folder, const char* name, int flags) {
     const int file = openat(folder, name, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
-    struct stat status;
+    struct stat status = {};
     if (file >= 0 && (fstat(file, &status) != 0 || !S_ISREG(status.st_mode) || status.st_uid != geteuid())) {
         close(file);
         return -1;
