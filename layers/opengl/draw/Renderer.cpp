@@ -95,7 +95,8 @@ void Renderer::createGlyphs() {
     const Functions& gl = mFunctions;
     mObjects.glyphs = createTexture(gl, GL_NEAREST);
     if (gl.features.textureSwizzle) {
-        for (const GLenum color : {GL_TEXTURE_SWIZZLE_R, GL_TEXTURE_SWIZZLE_G, GL_TEXTURE_SWIZZLE_B}) {
+        for (const GLenum color :
+             std::array<GLenum, 3>{GL_TEXTURE_SWIZZLE_R, GL_TEXTURE_SWIZZLE_G, GL_TEXTURE_SWIZZLE_B}) {
             gl.texParameteri(GL_TEXTURE_2D, color, GL_ONE);
         }
         gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, gl.features.redTextures ? GL_RED : GL_ALPHA);
