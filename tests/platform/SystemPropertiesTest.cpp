@@ -193,24 +193,5 @@ TEST_F(SystemPropertiesTest, WaitersLeaveTheProgramsDescriptorsAlone) {
     close(own[1]);
 }
 
-TEST_F(SystemPropertiesTest, ThreadsAndAForkedChildWriteTogether) {
-    const std::uint32_t areaSerial = __system_property_area_serial();
-    const auto writeFrom = [](const std::string& name) {
-        for (int n = 0; n < 50; ++n) {
-            __system_property_set(name.c_str(), std::to_string(n).c_str());
-        }
-        return 0;
-    };
-    const pid_t child = startChild([&] { return writeFrom("test.from.0"); });
-    std::thread thread(writeFrom, "test.from.1");
-    writeFrom("test.from.2");
-    thread.join();
-    EXPECT_EQ(waitForChild(child), 0);
-    EXPECT_EQ(__system_property_area_serial(), areaSerial + 150) << "two writers at once";
-    for (const char* name : {"test.from.0", "test.from.1", "test.from.2"}) {
-        EXPECT_EQ(readProperty(__system_property_find(name)).value, "49");
-    }
-}
-
 }  // namespace
 }  // namespace platform
