@@ -61,7 +61,8 @@ TEST_F(RunFolderTest, NothingIsRemovedWithoutEvidence) {
     fs::copy_file(marker, aside);
     const std::pair<const char*, std::function<void()>> spoils[] = {
         {"no marker", [] {}},
-        {"a marker of somebody else's", [&] { std::ofstream(marker) << "my results\n"; }},
+        {"a file of somebody else's",
+         [&] { std::ofstream(marker) << std::string(fs::file_size(aside), 'x'); }},
         {"a marker that is longer", [&] { std::ofstream(marker) << std::ifstream(aside).rdbuf() << 'x'; }},
         {"a link to a marker", [&] { fs::create_symlink(aside, marker); }},
         {"a pipe", [&] { mkfifo(marker.c_str(), 0600); }},
