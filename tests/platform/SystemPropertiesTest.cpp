@@ -138,12 +138,11 @@ TEST_F(SystemPropertiesTest, WaitersAreWokenByOtherProcessesAlsoByTheSameValue) 
     ASSERT_TRUE(__system_property_wait(mProperty, 0, &serial, nullptr)) << "the first wait returns at once";
     EXPECT_EQ(serial, readProperty(mProperty).serial);
     std::vector<milliseconds> times;
-    for (const prop_info* pi : {mProperty, static_cast<const prop_info*>(nullptr), mProperty, mProperty,
-                                static_cast<const prop_info*>(nullptr)}) {
-        times.push_back(waitForWrite(pi));
+    for (int i = 0; i < 7; ++i) {
+        times.push_back(waitForWrite(i % 2 == 0 ? mProperty : nullptr));
     }
     std::sort(times.begin(), times.end());
-    EXPECT_LT(times[2], milliseconds(20)) << "nobody woke the waiters";
+    EXPECT_LT(times[3], milliseconds(50)) << "nobody woke the waiters";
 }
 
 TEST_F(SystemPropertiesTest, WaitsLastUntilTheirTimeoutWhateverWakesThem) {
@@ -171,6 +170,7 @@ TEST_F(SystemPropertiesTest, WaitsLastUntilTheirTimeoutWhateverWakesThem) {
     EXPECT_EQ(next, 0U);
 }
 
+#ifndef __SANITIZE_THREAD__  // which takes what this program does for a mistake
 // A program that closes what it does not know, and has the number for a file of its own at once.
 TEST_F(SystemPropertiesTest, WaitersLeaveTheProgramsDescriptorsAlone) {
     int own[2];
@@ -192,6 +192,7 @@ TEST_F(SystemPropertiesTest, WaitersLeaveTheProgramsDescriptorsAlone) {
     close(own[0]);
     close(own[1]);
 }
+#endif
 
 }  // namespace
 }  // namespace platform
