@@ -1,7 +1,8 @@
 #include "dumps/DumpReader.h"
-#include "platform/ChildProcess.h"
 #include "platform/TemporaryDirectory.h"
+#include "support/ChildProcess.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,8 +17,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-int control(const std::string& arguments) {
-    return std::system((std::string("'") + KORDANIXCTL + "' " + arguments + " >/dev/null 2>&1").c_str());
+int control(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), KORDANIXCTL);
+    return support::run(arguments).status;
 }
 
 /// Smallest and largest figure of a value.
@@ -35,26 +37,17 @@ TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
     const platform::TemporaryDirectory folder;
     setenv("KORDANIX_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("KORDANIX_DUMP_DIR", folder.path("dump").c_str(), 1);
-    const std::string png = folder.path("picture.png");
-    const pid_t demo = platform::startChild([&png] {
-        execl(KORDANIX_DEMO, KORDANIX_DEMO, "--device", "mali-b31", "--size", "200x100", "--seconds", "4",
-              "--set", "devmode=true", "--set", "widget_memory=true", "--set", "widget_cpu_gpu_gpu_freq=true",
-              "--png", png.c_str(), nullptr);
-        return 127;
-    });
-    bool isListening = false;
-    for (int i = 0; i < 300 && !isListening; ++i) {
-        std::this_thread::sleep_for(10ms);
-        isListening = control("key capture") == 0;
-    }
-    ASSERT_TRUE(isListening);
+    support::ChildProcess demo({KORDANIX_DEMO, "--device", "mali-b31", "--size", "200x100", "--seconds", "4",
+                                "--set", "devmode=true", "--set", "widget_memory=true", "--set",
+                                "widget_cpu_gpu_gpu_freq=true", "--png", folder.path("picture.png")});
+    ASSERT_TRUE(support::waitUntil([] { return control({"key", "capture"}) == 0; }));
     std::this_thread::sleep_for(500ms);  // the first figures are there
-    ASSERT_EQ(control("key dump"), 0);
+    ASSERT_EQ(control({"key", "dump"}), 0);
     std::this_thread::sleep_for(1s);
-    EXPECT_EQ(control("key capture"), 0);
+    EXPECT_EQ(control({"key", "capture"}), 0);
     std::this_thread::sleep_for(500ms);
-    EXPECT_EQ(control("key dump"), 0);
-    EXPECT_EQ(platform::waitForChild(demo), 0);
+    EXPECT_EQ(control({"key", "dump"}), 0);
+    EXPECT_EQ(demo.wait(), 0);
 
     dumps::Dump dump;
     const std::string dumped = std::filesystem::directory_iterator(folder.path("dump"))->path();
@@ -84,16 +77,19 @@ TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
         EXPECT_GT(pass.durationMs, 0.0);
         EXPECT_LE(pass.durationMs, dump.frames[pass.frame].passFrameMs + 0.001);
     }
-    EXPECT_EQ(control("trace '" + dumped + "' '" + folder.path("trace.json") + "'"), 0);
-    EXPECT_EQ(control("report '" + dumped + "' '" + folder.path("report.html") + "'"), 0);
+    EXPECT_EQ(control({"trace", dumped, folder.path("trace.json")}), 0);
+    EXPECT_EQ(control({"report", dumped, folder.path("report.html")}), 0);
 }
 
 TEST(Options, NumbersThatMeanNothingAreRefused) {
-    for (const char* const option : {"--every -1", "--every 0", "--seconds nan", "--seconds -1", "--rate inf",
-                                     "--rate nan", "--capture-at nan", "--size 0x0"}) {
-        const std::string command = std::string("'") + KORDANIX_DEMO + "' --private --png /dev/null " +
-                                    option + " 2>&1 | grep -q \"expected\"";
-        EXPECT_EQ(std::system(command.c_str()), 0) << option;
+    const std::pair<const char*, const char*> cases[] = {
+        {"--every", "-1"}, {"--every", "0"},  {"--seconds", "nan"},    {"--seconds", "-1"},
+        {"--rate", "inf"}, {"--rate", "nan"}, {"--capture-at", "nan"}, {"--size", "0x0"}};
+    for (const auto& [option, text] : cases) {
+        const support::Outcome outcome =
+            support::run({KORDANIX_DEMO, "--private", "--png", "/dev/null", option, text});
+        EXPECT_NE(outcome.status, 0);
+        EXPECT_THAT(outcome.err, testing::HasSubstr("expected")) << option << ' ' << text;
     }
 }
 

@@ -28,6 +28,7 @@
 #include <fstream>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <memory>
 #include <optional>
 #include <random>
@@ -55,18 +56,8 @@ struct Size {
 };
 constexpr Size SIZES[] = {{740, 360}, {360, 740}, {1480, 720}, {370, 180}, {180, 370}, {320, 240}, {64, 64}};
 
-struct Counts {
-    unsigned long long frames = 0;
-    unsigned long long shown = 0;
-    unsigned long long changes = 0;
-    unsigned long long turns = 0;
-    unsigned long long captureKeys = 0;
-    unsigned long long dumps = 0;
-    unsigned long long dumpedFrames = 0;
-    unsigned long long lostFrames = 0;
-    unsigned long long notices = 0;
-    unsigned long long reattachments = 0;
-};
+/// What happened, and how often.
+using Counts = std::map<std::string, unsigned long long>;
 
 std::size_t residentKib() {
     std::ifstream status("/proc/self/status");
@@ -141,9 +132,9 @@ private:
         }
         std::filesystem::remove_all(folder);
         rows -= std::min(rows, 1ULL);
-        ++mCounts.dumps;
-        mCounts.dumpedFrames += rows;
-        mCounts.lostFrames += mPromised - std::min(rows, mPromised);
+        ++mCounts["dumps"];
+        mCounts["frames in dumps"] += rows;
+        mCounts["frames that dumps lack"] += mPromised - std::min(rows, mPromised);
         mPromised = 0;
     }
 
@@ -164,13 +155,13 @@ public:
         mLandscape.draw(mSurface.mImage, seconds);
         mSurface.beginOverlay();
         mOverlay->beginFrame();
-        mCounts.changes += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
+        mCounts["publications taken over"] += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
         mOverlay->draw();
         mDump.beforeSwap(mOverlay->isShown());
         mOverlay->endFrame();
         mDump.afterSwap();
-        ++mCounts.frames;
-        mCounts.shown += mOverlay->isShown() ? 1 : 0;
+        ++mCounts["frames"];
+        mCounts["frames with the overlay"] += mOverlay->isShown() ? 1 : 0;
         something();
     }
 
@@ -183,11 +174,11 @@ private:
         if (happens(200)) {
             const Size size = SIZES[mRandom() % std::size(SIZES)];
             mSurface.resize(size.width, size.height);
-            ++mCounts.turns;
+            ++mCounts["new sizes of the surface"];
         }
         if (happens(60)) {
             press(CAPTURE_KEY);
-            ++mCounts.captureKeys;
+            ++mCounts["presses of the capture key"];
         }
         if (happens(40)) {
             press(DUMP_KEY);
@@ -196,14 +187,14 @@ private:
             mOverlay->detach();
             mDump.afterDetach();
             mOverlay->attach();
-            ++mCounts.reattachments;
+            ++mCounts["layers detached and attached"];
         }
         // Not just when a dump may begin: nobody could tell which frames are in it.
         if (++mFramesSinceKey > 30 && happens(100)) {
             platform::ProcessMessage notice;
             notice.kind = platform::ProcessMessage::Kind::BACKGROUND;
             platform::sendMessage(mFolder, getpid(), notice);
-            ++mCounts.notices;
+            ++mCounts["notices of the background"];
         }
     }
 
@@ -224,26 +215,6 @@ private:
     DumpCheck mDump;
     std::unique_ptr<scene::Overlay> mOverlay;
 };
-
-void printTable(const Counts& counts, double seconds) {
-    const struct {
-        const char* what;
-        unsigned long long count;
-    } rows[] = {{"frames", counts.frames},
-                {"frames with the overlay", counts.shown},
-                {"publications taken over", counts.changes},
-                {"new sizes of the surface", counts.turns},
-                {"presses of the capture key", counts.captureKeys},
-                {"dumps", counts.dumps},
-                {"frames in dumps", counts.dumpedFrames},
-                {"frames that dumps lack", counts.lostFrames},
-                {"notices of the background", counts.notices},
-                {"layers detached and attached", counts.reattachments}};
-    std::printf("\n%-32s %10.0f\n", "seconds", seconds);
-    for (const auto& row : rows) {
-        std::printf("%-32s %10llu\n", row.what, row.count);
-    }
-}
 
 }  // namespace
 
@@ -283,15 +254,19 @@ int main(int argc, char** argv) {
     }
     publisher.reset();
 
-    printTable(soak.mCounts, seconds);
-    std::printf("%-32s %10zu\n%-32s %10zu\n%-32s %10zu\n%-32s %10zu\n", "highest memory, warm-up (KiB)",
-                before.resident, "highest memory, from then on", after.resident, "open files, warm-up",
-                before.files, "open files, from then on", after.files);
+    Counts& counts = soak.mCounts;
+    counts["highest memory, warm-up (KiB)"] = before.resident;
+    counts["highest memory, from then on"] = after.resident;
+    counts["open files, warm-up"] = before.files;
+    counts["open files, from then on"] = after.files;
+    for (const auto& [what, count] : counts) {
+        std::printf("%-32s %10llu\n", what.c_str(), count);
+    }
     const bool isSteady =
         after.resident <= before.resident + RESIDENT_TOLERANCE_KIB && after.resident <= RESIDENT_CEILING_KIB;
     const bool isTidy = after.files <= before.files;
-    const Counts& counts = soak.mCounts;
-    const bool isWhole = counts.lostFrames == 0 && counts.dumps > 0 && counts.shown > 0 && counts.changes > 0;
+    const bool isWhole = counts["frames that dumps lack"] == 0 && counts["dumps"] > 0 &&
+                         counts["frames with the overlay"] > 0 && counts["publications taken over"] > 0;
     std::printf(
         "\n%s\n%s\n%s\n",
         isSteady ? "Memory does not grow (by 1 MiB at the most) and stays below 64 MiB." : "MEMORY GROWS.",
