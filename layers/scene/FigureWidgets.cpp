@@ -4,6 +4,7 @@
 #include "figures/Catalogue.h"
 #include "figures/Metrics.h"
 #include "figures/TextFormat.h"
+#include "utils/SystemInfoHelper.h"
 
 #include <iterator>
 
@@ -37,9 +38,9 @@ std::string notesOf(const Metrics& metrics) {
 
 std::string vendor(const Metrics& /*metrics*/) {
     switch (core::StateInfo::mVendor) {
-        case 0:
+        case utils::Vendor::MALI:
             return "Mali";
-        case 1:
+        case utils::Vendor::ADRENO:
             return "Adreno";
         default:
             return "";

@@ -9,6 +9,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ostra/ExtraColumns.h>
 #include <ostra/Ostra.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -131,6 +132,21 @@ TEST_F(Dump, HoldsTheNumbersOfEveryFrame) {
               "FrameNumber,RenderPassFrameId,Pass,FirstValue,SecondValue,Duration\r\n"
               "18446744073709551615,-1,0,7,8,0.1\r\n"
               "18446744073709551615,-1,1,18446744073709551615,0,1e-09\r\n");
+}
+
+TEST_F(Dump, HasExtraColumnsBesideTheLibrarys) {
+    Ostra::setExtraColumns({"Power(W)", "Fan(rpm)"});
+    Ostra::startDumping({});
+    addFrames(1);
+    const double values[] = {12.25, std::numeric_limits<double>::quiet_NaN(), 7.0};
+    Ostra::setExtraValues(values, std::size(values));
+    addFrames(1);
+    Ostra::setExtraColumns({});
+    Ostra::finishDumping();
+    EXPECT_EQ(readFile(ended().folder + "/frames.csv"),
+              "FrameNumber,TimestampMs,RenderPassFrameId,FrameDuration,Power(W),Fan(rpm)\r\n"
+              "0,1700000000000,0,0,,\r\n"
+              "0,1700000000000,0,0,12.25,\r\n");
 }
 
 TEST_F(Dump, IsFlushedWhileItRunsAndReplacedByNoOther) {
