@@ -152,9 +152,9 @@ std::string setProperties(const std::vector<std::pair<std::string, std::string>>
         return writer.error();
     }
     for (const auto& [name, value] : properties) {
-        const std::string error = writer.set(name, value);
+        std::string error = writer.set(name, value);
         if (!error.empty()) {
-            return properties.size() == 1 ? error : name + ": " + error;
+            return properties.size() == 1 ? error : error.insert(0, name + ": ");
         }
     }
     return writer.commit();

@@ -3,9 +3,11 @@
 #include "processes/Addressing.h"
 #include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
+#include "properties/SetCommand.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
 #include "runs/RunFolder.h"
+#include "settings/Properties.h"
 
 #include <gmock/gmock.h>
 
@@ -111,6 +113,18 @@ TEST_F(AddressingTest, NobodyIsInAnEndedRun) {
     // Before a program starts, its properties are the user's.
     EXPECT_EQ(choose(std::nullopt), mUser.path());
     EXPECT_EQ(choose(getpid()), mUser.path());
+}
+
+TEST_F(AddressingTest, ResetReturnsToTheClaim) {
+    ASSERT_EQ(platform::openOverlayClaim(mUser.path()), "");
+    ASSERT_EQ(platform::claimOverlay("name", 1), platform::Claim::OWN);
+    std::ostringstream err;
+    EXPECT_EQ(setProperties({"proc", "other", "api", "0", "widget_fps", "off"}, {}, err), SUCCESS);
+    EXPECT_EQ(resetProperties(false, err), SUCCESS) << err.str();
+    EXPECT_EQ(readProperty("debug.kordanix.proc"), "name");
+    EXPECT_EQ(readProperty("debug.kordanix.api"), "1");
+    EXPECT_EQ(readProperty("debug.kordanix.widget_fps"), std::nullopt);
+    EXPECT_EQ(platform::overlayClaimant(mUser.path()), getpid());
 }
 
 TEST_F(AddressingTest, AUsersOwnFolderIsNoRun) {
