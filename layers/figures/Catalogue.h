@@ -39,18 +39,18 @@ enum class Kind {
 
 /// Everything that is to be known of one figure. Texts live as long as the process.
 struct Figure {
-    const char* id;     ///< for programs, such as "gpu.clock"
-    const char* name;   ///< for people, such as "GPU frequency"
-    const char* label;  ///< on the overlay, before the value
+    const char* id = nullptr;     ///< for programs, such as "gpu.clock"
+    const char* name = nullptr;   ///< for people, such as "GPU frequency"
+    const char* label = nullptr;  ///< on the overlay, before the value
 
     struct Format {
-        const char* unit;    ///< what the value counts
-        const char* suffix;  ///< on the overlay, after the value
-        Kind kind;
-        int decimals;
+        const char* unit = nullptr;    ///< what the value counts
+        const char* suffix = nullptr;  ///< on the overlay, after the value
+        Kind kind = Kind::NUMBER;
+        int decimals = 0;
     } format;
 
-    gui::WidgetType widget;
+    gui::WidgetType widget = gui::WidgetType::FPS;
 
     /// A figure without settings is a note, which is shown whenever its widget is.
     struct Settings {

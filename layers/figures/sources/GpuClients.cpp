@@ -193,7 +193,8 @@ void GpuClients::choose(double now) {
         std::uint64_t memory = 0;
     };
     std::vector<Candidate> candidates;
-    for (const auto& [key, client] : mClients) {
+    for (const auto& entry : mClients) {
+        const Client& client = entry.second;
         auto found = std::find_if(candidates.begin(), candidates.end(), [&](const Candidate& each) {
             return each.name.isSameDevice(client.device) &&
                    (!client.device.driver.empty() || each.name.minor == client.device.minor);
