@@ -88,7 +88,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ostringstream complaints;
     const std::string reportPath = directory.path("report.html");
     const std::string tracePath = directory.path("trace.json");
-    const bool isReported = control::makeReport(folder, reportPath, complaints, complaints) == control::SUCCESS;
+    const bool isReported =
+        control::makeReport(folder, reportPath, complaints, complaints) == control::SUCCESS;
     const bool isTraced = control::makeTrace(folder, tracePath, complaints, complaints) == control::SUCCESS;
     FUZZ_CHECK(isReported || !complaints.str().empty());
     // A trace can be made of a single frame, a report cannot.

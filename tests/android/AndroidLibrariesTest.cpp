@@ -1,4 +1,5 @@
-// The library and the companion's stand-in, compiled and linked against the platform's own libutils and liblog.
+// The library and the companion's stand-in, compiled and linked against the platform's own libutils and
+// liblog.
 
 #include "gui/WidgetsSettings.h"
 #include "utils/SystemInfoHelper.h"
@@ -18,7 +19,8 @@ namespace {
 
 TEST(AndroidLibraries, NameTheValuesOfADump) {
     std::vector<Ostra::DumpWidgetMeta> metas = gui::gWidgetsMeta;
-    EXPECT_EQ(metas[2].name.string(), gui::gWidgetsMeta[2].name.string()) << "the platform's share their bytes";
+    EXPECT_EQ(metas[2].name.string(), gui::gWidgetsMeta[2].name.string())
+        << "the platform's share their bytes";
     metas.insert(metas.begin(), {android::String8("First"), 0, 0});
 
     const std::string folder = testing::TempDir() + "/kordanix-android-libraries";

@@ -46,8 +46,8 @@ void __system_property_read_callback(const prop_info* pi,
 /// Calls `callback` for every property, in no particular order. Returns 0, or -1 without properties.
 int __system_property_foreach(void (*callback)(const prop_info* pi, void* cookie), void* cookie);
 
-/// Copies the value, at most PROP_VALUE_MAX - 1 bytes of it, into `value`, ends it with a zero and returns its
-/// length there; an empty text and 0 when there is no such property.
+/// Copies the value, at most PROP_VALUE_MAX - 1 bytes of it, into `value`, ends it with a zero and returns
+/// its length there; an empty text and 0 when there is no such property.
 int __system_property_get(const char* name, char* value);
 
 /// Blocks until the serial of `pi` (or, for a null `pi`, that of the last write) differs from `old_serial`,

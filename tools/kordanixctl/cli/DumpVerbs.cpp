@@ -1,5 +1,5 @@
-#include "conversions/DumpCommands.h"
 #include "cli/Verbs.h"
+#include "conversions/DumpCommands.h"
 
 #include <iostream>
 #include <memory>
