@@ -62,7 +62,7 @@ TEST_F(RunFolderTest, NothingIsRemovedWithoutEvidence) {
     const std::pair<const char*, std::function<void()>> spoils[] = {
         {"no marker", [] {}},
         {"a file of somebody else's",
-         [&] { std::ofstream(marker) << std::string(fs::file_size(aside), 'x'); }},
+         [&] { std::ofstream(marker) << std::string(static_cast<std::size_t>(fs::file_size(aside)), 'x'); }},
         {"a marker that is longer", [&] { std::ofstream(marker) << std::ifstream(aside).rdbuf() << 'x'; }},
         {"a link to a marker", [&] { fs::create_symlink(aside, marker); }},
         {"a pipe", [&] { mkfifo(marker.c_str(), 0600); }},
