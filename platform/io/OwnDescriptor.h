@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
+
 namespace platform {
 
 /// A descriptor of a file or socket that stays open in a process which is not ours. Such a program may close
@@ -26,8 +28,8 @@ public:
 
 private:
     int mDescriptor = -1;
-    dev_t mDevice = 0;
-    ino_t mInode = 0;
+    std::uint64_t mDevice = 0;  // not dev_t and ino_t, whose sizes vary with large-file support
+    std::uint64_t mInode = 0;
 };
 
 }  // namespace platform

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <string>
 
 #include "properties/PropertyText.h"
@@ -13,9 +14,9 @@ namespace platform {
 
 /// Tells two states of the file apart: of a new one the time is always later than of the one before it.
 struct FileVersion {
-    dev_t device = 0;
-    ino_t inode = 0;
-    off_t size = -1;
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = -1;
     timespec time = {};
 
     bool operator==(const FileVersion& other) const;
