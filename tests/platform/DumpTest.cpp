@@ -1,3 +1,4 @@
+#include "doubles/Emulator.h"
 #include "ostra/DumpNotice.h"
 #include "ostra/DumpPlan.h"
 #include "ostra/ProcessSocket.h"
@@ -209,12 +210,15 @@ TEST_F(Dump, EndsWithOneErrorWhenItCannotBeWritten) {
     const DumpNotice failed = ended();
     EXPECT_EQ(failed.state, DumpNotice::State::FAILED);
     EXPECT_THAT(failed.error, HasSubstr("File too large"));
-    {
-        const NoThreads noThreads;
-        Ostra::startDumping(METAS);
+    // QEMU starts threads whatever the limit.
+    if (!doubles::isEmulated()) {
+        {
+            const NoThreads noThreads;
+            Ostra::startDumping(METAS);
+        }
+        EXPECT_EQ(notice().number, failed.number + 1);
+        EXPECT_THAT(notice().error, HasSubstr("no thread"));
     }
-    EXPECT_EQ(notice().number, failed.number + 1);
-    EXPECT_THAT(notice().error, HasSubstr("no thread"));
     Ostra::startDumping(METAS);
     addFrames(1);
     Ostra::finishDumping();
