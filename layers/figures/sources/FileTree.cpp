@@ -46,7 +46,11 @@ int FileTree::open(const std::string& path, int flags) const {
     open_how how = {};
     how.flags = static_cast<unsigned int>(flags);
     how.resolve = RESOLVE_IN_ROOT;
-    const auto file = static_cast<int>(syscall(SYS_openat2, root, path.c_str(), &how, sizeof(how)));
+    auto file = static_cast<int>(syscall(SYS_openat2, root, path.c_str(), &how, sizeof(how)));
+    if (file < 0 && errno == ENOSYS) {
+        // Old kernels: then no link at the end of a path is followed at all.
+        file = openat(root, path.c_str() + 1, flags | O_NOFOLLOW);
+    }
     const int error = errno;
     close(root);
     errno = error;
