@@ -1,12 +1,11 @@
 #include "figures/SlowReader.h"
 
-#include <pthread.h>
-#include <signal.h>
+#include "utils/Thread.h"
+
 #include <unistd.h>
 
 #include <cmath>
 #include <exception>
-#include <functional>
 #include <limits>
 
 namespace figures {
@@ -41,20 +40,13 @@ void SlowReader::start() {
     }
     mShared->isStopRequested = false;
     mShared->isRequested = false;
-    // A thread inherits its creator's mask: with everything blocked, the application's signals keep
-    // going to the application's own threads.
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
     try {
-        mShared->thread = std::thread(run, std::ref(*mShared), mRead);
-        pthread_setname_np(mShared->thread.native_handle(), THREAD_NAME);
+        mShared->thread =
+            utils::startThread(THREAD_NAME, [shared = mShared.get(), read = mRead] { run(*shared, read); });
         mProcess = getpid();
     } catch (const std::exception&) {
         // No thread or no memory: latest() stays empty until a later start() succeeds.
     }
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 void SlowReader::stop() {

@@ -3,6 +3,7 @@
 #include "software/Image.h"
 
 #include <png.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -67,6 +68,12 @@ bool writeFile(const Image& image, const std::string& path, std::string& reason)
 bool writePng(const Image& image, const std::string& path, std::string& error) {
     if (image.mPixels.empty()) {
         return fail(error, "write", path, "the picture is empty");
+    }
+    // Renaming would take the place of a device as well.
+    struct stat status = {};
+    if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        return fail(error, "write", path,
+                    S_ISDIR(status.st_mode) ? "it is a directory" : "it is no regular file");
     }
     const std::string temporary = path + "." + std::to_string(getpid()) + ".tmp";
     std::string reason;

@@ -97,6 +97,10 @@ int readPlainFile(const std::string& path, std::string& bytes, std::size_t limit
 }
 
 int replaceFile(const std::string& path, std::string_view bytes, mode_t mode) {
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) {
+        return S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    }
     const std::string part = path + '.' + std::to_string(getpid()) + ".part";
     unlink(part.c_str());
     const int file = openPlainFile(part, O_WRONLY | O_CREAT | O_EXCL, mode);

@@ -26,8 +26,8 @@ int writeAll(int file, std::string_view bytes);
 int readPlainFile(const std::string& path, std::string& bytes, std::size_t limit, bool followsLink = false);
 
 /// Writes a file aside and renames it into place, so that others find the old bytes or the new ones, whatever
-/// happens in between. A link at `path` is replaced, not followed. Returns 0 or an error number; then nothing
-/// of it is left.
+/// happens in between. A link at `path` is replaced, not followed; what is neither a link nor a regular file
+/// is left alone (EINVAL, EISDIR). Returns 0 or an error number; then nothing of it is left.
 int replaceFile(const std::string& path, std::string_view bytes, mode_t mode = 0600);
 
 }  // namespace platform

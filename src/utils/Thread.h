@@ -12,8 +12,21 @@ namespace utils {
 /// that the caller has blocked already stay blocked.
 class SignalsBlocked {
 public:
-    SignalsBlocked();
-    ~SignalsBlocked();
+    // Giving back the mask as it was would unblock what sigset_t has no room for: on 32-bit Android that is
+    // every signal from 33 on. So only what was blocked here is unblocked again.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): sigfillset() does
+    SignalsBlocked() {
+        sigfillset(&mBlockedHere);
+        sigset_t before;
+        sigemptyset(&before);
+        pthread_sigmask(SIG_BLOCK, &mBlockedHere, &before);
+        for (int signal = 1; signal < NSIG; ++signal) {
+            if (sigismember(&before, signal) == 1) {
+                sigdelset(&mBlockedHere, signal);
+            }
+        }
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_UNBLOCK, &mBlockedHere, nullptr); }
     SignalsBlocked(const SignalsBlocked&) = delete;
     SignalsBlocked& operator=(const SignalsBlocked&) = delete;
 

@@ -3,6 +3,7 @@
 #include "platform/TemporaryDirectory.h"
 #include "software/Image.h"
 
+#include <sys/stat.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -42,7 +43,10 @@ TEST_F(Png, ReturnsWhatWasWrittenAndFailedWritesLeaveNothingBehind) {
         EXPECT_THAT(mError, HasSubstr("directory"));
     }
     EXPECT_FALSE(software::writePng(Image(), mFolder.path("empty.png"), mError));
-    EXPECT_EQ(std::distance(fs::directory_iterator(mFolder.path()), fs::directory_iterator()), 2);
+    ASSERT_EQ(mkfifo(mFolder.path("pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(software::writePng(mImage, mFolder.path("pipe"), mError));
+    EXPECT_TRUE(fs::is_fifo(mFolder.path("pipe")));
+    EXPECT_EQ(std::distance(fs::directory_iterator(mFolder.path()), fs::directory_iterator()), 3);
 }
 
 TEST_F(Png, FailedReadsNameTheFileAndKeepThePicture) {

@@ -245,8 +245,9 @@ TEST_F(DumpCommands, WriteTheirFileAndNeverTheDump) {
     std::filesystem::create_hard_link(folder + "/passes.csv", mFolder.path("linked"));
     std::filesystem::create_symlink(mFolder.path("page"), mFolder.path("shortcut"));
     const std::pair<std::string, const char*> refusals[] = {
-        {folder + "/frames.csv", "a file of the dump itself"},
-        {mFolder.path("linked"), "a file of the dump itself"},
+        {folder + "/frames.csv", "a file of a dump"},
+        {makeFolder("other") + "/passes.csv", "a file of a dump"},
+        {mFolder.path("linked"), "a file of a dump"},
         {mFolder.path("none/out"), "cannot be written: No such file or directory"},
         {folder, "cannot be written: Is a directory"},
         {mFolder.path("pipe"), "cannot be written: it is not a regular file"}};

@@ -31,6 +31,7 @@ namespace control {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 /// This process is the one with the overlay. It listens from the first test on.
 class OverlayCommandsTest : public testing::Test {
@@ -206,8 +207,11 @@ TEST_F(OverlayCommandsTest, KeysThatDoNothingAreExplained) {
     setNote("its window is too small");
     EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
     EXPECT_THAT(mErr.str(), HasSubstr("does not show the overlay: its window is too small"));
+    set({"proc", ""});
+    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
+    EXPECT_THAT(mErr.str(), Not(HasSubstr("which is for ''")));
     setNote({});
-    set({"devmode", "false"});
+    set({"devmode", "false", "proc", processName(getpid())});
     EXPECT_EQ(pressKey(Key::CAPTURE, std::nullopt, mOut, mErr), FAILURE);
     EXPECT_THAT(mErr.str(), HasSubstr("developer mode"));
     EXPECT_EQ(Ostra::receiveKeyEvents().size(), 0U);

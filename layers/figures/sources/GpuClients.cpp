@@ -139,8 +139,8 @@ GpuClients::Clients GpuClients::collect() {
         const GpuName device{info->driver, info->pciDevice, minor};
         // A duplicate of a file repeats its numbers; a second opening is a client of its own.
         const std::string client = info->client.empty() ? "file " + number : info->client;
-        const std::string bus = device.pciDevice.empty() ? std::string() : device.pciDevice;
-        clients.emplace(device.driver + ' ' + bus + ' ' + client, Client{device, *info, path, {}, {}});
+        clients.emplace(device.driver + ' ' + device.pciDevice + ' ' + client,
+                        Client{device, *info, path, {}, {}});
     }
     return clients;
 }
@@ -282,30 +282,17 @@ Value GpuClients::memory(bool isApu) const {
     return sum ? Value::of(static_cast<double>(*sum), file) : Value::none(Reason::NOT_SUPPORTED, file);
 }
 
-Value GpuClients::clock() const {
-    std::uint64_t hz = 0;
+Value GpuClients::highest(std::optional<std::uint64_t> FdInfo::Engine::*hertz) const {
+    std::uint64_t highest = 0;
     std::string file;
     for (const Client* const client : ofDevice()) {
         for (const auto& [name, engine] : client->info.engines) {
-            hz = std::max(hz, engine.currentHz.value_or(0));
+            highest = std::max(highest, (engine.*hertz).value_or(0));
         }
         file = client->file;
     }
-    return hz > 0 ? Value::of(static_cast<double>(hz) / HZ_PER_MHZ, file)
-                  : Value::none(Reason::NOT_SUPPORTED, file);
-}
-
-Value GpuClients::maxClock() const {
-    std::uint64_t hz = 0;
-    std::string file;
-    for (const Client* const client : ofDevice()) {
-        for (const auto& [name, engine] : client->info.engines) {
-            hz = std::max(hz, engine.maxHz.value_or(0));
-        }
-        file = client->file;
-    }
-    return hz > 0 ? Value::of(static_cast<double>(hz) / HZ_PER_MHZ, file)
-                  : Value::none(Reason::NOT_SUPPORTED, file);
+    return highest > 0 ? Value::of(static_cast<double>(highest) / HZ_PER_MHZ, file)
+                       : Value::none(Reason::NOT_SUPPORTED, file);
 }
 
 }  // namespace sources

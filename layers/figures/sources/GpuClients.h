@@ -51,8 +51,8 @@ public:
     Value memory(bool isApu) const;
 
     /// MHz, of drivers that tell them here.
-    Value clock() const;
-    Value maxClock() const;
+    Value clock() const { return highest(&FdInfo::Engine::currentHz); }
+    Value maxClock() const { return highest(&FdInfo::Engine::maxHz); }
 
     /// Whether any engine has worked for this process since the last reading.
     bool hasWorked() const { return mHasWorked; }
@@ -81,6 +81,7 @@ private:
     static void compare(Client& now, const Client& before, double seconds);
     void choose(double now);
     void updateLoad();
+    Value highest(std::optional<std::uint64_t> FdInfo::Engine::*hertz) const;
     std::vector<const Client*> ofDevice() const;
 
     const FileTree& mTree;

@@ -82,7 +82,7 @@ void MachineFigures::read(double now, const Wanted& wanted) {
         mClients->read(now);
     }
     locate();
-    readGpuOfProcess(now, wanted);
+    readGpuOfProcess();
     readGpu(now, wanted);
     if (mGpu.driver == NVIDIA) {
         readNvidia(wanted);
@@ -124,7 +124,7 @@ void MachineFigures::locate() {
     mGpu = std::move(device);
 }
 
-void MachineFigures::readGpuOfProcess(double /*now*/, const Wanted& /*wanted*/) {
+void MachineFigures::readGpuOfProcess() {
     if (!mClients) {
         at(Id::GPU_LOAD_PROCESS) = at(Id::GPU_MEMORY_PROCESS) = Value::none(Reason::NO_PROCESS);
         return;

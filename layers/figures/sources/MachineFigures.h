@@ -78,7 +78,7 @@ private:
     Value& at(Id id) { return mValues[static_cast<std::size_t>(id)]; }
     void readCpu(double now, const Wanted& wanted);
     void locate();
-    void readGpuOfProcess(double now, const Wanted& wanted);
+    void readGpuOfProcess();
     void readGpu(double now, const Wanted& wanted);
     void readNvidia(const Wanted& wanted);
 

@@ -1,8 +1,6 @@
 #include "figures/sources/NvidiaLibrary.h"
 
 #include <dlfcn.h>
-#include <pthread.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -14,6 +12,8 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include "utils/Thread.h"
 
 namespace sources {
 
@@ -198,26 +198,17 @@ std::optional<unsigned long long> NvidiaLibrary::Library::bytesOf(const ProcessL
 
 NvidiaLibrary::NvidiaLibrary(std::string pciDevice, int number)
     : mLibrary(std::make_shared<Library>()), mOwner(getpid()) {
-    // A new thread inherits its creator's mask: this one takes none of the application's signals.
-    sigset_t all;
-    sigset_t previous;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous);
     try {
-        std::thread thread([library = mLibrary, device = std::move(pciDevice), number] {
+        utils::startThread("kordanix-nvidia", [library = mLibrary, device = std::move(pciDevice), number] {
             try {
                 library->load(device, number);
             } catch (const std::exception&) {
                 library->state.store(Library::State::FAILED, std::memory_order_release);
             }
-        });
-        pthread_setname_np(thread.native_handle(), "kordanix-nvidia");
-        thread.detach();
-        mIsStarted = true;
+        }).detach();
     } catch (const std::exception&) {
         mLibrary->state.store(Library::State::FAILED, std::memory_order_release);
     }
-    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
 }
 
 NvidiaLibrary::~NvidiaLibrary() = default;

@@ -46,7 +46,6 @@ private:
 
     std::shared_ptr<Library> mLibrary;
     pid_t mOwner;
-    bool mIsStarted = false;
     unsigned long long mLastSample = 0;
     Value mLastProcessLoad;
 };

@@ -24,9 +24,9 @@ ExitCode convert(const std::string& folder, const std::string& path, DumpWriter 
     if (found != folder) {
         out << "The newest dump: " << found << '\n';
     }
-    for (const char* const name : {"/frames.csv", "/passes.csv"}) {
-        if (isSameFile(path, found + name)) {
-            return fail(path + ": is a file of the dump itself, which is not replaced", err);
+    for (const char* const name : {"frames.csv", "passes.csv"}) {
+        if (isSameFile(path, found + '/' + name) || isFileNamed(path, name)) {
+            return fail(path + ": is a file of a dump, which is not replaced", err);
         }
     }
     dumps::Dump dump;

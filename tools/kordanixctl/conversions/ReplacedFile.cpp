@@ -64,6 +64,11 @@ std::string ReplacedFile::fail(int error) const {
     return mPath + ": cannot be written: " + (error == EINVAL ? "it " : "") + platform::plainFileError(error);
 }
 
+bool isFileNamed(const std::string& path, const std::string& name) {
+    std::error_code notThere;
+    return std::filesystem::canonical(path, notThere).filename() == name;
+}
+
 bool isSameFile(const std::string& first, const std::string& second) {
     std::error_code notThere;
     return std::filesystem::equivalent(first, second, notThere);

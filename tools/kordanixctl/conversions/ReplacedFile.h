@@ -36,6 +36,9 @@ private:
     std::ofstream mStream;
 };
 
+/// Whether the path leads to a file of that name that is there.
+bool isFileNamed(const std::string& path, const std::string& name);
+
 /// Whether both paths lead to the same file that is there.
 bool isSameFile(const std::string& first, const std::string& second);
 

@@ -7,6 +7,7 @@
 #include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/ShowCommands.h"
+#include "runs/RunFolder.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
 #include "settings/ValueText.h"
@@ -82,7 +83,7 @@ void describeProcesses(const std::string& directory, std::ostream& out) {
     if (displayedValue("status") != "true") {
         out << "  The overlay is switched off: 'kordanixctl set status true' switches it on.\n";
     }
-    if (isAny && !isAnyNamed) {
+    if (isAny && !isAnyNamed && !platform::isRunFolder(directory)) {
         out << "  'kordanixctl set proc NAME' chooses the process by the name above.\n";
     }
 }

@@ -72,11 +72,16 @@ ExitCode DumpAnswers::await(std::vector<pid_t> processes, std::ostream& out, std
         usleep(processes.empty() ? 0 : POLL_PERIOD_US);
     }
     for (const pid_t process : processes) {
-        const std::string obstacle = findObstacle(mDirectory, process);
-        note(fail("process " + std::to_string(process) + ' ' +
-                      (obstacle.empty() ? "has presented no frame since, so that no dump began or ended yet"
-                                        : obstacle),
-                  err));
+        const auto& before = mBefore.at(process);
+        std::string reason = findObstacle(mDirectory, process);
+        if (reason.empty() && before && before->state == State::FAILED) {
+            reason = "begins no dump: this press ended the one that had failed (" + before->error +
+                     "); the next press begins anew";
+        } else if (reason.empty()) {
+            reason =
+                "does not answer: it has presented no frame since, or can write no file in " + mDirectory;
+        }
+        note(fail("process " + std::to_string(process) + ' ' + reason, err));
     }
     return result;
 }

@@ -73,11 +73,15 @@ std::string OverlayState::obstacle(pid_t process) const {
         return "does not show the overlay; " + describeProcess(*mClaimant, name(*mClaimant)) +
                " presented a frame first";
     }
+    const platform::OverlayNote* const its = note(process);
     const std::string wanted = displayedValue("proc");
+    // Without a name, whoever presents first has the overlay; who cannot show it says why and stays nameless.
+    if (wanted.empty() && its != nullptr && !its->reason.empty()) {
+        return "does not show the overlay: " + its->reason;
+    }
     if (name(process) != wanted) {
         return "does not show the overlay, which is for '" + wanted + "'";
     }
-    const platform::OverlayNote* const its = note(process);
     if (its == nullptr) {
         return {};
     }
