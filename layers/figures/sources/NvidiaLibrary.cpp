@@ -1,200 +1,36 @@
 #include "figures/sources/NvidiaLibrary.h"
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
-#include <atomic>
-#include <cstdint>
 #include <exception>
-#include <initializer_list>
-#include <thread>
 #include <utility>
 #include <vector>
 
+#include "figures/sources/NvidiaFunctions.h"
 #include "utils/Thread.h"
 
 namespace sources {
 
+using nvidia::FILE_NAME;
+using nvidia::Library;
+using nvidia::Memory;
+using nvidia::MOST_ROWS;
+using nvidia::NOT_FOUND;
+using nvidia::ProcessSample;
+using nvidia::reasonOfResult;
+using nvidia::SUCCESS;
+using nvidia::TOO_SMALL;
+using nvidia::Utilization;
+
 namespace {
-
-constexpr const char* FILE_NAME = "libnvidia-ml.so.1";
-
-// Results of the library's functions.
-constexpr int SUCCESS = 0;
-constexpr int NOT_SUPPORTED = 3;
-constexpr int NO_PERMISSION = 4;
-constexpr int NOT_FOUND = 6;
-constexpr int TOO_SMALL = 7;
 
 constexpr int SENSOR_OF_GPU = 0;
 constexpr int GRAPHICS_CLOCK = 0;
 constexpr double WATTS_PER_UNIT = 1e-3;
 constexpr unsigned int MOST_PERCENT = 100;
-constexpr unsigned int MOST_ROWS = 1024;
-constexpr unsigned long long UNKNOWN_BYTES = ~0ULL;
-
-using Handle = void*;
-
-struct Utilization {
-    unsigned int gpu;
-    unsigned int memory;
-};
-struct Memory {
-    unsigned long long total;
-    unsigned long long free;
-    unsigned long long used;
-};
-struct ProcessSample {
-    unsigned int process;
-    unsigned long long time;
-    unsigned int sm;
-    unsigned int memory;
-    unsigned int encoder;
-    unsigned int decoder;
-};
-static_assert(sizeof(void*) != 8 || sizeof(ProcessSample) == 32, "the library's layout");
-
-/// A row of the lists of processes; those of the oldest list end before `instances`.
-struct ProcessRow {
-    unsigned int process;
-    unsigned long long bytes;
-    unsigned int instances[2];
-};
-static_assert(sizeof(void*) != 8 || sizeof(ProcessRow) == 24, "the library's layout");
-constexpr std::size_t OLD_ROW_SIZE = 16;
-/// Some releases wrote larger rows than their headers said.
-constexpr std::size_t LARGEST_ROW_SIZE = 40;
-
-Reason reasonOfResult(int result) {
-    switch (result) {
-        case SUCCESS:
-            return Reason::NONE;
-        case NO_PERMISSION:
-            return Reason::NOT_ALLOWED;
-        case NOT_SUPPORTED:
-        default:
-            return Reason::NOT_SUPPORTED;
-    }
-}
 
 }  // namespace
-
-struct NvidiaLibrary::Library {
-    enum class State { LOADING, READY, FAILED };
-
-    std::atomic<State> state{State::LOADING};  ///< release when READY, so that what follows is seen
-    Reason failure = Reason::NO_FILE;
-    Handle device = nullptr;
-
-    int (*getUtilization)(Handle, Utilization*) = nullptr;
-    int (*getProcessUtilization)(Handle, ProcessSample*, unsigned int*, unsigned long long) = nullptr;
-    int (*getMemory)(Handle, Memory*) = nullptr;
-    int (*getTemperature)(Handle, int, unsigned int*) = nullptr;
-    int (*getClock)(Handle, int, unsigned int*) = nullptr;
-    int (*getMaxClock)(Handle, int, unsigned int*) = nullptr;
-    int (*getPower)(Handle, unsigned int*) = nullptr;
-    int (*getFan)(Handle, unsigned int*) = nullptr;
-
-    struct ProcessList {
-        int (*get)(Handle, unsigned int*, void*) = nullptr;
-        bool isOld = false;
-    };
-    ProcessList graphics;
-    ProcessList compute;
-
-    void load(const std::string& pciDevice, int number);
-    Reason open(void* file, const std::string& pciDevice, int number);
-    std::optional<unsigned long long> bytesOf(const ProcessList& list, pid_t process) const;
-};
-
-namespace {
-
-template <typename Function>
-void find(void* file, const char* name, Function& function) {
-    function = reinterpret_cast<Function>(dlsym(file, name));
-}
-
-}  // namespace
-
-void NvidiaLibrary::Library::load(const std::string& pciDevice, int number) {
-    void* const file = dlopen(FILE_NAME, RTLD_NOW | RTLD_LOCAL);
-    failure = file == nullptr ? Reason::NO_FILE : open(file, pciDevice, number);
-    state.store(failure == Reason::NONE ? State::READY : State::FAILED, std::memory_order_release);
-}
-
-Reason NvidiaLibrary::Library::open(void* file, const std::string& pciDevice, int number) {
-    int (*init)() = nullptr;
-    int (*byBus)(const char*, Handle*) = nullptr;
-    int (*byIndex)(unsigned int, Handle*) = nullptr;
-    find(file, "nvmlInit_v2", init);
-    find(file, "nvmlDeviceGetHandleByPciBusId_v2", byBus);
-    find(file, "nvmlDeviceGetHandleByIndex_v2", byIndex);
-    if (init == nullptr) {
-        return Reason::NOT_SUPPORTED;
-    }
-    const int started = init();
-    if (started != SUCCESS) {
-        return reasonOfResult(started);
-    }
-    // By its place on the bus only that device is touched.
-    int result = NOT_FOUND;
-    if (!pciDevice.empty() && byBus != nullptr) {
-        result = byBus(pciDevice.c_str(), &device);
-    } else if (byIndex != nullptr) {
-        result = byIndex(static_cast<unsigned int>(std::max(number, 0)), &device);
-    }
-    if (result != SUCCESS) {
-        return reasonOfResult(result);
-    }
-    find(file, "nvmlDeviceGetUtilizationRates", getUtilization);
-    find(file, "nvmlDeviceGetProcessUtilization", getProcessUtilization);
-    find(file, "nvmlDeviceGetMemoryInfo", getMemory);
-    find(file, "nvmlDeviceGetTemperature", getTemperature);
-    find(file, "nvmlDeviceGetClockInfo", getClock);
-    find(file, "nvmlDeviceGetMaxClockInfo", getMaxClock);
-    find(file, "nvmlDeviceGetPowerUsage", getPower);
-    find(file, "nvmlDeviceGetFanSpeed", getFan);
-    const auto findList = [&](const std::string& name, ProcessList& list) {
-        for (const char* const version : {"_v3", "_v2", ""}) {
-            if (list.get == nullptr) {
-                find(file, (name + version).c_str(), list.get);
-                list.isOld = *version == '\0';
-            }
-        }
-    };
-    findList("nvmlDeviceGetGraphicsRunningProcesses", graphics);
-    findList("nvmlDeviceGetComputeRunningProcesses", compute);
-    return Reason::NONE;
-}
-
-std::optional<unsigned long long> NvidiaLibrary::Library::bytesOf(const ProcessList& list,
-                                                                  pid_t process) const {
-    if (list.get == nullptr) {
-        return std::nullopt;
-    }
-    unsigned int count = 0;
-    int result = list.get(device, &count, nullptr);
-    if (result != SUCCESS && result != TOO_SMALL) {
-        return std::nullopt;
-    }
-    count = std::min(count + 8, MOST_ROWS);
-    std::vector<unsigned char> rows(count * LARGEST_ROW_SIZE * 2);
-    result = list.get(device, &count, rows.data());
-    if (result != SUCCESS) {
-        return std::nullopt;
-    }
-    const std::size_t size = list.isOld ? OLD_ROW_SIZE : sizeof(ProcessRow);
-    for (std::size_t i = 0; i < std::min(count, MOST_ROWS) && (i + 1) * size <= rows.size(); ++i) {
-        ProcessRow row = {};
-        std::copy_n(rows.data() + i * size, OLD_ROW_SIZE, reinterpret_cast<unsigned char*>(&row));
-        if (row.process == static_cast<unsigned int>(process) && row.bytes != UNKNOWN_BYTES) {
-            return row.bytes;
-        }
-    }
-    return std::nullopt;
-}
 
 NvidiaLibrary::NvidiaLibrary(std::string pciDevice, int number)
     : mLibrary(std::make_shared<Library>()), mOwner(getpid()) {
@@ -217,7 +53,7 @@ bool NvidiaLibrary::hasAnswered() {
     return mLibrary->state.load(std::memory_order_acquire) != Library::State::LOADING;
 }
 
-const NvidiaLibrary::Library* NvidiaLibrary::library(Value& otherwise) {
+const Library* NvidiaLibrary::library(Value& otherwise) {
     const Library::State state = mLibrary->state.load(std::memory_order_acquire);
     if (getpid() != mOwner || state == Library::State::LOADING) {
         otherwise = Value::none(Reason::NOT_ANSWERING, FILE_NAME);

@@ -9,6 +9,10 @@
 
 namespace sources {
 
+namespace nvidia {
+struct Library;
+}  // namespace nvidia
+
 /// The figures of one NVIDIA device from the library that its driver brings, which is loaded when it is first
 /// needed. Loading may take seconds or never end, so a thread of its own does it, which nobody waits for;
 /// until it is done every figure is NOT_ANSWERING. Each call takes a lock in the driver that the application
@@ -40,11 +44,10 @@ public:
     Value fan();                         ///< percent of its fastest
 
 private:
-    struct Library;
     /// Null while there is no answer; `otherwise` says why.
-    const Library* library(Value& otherwise);
+    const nvidia::Library* library(Value& otherwise);
 
-    std::shared_ptr<Library> mLibrary;
+    std::shared_ptr<nvidia::Library> mLibrary;
     pid_t mOwner;
     unsigned long long mLastSample = 0;
     Value mLastProcessLoad;

@@ -1,0 +1,52 @@
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "figures/sources/NvidiaLibrary.h"
+
+// The search path of libraries is this test's environment; each case has a process of its own.
+namespace {
+
+using sources::NvidiaLibrary;
+using sources::Reason;
+using sources::Value;
+
+bool waitForAnswer(NvidiaLibrary& library, int tenths) {
+    for (int i = 0; i < tenths && !library.hasAnswered(); ++i) {
+        usleep(100000);
+    }
+    return library.hasAnswered();
+}
+
+TEST(NvidiaLibrary, WhatIsMissingOrNonsenseIsNoFigure) {
+    NvidiaLibrary library("", 0);
+    ASSERT_TRUE(waitForAnswer(library, 100));
+    EXPECT_EQ(library.temperature().number, 71.0);
+    EXPECT_EQ(library.memoryUsed().number, 500.0);
+    EXPECT_EQ(library.memoryTotal().reason, Reason::NOT_SUPPORTED) << "a total of 0";
+    EXPECT_EQ(library.fan().reason, Reason::NOT_SUPPORTED);
+    EXPECT_EQ(library.clock().reason, Reason::NOT_SUPPORTED) << "there is no such function";
+    EXPECT_EQ(library.processMemory(getpid()).number, 4096.0);
+    EXPECT_EQ(library.processMemory(1234567).reason, Reason::NOT_SUPPORTED);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(library.processLoad(getpid()).number, 30.0);
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(library.temperature().reason == Reason::NOT_ANSWERING ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0) << "a forked child asks it";
+}
+
+TEST(NvidiaLibrary, AStartThatHangsIsNotWaitedFor) {
+    setenv("FAKE_NVIDIA", "hang", 1);
+    NvidiaLibrary library("", 0);
+    EXPECT_FALSE(waitForAnswer(library, 3));
+    EXPECT_EQ(library.temperature().reason, Reason::NOT_ANSWERING);
+}
+
+}  // namespace
