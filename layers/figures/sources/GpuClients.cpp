@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "figures/sources/ClientMemory.h"
+
 namespace sources {
 
 namespace {
@@ -42,42 +44,6 @@ std::uint64_t advance(std::uint64_t& largest, std::optional<std::uint64_t> now) 
     const std::uint64_t before = largest;
     largest = std::max(largest, now.value_or(0));
     return largest - before;
-}
-
-/// The memory of the regions that the driver counts as the GPU's own.
-std::optional<std::uint64_t> residentIn(const FdInfo& info, std::initializer_list<const char*> regions) {
-    std::optional<std::uint64_t> sum;
-    for (const char* const name : regions) {
-        const auto region = info.regions.find(name);
-        if (region != info.regions.end()) {
-            const auto bytes = region->second.resident ? region->second.resident : region->second.total;
-            sum = bytes ? std::optional(sum.value_or(0) + *bytes) : sum;
-        }
-    }
-    return sum;
-}
-
-std::optional<std::uint64_t> memoryOf(const FdInfo& info, bool isApu) {
-    if (info.driver == "amdgpu") {
-        return isApu ? residentIn(info, {"vram", "gtt"}) : residentIn(info, {"vram"});
-    }
-    if (info.driver == "i915") {
-        const auto local = residentIn(info, {"local0", "local1"});
-        return local ? local : residentIn(info, {"system0"});
-    }
-    if (info.driver == "xe") {
-        const auto local = residentIn(info, {"vram0", "vram1"});
-        return local ? local : residentIn(info, {"gtt"});
-    }
-    return residentIn(info, {"memory"});
-}
-
-std::uint64_t anyMemory(const FdInfo& info) {
-    std::uint64_t sum = 0;
-    for (const auto& [name, region] : info.regions) {
-        sum += region.resident ? *region.resident : region.total.value_or(0);
-    }
-    return sum;
 }
 
 bool needsProfiling(const std::string& driver) {
@@ -205,7 +171,7 @@ void GpuClients::choose(double now) {
         for (const auto& [engine, load] : client.loads) {
             found->load += load;
         }
-        found->memory += anyMemory(client.info);
+        found->memory += allMemory(client.info);
         found->name.minor = std::max(found->name.minor, client.device.minor);
     }
     mHasWorked = std::any_of(candidates.begin(), candidates.end(),
@@ -272,7 +238,7 @@ Value GpuClients::memory(bool isApu) const {
     std::optional<std::uint64_t> sum;
     std::string file;
     for (const Client* const client : ofDevice()) {
-        const auto bytes = memoryOf(client->info, isApu);
+        const auto bytes = ownMemory(client->info, isApu);
         sum = bytes ? std::optional(sum.value_or(0) + *bytes) : sum;
         file = client->file;
     }
