@@ -62,7 +62,9 @@ TEST_F(RunProgram, RunsAsIfByItself) {
         {"$CTL run --set api=1 ls", 2, "", ".*--set proc=NAME.*"},
         {"$CTL run", 2, "", ".*no program is given.*"},
         {"$CTL --process 1 run ls", 2, "", ".*has no --process.*"},
+#ifndef __SANITIZE_THREAD__  // whose runtime writes a file before main() begins
         {"(ulimit -f 0; exec $CTL run ls 2>&1) | cat", 0, "kordanixctl: .*File too large.*", ""},
+#endif
         {"mkdir -p a/bin; cp $CTL a/bin; a/bin/kordanixctl run ls", 1, "", ".*preload.so.*not installed.*"},
         {"mkdir a/lib; cp " + preload + " a/lib; mv a 'a b'; 'a b'/bin/kordanixctl run ls", 1, "",
          ".*blank.*"},
