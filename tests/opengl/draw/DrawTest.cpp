@@ -6,8 +6,9 @@
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
-#include "opengl/draw/AppPicture.h"
-#include "opengl/draw/GlStage.h"
+#include "opengl/context/HeadlessContext.h"
+#include "opengl/draw/OverlayDrawing.h"
+#include "opengl/gl/SavedState.h"
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
 #include "support/PictureDifference.h"
@@ -17,7 +18,9 @@
 #include <unistd.h>
 
 #include <cmath>
+#include <cstring>
 #include <ctime>
+#include <functional>
 #include <limits>
 #include <memory>
 #include <string>
@@ -100,34 +103,113 @@ void drawScene(scene::PrimitiveFactory& factory, const Drawers& drawers, bool is
     factory.clearClip();
 }
 
-class Draw : public testing::TestWithParam<GlStage::Api> {
-protected:
-    std::unique_ptr<GlStage> stage(const Size& size, bool isSrgb = false) {
-        auto made = GlStage::create(GetParam(), size.width, size.height, isSrgb);
-        EXPECT_TRUE(made != nullptr || isSrgb);
-        return made;
+struct Kind {
+    const char* name;
+    HeadlessContext::Api api;
+    int major, minor;
+    bool isPlain;  ///< of what later versions have, nothing is used
+};
+
+opengl::Functions functionsFor(const HeadlessContext& context, bool isPlain) {
+    opengl::Functions functions = context.functions();
+    for (bool opengl::Features::*feature : {&opengl::Features::vertexArrays, &opengl::Features::redTextures,
+                                            &opengl::Features::textureSwizzle}) {
+        functions.features.*feature = functions.features.*feature && !isPlain;
+    }
+    return functions;
+}
+
+/// A context with the overlay's drawing in it.
+struct Stage {
+    /// Draws the primitives of a frame.
+    using Drawing = std::function<void(drawlist::DrawListFactory&)>;
+
+    explicit Stage(std::unique_ptr<HeadlessContext> made, bool isPlain)
+        : context(std::move(made)),
+          gl(functionsFor(*context, isPlain)),
+          state(gl),
+          drawing(gl),
+          factory(drawing.factory()) {}
+
+    /// The application's picture: blocks through which what is translucent shows.
+    void paint() const {
+        const auto clear = reinterpret_cast<PFNGLCLEARPROC>(context->getProcAddress("glClear"));
+        const auto clearColor =
+            reinterpret_cast<PFNGLCLEARCOLORPROC>(context->getProcAddress("glClearColor"));
+        gl.enable(GL_SCISSOR_TEST);
+        for (int block = 0; block < 20 * 12; ++block) {
+            const int column = block % 20;
+            const int row = block / 20;
+            const float shade = 0.1F + 0.04F * static_cast<float>(row);
+            const bool isLight = (row + column) % 3 == 0;
+            gl.scissor(context->width() * column / 20, context->height() * row / 12,
+                       context->width() / 20 + 1, context->height() / 12 + 1);
+            clearColor(isLight ? 0.6F : shade, isLight ? 0.5F : shade, isLight ? shade : 0.4F, 1.0F);
+            clear(GL_COLOR_BUFFER_BIT);
+        }
+        gl.disable(GL_SCISSOR_TEST);
     }
 
-    ~Draw() override { monotonicTime = 0; }
-
-    /// The application's picture, and over it what `draw` draws anew.
-    bool show(GlStage& made, const std::function<void(drawlist::DrawListFactory&)>& draw,
-              bool isSame = false) {
-        made.context().makeCurrent();
-        made.paintBlocks();
-        drawlist::DrawListFactory& factory = made.drawing().factory();
-        const std::function<void()> frame = [&] {
+    /// The application's picture, and over it what `draw` draws anew. False when it could not be shown.
+    bool show(const Drawing& draw, bool isSame = false) {
+        context->makeCurrent();
+        paint();
+        allocations = bench::allocations();
+        drawing.setSurface(context->width(), context->height(), isSrgb);
+        bool isShown = state.save(context->width(), context->height());
+        if (isShown) {
             if (factory.beginDrawing(isSame)) {
                 draw(factory);
             }
-        };
-        mAllocations = bench::allocations();
-        const bool isShown = made.show(frame);
-        mAllocations = bench::allocations() - mAllocations;
+            isShown = drawing.show(state);
+            state.restore();
+        }
+        allocations = bench::allocations() - allocations;
         return isShown;
     }
 
-    std::size_t mAllocations = 0;  ///< of the last frame
+    software::Image read() const {
+        software::Image image(static_cast<std::uint32_t>(context->width()),
+                              static_cast<std::uint32_t>(context->height()));
+        const std::vector<std::uint8_t> pixels = context->readPixels();
+        std::memcpy(image.mPixels.data(), pixels.data(), pixels.size());
+        return image;
+    }
+
+    std::unique_ptr<HeadlessContext> context;
+    opengl::Functions gl;  ///< what the drawing calls; a test may put others in their place
+    opengl::SavedState state;
+    opengl::OverlayDrawing drawing;
+    drawlist::DrawListFactory& factory;
+    bool isSrgb = false;
+    std::size_t allocations = 0;  ///< of the last frame
+};
+
+class Draw : public testing::TestWithParam<Kind> {
+protected:
+    ~Draw() override { monotonicTime = 0; }
+
+    /// Null without such a context.
+    static std::unique_ptr<Stage> stage(const Size& size, bool isSrgb = false) {
+        HeadlessContext::Options options;
+        options.api = GetParam().api;
+        options.major = GetParam().major;
+        options.minor = GetParam().minor;
+        options.width = static_cast<int>(size.width);
+        options.height = static_cast<int>(size.height);
+        options.srgb = isSrgb;
+        auto context = HeadlessContext::create(options);
+        EXPECT_TRUE(context != nullptr || isSrgb);
+        if (context == nullptr) {
+            return nullptr;
+        }
+        auto made = std::make_unique<Stage>(std::move(context), GetParam().isPlain);
+        made->isSrgb = isSrgb;
+        EXPECT_TRUE(made->state.save(options.width, options.height));
+        EXPECT_EQ(made->drawing.create(), "");
+        made->state.restore();
+        return made;
+    }
 };
 
 TEST_P(Draw, LooksAsTheSoftwareLayer) {
@@ -136,14 +218,14 @@ TEST_P(Draw, LooksAsTheSoftwareLayer) {
             SCOPED_TRACE(std::to_string(size.width) + (isClipped ? " clipped" : " whole"));
             software::Surface surface(size.width, size.height);
             software::SoftwareFactory factory(surface);
-            paintBlocks(surface.mImage);
+            const auto made = stage(size);
+            made->paint();
+            surface.mImage = made->read();
             const Drawers expected = makeScene(factory);
             surface.beginOverlay();
             drawScene(factory, expected, isClipped);
-
-            const auto made = stage(size);
-            const Drawers drawers = makeScene(made->drawing().factory());
-            ASSERT_TRUE(show(*made, [&](auto& list) { drawScene(list, drawers, isClipped); }));
+            const Drawers drawers = makeScene(made->factory);
+            ASSERT_TRUE(made->show([&](auto& list) { drawScene(list, drawers, isClipped); }));
             const PictureDifference difference = comparePictures(surface.mImage, made->read());
             EXPECT_LE(difference.largestInside, LARGEST_INSIDE);
             EXPECT_LE(difference.largestAtEdges, LARGEST_AT_EDGES);
@@ -181,13 +263,11 @@ void countCalls(opengl::Functions& functions) {
 
 TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
     const auto made = stage(SIZES[0]);
-    countCalls(made->functions());
-    const Drawers drawers = makeScene(made->drawing().factory());
-    const std::function<void(drawlist::DrawListFactory&)> draw = [&](auto& factory) {
-        drawScene(factory, drawers, false);
-    };
+    countCalls(made->gl);
+    const Drawers drawers = makeScene(made->factory);
+    const Stage::Drawing draw = [&](auto& factory) { drawScene(factory, drawers, false); };
     monotonicTime = 1;
-    EXPECT_TRUE(show(*made, draw) && show(*made, draw));
+    EXPECT_TRUE(made->show(draw) && made->show(draw));
     EXPECT_GT(uploads, 0);
     const software::Image first = made->read();
 
@@ -195,8 +275,8 @@ TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
     for (const bool isAgain : {false, true}) {
         SCOPED_TRACE(isAgain ? "shown again" : "drawn anew");
         uploads = copies = drawCalls = 0;
-        EXPECT_TRUE(show(*made, draw, isAgain));
-        EXPECT_EQ(mAllocations, 0);
+        EXPECT_TRUE(made->show(draw, isAgain));
+        EXPECT_EQ(made->allocations, 0);
         EXPECT_EQ(uploads, 0);
         EXPECT_EQ(copies, 0);
         EXPECT_EQ(drawCalls, 3);
@@ -207,17 +287,16 @@ TEST_P(Draw, AFrameWithNothingNewUploadsAndAllocatesNothing) {
 // A copy is a round through a GPU's memory.
 TEST_P(Draw, TheApplicationsPictureIsTakenTwiceASecondWhileItIsShown) {
     const auto made = stage(SIZES[2]);
-    countCalls(made->functions());
-    const auto thumbnail = made->drawing().factory().createThumbnail();
-    const auto rect = made->drawing().factory().createRect();
+    countCalls(made->gl);
+    const auto thumbnail = made->factory.createThumbnail();
+    const auto rect = made->factory.createRect();
     thumbnail->mSize = rect->mSize = {0.2F, 0.2F};
     rect->mColor = glm::vec4(1.0F);
     monotonicTime = 1;
     const auto copiesOfTwoSeconds = [&](drawer::Drawer& drawer) {
         copies = 0;
         for (int frame = 0; frame < 20; ++frame) {
-            EXPECT_TRUE(show(
-                *made, [&](auto&) { drawer.draw(); }, frame % 3 != 0));
+            EXPECT_TRUE(made->show([&](auto&) { drawer.draw(); }, frame % 3 != 0));
             monotonicTime += 100;
         }
         return copies;
@@ -227,59 +306,59 @@ TEST_P(Draw, TheApplicationsPictureIsTakenTwiceASecondWhileItIsShown) {
     EXPECT_EQ(copiesOfTwoSeconds(*thumbnail), 4);
 }
 
-// What is as before is taken over from the drawing before; everything else must show.
-TEST_P(Draw, WhateverChangesShows) {
-    struct Pair {
-        std::unique_ptr<drawer::TextDrawer> text;
-        std::unique_ptr<drawer::MeshDrawer> mesh;
-    };
-    const auto make = [](drawlist::DrawListFactory& factory) {
-        Pair pair{factory.createText(), factory.createMesh(scene::Topology::TRIANGLE_STRIP)};
-        pair.text->setText("Kept 48");
-        pair.text->mPosition = {0.1F, 0.1F};
-        pair.text->mSize = {0.6F, 0.2F};
-        pair.mesh->mVertices = {{-1.0F, 1.0F}, {-1.0F, 0.2F}, {1.0F, 1.0F}, {1.0F, -0.4F}};
-        pair.mesh->mPosition = {0.1F, 0.4F};
-        pair.mesh->mSize = {0.6F, 0.3F};
-        pair.text->mTextColor = pair.mesh->mColor = glm::vec4(1.0F);
-        return pair;
-    };
+/// A text and a mesh on a list of their own.
+struct Kept {
+    drawlist::DrawList list;
+    drawlist::DrawListFactory factory{list};
+    std::unique_ptr<drawer::TextDrawer> text = factory.createText();
+    std::unique_ptr<drawer::MeshDrawer> mesh = factory.createMesh(scene::Topology::TRIANGLE_STRIP);
     bool isClipped = false;
-    const std::vector<std::function<void(Pair&)>> changes = {
-        [](Pair& pair) { pair.text->mTextColor.r = pair.mesh->mColor.r = 0.2F; },
-        [](Pair& pair) { pair.text->setText("Kept 49"); },
-        [](Pair& pair) { pair.text->setTextGravity(gui::TextGravity::RIGHT); },
-        [](Pair& pair) { pair.text->setTextSizeHint(20); },
-        [](Pair& pair) { pair.text->setTextEllipsize(gui::TextEllipsize::START); },
-        [](Pair& pair) { pair.text->mTranslation.x = pair.mesh->mTranslation.y = 0.1F; },
-        [](Pair& pair) { pair.mesh->mVertices[3].y = -0.9F; },
-        [](Pair& pair) { pair.text->mSize.x = pair.mesh->mSize.x = 0.3F; },
-        [&](Pair&) { isClipped = true; },
-    };
-    const auto showPair = [&](GlStage& made, const Pair& pair) {
-        return show(made, [&](auto& factory) {
-            if (isClipped) {
-                factory.setClip({0.0F, 0.0F}, {0.3F, 1.0F});
-            }
-            pair.text->draw();
-            pair.mesh->draw();
-            factory.clearClip();
-        });
-    };
-    const auto kept = stage(SIZES[2]);
-    Pair changed = make(kept->drawing().factory());
-    ASSERT_TRUE(showPair(*kept, changed));
-    for (std::size_t i = 0; i < changes.size(); ++i) {
-        changes[i](changed);
-        ASSERT_TRUE(showPair(*kept, changed));
-        const software::Image picture = kept->read();
-        const auto fresh = stage(SIZES[2]);
-        Pair anew = make(fresh->drawing().factory());
-        for (std::size_t k = 0; k <= i; ++k) {
-            changes[k](anew);
+
+    Kept() {
+        list.setSize(320, 200);
+        text->setText("Kept 48");
+        text->mPosition = {0.1F, 0.1F};
+        text->mSize = {0.6F, 0.2F};
+        mesh->mVertices = {{-1.0F, 1.0F}, {-1.0F, 0.2F}, {1.0F, 1.0F}, {1.0F, -0.4F}};
+        mesh->mPosition = {0.1F, 0.4F};
+        mesh->mSize = {0.6F, 0.3F};
+        text->mTextColor = mesh->mColor = glm::vec4(1.0F);
+    }
+
+    /// The bytes of what it draws.
+    std::string draw() {
+        factory.beginDrawing(false);
+        if (isClipped) {
+            factory.setClip({0.0F, 0.0F}, {0.3F, 1.0F});
         }
-        ASSERT_TRUE(showPair(*fresh, anew));
-        EXPECT_EQ(picture.mPixels, fresh->read().mPixels) << "after change " << i;
+        text->draw();
+        mesh->draw();
+        factory.clearClip();
+        return {reinterpret_cast<const char*>(list.batch.vertices()),
+                list.batch.vertexCount() * sizeof(drawlist::Vertex)};
+    }
+};
+
+// What is as before is taken over from the drawing before; everything else must show.
+TEST(DrawList, WhateverChangesShows) {
+    void (*const changes[])(Kept&) = {
+        [](Kept& kept) { kept.text->mTextColor.r = kept.mesh->mColor.r = 0.2F; },
+        [](Kept& kept) { kept.text->setText("Kept 84"); },
+        [](Kept& kept) { kept.text->setTextGravity(gui::TextGravity::RIGHT); },
+        [](Kept& kept) { kept.text->setTextSizeHint(20); },
+        [](Kept& kept) { kept.text->setTextEllipsize(gui::TextEllipsize::START); },
+        [](Kept& kept) { kept.text->mTranslation.x = kept.mesh->mTranslation.y = 0.1F; },
+        [](Kept& kept) { kept.mesh->mVertices[3].y = -0.9F; },
+        [](Kept& kept) { kept.text->mSize.x = kept.mesh->mSize.x = 0.3F; },
+        [](Kept& kept) { kept.isClipped = true; },
+    };
+    Kept kept;
+    kept.draw();
+    for (const auto& change : changes) {
+        change(kept);
+        const std::string drawn = kept.draw();
+        kept.factory.beginDrawing(false);  // which leaves nothing to take over
+        EXPECT_EQ(drawn, kept.draw()) << "after change " << &change - changes;
     }
 }
 
@@ -310,9 +389,9 @@ TEST(DrawList, SurvivesValuesThatAreNoNumbers) {
 
 TEST_P(Draw, TakesNoNamesThatAProgramMayChoose) {
     const auto made = stage(SIZES[2]);
-    const Drawers drawers = makeScene(made->drawing().factory());
-    ASSERT_TRUE(show(*made, [&](auto& factory) { drawScene(factory, drawers, false); }));
-    const opengl::Functions& gl = made->functions();
+    const Drawers drawers = makeScene(made->factory);
+    ASSERT_TRUE(made->show([&](auto& factory) { drawScene(factory, drawers, false); }));
+    const opengl::Functions& gl = made->gl;
     for (GLuint name = 1; name < 1000 && !gl.version.isCore; ++name) {
         ASSERT_FALSE(gl.isTexture(name) || gl.isBuffer(name) || gl.isFramebuffer(name)) << name;
     }
@@ -320,14 +399,14 @@ TEST_P(Draw, TakesNoNamesThatAProgramMayChoose) {
 
 TEST_P(Draw, AFullGlyphTextureIsEmptiedForTheNextDrawing) {
     const auto made = stage(SIZES[2]);
-    const auto text = made->drawing().factory().createText();
+    const auto text = made->factory.createText();
     text->mPosition = {0.1F, 0.1F};
     text->setText("Mg8");
     text->setTextColor(glm::vec4(1.0F));
     const auto drawAt = [&](float height) {
         text->mSize = {0.8F, height};
-        EXPECT_TRUE(show(*made, [&](auto&) { text->draw(); }));
-        return made->drawing().list().glyphs.isFull() ? 1 : 0;
+        EXPECT_TRUE(made->show([&](auto&) { text->draw(); }));
+        return made->drawing.list().glyphs.isFull() ? 1 : 0;
     };
     drawAt(0.3F);
     const software::Image first = made->read();
@@ -347,17 +426,25 @@ TEST_P(Draw, ColoursAreTheSameOnAnSrgbSurface) {
     if (made == nullptr) {
         GTEST_SKIP() << "no such surface";
     }
-    const auto rect = made->drawing().factory().createRect();
+    const auto rect = made->factory.createRect();
     rect->mSize = {1.0F, 1.0F};
     rect->mColor = {0.2F, 0.52F, 0.8F, 1.0F};
-    ASSERT_TRUE(show(*made, [&](auto&) { rect->draw(); }));
+    ASSERT_TRUE(made->show([&](auto&) { rect->draw(); }));
     const software::Pixel pixel = made->read().row(100)[100];
     EXPECT_NEAR(pixel.mRed, 51, 1);
     EXPECT_NEAR(pixel.mGreen, 133, 1);
     EXPECT_NEAR(pixel.mBlue, 204, 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Apis, Draw, testing::ValuesIn(GlStage::APIS),
+const Kind KINDS[] = {
+    {"gl2", HeadlessContext::Api::COMPATIBILITY, 2, 1, true},
+    {"gl4", HeadlessContext::Api::COMPATIBILITY, 3, 2, false},
+    {"core", HeadlessContext::Api::CORE, 3, 2, false},
+    {"es2", HeadlessContext::Api::ES, 2, 0, true},
+    {"es3", HeadlessContext::Api::ES, 3, 0, false},
+};
+
+INSTANTIATE_TEST_SUITE_P(Kinds, Draw, testing::ValuesIn(KINDS),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
 }  // namespace

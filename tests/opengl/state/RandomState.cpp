@@ -1,71 +1,25 @@
 #include "opengl/state/RandomState.h"
 
-#include <algorithm>
+#include <cstdint>
 #include <initializer_list>
-#include <iterator>
 
-#include "opengl/state/Call.h"
+#include "opengl/state/StateDump.h"
 
 namespace {
 
-using Random = std::mt19937;
 using Names = std::initializer_list<GLenum>;
 
-int below(Random& random, int end) {
-    return static_cast<int>(random() % static_cast<unsigned>(end));
-}
-GLuint bits(Random& random) {
-    return static_cast<GLuint>(random());
-}
-bool oneIn(Random& random, int n) {
-    return below(random, n) == 0;
-}
-GLfloat fraction(Random& random) {
-    return static_cast<GLfloat>(below(random, 9)) / 8;
-}
-
-template <typename Value>
-Value pick(Random& random, std::initializer_list<Value> values) {
-    return values.begin()[below(random, static_cast<int>(values.size()))];
-}
-
-unsigned pick(Random& random, const std::vector<unsigned>& names) {
-    return oneIn(random, 3) ? 0
-                            : names[static_cast<std::size_t>(below(random, static_cast<int>(names.size())))];
-}
-
-void clearErrors() {
-    while (CALL(GetError)() != GL_NO_ERROR) {
-    }
-}
-
-// Each is tried on every context: where it is unknown, it is an error without an effect.
 // clang-format off
-const GLenum SWITCHES[] = {
-    GL_BLEND, GL_CULL_FACE, GL_DEPTH_TEST, GL_DITHER, GL_SCISSOR_TEST, GL_STENCIL_TEST,
-    GL_POLYGON_OFFSET_FILL, GL_POLYGON_OFFSET_LINE, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_SAMPLE_COVERAGE,
-    GL_SAMPLE_ALPHA_TO_ONE, GL_SAMPLE_MASK, GL_SAMPLE_SHADING, GL_MULTISAMPLE, GL_COLOR_LOGIC_OP,
-    GL_DEPTH_CLAMP, GL_FRAMEBUFFER_SRGB, GL_LINE_SMOOTH, GL_POLYGON_SMOOTH, GL_PRIMITIVE_RESTART,
-    GL_PRIMITIVE_RESTART_FIXED_INDEX, GL_PROGRAM_POINT_SIZE, GL_RASTERIZER_DISCARD,
-    GL_TEXTURE_CUBE_MAP_SEAMLESS, GL_CLIP_DISTANCE0, GL_CLIP_DISTANCE1, GL_CLIP_DISTANCE7, GL_DEBUG_OUTPUT,
-    GL_BLEND_ADVANCED_COHERENT_KHR, GL_CONSERVATIVE_RASTERIZATION_INTEL, GL_DEPTH_BOUNDS_TEST_EXT,
-    GL_ALPHA_TEST, GL_POLYGON_STIPPLE, GL_LINE_STIPPLE, GL_LIGHTING, GL_FOG, GL_COLOR_MATERIAL,
-    GL_NORMALIZE, GL_COLOR_SUM_EXT, GL_VERTEX_PROGRAM_TWO_SIDE_ARB, GL_POINT_SPRITE_ARB, GL_TEXTURE_2D};
+const GLenum PACK_REVERSE_ROW_ORDER_ANGLE = 0x93A4;
+const Names FACTORS = {GL_ZERO, GL_ONE, GL_SRC_COLOR, GL_DST_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_SRC_ALPHA};
+const Names EQUATIONS = {GL_FUNC_ADD, GL_FUNC_SUBTRACT, GL_FUNC_REVERSE_SUBTRACT, GL_MIN, GL_MAX};
+const Names BUFFERS = {
+    GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER, GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER, GL_UNIFORM_BUFFER,
+    GL_COPY_READ_BUFFER, GL_QUERY_BUFFER, GL_DRAW_INDIRECT_BUFFER};
+const Names QUERIES = {
+    GL_SAMPLES_PASSED, GL_ANY_SAMPLES_PASSED, GL_ANY_SAMPLES_PASSED_CONSERVATIVE, GL_PRIMITIVES_GENERATED,
+    GL_TIME_ELAPSED, GL_VERTICES_SUBMITTED, GL_FRAGMENT_SHADER_INVOCATIONS, GL_CLIPPING_OUTPUT_PRIMITIVES};
 // clang-format on
-
-// clang-format off
-const GLenum FACTORS[] = {
-    GL_ZERO, GL_ONE, GL_SRC_COLOR, GL_DST_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_CONSTANT_COLOR,
-    GL_SRC_ALPHA_SATURATE, GL_SRC_ALPHA};
-// clang-format on
-const GLenum EQUATIONS[] = {GL_FUNC_ADD, GL_FUNC_SUBTRACT, GL_FUNC_REVERSE_SUBTRACT, GL_MIN, GL_MAX};
-const GLenum COMPARISONS[] = {GL_NEVER, GL_LESS, GL_EQUAL, GL_LEQUAL, GL_GREATER, GL_NOTEQUAL, GL_ALWAYS};
-const GLenum OPERATIONS[] = {GL_KEEP, GL_ZERO, GL_REPLACE, GL_INCR, GL_INVERT};
-
-template <std::size_t Count>
-GLenum pick(Random& random, const GLenum (&values)[Count]) {
-    return values[below(random, static_cast<int>(Count))];
-}
 
 const char* const OLD_VERTEX = "attribute vec4 p; varying vec4 v; void main() { v = p; gl_Position = p; }";
 const char* const OLD_FRAGMENT = "void main() { gl_FragColor = vec4(0.5); }";
@@ -79,21 +33,28 @@ const char* const CHOOSING_FRAGMENT =
 
 const GLfloat CLIENT_VERTICES[64] = {};
 
+void clearErrors() {
+    while (CALL(GetError)() != GL_NO_ERROR) {
+    }
+}
+
 }  // namespace
 
-unsigned RandomState::link(const char* vertex, const char* fragment, bool captures) const {
+GLuint RandomState::link(bool captures, const char* fragment) const {
+    const bool isCore = mGl.version.isCore || fragment != nullptr;
+    const char* const sources[] = {isCore ? CORE_VERTEX : OLD_VERTEX, fragment != nullptr ? fragment
+                                                                      : isCore            ? CORE_FRAGMENT
+                                                                                          : OLD_FRAGMENT};
     const GLuint program = CALL(CreateProgram)();
-    const auto attach = [program](GLenum type, const char* source) {
-        const GLuint shader = CALL(CreateShader)(type);
-        CALL(ShaderSource)(shader, 1, &source, nullptr);
+    for (const int i : {0, 1}) {
+        const GLuint shader = CALL(CreateShader)(i == 0 ? GL_VERTEX_SHADER : GL_FRAGMENT_SHADER);
+        CALL(ShaderSource)(shader, 1, &sources[i], nullptr);
         CALL(CompileShader)(shader);
         CALL(AttachShader)(program, shader);
         CALL(DeleteShader)(shader);
-    };
-    attach(GL_VERTEX_SHADER, vertex);
-    attach(GL_FRAGMENT_SHADER, fragment);
+    }
+    const char* const captured = "v";
     if (captures) {
-        const char* const captured = "v";
         CALL(TransformFeedbackVaryings)(program, 1, &captured, GL_INTERLEAVED_ATTRIBS);
     }
     CALL(LinkProgram)(program);
@@ -104,83 +65,80 @@ RandomState::RandomState(const HeadlessContext& context, const HeadlessContext& 
                          const opengl::Functions& gl)
     : mContext(context), mOther(other), mGl(gl) {
     const opengl::Features& features = gl.features;
-    const auto make = [](std::vector<unsigned>& names, const auto& generate) {
+    const auto make = [](Objects& names, const auto& generate, const auto& prepare) {
         names.resize(3);
         generate(3, names.data());
+        for (const GLuint name : names) {
+            prepare(name);
+        }
     };
-    make(mTextures, CALL(GenTextures));
-    for (const GLuint texture : mTextures) {
+    make(mTextures, CALL(GenTextures), [](GLuint texture) {
         CALL(BindTexture)(GL_TEXTURE_2D, texture);
         CALL(TexImage2D)(GL_TEXTURE_2D, 0, GL_RGBA, 4, 4, 0, GL_RGBA, GL_UNSIGNED_BYTE, nullptr);
-    }
-    make(mBuffers, CALL(GenBuffers));
-    for (const GLuint buffer : mBuffers) {
+    });
+    make(mFramebuffers, CALL(GenFramebuffers), [this](GLuint framebuffer) {
+        CALL(BindFramebuffer)(GL_FRAMEBUFFER, framebuffer);
+        CALL(FramebufferTexture2D)
+        (GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, mTextures[0], 0);
+    });
+    make(mBuffers, CALL(GenBuffers), [](GLuint buffer) {
         CALL(BindBuffer)(GL_ARRAY_BUFFER, buffer);
         CALL(BufferData)(GL_ARRAY_BUFFER, 4096, nullptr, GL_STATIC_DRAW);
-    }
-    make(mFramebuffers, CALL(GenFramebuffers));
-    for (std::size_t i = 0; i < mFramebuffers.size(); ++i) {
-        CALL(BindFramebuffer)(GL_FRAMEBUFFER, mFramebuffers[i]);
-        CALL(FramebufferTexture2D)(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, mTextures[i], 0);
-    }
+    });
     if (features.vertexArrays) {
-        make(mVertexArrays, CALL(GenVertexArrays));
+        make(mVertexArrays, CALL(GenVertexArrays), CALL(BindVertexArray));
     }
     if (features.samplers) {
-        make(mSamplers, CALL(GenSamplers));
-        for (const GLuint sampler : mSamplers) {
-            CALL(SamplerParameteri)(sampler, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-        }
+        make(mSamplers, CALL(GenSamplers), [](GLuint sampler) { CALL(BindSampler)(0, sampler); });
     }
-    const bool isCore = gl.version.isCore;
-    const char* const vertex = isCore ? CORE_VERTEX : OLD_VERTEX;
-    const char* const fragment = isCore ? CORE_FRAGMENT : OLD_FRAGMENT;
-    mProgram = link(vertex, fragment);
-    if (features.transformFeedback) {
-        mCapturing = link(vertex, fragment, true);
-    }
+    mProgram = link();
+    mCapturing = features.transformFeedback ? link(true) : 0;
     if (features.subroutines) {
-        mChoosing = link(CORE_VERTEX, CHOOSING_FRAGMENT);
+        mChoosing = link(false, CHOOSING_FRAGMENT);
+        CALL(UseProgram)(mChoosing);  // so that it is known what can be asked of it
     }
     if (features.programPipelines) {
+        const char* const source = mChoosing != 0       ? CHOOSING_FRAGMENT
+                                   : mGl.version.isCore ? CORE_FRAGMENT
+                                                        : OLD_FRAGMENT;
         CALL(GenProgramPipelines)(1, &mPipeline);
-        const char* const source = mChoosing != 0 ? CHOOSING_FRAGMENT : fragment;
-        const GLuint separate = CALL(CreateShaderProgramv)(GL_FRAGMENT_SHADER, 1, &source);
-        CALL(UseProgramStages)(mPipeline, GL_FRAGMENT_SHADER_BIT, separate);
+        CALL(UseProgramStages)
+        (mPipeline, GL_FRAGMENT_SHADER_BIT, CALL(CreateShaderProgramv)(GL_FRAGMENT_SHADER, 1, &source));
     }
-    if (features.queries) {
-        make(mQueries, CALL(GenQueries));
-        if (features.samplesQueries) {  // no sample passes: what hangs on this one is not drawn
-            CALL(BeginQuery)(GL_SAMPLES_PASSED, mQueries[0]);
-            CALL(EndQuery)(GL_SAMPLES_PASSED);
-        }
+    if (features.samplesQueries) {  // no sample passes: what hangs on this one is not drawn
+        CALL(GenQueries)(1, &mEmptyQuery);
+        CALL(BeginQuery)(GL_SAMPLES_PASSED, mEmptyQuery);
+        CALL(EndQuery)(GL_SAMPLES_PASSED);
     }
-    if (features.compatibility) {
-        const GLubyte nothing[128] = {};
-        CALL(PolygonStipple)(nothing);
-    }
+    const GLubyte stipple[128] = {};
+    CALL(PolygonStipple)(stipple);
+    CALL(AlphaFunc)(GL_NEVER, 0);
+    CALL(DepthFunc)(GL_NEVER);
+    CALL(StencilFunc)(GL_NEVER, 1, 3);
+    CALL(StencilOp)(GL_INVERT, GL_INVERT, GL_INVERT);
+    CALL(CullFace)(GL_FRONT_AND_BACK);
+    CALL(LogicOp)(GL_CLEAR);
+    CALL(SampleCoverage)(0, GL_FALSE);
+    CALL(SampleMaski)(0, 0);
+    CALL(BlendColor)(0.1F, 0.2F, 0.3F, 0.4F);
+    CALL(VertexPointer)(2, GL_FLOAT, 8, nullptr);
     clearErrors();
 }
 
-RandomState::Expectation RandomState::set(unsigned seed) {
-    Random random(seed);
+RandomState::Expectation RandomState::set(unsigned seed, const StateDump& known) {
+    Dice dice(seed);
     Expectation expectation;
     wipe();
-    setSwitches(random);
-    setValues(random);
-    setPixels(random);
-    bindObjects(random);
-    if (mGl.features.compatibility) {
-        setFixedFunction(random);
+    setValues(dice, known);
+    bindObjects(dice);
+    bindProgram(dice, expectation);
+    if (dice.oneIn(10)) {
+        deleteElsewhere(dice, expectation);
     }
-    bindProgram(random, expectation);
-    if (oneIn(random, 10)) {
-        deleteElsewhere(random, expectation);
-    }
-    record(random, expectation);
+    record(dice, expectation);
     clearErrors();
-    if (oneIn(random, 3)) {
-        expectation.pendingError = pick<GLenum>(random, {GL_INVALID_ENUM, GL_INVALID_VALUE});
+    if (dice.oneIn(3)) {
+        expectation.pendingError = dice.pick<GLenum>({GL_INVALID_ENUM, GL_INVALID_VALUE});
     }
     return expectation;
 }
@@ -205,222 +163,159 @@ void RandomState::wipe() const {
     CALL(Clear)(GL_COLOR_BUFFER_BIT | GL_STENCIL_BUFFER_BIT);
 }
 
-void RandomState::setSwitches(Random& random) const {
-    for (const GLenum name : SWITCHES) {
-        oneIn(random, 2) ? CALL(Enable)(name) : CALL(Disable)(name);
+/// Each is tried on every context: where it is unknown, it is an error without an effect.
+void RandomState::setValues(Dice& dice, const StateDump& known) const {
+    const auto factor = [&dice] { return dice.pick(FACTORS); };
+    const auto mode = [&dice] { return dice.pick<GLenum>({GL_FILL, GL_LINE, GL_POINT}); };
+    for (const GLenum name : known.switches()) {
+        if (name > GL_CLIP_DISTANCE0 && name < GL_CLIP_DISTANCE0 + 7) {
+            continue;  // to Mesa each set of them is a shader of its own, to be compiled
+        }
+        dice.oneIn(2) ? CALL(Enable)(name) : CALL(Disable)(name);
     }
-    // Where there is one viewport only, Mesa counts several all the same.
-    const bool hasViewports = mGl.features.viewportArrays;
-    for (GLuint i = 0; i < 3 && oneIn(random, 2); ++i) {
-        const GLenum name = hasViewports && oneIn(random, 2) ? GL_SCISSOR_TEST : GL_BLEND;
-        oneIn(random, 2) ? CALL(Enablei)(name, i) : CALL(Disablei)(name, i);
+    for (const GLenum name : {GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_PRIMITIVE_RESTART_NV}) {
+        dice.oneIn(2) ? CALL(EnableClientState)(name) : CALL(DisableClientState)(name);
     }
-}
-
-void RandomState::setValues(Random& random) const {
-    const auto flag = [&random] { return static_cast<GLboolean>(below(random, 2)); };
-    const auto size = [&random] { return below(random, 20); };
-    const auto factor = [&random] { return pick(random, FACTORS); };
-    oneIn(random, 3) ? CALL(Viewport)(0, 0, mContext.width(), mContext.height())
-                     : CALL(Viewport)(size() - 5, size() - 5, size(), size());
-    CALL(Scissor)(size(), size(), size(), size());
+    for (const GLenum name : known.integers()) {
+        if (name == PACK_REVERSE_ROW_ORDER_ANGLE) {
+            continue;  // which the layer does not know: its pictures are upside down
+        }
+        CALL(PixelStorei)(name, 1);
+        CALL(PixelStorei)(name, dice.pick({0, 1, 2, 4, 8}));
+        CALL(PixelTransferf)(name, dice.fraction());
+    }
+    dice.oneIn(3) ? CALL(Viewport)(0, 0, mContext.width(), mContext.height())
+                  : CALL(Viewport)(dice.size() - 5, dice.size() - 5, dice.size(), dice.size());
+    CALL(Scissor)(dice.size(), dice.size(), dice.size(), dice.size());
     CALL(BlendFuncSeparate)(factor(), factor(), factor(), factor());
-    if (oneIn(random, 3)) {
+    if (dice.oneIn(3)) {
         CALL(BlendFuncSeparate)(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     }
-    CALL(BlendEquationSeparate)(pick(random, EQUATIONS), pick(random, EQUATIONS));
-    CALL(ColorMask)(flag(), flag(), flag(), flag());
-    if (oneIn(random, 4)) {
-        CALL(BlendEquation)(pick<GLenum>(random, {GL_MULTIPLY_KHR, GL_SCREEN_KHR, GL_FUNC_ADD}));
+    CALL(BlendEquationSeparate)(dice.pick(EQUATIONS), dice.pick(EQUATIONS));
+    if (dice.oneIn(4)) {
+        CALL(BlendEquation)(dice.pick<GLenum>({GL_MULTIPLY_KHR, GL_SCREEN_KHR, GL_FUNC_ADD}));
     }
-    for (GLuint i = static_cast<GLuint>(below(random, 4)); i < 3; ++i) {
-        CALL(ViewportIndexedf)(i, fraction(random) * 20, fraction(random) * 20, fraction(random) * 20, 8);
-        CALL(ScissorIndexed)(i, size(), size(), size(), size());
+    CALL(ColorMask)(dice.flag(), dice.flag(), dice.flag(), dice.flag());
+    for (GLuint i = dice.bits() % 4; i < 3; ++i) {
+        // Where there is one viewport only, Mesa counts several all the same.
+        const GLenum name = mGl.features.viewportArrays && dice.oneIn(2) ? GL_SCISSOR_TEST : GL_BLEND;
+        dice.oneIn(2) ? CALL(Enablei)(name, i) : CALL(Disablei)(name, i);
+        CALL(ViewportIndexedf)(i, dice.fraction() * 20, dice.fraction() * 20, dice.fraction() * 20, 8);
+        CALL(ScissorIndexed)(i, dice.size(), dice.size(), dice.size(), dice.size());
         CALL(BlendFuncSeparatei)(i, factor(), factor(), factor(), factor());
-        CALL(BlendEquationSeparatei)(i, pick(random, EQUATIONS), pick(random, EQUATIONS));
-        CALL(ColorMaski)(i, flag(), flag(), flag(), flag());
+        CALL(BlendEquationSeparatei)(i, dice.pick(EQUATIONS), dice.pick(EQUATIONS));
+        CALL(ColorMaski)(i, dice.flag(), dice.flag(), dice.flag(), dice.flag());
     }
-    CALL(BlendColor)(fraction(random), fraction(random), fraction(random), fraction(random));
-    CALL(DepthFunc)(pick(random, COMPARISONS));
-    CALL(DepthMask)(flag());
-    CALL(DepthRangef)(fraction(random), fraction(random));
-    for (const GLenum face : Names{GL_FRONT, GL_BACK}) {
-        CALL(StencilFuncSeparate)(face, pick(random, COMPARISONS), below(random, 8), bits(random) % 256);
-        CALL(StencilOpSeparate)
-        (face, pick(random, OPERATIONS), pick(random, OPERATIONS), pick(random, OPERATIONS));
-        CALL(StencilMaskSeparate)(face, bits(random) % 256);
-        CALL(PolygonMode)(face, pick<GLenum>(random, {GL_FILL, GL_LINE, GL_POINT}));
-    }
-    if (oneIn(random, 2)) {
-        CALL(PolygonMode)(GL_FRONT_AND_BACK, pick<GLenum>(random, {GL_FILL, GL_LINE}));
-    }
-    CALL(CullFace)(pick<GLenum>(random, {GL_FRONT, GL_BACK, GL_FRONT_AND_BACK}));
-    CALL(FrontFace)(pick<GLenum>(random, {GL_CW, GL_CCW}));
-    CALL(PolygonOffset)(fraction(random), fraction(random));
-    CALL(LogicOp)(pick<GLenum>(random, {GL_COPY, GL_XOR, GL_CLEAR, GL_INVERT}));
-    CALL(SampleCoverage)(fraction(random), flag());
-    CALL(SampleMaski)(0, bits(random));
-    CALL(MinSampleShading)(fraction(random));
-    CALL(PrimitiveRestartIndex)(static_cast<GLuint>(below(random, 8)));
+    CALL(DepthMask)(dice.flag());
+    CALL(StencilMask)(dice.bits() % 256);
+    CALL(PolygonMode)(GL_FRONT_AND_BACK, mode());
+    CALL(PolygonMode)(GL_FRONT, mode());
     CALL(ClipControl)
-    (pick<GLenum>(random, {GL_LOWER_LEFT, GL_UPPER_LEFT}),
-     pick<GLenum>(random, {GL_NEGATIVE_ONE_TO_ONE, GL_ZERO_TO_ONE}));
-    CALL(ClearColor)(fraction(random), fraction(random), fraction(random), 1);
-    CALL(LineWidth)(1 + fraction(random));
-    CALL(ProvokingVertex)(pick<GLenum>(random, {GL_FIRST_VERTEX_CONVENTION, GL_LAST_VERTEX_CONVENTION}));
+    (dice.pick<GLenum>({GL_LOWER_LEFT, GL_UPPER_LEFT}),
+     dice.pick<GLenum>({GL_NEGATIVE_ONE_TO_ONE, GL_ZERO_TO_ONE}));
+    CALL(ClearColor)(dice.fraction(), dice.fraction(), dice.fraction(), 1);
+    CALL(PrimitiveRestartIndex)(dice.bits() % 8);
+    for (const GLenum matrix : {GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
+        CALL(MatrixMode)(matrix);
+        CALL(Scalef)(dice.fraction(), 1, 1);
+    }
+    CALL(MatrixMode)(dice.pick<GLenum>({GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}));
+    CALL(TexEnvi)(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, dice.pick<GLint>({GL_MODULATE, GL_DECAL, GL_COMBINE}));
+    CALL(ClampColor)(GL_CLAMP_FRAGMENT_COLOR_ARB, dice.pick<GLenum>({GL_TRUE, GL_FALSE, GL_FIXED_ONLY}));
 }
 
-void RandomState::setPixels(Random& random) const {
-    for (const GLenum name : Names{GL_UNPACK_ALIGNMENT, GL_PACK_ALIGNMENT}) {
-        CALL(PixelStorei)(name, pick(random, {1, 2, 4, 8}));
-    }
-    for (const GLenum name :
-         Names{GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS, GL_PACK_ROW_LENGTH,
-               GL_PACK_SKIP_ROWS, GL_PACK_SKIP_PIXELS, GL_UNPACK_IMAGE_HEIGHT, GL_PACK_SKIP_IMAGES}) {
-        CALL(PixelStorei)(name, oneIn(random, 2) ? 0 : below(random, 40));
-    }
-    for (const GLenum name : Names{GL_UNPACK_SWAP_BYTES, GL_UNPACK_LSB_FIRST, GL_PACK_SWAP_BYTES,
-                                   GL_PACK_LSB_FIRST, GL_PACK_INVERT_MESA}) {
-        CALL(PixelStorei)(name, below(random, 2));
-    }
-}
-
-void RandomState::bindObjects(Random& random) {
+void RandomState::bindObjects(Dice& dice) const {
     if (!mVertexArrays.empty()) {
-        CALL(BindVertexArray)(pick(random, mVertexArrays));
+        CALL(BindVertexArray)(dice.object(mVertexArrays));
     }
     for (GLuint i = 0; i < 5; ++i) {
-        const GLuint buffer = pick(random, mBuffers);
+        const GLuint buffer = dice.object(mBuffers);
         CALL(BindBuffer)(GL_ARRAY_BUFFER, buffer);
         const void* const pointer =
             buffer != 0 ? reinterpret_cast<const void*>(std::uintptr_t{16}) : CLIENT_VERTICES;
         CALL(VertexAttribPointer)
-        (i, 1 + below(random, 4), pick<GLenum>(random, {GL_FLOAT, GL_UNSIGNED_BYTE}),
-         static_cast<GLboolean>(below(random, 2)), pick(random, {0, 16, 20}), pointer);
-        if (oneIn(random, 4)) {
-            CALL(VertexAttribIPointer)(i, 1 + below(random, 4), GL_UNSIGNED_SHORT, 8, pointer);
+        (i, 1 + dice.below(4), dice.pick<GLenum>({GL_FLOAT, GL_UNSIGNED_BYTE}), dice.flag(),
+         dice.pick({0, 16, 20}), pointer);
+        if (dice.oneIn(4)) {
+            CALL(VertexAttribIPointer)(i, 1 + dice.below(4), GL_UNSIGNED_SHORT, 8, pointer);
         }
-        CALL(VertexAttribDivisor)(i, static_cast<GLuint>(below(random, 3)));
-        oneIn(random, 2) ? CALL(EnableVertexAttribArray)(i) : CALL(DisableVertexAttribArray)(i);
-        CALL(VertexAttrib4f)(i, fraction(random), fraction(random), fraction(random), fraction(random));
+        CALL(VertexAttribDivisor)(i, dice.bits() % 3);
+        dice.oneIn(2) ? CALL(EnableVertexAttribArray)(i) : CALL(DisableVertexAttribArray)(i);
+        CALL(VertexAttrib4f)(i, dice.fraction(), dice.fraction(), dice.fraction(), dice.fraction());
     }
-    for (const GLenum target :
-         Names{GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER, GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER,
-               GL_UNIFORM_BUFFER, GL_COPY_READ_BUFFER, GL_QUERY_BUFFER, GL_DRAW_INDIRECT_BUFFER}) {
-        CALL(BindBuffer)(target, pick(random, mBuffers));
+    for (const GLenum target : BUFFERS) {
+        CALL(BindBuffer)(target, dice.object(mBuffers));
     }
     for (GLuint unit = 0; unit < 3; ++unit) {
         CALL(ActiveTexture)(GL_TEXTURE0 + unit);
-        CALL(BindTexture)(GL_TEXTURE_2D, pick(random, mTextures));
+        CALL(BindTexture)(GL_TEXTURE_2D, dice.object(mTextures));
         if (!mSamplers.empty()) {
-            CALL(BindSampler)(unit, pick(random, mSamplers));
+            CALL(BindSampler)(unit, dice.object(mSamplers));
         }
     }
-    CALL(ActiveTexture)(GL_TEXTURE0 + static_cast<GLenum>(below(random, 3)));
+    CALL(ActiveTexture)(GL_TEXTURE0 + dice.bits() % 3);
     // The default framebuffer's own state first; it is bound elsewhere when that is saved.
     CALL(BindFramebuffer)(GL_FRAMEBUFFER, 0);
-    const GLenum buffers[] = {pick<GLenum>(random, {GL_BACK, GL_NONE, GL_BACK_LEFT}), GL_NONE, GL_FRONT_LEFT};
+    const GLenum buffers[] = {dice.pick<GLenum>({GL_BACK, GL_NONE, GL_BACK_LEFT}), GL_NONE, GL_FRONT_LEFT};
     CALL(DrawBuffers)(1, buffers);
-    if (oneIn(random, 2)) {
-        CALL(DrawBuffer)(pick<GLenum>(random, {GL_BACK, GL_FRONT, GL_FRONT_AND_BACK, GL_NONE}));
+    if (dice.oneIn(2)) {
+        CALL(DrawBuffer)(dice.pick<GLenum>({GL_BACK, GL_FRONT, GL_FRONT_AND_BACK, GL_NONE}));
     }
-    if (oneIn(random, 3)) {
+    if (dice.oneIn(3)) {
         CALL(DrawBuffers)(3, buffers);
     }
-    CALL(ReadBuffer)(pick<GLenum>(random, {GL_BACK, GL_NONE, GL_FRONT}));
-    CALL(BindFramebuffer)(GL_FRAMEBUFFER, pick(random, mFramebuffers));
+    CALL(ReadBuffer)(dice.pick<GLenum>({GL_BACK, GL_NONE, GL_FRONT}));
+    CALL(BindFramebuffer)(GL_FRAMEBUFFER, dice.object(mFramebuffers));
     if (mGl.features.readFramebuffers) {
-        CALL(BindFramebuffer)(GL_READ_FRAMEBUFFER, pick(random, mFramebuffers));
+        CALL(BindFramebuffer)(GL_READ_FRAMEBUFFER, dice.object(mFramebuffers));
     }
 }
 
-void RandomState::setFixedFunction(Random& random) const {
-    GLfloat matrix[16];
-    for (const GLenum mode : Names{GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
-        for (GLfloat& element : matrix) {
-            element = fraction(random);
-        }
-        CALL(MatrixMode)(mode);
-        CALL(LoadMatrixf)(matrix);
-    }
-    CALL(MatrixMode)(pick<GLenum>(random, {GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}));
-    const GLint environment = pick<GLint>(random, {GL_MODULATE, GL_DECAL, GL_COMBINE});
-    CALL(TexEnvi)(GL_TEXTURE_ENV, GL_TEXTURE_ENV_MODE, environment);
-    CALL(AlphaFunc)(pick(random, COMPARISONS), fraction(random));
-    CALL(ShadeModel)(pick<GLenum>(random, {GL_FLAT, GL_SMOOTH}));
-    CALL(Color4f)(fraction(random), fraction(random), fraction(random), fraction(random));
-    CALL(ClampColor)(GL_CLAMP_FRAGMENT_COLOR_ARB, pick<GLenum>(random, {GL_TRUE, GL_FALSE, GL_FIXED_ONLY}));
-    CALL(VertexPointer)(2, GL_FLOAT, 8, nullptr);
-    for (const GLenum name : Names{GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_PRIMITIVE_RESTART_NV}) {
-        oneIn(random, 2) ? CALL(EnableClientState)(name) : CALL(DisableClientState)(name);
-    }
-    const bool isScaled = oneIn(random, 2);
-    for (const GLenum name :
-         Names{GL_RED_SCALE, GL_GREEN_SCALE, GL_ALPHA_SCALE, GL_RED_BIAS, GL_ALPHA_BIAS}) {
-        const bool isScale = name == GL_RED_SCALE || name == GL_GREEN_SCALE || name == GL_ALPHA_SCALE;
-        CALL(PixelTransferf)(name, isScaled ? fraction(random) : isScale ? 1 : 0);
-    }
-    CALL(PixelTransferi)(GL_MAP_COLOR, isScaled && oneIn(random, 2));
-}
-
-void RandomState::bindProgram(Random& random, Expectation& expectation) {
-    const opengl::Features& features = mGl.features;
-    if (features.programPipelines) {
+void RandomState::bindProgram(Dice& dice, Expectation& expectation) {
+    if (mGl.features.programPipelines) {
         CALL(UseProgram)(0);
-        CALL(BindProgramPipeline)(oneIn(random, 2) ? mPipeline : 0);
+        CALL(BindProgramPipeline)(dice.oneIn(2) ? mPipeline : 0);
     }
-    const int kind = below(random, 20);
-    if (kind < 5) {
-        CALL(UseProgram)(0);
-    } else if (kind < 10 || (kind < 14 && mChoosing == 0)) {
-        CALL(UseProgram)(mProgram);
-    } else if (kind < 14) {
-        CALL(UseProgram)(mChoosing);
-    } else if (kind < 18 && mCapturing != 0) {
-        CALL(UseProgram)(mCapturing);
+    const int kind = dice.below(20);
+    const GLuint program = kind < 5 ? 0 : kind >= 18 ? link() : dice.pick({mProgram, mChoosing, mCapturing});
+    CALL(UseProgram)(program);
+    if (kind == 18) {  // its executable stays in use, but the program cannot be made current again
+        GLuint shader = 0;
+        const char* const nothing = "";
+        CALL(GetAttachedShaders)(program, 1, nullptr, &shader);
+        CALL(ShaderSource)(shader, 1, &nothing, nullptr);
+        CALL(CompileShader)(shader);
+        CALL(LinkProgram)(program);
+    } else if (kind == 19) {
+        CALL(DeleteProgram)(program);
+    } else if (program != 0 && program == mCapturing) {
         CALL(BindBufferBase)(GL_TRANSFORM_FEEDBACK_BUFFER, 0, mBuffers[0]);
         CALL(BeginTransformFeedback)(GL_POINTS);
         mIsCapturing = true;
-        if (oneIn(random, 3)) {
+        if (dice.oneIn(3)) {
             CALL(PauseTransformFeedback)();
         }
-    } else if (kind >= 18) {
-        const bool isCore = mGl.version.isCore;
-        const GLuint program = link(isCore ? CORE_VERTEX : OLD_VERTEX, isCore ? CORE_FRAGMENT : OLD_FRAGMENT);
-        CALL(UseProgram)(program);
-        if (kind == 18) {  // its executable stays in use, but the program cannot be made current again
-            GLuint shader = 0;
-            const char* const nothing = "";
-            CALL(GetAttachedShaders)(program, 1, nullptr, &shader);
-            CALL(ShaderSource)(shader, 1, &nothing, nullptr);
-            CALL(CompileShader)(shader);
-            CALL(LinkProgram)(program);
-        } else {
-            CALL(DeleteProgram)(program);
-        }
-        expectation.draws = false;
     }
-    if (features.subroutines) {
-        const GLuint choice[3] = {bits(random) % 2, bits(random) % 2, bits(random) % 2};
-        CALL(UniformSubroutinesuiv)(GL_FRAGMENT_SHADER, 3, choice);
-    }
+    expectation.draws = kind < 18;
+    const GLuint choice[3] = {dice.bits() % 2, dice.bits() % 2, dice.bits() % 2};
+    CALL(UniformSubroutinesuiv)(GL_FRAGMENT_SHADER, 3, choice);
 }
 
-void RandomState::deleteElsewhere(Random& random, Expectation& expectation) {
-    const int kind = below(random, 5);
+void RandomState::deleteElsewhere(Dice& dice, Expectation& expectation) const {
+    const int kind = dice.below(5);
     GLuint name = 0;
     if (kind == 0) {
-        CALL(ActiveTexture)(GL_TEXTURE0);
         CALL(GenTextures)(1, &name);
+        CALL(ActiveTexture)(GL_TEXTURE0);
         CALL(BindTexture)(GL_TEXTURE_2D, name);
-        CALL(ActiveTexture)(GL_TEXTURE0 + static_cast<GLenum>(below(random, 3)));
+        CALL(ActiveTexture)(GL_TEXTURE0 + dice.bits() % 3);
     } else if (kind == 1 && !mSamplers.empty()) {
         CALL(GenSamplers)(1, &name);
         CALL(BindSampler)(0, name);
     } else if (kind == 2 || kind == 3) {
         CALL(GenBuffers)(1, &name);
         CALL(BindBuffer)(kind == 2 ? GL_ARRAY_BUFFER : GL_PIXEL_UNPACK_BUFFER, name);
-    } else if (kind == 4 && oneIn(random, 2)) {
+    } else if (kind == 4 && dice.oneIn(2)) {
         CALL(GenFramebuffers)(1, &name);
         CALL(BindFramebuffer)(GL_FRAMEBUFFER, name);
     }
@@ -449,9 +344,9 @@ void RandomState::deleteElsewhere(Random& random, Expectation& expectation) {
     }
 }
 
-void RandomState::record(Random& random, Expectation& expectation) {
+void RandomState::record(Dice& dice, Expectation& expectation) {
     const opengl::Features& features = mGl.features;
-    const int kind = below(random, 20);
+    const int kind = dice.below(20);
     if (kind == 0 && features.compatibility) {
         CALL(NewList)(1, GL_COMPILE);
         mIsCompiling = true;
@@ -462,23 +357,16 @@ void RandomState::record(Random& random, Expectation& expectation) {
         CALL(RenderMode)(GL_FEEDBACK);
         expectation.draws = false;
     } else if (kind == 2 && features.samplesQueries && features.primitiveRestart) {
-        CALL(BeginConditionalRender)(mQueries[0], GL_QUERY_WAIT);
+        CALL(BeginConditionalRender)(mEmptyQuery, GL_QUERY_WAIT);
         mIsConditional = true;
         expectation.isVisible = false;
     } else if (kind < 6 && features.queries) {
-        const GLenum target = pick<GLenum>(
-            random, {GL_SAMPLES_PASSED, GL_ANY_SAMPLES_PASSED, GL_ANY_SAMPLES_PASSED_CONSERVATIVE,
-                     GL_PRIMITIVES_GENERATED, GL_TIME_ELAPSED, GL_VERTICES_SUBMITTED,
-                     GL_FRAGMENT_SHADER_INVOCATIONS, GL_CLIPPING_OUTPUT_PRIMITIVES});
-        GLuint query = 0;
-        CALL(GenQueries)(1, &query);
+        mRunning = dice.pick(QUERIES);
+        CALL(GenQueries)(1, &mRunningQuery);
         clearErrors();
-        CALL(BeginQuery)(target, query);
-        if (CALL(GetError)() == GL_NO_ERROR) {
-            mRunning = target;
-            mQueries.push_back(query);
-            expectation.draws = expectation.draws && target == GL_TIME_ELAPSED;
-        }
+        CALL(BeginQuery)(mRunning, mRunningQuery);
+        const bool isCounted = CALL(GetError)() == GL_NO_ERROR && mRunning != GL_TIME_ELAPSED;
+        expectation.draws = expectation.draws && !isCounted;
     }
 }
 
@@ -486,16 +374,13 @@ void RandomState::end() {
     if (mIsCompiling) {
         CALL(EndList)();
     }
-    if (mGl.features.compatibility) {
-        CALL(RenderMode)(GL_RENDER);
-    }
+    CALL(RenderMode)(GL_RENDER);
     if (mIsConditional) {
         CALL(EndConditionalRender)();
     }
     if (mRunning != 0) {
         CALL(EndQuery)(mRunning);
-        CALL(DeleteQueries)(1, &mQueries.back());
-        mQueries.pop_back();
+        CALL(DeleteQueries)(1, &mRunningQuery);
     }
     if (mIsCapturing) {
         CALL(EndTransformFeedback)();

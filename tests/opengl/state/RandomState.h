@@ -1,9 +1,11 @@
 #pragma once
 
-#include <random>
 #include <vector>
 
+#include "opengl/state/Dice.h"
+
 class HeadlessContext;
+class StateDump;
 namespace opengl {
 struct Functions;
 }
@@ -20,37 +22,36 @@ public:
         unsigned pendingError = 0;
     };
 
-    /// Makes the objects that are bound later. other shares its objects with context and is made current for
-    /// a moment now and then. gl is context's; what is off in its features is left alone.
+    /// Makes the objects that are bound later, and sets what would take the overlay away where a switch for
+    /// it were left on. other shares its objects with context and is made current for a moment now and then.
+    /// gl is context's; what is off in its features is left alone.
     RandomState(const HeadlessContext& context, const HeadlessContext& other, const opengl::Functions& gl);
 
-    /// Sets everything there is at random; no error is pending but the expected one once raiseError() was
-    /// called.
-    Expectation set(unsigned seed);
+    /// Sets everything there is at random, switches and integers by the names that the context knows; no
+    /// error is pending but the expected one once raiseError() was called.
+    Expectation set(unsigned seed, const StateDump& known);
     void raiseError(const Expectation& expectation) const;
 
     /// Ends what began in set() and would be in the way of the next.
     void end();
 
 private:
-    using Random = std::mt19937;
+    using Objects = std::vector<GLuint>;
 
-    unsigned link(const char* vertex, const char* fragment, bool captures = false) const;
+    GLuint link(bool captures = false, const char* fragment = nullptr) const;
     void wipe() const;  ///< the surface
-    void setSwitches(Random& random) const;
-    void setValues(Random& random) const;
-    void setPixels(Random& random) const;
-    void setFixedFunction(Random& random) const;
-    void bindObjects(Random& random);
-    void bindProgram(Random& random, Expectation& expectation);
-    void deleteElsewhere(Random& random, Expectation& expectation);
-    void record(Random& random, Expectation& expectation);
+    void setValues(Dice& dice, const StateDump& known) const;
+    void bindObjects(Dice& dice) const;
+    void bindProgram(Dice& dice, Expectation& expectation);
+    void deleteElsewhere(Dice& dice, Expectation& expectation) const;
+    void record(Dice& dice, Expectation& expectation);
 
     const HeadlessContext& mContext;
     const HeadlessContext& mOther;
     const opengl::Functions& mGl;
-    std::vector<unsigned> mTextures, mBuffers, mVertexArrays, mSamplers, mFramebuffers, mQueries;
-    unsigned mProgram = 0, mCapturing = 0, mChoosing = 0, mPipeline = 0;
-    unsigned mRunning = 0;  ///< target of the query that is running
+    Objects mTextures, mBuffers, mVertexArrays, mSamplers, mFramebuffers;
+    GLuint mProgram = 0, mCapturing = 0, mChoosing = 0, mPipeline = 0, mEmptyQuery = 0;
+    GLenum mRunning = 0;  ///< target of the query that is running
+    GLuint mRunningQuery = 0;
     bool mIsCapturing = false, mIsCompiling = false, mIsConditional = false;
 };

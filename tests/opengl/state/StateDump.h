@@ -5,18 +5,19 @@
 
 /// One number of a context's state.
 struct StateValue {
-    const char* name;
-    int index;  ///< of the draw buffer, texture unit, attribute, query target …, in hundreds; place in the
-                ///< value
-    double value;
+    const char* function;  ///< that tells it
+    unsigned name, index;  ///< that it takes
+    int unit;              ///< of textures, whose turn it was; -1: the active one
+    double number;
 
     bool operator==(const StateValue& other) const {
-        return name == other.name && index == other.index && value == other.value;
+        return function == other.function && name == other.name && index == other.index &&
+               unit == other.unit && number == other.number;
     }
 };
 
-/// Everything a context can be asked for. It finds out for itself what that is, in its constructor, and
-/// raises no error afterwards.
+/// Everything that a context tells: it finds out for itself, in its constructor, which names the functions of
+/// glGet's kind take there, and raises no error afterwards.
 class StateDump {
 public:
     StateDump();
@@ -25,19 +26,14 @@ public:
     /// are bound may be bound again.
     std::vector<StateValue> read(bool mayBindFramebuffers) const;
 
-    /// "NAME[index]: before -> after", a line for each value that differs.
+    /// "FUNCTION(NAME, index): before -> after", a line for each number that differs.
     static std::string compare(const std::vector<StateValue>& before, const std::vector<StateValue>& after);
 
+    const std::vector<unsigned>& switches() const { return mNames[0]; }
+    const std::vector<unsigned>& integers() const { return mNames[1]; }
+
 private:
-    struct Query {
-        const char* name;
-        unsigned value;
-        int count;  ///< of numbers; 0 for those that this context has not
-    };
+    void readUnit(int unit, std::vector<StateValue>& dump) const;
 
-    static std::vector<Query> probe(int (*ask)(unsigned name, double* values), const std::vector<Query>& all);
-
-    std::vector<Query> mIntegers, mFloats, mSwitches, mIndexed, mUnit, mAttributes, mPointers, mRunning,
-        mEnvironment, mTarget, mIndexedSwitches;
-    bool mHasReadFramebuffer = false;
+    std::vector<std::vector<unsigned>> mNames;  ///< that each function takes
 };
