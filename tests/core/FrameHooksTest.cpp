@@ -10,7 +10,6 @@
 #include "support/ChildProcess.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <vector>
 
@@ -23,17 +22,14 @@ constexpr auto API = static_cast<core::RenderingApiType>(0);
 constexpr Ostra::KeyEvent DUMP_KEY{24, 1};
 constexpr Ostra::KeyEvent CAPTURE_KEY{25, 1};
 
-/// Writes its number of the dump into a slot of its own and counts what the hooks ask of it.
-class CountingDrawer : public drawer::Drawer {
-public:
+/// Writes its number of the dump into a slot of its own.
+struct CountingDrawer : drawer::Drawer {
     explicit CountingDrawer(std::size_t ownSlot) : slot(ownSlot) {}
     void draw() override { ADD_FAILURE() << "the hooks never draw"; }
-    void dump(Ostra::FrameDump& frame) override {
-        frame.values[slot].intValue = static_cast<std::uint64_t>(++dumps);
-    }
+    void dump(Ostra::FrameDump& frame) override { frame.values[slot].intValue = ++dumps; }
     void clear() override { ++clears; }
     std::size_t slot;
-    int dumps = 0;
+    std::uint64_t dumps = 0;
     int clears = 0;
 };
 
@@ -41,60 +37,50 @@ class FrameHooks : public testing::Test {
 protected:
     FrameHooks() {
         doubles::setFile("/proc/self/cmdline", "app");
-        doubles::set(
-            {{"status", "true"}, {"proc", "app"}, {"api", "0"}, {"devmode", "true"}, {"fixclock", "false"}});
-        frame();  // takes over what the start of the process left to be taken over
-        doubles::resetCompanion();
+        doubles::set({{"status", "true"}, {"proc", "app"}, {"devmode", "true"}, {"fixclock", "true"}});
+        StateInfo::mIsWidgetsUpdated = true;  // as at the start of the process
+        frame();
     }
+    ~FrameHooks() override { StateInfo::onDetached(); }
 
-    void frame(std::vector<Ostra::KeyEvent> keys = {}) {
+    static void frame(std::vector<Ostra::KeyEvent> keys = {},
+                      const std::vector<drawer::Drawer*>& drawers = {}) {
         doubles::companion().keyEvents = std::move(keys);
         StateInfo::onPreSwapBuffers(API);
         StateInfo::onPostSwapBuffers(drawers);
     }
 
-    std::vector<drawer::Drawer*> drawers;
-    std::vector<std::string>& calls = doubles::companion().calls;
+    static inline std::vector<std::string>& calls = doubles::companion().calls;
 };
 
-TEST(FrameHooksStart, TheFirstFrameCountsAsAChange) {
-    doubles::setFile("/proc/self/cmdline", "app");
-    doubles::set({{"status", "true"}, {"proc", "app"}, {"fixclock", "true"}});
-    EXPECT_TRUE(StateInfo::isWidgetsUpdated());
-    StateInfo::onPreSwapBuffers(API);
-    EXPECT_TRUE(StateInfo::isWidgetsUpdated());
+TEST_F(FrameHooks, TheFirstFrameCountsAsAChangeAndReappliesTheClocks) {
     EXPECT_EQ(StateInfo::getFixClockState(), 1);
-    StateInfo::onPostSwapBuffers({});
-    EXPECT_EQ(StateInfo::mFrameNumber, 1U);
-    StateInfo::onPreSwapBuffers(API);
+    frame();
     EXPECT_FALSE(StateInfo::isWidgetsUpdated());
-    EXPECT_THAT(doubles::companion().calls, ElementsAre("fixClock")) << "no change, no request";
+    EXPECT_THAT(calls, ElementsAre("fixClock")) << "no change, no request";
 }
 
-TEST_F(FrameHooks, APublicationReachesTheFrameOnceAndReappliesTheClocks) {
-    doubles::setProperty("debug.kordanix.fixclock", "true");
+TEST_F(FrameHooks, APublicationReachesTheFrameOnce) {
+    frame();
     doubles::setProperty("debug.kordanix.settingsgeneration", "1");
     // The watcher looks for the property once a second.
-    StateInfo::mIsWidgetsUpdated = false;
     ASSERT_TRUE(support::waitUntil([] {
         if (!StateInfo::isWidgetsUpdated()) {
             StateInfo::onPreSwapBuffers(API);
         }
         return StateInfo::isWidgetsUpdated();
     }));
-    EXPECT_THAT(calls, ElementsAre("fixClock"));
+    EXPECT_EQ(calls.back(), "fixClock");
     StateInfo::onPreSwapBuffers(API);
     EXPECT_FALSE(StateInfo::isWidgetsUpdated());
 }
 
 TEST_F(FrameHooks, AChangeWhileTheOverlayIsOffReleasesTheClocks) {
-    doubles::set({{"status", "false"}, {"fixclock", "true"}});
-    StateInfo::mFixClockState = 1;
+    doubles::set({{"status", "false"}});
     gui::WidgetsSettings::wasChanged = true;
     StateInfo::onPreSwapBuffers(API);
-    EXPECT_THAT(calls, ElementsAre("unfixClock"));
+    EXPECT_EQ(calls.back(), "unfixClock");
     EXPECT_EQ(StateInfo::getFixClockState(), 0);
-    StateInfo::onPreSwapBuffers(API);
     StateInfo::invalidateWidgets();
     EXPECT_TRUE(StateInfo::isWidgetsUpdated());
     StateInfo::onPreSwapBuffers(API);
@@ -103,56 +89,60 @@ TEST_F(FrameHooks, AChangeWhileTheOverlayIsOffReleasesTheClocks) {
 
 TEST_F(FrameHooks, KeysAreFlagsOfTheLastPoll) {
     const struct {
-        std::vector<Ostra::KeyEvent> keys;
+        std::vector<Ostra::KeyEvent> events;
         bool dump, capture;
     } cases[] = {
-        {{DUMP_KEY}, true, false},
         {{DUMP_KEY, {24, 0}, CAPTURE_KEY, {25, 0}}, true, true},
         {{{24, 0}, {25, 0}, {24, 2}, {26, 1}, {-24, 1}}, false, false},
         {{CAPTURE_KEY}, false, true},
     };
     KeyEventInterceptor* const keys = KeyEventInterceptor::getInstance();
     for (const auto& c : cases) {
-        doubles::companion().keyEvents = c.keys;
+        doubles::companion().keyEvents = c.events;
         keys->updateState();
-        EXPECT_EQ(keys->mIsDumpKeyPressed, c.dump);
-        EXPECT_EQ(keys->mIsCaptureKeyPressed, c.capture);
+        EXPECT_TRUE(keys->mIsDumpKeyPressed == c.dump && keys->mIsCaptureKeyPressed == c.capture);
         EXPECT_EQ(StateInfo::isNeedToCaptureData(), c.capture);
     }
     doubles::set({{"devmode", "false"}});
     EXPECT_FALSE(StateInfo::isNeedToCaptureData()) << "developer mode only";
     doubles::set({{"status", "false"}});
-    const unsigned polls = doubles::companion().polls;
-    StateInfo::onPreSwapBuffers(API);
-    EXPECT_EQ(doubles::companion().polls, polls) << "no poll while the overlay is off";
+    frame({DUMP_KEY});
+    EXPECT_EQ(doubles::companion().keyEvents.size(), 1U) << "no poll while the overlay is off";
     EXPECT_TRUE(keys->mIsCaptureKeyPressed) << "the flags keep their values";
+    frame();
 }
 
 TEST_F(FrameHooks, ADumpHoldsTheFramesAfterTheFirstPressUpToTheSecond) {
+    doubles::set({{"devmode", "false"}});
+    frame({DUMP_KEY});
+    EXPECT_FALSE(StateInfo::isDumpingEnabled()) << "developer mode only, to start";
+    doubles::set({{"devmode", "true"}});
     CountingDrawer first(0);
     CountingDrawer second(7);
     CountingDrawer third(7);  // writes the same slot later and wins
-    drawers = {&first, &second, &third};
-    frame();
-    frame({DUMP_KEY});
+    const std::vector<drawer::Drawer*> drawers = {&first, &second, &third};
+    calls.clear();
+    frame({DUMP_KEY}, drawers);
     const std::uint64_t start = StateInfo::mFrameNumber;
     EXPECT_TRUE(StateInfo::isDumpingEnabled() && StateInfo::mIsNeedToResetFps);
     EXPECT_EQ(doubles::companion().metas.size(), gui::gWidgetsMeta.size());
     third.dumps = 40;
 
     doubles::setWallClock(1700000000123999);
-    frame();
-    frame();
-    frame({DUMP_KEY});
-    frame();
+    frame({}, drawers);
+    doubles::set({{"devmode", "false"}});
+    frame({DUMP_KEY}, drawers);
+    EXPECT_TRUE(StateInfo::isDumpingEnabled());
+    doubles::set({{"devmode", "true"}});
+    frame({DUMP_KEY}, drawers);
+    frame({}, drawers);
     doubles::releaseWallClock();
 
     EXPECT_FALSE(StateInfo::isDumpingEnabled());
     EXPECT_TRUE(first.clears == 1 && third.clears == 1) << "cleared at the start alone";
     EXPECT_THAT(calls, ElementsAre("startDumping", "addDump", "addDump", "addDump", "finishDumping"));
-    ASSERT_EQ(doubles::companion().dumps.size(), 3U);
     for (std::size_t i = 0; i < 3; ++i) {
-        const Ostra::FrameDump& dump = doubles::companion().dumps[i];
+        const Ostra::FrameDump& dump = doubles::companion().dumps.at(i);
         EXPECT_EQ(dump.frameNumber, start + 1 + i);
         EXPECT_EQ(dump.timestampMs, 1700000000123);
         EXPECT_TRUE(dump.renderPassFrameId == 0 && dump.frameDuration == 0.0F && dump.reserved == 0);
@@ -161,20 +151,6 @@ TEST_F(FrameHooks, ADumpHoldsTheFramesAfterTheFirstPressUpToTheSecond) {
         EXPECT_EQ(dump.values[1].intValue, 0U) << "an untouched slot is all zero";
         EXPECT_EQ(dump.values[7].intValue, 41 + i);
     }
-}
-
-TEST_F(FrameHooks, ADumpNeedsDeveloperModeToStartButNotToEnd) {
-    doubles::set({{"devmode", "false"}});
-    frame({DUMP_KEY});
-    EXPECT_FALSE(StateInfo::isDumpingEnabled());
-    doubles::set({{"devmode", "true"}});
-    frame({DUMP_KEY});
-    ASSERT_TRUE(StateInfo::isDumpingEnabled()) << "also without drawers";
-    doubles::set({{"devmode", "false"}});
-    frame({DUMP_KEY});
-    EXPECT_TRUE(StateInfo::isDumpingEnabled());
-    StateInfo::onDetached();
-    EXPECT_THAT(calls, ElementsAre("startDumping", "addDump", "finishDumping", "unfixClock"));
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "core/StateInfo.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
@@ -16,49 +15,35 @@ float feed(core::StateInfo& state, double fps) {
     return state.getFPS(1, 1000000.0 / fps);
 }
 
-/// The median of tenths of a frame per second by sorting: the middle one, or the mean of the middle two.
-float medianBySorting(std::vector<float> rates) {
-    for (float& rate : rates) {
-        rate = std::clamp(std::round(rate * 10.0F), 0.0F, 1200.0F);
-    }
-    std::sort(rates.begin(), rates.end());
-    const std::size_t half = rates.size() / 2;
-    return (rates[(rates.size() - 1) / 2] + rates[half]) * 0.05F;
-}
-
-TEST(FrameRate, IsZeroBeforeTheFirstSampleAndCapsTheFiguresButNotTheStatistics) {
+TEST(FrameRate, IsCappedByTheDeviceButNotInTheStatistics) {
     core::StateInfo state;
-    EXPECT_EQ(state.getAverageFPS() + state.getWindowAverageFPS() + state.getMedianFPS(), 0.0F);
-    EXPECT_EQ(state.getFpsStability(), 0.0F);
+    EXPECT_EQ(state.getAverageFPS() + state.getWindowAverageFPS() + state.getFpsStability(), 0.0F);
     state.mMaxFps = 60.0F;
-    EXPECT_EQ(state.getFPS(150, 1000000.0), 60.0F);
-    EXPECT_EQ(state.getAverageFPS(), 60.0F);
-    EXPECT_EQ(state.getWindowAverageFPS(), 60.0F);
-    EXPECT_EQ(state.getMaxFPS(), 60.0F);
-    EXPECT_EQ(state.mFpsSum, 150.0F);
+    EXPECT_EQ(feed(state, 150.0), 60.0F);
+    EXPECT_TRUE(state.getAverageFPS() == 60.0F && state.getWindowAverageFPS() == 60.0F);
     EXPECT_EQ(state.mFpsHistogram[1200], 1U);
-    EXPECT_FLOAT_EQ(state.getMedianFPS(), 120.0F) << "the median is not capped by the device";
+    EXPECT_FLOAT_EQ(state.getMedianFPS(), 120.0F);
 }
 
 TEST(FrameRate, MedianAgreesWithSorting) {
     std::mt19937 random(7);  // NOLINT(cert-msc51-cpp): the same samples in every run
     for (const double spread : {0.3, 5.0, 70.0}) {
         core::StateInfo state;
-        std::vector<float> rates;
+        std::vector<float> tenths;
         std::uniform_real_distribution<double> rate(std::max(0.5, 50.0 - spread), 50.0 + spread);
-        for (int i = 0; i < 400; ++i) {
+        for (std::size_t count = 1; count <= 400; ++count) {
             const double fps = rate(random);
             feed(state, fps);
-            rates.push_back(static_cast<float>(1000000.0 / (1000000.0 / fps)));
-            ASSERT_NEAR(state.getMedianFPS(), medianBySorting(rates), 0.001F) << "after " << i + 1;
+            tenths.push_back(std::min(std::round(static_cast<float>(fps) * 10.0F), 1200.0F));
+            std::sort(tenths.begin(), tenths.end());
+            const float median = (tenths[(count - 1) / 2] + tenths[count / 2]) * 0.05F;
+            ASSERT_NEAR(state.getMedianFPS(), median, 0.001F) << "after " << count;
         }
     }
 }
 
 TEST(FrameRate, StabilityIsTheShareWithinAFifthOfTheMedian) {
     const std::pair<std::vector<double>, float> cases[] = {
-        {{60.0, 60.0, 60.0}, 100.0F},
-        {{50.0, 50.0, 50.0, 10.0}, 75.0F},
         {{50.0, 50.0, 50.0, 40.0, 60.0}, 100.0F},  // both bounds belong to the range
         {{50.0, 50.0, 50.0, 39.8, 60.2}, 60.0F},
         {{110.0, 110.0, 110.0}, 100.0F},  // the upper bound lies beyond the last bin
@@ -68,11 +53,11 @@ TEST(FrameRate, StabilityIsTheShareWithinAFifthOfTheMedian) {
         for (const double sample : samples) {
             feed(state, sample);
         }
-        EXPECT_NEAR(state.getFpsStability(), stability, 0.001F) << testing::PrintToString(samples);
+        EXPECT_NEAR(state.getFpsStability(), stability, 0.001F) << samples.back();
     }
 }
 
-TEST(FrameRate, WindowIsTheMeanOfTheLastHundredAndReadsLowAfterAResetUntilItIsFullAgain) {
+TEST(FrameRate, WindowIsTheLastHundredAndReadsLowAfterAResetUntilItIsFullAgain) {
     core::StateInfo state;
     state.mMaxFps = 1000.0F;
     for (int i = 1; i <= 250; ++i) {
@@ -80,8 +65,6 @@ TEST(FrameRate, WindowIsTheMeanOfTheLastHundredAndReadsLowAfterAResetUntilItIsFu
         const int first = std::max(1, i - 99);
         ASSERT_NEAR(state.getWindowAverageFPS(), static_cast<float>(first + i) * 0.5F, 0.05F) << i;
     }
-    EXPECT_EQ(state.mWindowFpsCount, 100U);
-    EXPECT_NEAR(state.getAverageFPS(), 125.5F, 0.05F);
     core::StateInfo::mIsNeedToResetFps = true;
     for (int i = 1; i <= 100; ++i) {
         feed(state, 50.0);
@@ -98,7 +81,6 @@ TEST(FrameRate, ObjectsOfTwoThreadsShareTheRingsSlotsOnly) {
         for (unsigned i = 1; i <= 2000; ++i) {
             state.getFPS(fps, 1000000.0);
         }
-        EXPECT_EQ(state.mFpsCount, 2000U);
         EXPECT_EQ(state.getAverageFPS(), static_cast<float>(fps));
         EXPECT_EQ(state.getMedianFPS(), static_cast<float>(fps));
     };

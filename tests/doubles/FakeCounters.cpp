@@ -4,33 +4,20 @@
 
 #include <new>
 
-namespace doubles {
-
-Counters& counters() {
-    static Counters instance;
-    return instance;
-}
-
-}  // namespace doubles
-
 namespace core {
 
 HWcounter::HWcounter() : mState(0) {}
 HWcounter::~HWcounter() = default;
-
 int HWcounter::init() {
     return mState = doubles::counters().isReady ? 1 : 3;
 }
-
 void HWcounter::deInit() {
     mState = 0;
 }
-
 bool HWcounter::readGpuUsage(double* usage) {
     *usage = 12.5;
     return true;
 }
-
 bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, double* vertexActivity,
                                 double* fragmentActivity) {
     const unsigned read = ++doubles::counters().reads;
@@ -43,12 +30,10 @@ bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, do
     *fragmentActivity = 0.5 / read;
     return true;
 }
-
 bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
     *diff = 111;
     return true;
 }
-
 bool HWcounter::getRealtimeMonotonictimeDiff(unsigned long long* diff) {
     *diff = 222;
     return true;

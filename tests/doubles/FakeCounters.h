@@ -13,6 +13,9 @@ struct Counters {
     std::atomic<unsigned> failingRead{0};  ///< this one finds no memory
 };
 
-Counters& counters();
+inline Counters& counters() {
+    static Counters instance;
+    return instance;
+}
 
 }  // namespace doubles

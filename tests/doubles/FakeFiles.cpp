@@ -10,17 +10,24 @@
 
 namespace {
 
-std::mutex gMutex;
 std::atomic<int> gOpen{0};
 
-std::map<std::string, std::string>& contents() {
-    static auto* const instance = new std::map<std::string, std::string>;
+struct Files {
+    std::mutex mutex;
+    std::map<std::string, std::string> contents;
+    std::map<std::string, unsigned> opened;
+};
+
+Files& allFiles() {
+    static auto* const instance = new Files;
     return *instance;
 }
 
-std::map<std::string, unsigned>& opened() {
-    static auto* const instance = new std::map<std::string, unsigned>;
-    return *instance;
+/// Calls with all files, which are nobody else's meanwhile.
+template <typename Work>
+auto withFiles(const Work& work) {
+    const std::lock_guard<std::mutex> lock(allFiles().mutex);
+    return work(allFiles());
 }
 
 /// A stream that has a copy of the content, so that a test may change the file while it is open.
@@ -46,23 +53,19 @@ std::FILE* openText(const std::string& content) {
 namespace doubles {
 
 void setFile(const std::string& path, const std::string& content) {
-    const std::lock_guard<std::mutex> lock(gMutex);
-    contents()[path] = content;
+    withFiles([&](Files& files) { files.contents[path] = content; });
 }
 
 void removeFile(const std::string& path) {
-    const std::lock_guard<std::mutex> lock(gMutex);
-    contents().erase(path);
+    withFiles([&](Files& files) { files.contents.erase(path); });
 }
 
 void removeAllFiles() {
-    const std::lock_guard<std::mutex> lock(gMutex);
-    contents().clear();
+    withFiles([](Files& files) { files.contents.clear(); });
 }
 
 unsigned timesOpened(const std::string& path) {
-    const std::lock_guard<std::mutex> lock(gMutex);
-    return opened()[path];
+    return withFiles([&](Files& files) { return files.opened[path]; });
 }
 
 int openFiles() {
@@ -74,16 +77,13 @@ int openFiles() {
 extern "C" std::FILE* fopen(const char* path, const char* mode) {
     const std::string name = path;
     if (name.rfind("/proc/", 0) != 0 && name.rfind("/sys/", 0) != 0) {
-        static const auto realOpen =
-            reinterpret_cast<std::FILE* (*)(const char*, const char*)>(dlsym(RTLD_NEXT, "fopen"));
+        static const auto realOpen = reinterpret_cast<decltype(&fopen)>(dlsym(RTLD_NEXT, "fopen"));
         return realOpen(path, mode);
     }
-    const std::lock_guard<std::mutex> lock(gMutex);
-    ++opened()[name];
-    const auto found = contents().find(name);
-    if (found == contents().end()) {
+    return withFiles([&](Files& files) -> std::FILE* {
+        ++files.opened[name];
+        const auto found = files.contents.find(name);
         errno = ENOENT;
-        return nullptr;
-    }
-    return openText(found->second);
+        return found == files.contents.end() ? nullptr : openText(found->second);
+    });
 }

@@ -6,16 +6,15 @@
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
+#include <utility>
 
 namespace {
 
-struct Log {
-    std::mutex mutex;
-    std::vector<doubles::LogLine> lines;
-};
+std::mutex gMutex;
 
-Log& log() {
-    static Log* const instance = new Log;
+// There before all initialisers and never destroyed: the library may log at any time.
+std::vector<doubles::LogLine>& lines() {
+    static auto* const instance = new std::vector<doubles::LogLine>;
     return *instance;
 }
 
@@ -24,10 +23,8 @@ Log& log() {
 namespace doubles {
 
 std::vector<LogLine> takeLog() {
-    const std::lock_guard<std::mutex> lock(log().mutex);
-    std::vector<LogLine> lines;
-    lines.swap(log().lines);
-    return lines;
+    const std::lock_guard<std::mutex> lock(gMutex);
+    return std::exchange(lines(), {});
 }
 
 }  // namespace doubles
@@ -38,7 +35,7 @@ extern "C" int __android_log_print(int prio, const char* tag, const char* fmt, .
     va_start(arguments, fmt);
     const int length = std::vsnprintf(text.data(), text.size(), fmt, arguments);
     va_end(arguments);
-    const std::lock_guard<std::mutex> lock(log().mutex);
-    log().lines.push_back({prio, tag, text.data()});
+    const std::lock_guard<std::mutex> lock(gMutex);
+    lines().push_back({prio, tag, text.data()});
     return length;
 }

@@ -1,56 +1,39 @@
 #include "doubles/FakeOstra.h"
 
-namespace doubles {
+#include <utility>
 
-CompanionLibrary& companion() {
-    static CompanionLibrary* const instance = new CompanionLibrary;
-    return *instance;
+namespace {
+
+doubles::CompanionLibrary& called(const char* name) {
+    doubles::companion().calls.emplace_back(name);
+    return doubles::companion();
 }
 
-void resetCompanion() {
-    companion() = CompanionLibrary{};
-}
-
-}  // namespace doubles
-
-using doubles::companion;
+}  // namespace
 
 namespace Ostra {
 
 void registerAppBecomeBackgroundListener(std::function<void()> listener) {
-    companion().calls.emplace_back("registerAppBecomeBackgroundListener");
-    companion().listeners.push_back(std::move(listener));
+    called(__func__).listeners.push_back(std::move(listener));
 }
-
 bool fixClock(unsigned long long cpuClock, unsigned long long gpuClock) {
-    companion().calls.emplace_back("fixClock");
-    companion().clockRequests.emplace_back(cpuClock, gpuClock);
-    return companion().fixClockResult;
+    called(__func__).clockRequests.emplace_back(cpuClock, gpuClock);
+    return doubles::companion().fixClockResult;
 }
-
 void unfixClock() {
-    companion().calls.emplace_back("unfixClock");
+    called(__func__);
 }
-
 std::vector<KeyEvent> receiveKeyEvents() {
-    ++companion().polls;
-    std::vector<KeyEvent> events;
-    events.swap(companion().keyEvents);
-    return events;
+    return std::exchange(doubles::companion().keyEvents, {});
 }
-
 void startDumping(const std::vector<DumpWidgetMeta>& metas) {
-    companion().calls.emplace_back("startDumping");
-    companion().metas = metas;
+    called(__func__).metas = metas;
 }
-
 void addDump(const FrameDump& dump) {
-    companion().calls.emplace_back("addDump");
-    companion().dumps.push_back(dump);
+    called(__func__).dumps.push_back(dump);
 }
-
 void finishDumping() {
-    companion().calls.emplace_back("finishDumping");
+    called(__func__);
 }
 
 }  // namespace Ostra

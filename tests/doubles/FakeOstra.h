@@ -10,21 +10,24 @@
 namespace doubles {
 
 struct CompanionLibrary {
-    std::vector<std::string>
-        calls;  ///< operation names in the order of the calls, polls of key events left out
+    std::vector<std::string> calls;  ///< operations in order, polls of key events left out
     std::vector<std::pair<unsigned long long, unsigned long long>> clockRequests;
     std::vector<Ostra::FrameDump> dumps;
     std::vector<Ostra::DumpWidgetMeta> metas;
     std::vector<std::function<void()>> listeners;
-    unsigned polls = 0;
 
     bool fixClockResult = true;              ///< what fixClock() answers
     std::vector<Ostra::KeyEvent> keyEvents;  ///< what the next poll delivers
 };
 
-CompanionLibrary& companion();
+inline CompanionLibrary& companion() {
+    static auto* const instance = new CompanionLibrary;
+    return *instance;
+}
 
 /// Back to the state at the start of the process.
-void resetCompanion();
+inline void resetCompanion() {
+    companion() = {};
+}
 
 }  // namespace doubles

@@ -3,8 +3,8 @@
 #include <string>
 
 /// System properties in the memory of the test executable, in place of the platform's. Any thread; in
-/// force from the first look-up of the library's load on. The environment variable KORDANIX_TEST_PROPERTIES
-/// gives properties that are there before it, one "name=value" a line.
+/// force from the first look-up of the library's load on. The environment variable KORDANIX_TEST_MODEL gives
+/// the device's model, which is looked up then. Readers are not told a property's name.
 namespace doubles {
 
 /// Writes a property, creating it when it is new, advances its serial and wakes those who wait for it.

@@ -20,7 +20,9 @@ public:
         return std::make_unique<RecordingGrid>(std::move(lines));
     }
     std::unique_ptr<drawer::TextDrawer> createText() override { return createRecordingText(); }
-    std::unique_ptr<drawer::Drawer> createThumbnail() override { return std::make_unique<Thumbnail>(); }
+    std::unique_ptr<drawer::Drawer> createThumbnail() override {
+        return std::make_unique<Recording<drawer::Drawer>>("thumbnail");
+    }
     glm::uvec2 getSurfaceSize() const override { return mSize; }
     void setClip(const glm::vec2& position, const glm::vec2& size) override {
         drawCalls().push_back({"clip", position, size});
@@ -28,12 +30,6 @@ public:
     void clearClip() override { drawCalls().push_back({"unclip"}); }
 
     glm::vec2& mSize = surface() = glm::vec2(740.0F, 360.0F);
-
-private:
-    class Thumbnail : public drawer::Drawer {
-    public:
-        void draw() override { drawCalls().push_back({"thumbnail", mPosition, mSize}); }
-    };
 };
 
 }  // namespace doubles

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "drawers/Drawer.h"
 #include "drawers/GridDrawer.h"
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
@@ -17,11 +16,10 @@
 namespace doubles {
 
 struct DrawCall {
-    std::string what;  ///< "fill", "line", "grid", "background", or the text that was drawn
+    std::string what;  ///< "fill", "line", "grid", "background", "thumbnail", or the text that was drawn
     glm::vec2 position{};
     glm::vec2 size{};
     glm::vec3 translation{};
-    glm::vec4 color{};
 };
 
 /// The calls since the list was last cleared.
@@ -44,17 +42,21 @@ inline glm::vec2& surface() {
     return size;
 }
 
-class RecordingMesh : public drawer::MeshDrawer {
-public:
-    explicit RecordingMesh(std::string name) : mName(std::move(name)) {}
-    void draw() override { drawCalls().push_back({mName, mPosition, mSize, mTranslation, mColor}); }
-    void clear() override { mVertices.clear(); }
-    std::string mName;
+/// A drawer that draws nothing but an entry with its name.
+template <typename Base>
+struct Recording : Base {
+    explicit Recording(std::string ownName) : name(std::move(ownName)) {}
+    void draw() override { drawCalls().push_back({name, this->mPosition, this->mSize, this->mTranslation}); }
+    std::string name;
 };
 
-class RecordingRect : public drawer::RectDrawer {
-public:
-    void draw() override { drawCalls().push_back({"background", mPosition, mSize, mTranslation, mColor}); }
+struct RecordingRect : Recording<drawer::RectDrawer> {
+    RecordingRect() : Recording("background") {}
+};
+
+struct RecordingMesh : Recording<drawer::MeshDrawer> {
+    using Recording::Recording;
+    void clear() override { mVertices.clear(); }
 };
 
 class RecordingGrid : public drawer::GridDrawer {
@@ -69,7 +71,6 @@ public:
     struct DrawnGlyph {
         char symbol;
         glm::mat4 transform;
-        glm::vec4 color;
     };
 
     void draw() override {
@@ -77,12 +78,12 @@ public:
         mDrawnText.clear();
         TextDrawer::draw();
     }
-    void drawGlyph(const gui::Glyph& /*glyph*/, const glm::mat4& transform, const glm::vec4& color,
+    void drawGlyph(const gui::Glyph& /*glyph*/, const glm::mat4& transform, const glm::vec4& /*color*/,
                    char symbol) override {
         if (mGlyphs.empty()) {
-            drawCalls().push_back({mText, mTextPosition, mTextSize, mTranslation, color});
+            drawCalls().push_back({mText, mTextPosition, mTextSize, mTranslation});
         }
-        mGlyphs.push_back({symbol, transform, color});
+        mGlyphs.push_back({symbol, transform});
         mDrawnText += symbol;
     }
     glm::mat4 getTransform(const glm::vec2& size, const glm::vec2& position,

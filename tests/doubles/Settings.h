@@ -18,4 +18,12 @@ inline void set(const std::vector<std::pair<std::string, std::string>>& settings
     SysPropWatcher::forceReadAllProps();
 }
 
+/// Gives every setting its default back, for cases that share a process: a text that is no value does.
+inline void setDefaults() {
+    for (const SysPropBase* const prop : SysPropWatcher::mProps) {
+        setProperty(prop->mName, "");
+    }
+    set({});
+}
+
 }  // namespace doubles

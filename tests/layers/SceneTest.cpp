@@ -1,34 +1,26 @@
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
-#include "core/SysPropWatcher.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeLog.h"
 #include "doubles/FakeOstra.h"
-#include "doubles/FakeProperties.h"
 #include "doubles/RecordingFactory.h"
+#include "doubles/Settings.h"
 #include "figures/KernelFiles.h"
 #include "figures/Metrics.h"
 #include "figures/SlowReader.h"
 #include "figures/TextFormat.h"
-#include "gui/LayoutManager.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
 #include "scene/FigureWidgets.h"
 #include "scene/GpuCapture.h"
 #include "scene/Overlay.h"
-#include "scene/RenderPassSource.h"
 #include "scene/Style.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <pthread.h>
-#include <signal.h>
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <limits>
 #include <new>
 #include <string>
@@ -38,6 +30,7 @@
 
 namespace {
 
+using testing::AllOf;
 using testing::Contains;
 using testing::IsSupersetOf;
 using testing::Not;
@@ -47,21 +40,17 @@ constexpr double MB = 1024.0 * 1024.0;
 
 TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
     using figures::formatNumber;
-    const double infinity = std::numeric_limits<double>::infinity();
     const std::pair<std::string, const char*> cases[] = {
         {formatNumber(59.94, 1, ""), "59.9"},
         {formatNumber({}, 1, ""), "N/A"},
-        {formatNumber(infinity, 1, ""), "N/A"},
+        {formatNumber(std::numeric_limits<double>::infinity(), 1, ""), "N/A"},
         {formatNumber(-0.4, 0, "C"), "N/A"},
         {formatNumber(-0.0, 0, ""), "0"},
-        {formatNumber(42.5, 0, "%"), "42%"},
         {formatNumber(99.6, 0, "%"), "100%"},
-        {figures::formatBytes(0.0), "0.0MB"},
         {figures::formatBytes(9.94 * MB), "9.9MB"},
         {figures::formatBytes(9.96 * MB), "10MB"},
         {figures::formatBytes(999.4 * MB), "999MB"},
         {figures::formatBytes(999.6 * MB), "1.0GB"},
-        {figures::formatBytes(12.34 * 1024 * MB), "12.3GB"},
         {figures::formatBytes(99.96 * 1024 * MB), "100GB"},
         {figures::formatBytes({}), "N/A"},
     };
@@ -72,58 +61,36 @@ TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
 
 TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
     const figures::Reading NONE = figures::Reason::MALFORMED;
-    const std::pair<const char*, figures::Reading> numbers[] = {
-        {"12\n", 12.0},
-        {"  7", 7.0},
-        {"", NONE},
-        {"x1", NONE},
-        {"-3", NONE},
-        {"18446744073709551615", 18446744073709551615.0},
-        {"20000000000000000000", NONE}};
-    for (const auto& [text, number] : numbers) {
-        EXPECT_EQ(figures::leadingNumber(text), number) << text;
+    const std::tuple<const char*, figures::Reading, figures::Reading> texts[] = {
+        {"  7", 7.0, 7.0},
+        {"", NONE, NONE},
+        {"\n", NONE, NONE},
+        {"-3", NONE, 3.0},
+        {"0-3,6-7\n", 0.0, 7.0},
+        {"18446744073709551615", 18446744073709551615.0, 18446744073709551615.0},
+        {"20000000000000000000", NONE, NONE}};
+    for (const auto& [text, leading, lastOfRanges] : texts) {
+        EXPECT_EQ(figures::leadingNumber(text), leading) << text;
+        EXPECT_EQ(figures::lastNumberOfRanges(text), lastOfRanges) << text;
     }
-    const std::pair<const char*, figures::Reading> ranges[] = {
-        {"0-3,6-7\n", 7.0}, {"0", 0.0}, {"", NONE}, {"\n", NONE}};
-    for (const auto& [text, number] : ranges) {
-        EXPECT_EQ(figures::lastNumberOfRanges(text), number) << text;
-    }
-    const char* const text = "Rss: 9 kB\nPss:      1234 kB\nPss_Dirty: 5 kB\nPss: 7 kB\n";
-    EXPECT_FALSE(figures::findKilobytes(text, "ss"));
-    doubles::setFile("/proc/self/smaps_rollup", text);
-    EXPECT_EQ(figures::readProportionalSetSize(), figures::Reading(1234.0 * 1024.0));
     EXPECT_FALSE(figures::findKilobytes("Pss:", "Pss"));
+    doubles::setFile("/proc/self/smaps_rollup", "Rss: 9 kB\nPss:      1234 kB\nPss_Dirty: 5 kB\nPss: 7 kB\n");
+    EXPECT_EQ(figures::readProportionalSetSize(), figures::Reading(1234.0 * 1024.0));
     EXPECT_EQ(figures::readGpuMemoryTotal().reason(), figures::Reason::NO_FILE);
     EXPECT_EQ(figures::whyUnreadable("/proc/self/smaps_rollup"), figures::Reason::MALFORMED);
 }
 
-// The reader's thread takes none of the application's signals and survives a reading that fails.
-TEST(SlowReader, ReadsOnAThreadThatDisturbsNobody) {
-    static std::atomic<bool> isFailing{true};
-    static std::atomic<bool> isQuiet{false};
-    static std::atomic<bool> isNamed{false};
+TEST(SlowReader, SurvivesAReadingThatFails) {
     figures::SlowReader reader([]() -> figures::Reading {
-        if (isFailing) {
-            throw std::bad_alloc();
-        }
-        sigset_t blocked;
-        pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-        isQuiet = sigismember(&blocked, SIGTERM) == 1 && sigismember(&blocked, SIGRTMAX) == 1;
-        char name[16] = "";
-        pthread_getname_np(pthread_self(), name, sizeof(name));
-        isNamed = std::string(name) == "kordanix-memory";
-        return 7.0;
+        static int readings = 0;
+        return ++readings == 1 ? throw std::bad_alloc() : readings;
     });
     reader.start();
-    reader.request();
-    reader.settle();
-    EXPECT_FALSE(reader.latest());
-    isFailing = false;
-    reader.request();
-    reader.settle();
-    EXPECT_EQ(reader.latest(), figures::Reading(7.0));
-    EXPECT_TRUE(isQuiet);
-    EXPECT_TRUE(isNamed);
+    for (const bool isRead : {false, true}) {
+        reader.request();
+        reader.settle();
+        EXPECT_EQ(static_cast<bool>(reader.latest()), isRead);
+    }
 }
 
 TEST(Metrics, AskForNoVendorWithoutAGpu) {
@@ -165,17 +132,8 @@ protected:
         doubles::removeAllFiles();
         doubles::setFile("/proc/self/cmdline", "app");
         doubles::setWallClock(1795555555000000);
-        for (const auto& [name, value] :
-             std::vector<std::pair<const char*, const char*>>{{"status", "true"},
-                                                              {"proc", "app"},
-                                                              {"devmode", "true"},
-                                                              {"widget_cpu_gpu", "true"},
-                                                              {"widget_cpu_gpu_gpu_freq", "false"},
-                                                              {"widget_gpu_activity_thumbnail", "true"},
-                                                              {"widget_memory", "false"}}) {
-            doubles::setProperty(std::string("debug.kordanix.") + name, value);
-        }
-        SysPropWatcher::forceReadAllProps();
+        doubles::setDefaults();
+        doubles::set({{"status", "true"}, {"proc", "app"}, {"devmode", "true"}});
         mOverlay.attach();
     }
     ~SceneOverlay() override {
@@ -186,10 +144,7 @@ protected:
     /// What a publication does, without waiting for the watcher.
     static void publish(const std::vector<std::pair<std::string, std::string>>& properties) {
         gui::WidgetsSettings::getWidgets();
-        for (const auto& [name, value] : properties) {
-            doubles::setProperty("debug.kordanix." + name, value);
-        }
-        SysPropWatcher::forceReadAllProps();
+        doubles::set(properties);
         gui::WidgetsSettings::wasChanged = true;
     }
 
@@ -263,29 +218,14 @@ TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
     EXPECT_THAT(drawn(), Contains(testing::HasSubstr("62.5"))) << "frames of 16 ms";
 }
 
-TEST_F(SceneOverlay, IsRefreshedEvery120Milliseconds) {
-    doubles::setFile("/sys/kernel/gpu/gpu_busy", "10\n");
-    publish({});
-    frames(20);
-    const unsigned before = doubles::timesOpened("/sys/kernel/gpu/gpu_busy");
-    frames(80);  // 1280 ms
-    const unsigned readings = doubles::timesOpened("/sys/kernel/gpu/gpu_busy") - before;
-    EXPECT_GE(readings, 9U);
-    EXPECT_LE(readings, 11U);
-}
-
 TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
     publish({});
     frames(10);
-    EXPECT_THAT(drawn(), Contains("CPU"));
-    EXPECT_THAT(drawn(), Contains("thumbnail"));
-    EXPECT_THAT(drawn(), Not(Contains("PSS")));
+    EXPECT_THAT(drawn(), AllOf(Contains("CPU"), Contains("thumbnail"), Not(Contains("PSS"))));
     publish(
         {{"widget_memory", "true"}, {"widget_cpu_gpu", "false"}, {"widget_gpu_activity_thumbnail", "false"}});
     frame();
-    EXPECT_THAT(drawn(), Contains("PSS"));
-    EXPECT_THAT(drawn(), Not(Contains("CPU")));
-    EXPECT_THAT(drawn(), Not(Contains("thumbnail")));
+    EXPECT_THAT(drawn(), AllOf(Contains("PSS"), Not(Contains("CPU")), Not(Contains("thumbnail"))));
     publish({{"status", "false"}});
     frame();
     EXPECT_TRUE(drawn().empty());
@@ -304,27 +244,24 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
         frames(20);
         std::vector<doubles::DrawCall> texts;
         for (const doubles::DrawCall& call : doubles::drawCalls()) {
-            const bool isText = call.what != "fill" && call.what != "line" && call.what != "grid" &&
-                                call.what != "background" && call.what != "thumbnail" &&
-                                call.what != "clip" && call.what != "unclip" && call.what[0] != '@';
-            if (isText) {
+            const std::vector<std::string> others = {"fill",      "line", "grid",  "background",
+                                                     "thumbnail", "clip", "unclip"};
+            if (std::find(others.begin(), others.end(), call.what) == others.end() && call.what[0] != '@') {
                 texts.push_back(call);
             }
         }
         ASSERT_GE(texts.size(), 15U);
         EXPECT_NE(std::exchange(lastPosition, texts.back().position), texts.back().position);
-        for (std::size_t i = 0; i < texts.size(); ++i) {
-            const glm::vec2 start = texts[i].position;
-            const glm::vec2 end = start + texts[i].size;
-            EXPECT_TRUE(start.x >= 0.0F && start.y >= 0.0F && end.x <= 1.0F && end.y <= 1.0F)
-                << texts[i].what;
-            for (std::size_t k = i + 1; k < texts.size(); ++k) {
-                const glm::vec2 otherStart = texts[k].position;
-                const glm::vec2 otherEnd = otherStart + texts[k].size;
-                const float epsilon = 0.0005F;
-                EXPECT_FALSE(start.x + epsilon < otherEnd.x && otherStart.x + epsilon < end.x &&
-                             start.y + epsilon < otherEnd.y && otherStart.y + epsilon < end.y)
-                    << texts[i].what << " and " << texts[k].what << " at " << size.x;
+        for (const doubles::DrawCall& text : texts) {
+            const glm::vec2 end = text.position + text.size;
+            EXPECT_TRUE(glm::all(glm::greaterThanEqual(text.position, glm::vec2(0.0F))) && end.x <= 1.0F &&
+                        end.y <= 1.0F)
+                << text.what;
+            for (const doubles::DrawCall* other = &text + 1; other <= &texts.back(); ++other) {
+                const glm::vec2 common =
+                    glm::min(end, other->position + other->size) - glm::max(text.position, other->position);
+                EXPECT_FALSE(common.x > 0.0005F && common.y > 0.0005F)
+                    << text.what << " and " << other->what << " at " << size.x;
             }
         }
     }
@@ -341,31 +278,12 @@ TEST_F(SceneOverlay, FiguresWithoutCellsShareTheStrip) {
     doubles::drawCalls().clear();
     widget.draw();
     const auto& calls = doubles::drawCalls();
-    ASSERT_GE(calls.size(), 11U);
-    const doubles::DrawCall& strip = calls[0];
-    float free = strip.position.x;  // names and values, from left to right
+    float free = calls.at(0).position.x;  // names and values, from left to right
     for (std::size_t i = 1; i <= 10; ++i) {
-        EXPECT_GE(calls[i].position.x, free - 0.0001F) << calls[i].what;
+        EXPECT_GE(calls.at(i).position.x, free - 0.0001F) << calls[i].what;
         free = calls[i].position.x + calls[i].size.x;
     }
-    EXPECT_LE(free, strip.position.x + strip.size.x + 0.0001F);
-}
-
-TEST_F(SceneOverlay, ACaptureShowsTheFramesPasses) {
-    publish({});
-    frames(3);
-    EXPECT_EQ(mPasses.reads, 0);
-    doubles::companion().keyEvents = {{25, 1}};
-    frame();
-    for (int i = 0; i < 2000 && mPasses.reads == 0; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        frame();
-    }
-    frame();
-    ASSERT_EQ(mPasses.reads, 1);
-    EXPECT_THAT(drawn(), IsSupersetOf({" 4 11 22 ", "4"}));
-    EXPECT_THAT(drawn(), Contains(testing::MatchesRegex("[0-9]+\\(10\\.0ms\\)")));
-    EXPECT_THAT(drawn(), IsSupersetOf({"clip", "unclip"}));
+    EXPECT_LE(free, calls[0].position.x + calls[0].size.x + 0.0001F);
 }
 
 TEST_F(SceneOverlay, ACaptureWaitsForThePassesButNotForEver) {
@@ -387,6 +305,8 @@ TEST_F(SceneOverlay, ACaptureWaitsForThePassesButNotForEver) {
     mPasses.progress = Progress::READY;
     frames(3);
     EXPECT_EQ(mPasses.reads, 1);
+    EXPECT_THAT(drawn(), IsSupersetOf({" 4 11 22 ", "4", "clip", "unclip"}));
+    EXPECT_THAT(drawn(), Contains(testing::MatchesRegex("[0-9]+\\(10\\.0ms\\)")));
     EXPECT_EQ(mPasses.questions, static_cast<int>(scene::GpuCapture::LONGEST_WAIT)) << "asked once a frame";
 
     for (const Progress end : {Progress::PENDING, Progress::NONE}) {
@@ -410,8 +330,7 @@ TEST_F(SceneOverlay, AKeyIsNotPressedAgainInFramesWithoutAPoll) {
     doubles::companion().keyEvents = {{24, 1}, {25, 1}};
     frame();
     ASSERT_TRUE(core::StateInfo::isDumpingEnabled());
-    doubles::setProperty("debug.kordanix.status", "false");
-    SysPropWatcher::forceReadAllProps();
+    doubles::set({{"status", "false"}});
     for (int i = 0; i < 50; ++i) {
         frame();
         std::this_thread::sleep_for(std::chrono::milliseconds(1));  // a capture may end and start anew
@@ -438,28 +357,11 @@ TEST_F(SceneOverlay, ADumpKeyBelongsToTheShownOverlay) {
     mOverlay.endFrame();
     EXPECT_TRUE(core::StateInfo::isDumpingEnabled());
     // On by the settings, but not yet published: it takes the keys and shows nothing.
-    doubles::setProperty("debug.kordanix.api", "1");
-    SysPropWatcher::forceReadAllProps();
+    doubles::set({{"api", "1"}});
     doubles::companion().keyEvents = {{24, 1}};
     other.beginFrame();
     other.endFrame();
     EXPECT_TRUE(core::StateInfo::isDumpingEnabled());
-    doubles::setProperty("debug.kordanix.api", "0");
-}
-
-TEST_F(SceneOverlay, ADumpHoldsWhatIsShown) {
-    doubles::setFile("/sys/kernel/gpu/gpu_busy", "37\n");
-    doubles::setFile("/sys/kernel/gpu/gpu_mem_total", "104857600\n");
-    publish({{"widget_memory", "true"}});
-    frames(10);
-    doubles::companion().keyEvents = {{24, 1}};
-    frames(30);
-    ASSERT_GE(doubles::companion().dumps.size(), 20U);
-    const Ostra::FrameDump& last = doubles::companion().dumps.back();
-    EXPECT_NEAR(last.values[0].floatValue, 62.5F, 0.5F);
-    EXPECT_FLOAT_EQ(last.values[4].floatValue, 37.0F);
-    EXPECT_EQ(last.values[7].intValue, 104857600U);
-    EXPECT_EQ(last.values[1].intValue, 0U) << "the median has no graph";
 }
 
 }  // namespace
