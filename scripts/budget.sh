@@ -25,17 +25,14 @@ cmake --preset release -DBUILD_TESTING=ON >/dev/null
 cmake --build --preset release --target budget_scenarios >/dev/null
 
 program=$PWD/build/release/bin/budget_scenarios
-folder=$(mktemp -d)
-trap 'rm -rf "$folder"' EXIT
-"$program" prepare "$folder"
 
 # Instructions of a whole run, of the same code on every processor: the C library is not to choose functions for
 # the instruction sets that this one happens to have.
 plain=glibc.cpu.hwcaps=-AVX2,-AVX512F,-AVX,-FMA,-FMA4,-SSE4_2,-SSE4_1,-SSSE3,-ERMS,-FSRM,-BMI1,-BMI2
 count() {
     local log
-    log=$(env -i PATH="$PATH" GLIBC_TUNABLES=$plain valgrind --tool=callgrind --callgrind-out-file=/dev/null \
-        "$program" "$1" "$2" "$folder" 2>&1) || { echo "$log" >&2; return 1; }
+    log=$(cd tests/budget/machine && env -i PATH="$PATH" GLIBC_TUNABLES=$plain \
+        valgrind --tool=callgrind --callgrind-out-file=/dev/null "$program" "$1" "$2" 2>&1) || { echo "$log" >&2; return 1; }
     sed -n 's/.*Collected : //p' <<<"$log"
 }
 
