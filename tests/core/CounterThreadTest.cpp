@@ -1,6 +1,5 @@
 #include "core/HWcounterThread.h"
 
-#include "core/RenderPassInfo.h"
 #include "doubles/Emulator.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeCounters.h"
@@ -143,18 +142,6 @@ TEST_F(CounterThread, AnUnavailableSourceEndsEveryCapture) {
 
 TEST(ControlProperties, AreThereWhileASourceOfCountersIsLoaded) {
     EXPECT_EQ(core::askedProperty, "debug.kordanix.status");
-}
-
-TEST(RenderPassInfo, CountsWhatItIsGiven) {
-    core::RenderPassInfo info;
-    info.setRenderPassCount(5);
-    info.reset();
-    info.addRenderPassInfo(10, 100);
-    info.addRenderPassInfo(20, 200);
-    EXPECT_TRUE(info.getRenderPassCount() == 2 && info.getDrawCallCount(1) == 20);
-    EXPECT_EQ(info.getPayloadCount(1), 200);
-    info.reset();
-    EXPECT_TRUE(info.mDrawCallCounts.empty() && info.mPayloadCounts.empty());
 }
 
 }  // namespace

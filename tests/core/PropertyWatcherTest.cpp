@@ -1,6 +1,5 @@
 #include "core/SysPropWatcher.h"
 
-#include "core/RenderingApiType.h"
 #include "doubles/Emulator.h"
 #include "doubles/Settings.h"
 #include "support/ChildProcess.h"
@@ -10,42 +9,13 @@
 
 #include <atomic>
 #include <chrono>
-#include <map>
 #include <new>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
 using namespace std::chrono_literals;
-
-TEST(Property, TextsBecomeValuesOrTheDefault) {
-    SysProp<bool>& isFalse = SysPropWatcher::createSysProp<bool>("debug.kordanix.p", false);
-    SysProp<bool>& isTrue = SysPropWatcher::createSysProp<bool>("debug.kordanix.p", true);
-    SysProp<int>& number = SysPropWatcher::createSysProp<int>("debug.kordanix.p", 99);
-    SysProp<core::RenderingApiType>& api = SysPropWatcher::createSysProp<core::RenderingApiType>(
-        "debug.kordanix.p", static_cast<core::RenderingApiType>(99));
-    EXPECT_TRUE(!isFalse.getValue() && isTrue.getValue());
-    std::map<std::string, int> numbers = {{"   42", 42},
-                                          {"-3", -3},
-                                          {"7abc", 7},
-                                          {"0x10", 0},
-                                          {"010", 10},
-                                          {"4294967297", 1},
-                                          {"4278224127", -16743169},
-                                          {"2147483648", -2147483647 - 1}};
-    for (const char* const text : {"abc", "", "-", "TRUE", "true", "true ", " true", "false", "False"}) {
-        numbers[text] = 99;
-    }
-    for (const auto& [text, value] : numbers) {
-        doubles::set({{"p", text}});
-        EXPECT_EQ(isFalse.getValue(), text == "true") << "'" << text << "'";
-        EXPECT_EQ(isTrue.getValue(), text != "false") << "'" << text << "'";
-        EXPECT_EQ(number.getValue(), value) << "'" << text << "'";
-        EXPECT_EQ(static_cast<int>(api.getValue()), value) << "'" << text << "'";
-    }
-}
 
 TEST(Property, IsRegisteredInOrderOfCreationAndLookedUpUntilItExists) {
     SysProp<int>& late = SysPropWatcher::createSysProp<int>("debug.kordanix.late", 1);
