@@ -6,8 +6,6 @@
 #include "support/ChildProcess.h"
 #include "support/PictureDifference.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <ostream>
