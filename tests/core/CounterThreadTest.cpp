@@ -1,5 +1,6 @@
 #include "core/HWcounterThread.h"
 
+#include "core/RenderPassInfo.h"
 #include "doubles/Emulator.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeCounters.h"
@@ -142,6 +143,16 @@ TEST_F(CounterThread, AnUnavailableSourceEndsEveryCapture) {
 
 TEST(ControlProperties, AreThereWhileASourceOfCountersIsLoaded) {
     EXPECT_EQ(core::askedProperty, "debug.kordanix.status");
+}
+
+TEST(RenderPassInfo, CountsWhatItIsGiven) {
+    core::RenderPassInfo info;
+    info.setRenderPassCount(5);
+    info.addRenderPassInfo(20, 200);
+    EXPECT_TRUE(info.getRenderPassCount() == 6 && info.getDrawCallCount(0) == 20);
+    info.reset();
+    EXPECT_TRUE(info.getRenderPassCount() == 0 && info.mDrawCallCounts.empty() &&
+                info.mPayloadCounts.empty());
 }
 
 }  // namespace

@@ -32,6 +32,17 @@ TEST(FrameRate, MedianAgreesWithSorting) {
     }
 }
 
+TEST(FrameRate, StabilityIsTheShareWithinAFifthOfTheMedianAndTheDeviceCapsTheFigures) {
+    core::StateInfo state;
+    for (const double fps : {50.0, 50.0, 50.0, 40.0, 60.0, 39.8, 60.2}) {  // both bounds belong to the range
+        feed(state, fps);
+    }
+    EXPECT_NEAR(state.getFpsStability(), 500.0F / 7.0F, 0.001F);
+    state.mMaxFps = 45.0F;
+    EXPECT_EQ(state.getAverageFPS(), 45.0F);
+    EXPECT_FLOAT_EQ(state.getMedianFPS(), 50.0F);
+}
+
 TEST(FrameRate, WindowIsTheLastHundredAndReadsLowAfterAResetUntilItIsFullAgain) {
     core::StateInfo state;
     state.mMaxFps = 1000.0F;

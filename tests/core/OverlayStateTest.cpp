@@ -1,3 +1,4 @@
+#include "core/BaseLayer.h"
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
 #include "doubles/FakeFiles.h"
@@ -18,6 +19,18 @@ using testing::ElementsAre;
 
 constexpr auto API = static_cast<core::RenderingApiType>(2);
 constexpr const char* COMMAND_LINE = "/proc/self/cmdline";
+
+TEST(BaseLayer, AttachAndDetachTakeTurns) {
+    struct : core::BaseLayer {
+        void onAttach() override { calls += 'a'; }
+        void onDetach() override { calls += 'd'; }
+        std::string calls;
+    } layer;
+    for (const bool isAttached : {false, true, true, false, false, true}) {
+        isAttached ? layer.attach() : layer.detach();
+    }
+    EXPECT_EQ(layer.calls, "ada");
+}
 
 class OverlaySwitch : public testing::Test {
 protected:

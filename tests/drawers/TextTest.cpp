@@ -8,7 +8,6 @@
 
 #include <memory>
 #include <string>
-#include <tuple>
 #include <vector>
 
 namespace {
@@ -43,20 +42,6 @@ TEST(Text, IsShortenedOnlyWhenItDoesNotFitAndLosesBytesWithoutGlyph) {
     EXPECT_THAT(text.mDrawnText, testing::MatchesRegex("Vertex.*\\.\\.\\."));
     EXPECT_NEAR(text.mGlyphs.back().transform[1].y / atlas()['.']->mTransform[1].y, 0.05F, 1e-5F)
         << "at its full height";
-}
-
-TEST(Text, SizeHintShrinksTheBoxAroundItsMiddle) {
-    // The box is 36 pixels high on a surface of 360.
-    for (const auto& [hint, position, size] :
-         {std::tuple(0U, 0.5F, 0.1F), {18U, 0.525F, 0.05F}, {36U, 0.5F, 0.1F}}) {
-        RecordingText text;
-        text.mPosition = {0.0F, 0.5F};
-        text.mSize = {1.0F, 0.1F};
-        text.setTextSizeHint(hint);
-        text.draw();
-        EXPECT_NEAR(text.mTextPosition.y, position, 1e-5F) << hint;
-        EXPECT_NEAR(text.mTextSize.y, size, 1e-5F) << hint;
-    }
 }
 
 TEST(Textblock, ShowsTheLastLinesOldestFirst) {
