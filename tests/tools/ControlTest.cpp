@@ -267,7 +267,8 @@ TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
 }
 
 TEST_F(ControlTest, APipeThatNobodyReadsIsNoFailure) {
-    const std::string command = "{ sleep 0.1; " KORDANIXCTL " list; echo $? >&3; } 2>&3 | true";
+    const std::string command =
+        "{ sleep 0.1; " + doubles::emulator() + KORDANIXCTL " list; echo $? >&3; } 2>&3 | true";
     EXPECT_EQ(support::run({"bash", "-c", "exec 3>&1; " + command}).out, "0\n");
 }
 
