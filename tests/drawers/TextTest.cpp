@@ -52,7 +52,8 @@ TEST(Textblock, ShowsTheLastLinesOldestFirst) {
     for (const char* const line : {"a", "b", "c", "d", "e", "f", "g"}) {
         block.addText(line);
         expected.emplace_back(line);
-        expected.erase(expected.begin() + 1, expected.end() - std::min<long>(3, expected.size() - 1));
+        expected.erase(expected.begin() + 1,
+                       expected.end() - std::min<std::ptrdiff_t>(3, std::ptrdiff_t(expected.size()) - 1));
         doubles::drawCalls().clear();
         block.draw();
         EXPECT_EQ(doubles::drawnNames(), expected);
