@@ -173,7 +173,7 @@ void RandomState::setValues(Dice& dice, const StateDump& known) const {
         }
         dice.oneIn(2) ? CALL(Enable)(name) : CALL(Disable)(name);
     }
-    for (const GLenum name : {GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_PRIMITIVE_RESTART_NV}) {
+    for (const GLenum name : Names{GL_VERTEX_ARRAY, GL_COLOR_ARRAY, GL_PRIMITIVE_RESTART_NV}) {
         dice.oneIn(2) ? CALL(EnableClientState)(name) : CALL(DisableClientState)(name);
     }
     for (const GLenum name : known.integers()) {
@@ -215,7 +215,7 @@ void RandomState::setValues(Dice& dice, const StateDump& known) const {
      dice.pick<GLenum>({GL_NEGATIVE_ONE_TO_ONE, GL_ZERO_TO_ONE}));
     CALL(ClearColor)(dice.fraction(), dice.fraction(), dice.fraction(), 1);
     CALL(PrimitiveRestartIndex)(dice.bits() % 8);
-    for (const GLenum matrix : {GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
+    for (const GLenum matrix : Names{GL_MODELVIEW, GL_PROJECTION, GL_TEXTURE}) {
         CALL(MatrixMode)(matrix);
         CALL(Scalef)(dice.fraction(), 1, 1);
     }
