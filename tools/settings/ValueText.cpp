@@ -1,6 +1,6 @@
 #include "settings/ValueText.h"
 
-#include <sys/system_properties.h>
+#include "properties/PropertyName.h"
 
 #include <algorithm>
 #include <array>
@@ -91,7 +91,8 @@ std::optional<std::string> parseColor(std::string_view typed) {
 }
 
 std::optional<std::string> parseText(std::string_view typed) {
-    const bool fits = typed.size() < PROP_VALUE_MAX && typed.find('\0') == std::string_view::npos;
+    const bool fits =
+        typed.size() <= platform::PROPERTY_VALUE_LENGTH_MAX && typed.find('\0') == std::string_view::npos;
     return fits ? std::optional<std::string>(typed) : std::nullopt;
 }
 
@@ -155,7 +156,7 @@ std::string_view expectedText(PropertyType type) {
         case PropertyType::GENERATION:
             break;
     }
-    return "a text of at most 91 bytes";
+    return "a text of at most 4096 bytes";
 }
 
 std::string toDisplayText(const Property& property, const std::optional<std::string>& text) {

@@ -6,10 +6,17 @@
 
 namespace opengl {
 
+namespace {
+
+/// The process that has the overlay may end, as a game's launcher does.
+constexpr std::int64_t REFUSED_MS = 2000;
+
+}  // namespace
+
 Obstacle OverlayRight::ask() {
     switch (platform::claimOverlay(utils::getProcessName(), static_cast<std::int32_t>(LAYER_API))) {
         case platform::Claim::FOREIGN:
-            mIsRefused.store(true, std::memory_order_relaxed);
+            mRefusedUntil.store(nowMs() + REFUSED_MS, std::memory_order_relaxed);
             return "another process of the run was the first to present a frame";
         case platform::Claim::BUSY:
             return "somebody is writing properties";

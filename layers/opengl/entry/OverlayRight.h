@@ -1,7 +1,10 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
+#include <limits>
 
+#include "opengl/entry/FrameClock.h"
 #include "opengl/gl/Obstacle.h"
 
 namespace opengl {
@@ -16,12 +19,13 @@ public:
     /// For good.
     bool isGranted() const { return mIsGranted; }
 
-    /// Another process has it, for good. Any thread; relaxed order, since nothing else hangs on it.
-    bool isRefused() const { return mIsRefused.load(std::memory_order_relaxed); }
+    /// Another process has it, and may still have it: for two seconds after each answer. Any thread; relaxed
+    /// order, since nothing else hangs on it.
+    bool isRefused() const { return nowMs() < mRefusedUntil.load(std::memory_order_relaxed); }
 
 private:
     bool mIsGranted = false;
-    std::atomic<bool> mIsRefused{false};
+    std::atomic<std::int64_t> mRefusedUntil{std::numeric_limits<std::int64_t>::min()};
 };
 
 }  // namespace opengl

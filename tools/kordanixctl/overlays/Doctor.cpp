@@ -95,9 +95,10 @@ void describeRun(const std::string& directory, std::ostream& out) {
         const platform::OverlayNote* const note = state.note(process);
         const bool isClaimant = state.claimant() == process;
         out << "    " << process << ' ' << state.name(process) << ": "
-            << (isClaimant         ? "presented a frame first, so that it has the overlay"
-                : state.claimant() ? "came later, so that it has no overlay"
-                                   : "may have the overlay")
+            << (state.hasEnded(process) ? "has ended"
+                : isClaimant            ? "presented a frame first, so that it has the overlay"
+                : state.claimant()      ? "came later, so that it has no overlay"
+                                        : "may have the overlay")
             << (note == nullptr || note->reason.empty() ? "" : "; " + note->reason) << '\n';
     }
 }

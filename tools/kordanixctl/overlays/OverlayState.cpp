@@ -4,6 +4,7 @@
 #include "ostra/ProcessSocket.h"
 #include "processes/Addressing.h"
 #include "processes/ProcessInfo.h"
+#include "processes/RunDirectories.h"
 #include "runs/OverlayClaim.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
@@ -51,6 +52,10 @@ std::vector<pid_t> OverlayState::processes() const {
     std::sort(all.begin(), all.end());
     all.erase(std::unique(all.begin(), all.end()), all.end());
     return all;
+}
+
+bool OverlayState::hasEnded(pid_t process) const {
+    return !platform::processStart(process) && !contains(platform::listeningProcesses(mDirectory), process);
 }
 
 std::string OverlayState::name(pid_t process) const {
@@ -114,7 +119,7 @@ std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t
         }
     }
     if (showing.empty()) {
-        error = obstacles.empty() ? "no overlay is running: no process listens in " + directory : "";
+        error = obstacles.empty() ? nobodyListens(directory) : "";
         for (const std::string& obstacle : obstacles) {
             error += (error.empty() ? "" : "\n  ") + obstacle;
         }
@@ -128,6 +133,15 @@ std::string findObstacle(const std::string& directory, pid_t process) {
 
 std::string describeProcess(pid_t process, const std::string& name) {
     return "process " + std::to_string(process) + (name.empty() ? name : " (" + name + ')');
+}
+
+std::string nobodyListens(const std::string& directory) {
+    std::string text = "no overlay is running: no process listens in " + directory;
+    for (const Run& run : findRuns(directory)) {
+        text += "\n  'kordanixctl --process " + std::to_string(run.process) + " ...' reaches " +
+                describeProcess(run.process, processName(run.process)) + ", which 'kordanixctl run' started";
+    }
+    return text;
 }
 
 }  // namespace control

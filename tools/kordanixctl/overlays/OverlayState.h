@@ -23,6 +23,9 @@ public:
     /// Those that listen or have left a note, in ascending order; also ones that have ended since.
     std::vector<pid_t> processes() const;
 
+    /// Whether the process is neither to be seen nor listens.
+    bool hasEnded(pid_t process) const;
+
     /// The process's name as the library reads it.
     std::string name(pid_t process) const;
 
@@ -53,5 +56,8 @@ std::string findObstacle(const std::string& directory, pid_t process);
 
 /// "process 12 (glxgears)".
 std::string describeProcess(pid_t process, const std::string& name);
+
+/// That no process has the overlay in this runtime directory, and which runs below it have.
+std::string nobodyListens(const std::string& directory);
 
 }  // namespace control

@@ -78,7 +78,7 @@ ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::
     }
     const std::vector<pid_t> all = recipients(directory.path, process);
     if (all.empty()) {
-        return fail("no overlay is running: no process listens in " + directory.path, err);
+        return fail(nobodyListens(directory.path), err);
     }
     platform::ProcessMessage message;
     message.kind = platform::ProcessMessage::Kind::BACKGROUND;
