@@ -39,7 +39,7 @@ void setSteppedClock(double seconds) {
 // Found before the C library's.
 extern "C" int clock_gettime(clockid_t clock, struct timespec* time) noexcept {
     const std::int64_t stepped = steppedNs;
-    if (clock == CLOCK_REALTIME && stepped != 0) {
+    if ((clock == CLOCK_REALTIME || clock == CLOCK_MONOTONIC_RAW) && stepped != 0) {
         const std::int64_t now = isStepping ? stepped : stepped + ++readings * OTHER_THREADS_STEP_NS;
         time->tv_sec = static_cast<std::time_t>(now / NS_PER_SECOND);
         time->tv_nsec = static_cast<long>(now % NS_PER_SECOND);

@@ -16,6 +16,8 @@ enum class Source {
     MEDIAN_FPS,
     FPS_STABILITY,
     AVERAGE_FPS,
+    LOW_1_FPS,
+    LOW_01_FPS,
     CPU_LOAD,
     GPU_CLOCK,
     GPU_LOAD,

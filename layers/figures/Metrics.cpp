@@ -53,6 +53,8 @@ const Metrics::Reader Metrics::READERS[] = {
     {&Metrics::medianFps, nullptr},
     {&Metrics::fpsStability, nullptr},
     {&Metrics::averageFps, nullptr},
+    {&Metrics::low1Fps, nullptr},
+    {&Metrics::low01Fps, nullptr},
     {&Metrics::cpuLoad, &Metrics::percentTop},
     {&Metrics::gpuClock, &Metrics::gpuMaxClock},
     {&Metrics::gpuLoad, &Metrics::percentTop},
@@ -85,9 +87,21 @@ void Metrics::want(const FigureSet& wanted) {
     mIsSlowWanted = isSlowWanted;
 }
 
+void Metrics::addFrame(std::uint64_t nanoseconds) {
+    // The wish stays until the library's own statistics are reset, at the next refresh.
+    const bool isResetWanted = core::StateInfo::mIsNeedToResetFps;
+    if (isResetWanted && !mIsResetSeen) {
+        mFrames.reset();
+        mHighestFps = 0.0;
+    }
+    mIsResetSeen = isResetWanted;
+    mFrames.add(nanoseconds);
+}
+
 void Metrics::refresh(std::uint32_t frames, double elapsedUs) {
-    mFps = mState.getFPS(frames, elapsedUs);
-    mHasFps = true;
+    mState.getFPS(frames, elapsedUs);
+    mFrames.refresh();
+    mHighestFps = std::max(mHighestFps, mFrames.current().value_or(0.0));
     mSinceCpuLoadUs += elapsedUs;
     mSystemMemory.reset();
     for (const Figure& figure : catalogue()) {
@@ -110,7 +124,6 @@ void Metrics::restart() {
     // first answer would be a meaningless mean, so it is taken and dropped.
     mState.getCurrentCPUUsage(std::numeric_limits<double>::max());
     mSinceCpuLoadUs = 0.0;
-    mHasFps = false;
 }
 
 Reading Metrics::top(const Figure& figure) {
@@ -118,28 +131,32 @@ Reading Metrics::top(const Figure& figure) {
     return reader.top != nullptr ? (this->*reader.top)() : Reading();
 }
 
-Reading Metrics::fpsReading(float value) const {
-    return mHasFps ? fromReader(value) : Reading();
-}
-
 Reading Metrics::currentFps() {
-    return fpsReading(mFps);
+    return mFrames.current();
 }
 
 Reading Metrics::averageFps() {
-    return fpsReading(mState.getAverageFPS());
+    return mFrames.average();
 }
 
 Reading Metrics::medianFps() {
-    return fpsReading(mState.getMedianFPS());
+    return mFrames.median();
 }
 
 Reading Metrics::fpsStability() {
-    return fpsReading(mState.getFpsStability());
+    return mFrames.stability();
+}
+
+Reading Metrics::low1Fps() {
+    return mFrames.low(0.01);
+}
+
+Reading Metrics::low01Fps() {
+    return mFrames.low(0.001);
 }
 
 Reading Metrics::maxFps() {
-    return fromReader(mState.getMaxFPS());
+    return std::max(static_cast<double>(mState.getMaxFPS()), mHighestFps);
 }
 
 Reading Metrics::cpuLoad() {

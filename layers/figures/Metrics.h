@@ -2,6 +2,7 @@
 
 #include "core/StateInfo.h"
 #include "figures/Catalogue.h"
+#include "figures/FrameStatistics.h"
 #include "figures/KernelFiles.h"
 #include "figures/Reading.h"
 #include "figures/SlowReader.h"
@@ -22,8 +23,11 @@ public:
     /// From the next refresh on. Starts or ends the thread that the slow figures need.
     void want(const FigureSet& wanted);
 
-    /// `frames` frames took `elapsedUs` microseconds since the last refresh. Takes the frame-rate sample in
-    /// any case, so that the statistics are whole.
+    /// A frame took this long. The start of a dump resets the statistics.
+    void addFrame(std::uint64_t nanoseconds);
+
+    /// `frames` frames took `elapsedUs` microseconds since the last refresh, which is what the library's own
+    /// statistics are fed with.
     void refresh(std::uint32_t frames, double elapsedUs);
 
     /// The overlay was away: the next values have nothing to do with the last ones.
@@ -48,13 +52,13 @@ private:
     // The sources, called once a refresh. A negative or infinite number, one with all bits set
     // and what is no number at all give an empty reading.
 
-    /// Frames per second: of the last interval, and the mean and the median since the statistics were reset.
+    /// See FrameStatistics.
     Reading currentFps();
     Reading averageFps();
     Reading medianFps();
-
-    /// Percentage of intervals within 20 % of the median.
     Reading fpsStability();
+    Reading low1Fps();
+    Reading low01Fps();
 
     /// Load of this process, 0 to 100: percent of all processors of the device, the mean of a few refreshes.
     Reading cpuLoad();
@@ -82,14 +86,13 @@ private:
 
     // The tops of graphs.
 
-    /// The device's cap of the frame rate.
+    /// The device's cap of the frame rate, or the highest rate so far if that is higher.
     Reading maxFps();
     Reading percentTop();
     /// For all memory of the process: a quarter more than the largest value of one of its figures.
     Reading processMemoryTop();
     Reading systemMemoryTotal();
 
-    Reading fpsReading(float value) const;
     Reading keepPeak(Reading bytes);
     const SystemMemory& systemMemory();
 
@@ -97,8 +100,9 @@ private:
     std::array<Reading, FigureSet().size()> mReadings;
 
     core::StateInfo mState;
-    bool mHasFps = false;
-    float mFps = 0.0F;
+    FrameStatistics mFrames;
+    bool mIsResetSeen = false;  // of those that a dump's start asks for
+    double mHighestFps = 0.0;
     double mSinceCpuLoadUs = 0.0;
     utils::ValueDamper mCpuDamper;
     double mSinceSlowRequestUs = 0.0;

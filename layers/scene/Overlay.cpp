@@ -44,6 +44,12 @@ void Overlay::onDetach() {
     mIsShown = false;
 }
 
+void Overlay::enter() {
+    if (mIsShown) {
+        mScene.mFrameTimes.onHook();
+    }
+}
+
 void Overlay::beginFrame() {
     // Keys are polled while the overlay is on, and shown is what a publication has reached: between the two
     // lie frames that are shown without a poll, in which a key must not be pressed once more.
@@ -81,14 +87,40 @@ void Overlay::draw() {
     if (mIsShown) {
         onPreDraw();
         mScene.draw();
+        mScene.mFrameTimes.onSwap();
+    }
+}
+
+void Overlay::beginSwap() {
+    if (mIsShown) {
+        mScene.mFrameTimes.onSwap();
+    }
+}
+
+void Overlay::endSwap() {
+    if (mIsShown) {
+        mIsSwapped = true;
+        mScene.mFrameTimes.onSwapped();
     }
 }
 
 void Overlay::endFrame() {
+    if (mIsShown) {
+        if (!std::exchange(mIsSwapped, false)) {
+            mScene.mFrameTimes.onSwapped();
+        }
+        mScene.finishFrame();
+    }
     static const std::vector<drawer::Drawer*> NONE;
     // Another overlay's frame may have begun since, and a key belongs to the one that is shown.
     mKeys.mIsDumpKeyPressed = mIsShown && mIsDumpKeyPressed;
     core::StateInfo::onPostSwapBuffers(mIsShown ? mScene.drawers() : NONE);
+}
+
+void Overlay::leave() {
+    if (mIsShown) {
+        mScene.mFrameTimes.onLeft();
+    }
 }
 
 }  // namespace scene

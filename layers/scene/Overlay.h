@@ -23,8 +23,10 @@ class RenderPassSource;
 ///     ...the application's own swap...
 ///     overlay.endFrame();
 ///
-/// on the rendering thread. attach() and detach() frame the whole. A process may have overlays of several
-/// APIs; those on different threads must not be in these operations at the same time.
+/// on the rendering thread. A layer that does more than this says so with beginSwap() and endSwap(), so that
+/// the swap's time is the swap's, and has its own time measured with enter() and leave(). attach() and
+/// detach() frame the whole. A process may have overlays of several APIs; those on different threads must not
+/// be in these operations at the same time.
 class Overlay : public core::BaseLayer {
 public:
     /// The factory and the source of render passes (null if there is none) outlive the overlay.
@@ -33,12 +35,22 @@ public:
     /// Detaches.
     ~Overlay() override;
 
+    /// The application has called; before beginFrame() and whatever else the layer does.
+    void enter();
+
     void beginFrame();
 
     /// Draws the widgets, or nothing while the overlay is off.
     void draw();
 
+    /// Directly around the application's own swap.
+    void beginSwap();
+    void endSwap();
+
     void endFrame();
+
+    /// The last thing before the application goes on.
+    void leave();
 
     /// Whether the overlay is shown in this frame.
     bool isShown() const { return mIsShown; }
@@ -54,6 +66,7 @@ private:
     core::RenderingApiType mApi;
     bool mIsShown = false;
     bool mIsDumpKeyPressed = false;  // in the poll of this frame
+    bool mIsSwapped = false;         // endSwap() was called in this frame
     std::uint32_t mSeenPublications = 0;
     glm::uvec2 mSurfaceSize{0, 0};
 };

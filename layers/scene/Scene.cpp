@@ -1,5 +1,6 @@
 #include "scene/Scene.h"
 
+#include "core/StateInfo.h"
 #include "gui/LayoutManager.h"
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
@@ -59,7 +60,15 @@ void Scene::update() {
     mPacing.incFrameCount();
 }
 
+void Scene::finishFrame() {
+    // The library counts the frame in its hook, which comes next.
+    if (mFrameTimes.finish(static_cast<std::uint32_t>(core::StateInfo::mFrameNumber + 1))) {
+        mMetrics.addFrame(mFrameTimes.ago(0).total);
+    }
+}
+
 void Scene::restart() {
+    mFrameTimes.restart();
     mPacing.initUpdateHelper();
     mMetrics.restart();
 }

@@ -3,6 +3,7 @@
 #include "core/RenderingApiType.h"
 #include "figures/Metrics.h"
 #include "scene/ExtraDump.h"
+#include "scene/FrameTimes.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
 #include "utils/UpdateHelper.h"
@@ -27,6 +28,9 @@ public:
     /// Once a frame, before draw(): counts the frame and, each 120 ms, brings the figures up to date.
     void update();
 
+    /// Once a frame, after its swap, whose moments mFrameTimes has been told.
+    void finishFrame();
+
     /// The overlay was not shown for a while: what comes now does not follow on what was before.
     void restart();
 
@@ -41,6 +45,8 @@ public:
 
     /// Waits for everything that runs in the background: for pictures that must not depend on timing.
     void settle();
+
+    FrameTimes mFrameTimes;
 
 private:
     PrimitiveFactory& mFactory;

@@ -3,7 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
-/// The wall clock under the test's control. Other clocks, and the wall clock until it is set, are real.
+/// The wall clock under the test's control, and with it the clock that nobody sets. Other clocks, and the
+/// wall clock until it is set, are real.
 namespace doubles {
 
 struct WallClock {

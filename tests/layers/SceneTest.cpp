@@ -93,6 +93,50 @@ TEST(SlowReader, SurvivesAReadingThatFails) {
     }
 }
 
+/// Frames of these lengths in microseconds, and so many of each.
+struct Pace {
+    const char* name;
+    std::vector<std::pair<std::uint64_t, int>> frames;
+    double average, median, stability, low1, low01;
+};
+
+TEST(FrameStatistics, AreTrueAtAnyRate) {
+    const Pace paces[] = {
+        {"one a second", {{1000000, 20}}, 1, 1, 100, 1, 1},
+        {"ten thousand", {{100, 30000}}, 10000, 10000, 100, 10000, 10000},
+        {"a second slow, a second fast",
+         {{1000000 / 27, 135}, {1000000 / 120, 600}},
+         73.5,
+         120,
+         81.6,
+         27,
+         27},
+        {"on the bounds of stability", {{8001, 100}, {10000, 900}, {11999, 100}}, 100, 100, 100, 83.3, 83.3},
+        {"beyond them", {{7800, 100}, {10000, 900}, {12200, 100}}, 100, 100, 81.8, 82, 82},
+        {"hiccups", {{5000, 9900}, {50000, 90}, {400000, 10}}, 172.1, 200, 99, 11.765, 2.5},
+        {"of no class", {{1, 100}, {60000000, 1}}, 1.683, 1e6, 99, 0.01667, 0.01667},
+        {"none", {{0, 5}}, -1, -1, -1, -1, -1},
+    };
+    for (const Pace& pace : paces) {
+        figures::FrameStatistics statistics;
+        for (const auto& [microseconds, count] : pace.frames) {
+            for (int i = 0; i < count; ++i) {
+                statistics.add(microseconds * 1000);
+            }
+        }
+        statistics.refresh();
+        const std::pair<figures::Reading, double> figures[] = {{statistics.average(), pace.average},
+                                                               {statistics.median(), pace.median},
+                                                               {statistics.stability(), pace.stability},
+                                                               {statistics.low(0.01), pace.low1},
+                                                               {statistics.low(0.001), pace.low01}};
+        for (const auto& [figure, expected] : figures) {
+            EXPECT_NEAR(figure.value_or(-1), expected, std::abs(expected) * 0.002)
+                << pace.name << ' ' << &figure - &figures[0].first;
+        }
+    }
+}
+
 TEST(Metrics, AskForNoVendorWithoutAGpu) {
     doubles::removeAllFiles();
     doubles::takeLog();
@@ -232,6 +276,23 @@ TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
     publish({{"status", "true"}});
     frame();
     EXPECT_THAT(drawn(), Contains("PSS"));
+}
+
+// 735 frames in 10 seconds, a second slow and a second fast in turn; then a dump, whose start forgets them.
+TEST_F(SceneOverlay, TheMeanRateIsFramesByTimeSinceADumpBegan) {
+    publish({{"widget_fps_low1", "true"}});
+    frame();
+    for (int second = 0; second < 10; ++second) {
+        for (int i = 0, rate = second % 2 == 0 ? 27 : 120; i < rate; ++i) {
+            doubles::advanceWallClock(1000000 / rate - 16000);
+            frame();
+        }
+    }
+    frames(12);
+    EXPECT_THAT(drawn(), IsSupersetOf({"Avg 73.4", "1% 27.0"}));
+    doubles::companion().keyEvents = {{24, 1}};
+    frames(20);
+    EXPECT_THAT(drawn(), Contains("Avg 62.5"));
 }
 
 // Every text stays inside its widget, and no two texts of the overlay lie on each other, save for the legend,

@@ -2,6 +2,8 @@
 
 #include "core/RenderingApiType.h"
 #include "core/SysPropWatcher.h"
+#include "figures/Catalogue.h"
+#include "figures/FigureSettings.h"
 #include "gui/WidgetsSettings.h"
 
 #include <gmock/gmock.h>
@@ -67,6 +69,11 @@ TEST(PropertyTable, HasExactlyThePropertiesOfTheLibrary) {
     lookedUp().clear();
     atLoad.erase("ro.product.model");
     WidgetsSettings::getWidgets();
+    for (const figures::Figure& figure : figures::catalogue()) {
+        if (!figure.isNote()) {
+            figures::settingsOf(figure);
+        }
+    }
     for (const Property& property : properties()) {
         if (property.type != PropertyType::GENERATION) {
             auto& ofLibrary = isControlProperty(property) ? atLoad : lookedUp();

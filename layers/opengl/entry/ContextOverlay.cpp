@@ -61,6 +61,14 @@ ContextOverlay::ContextOverlay(GetProcAddress lookUp, Shared& shared)
 
 Obstacle ContextOverlay::beforeSwap(const WindowLibrary& library, const Swap& swap,
                                     unsigned int attributeChanges) {
+    mOverlay.enter();
+    const Obstacle obstacle = drawOverlay(library, swap, attributeChanges);
+    mOverlay.beginSwap();
+    return obstacle;
+}
+
+Obstacle ContextOverlay::drawOverlay(const WindowLibrary& library, const Swap& swap,
+                                     unsigned int attributeChanges) {
     mPasses.onFrameEnd();
     // While the overlay is off nobody asks for the surface. When it has just been switched on, this frame is
     // laid out for what the surface once was, and goes without.
@@ -99,6 +107,7 @@ void ContextOverlay::afterSwap() {
     if (!mIsInFrame) {
         return;
     }
+    mOverlay.endSwap();
     std::uint64_t swapped = 0;
     {
         const std::lock_guard<std::mutex> lock(mShared.mutex);
@@ -107,6 +116,7 @@ void ContextOverlay::afterSwap() {
         swapped = core::StateInfo::mFrameNumber;
     }
     mPasses.onFrameBegin(static_cast<std::uint32_t>(swapped));
+    mOverlay.leave();
 }
 
 void ContextOverlay::release() {

@@ -52,6 +52,7 @@ public:
     void release();
 
 private:
+    Obstacle drawOverlay(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
     Obstacle beginFrame(bool isLookedAt);
     void lookAtSurface(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
     bool isPictureWanted();

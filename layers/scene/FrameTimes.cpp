@@ -1,0 +1,75 @@
+#include "scene/FrameTimes.h"
+
+#include <time.h>
+
+#include <algorithm>
+
+namespace scene {
+
+namespace {
+
+/// Nobody steps or slews this clock.
+std::uint64_t now() {
+    constexpr std::uint64_t NS_PER_SECOND = 1000000000;
+    timespec time = {};
+    clock_gettime(CLOCK_MONOTONIC_RAW, &time);
+    return static_cast<std::uint64_t>(time.tv_sec) * NS_PER_SECOND + static_cast<std::uint64_t>(time.tv_nsec);
+}
+
+}  // namespace
+
+void FrameTimes::onHook() {
+    mHookedAt = now();
+}
+
+void FrameTimes::onSwap() {
+    mSwapAt = now();
+}
+
+void FrameTimes::onSwapped() {
+    mSwappedAt = now();
+}
+
+void FrameTimes::onLeft() {
+    mAfterSwap = now() - mSwappedAt;
+}
+
+bool FrameTimes::finish(std::uint32_t number) {
+    const bool isKnown = mHasSwapped;
+    if (isKnown) {
+        FrameTime& frame = mFrames[mCount % HISTORY];
+        frame.number = number;
+        frame.total = mSwappedAt - mLastSwappedAt;
+        frame.swap = mSwappedAt - mSwapAt;
+        frame.overlay = mHookedAt == 0 ? FrameTime::NOT_MEASURED
+                                       : static_cast<std::int64_t>(mAfterSwap + (mSwapAt - mHookedAt));
+        frame.gpu = FrameTime::NOT_MEASURED;
+        ++mCount;
+    }
+    mLastSwappedAt = mSwappedAt;
+    mHasSwapped = true;
+    return isKnown;
+}
+
+void FrameTimes::setGpu(std::uint32_t number, std::uint64_t nanoseconds) {
+    for (std::size_t i = 0; i < size(); ++i) {
+        FrameTime& frame = mFrames[(mCount - 1 - i) % HISTORY];
+        if (frame.number == number) {
+            frame.gpu = static_cast<std::int64_t>(nanoseconds);
+            return;
+        }
+        if (static_cast<std::int32_t>(frame.number - number) < 0) {
+            return;
+        }
+    }
+}
+
+std::size_t FrameTimes::size() const {
+    return std::min(static_cast<std::size_t>(mCount), HISTORY);
+}
+
+const FrameTime& FrameTimes::ago(std::size_t frames) const {
+    return mFrames[(mCount - 1 - frames) % HISTORY];
+}
+
+}  // namespace scene
