@@ -2,7 +2,7 @@
 
 #include "ByteReader.h"
 #include "Check.h"
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "simulator/Device.h"
 #include "simulator/Script.h"
 
@@ -64,7 +64,7 @@ void put(const std::string& path, const std::string& text) {
 }
 
 void loadDevice(const std::string& script, const std::string& properties, const std::string& kernelFile) {
-    static const platform::TemporaryDirectory folder;
+    static const support::TemporaryDirectory folder;
     static const bool isMade = std::filesystem::create_directories(folder.path("sys/kernel"));
     FUZZ_CHECK(isMade);
     put(folder.path("script.json"), script);

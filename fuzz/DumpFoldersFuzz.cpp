@@ -3,7 +3,7 @@
 #include "ByteReader.h"
 #include "Check.h"
 #include "conversions/DumpCommands.h"
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 #include <nlohmann/json.hpp>
 
@@ -72,7 +72,7 @@ void checkTrace(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const platform::TemporaryDirectory directory;
+    static const support::TemporaryDirectory directory;
     static const std::string folder = directory.path("dump");
     // The two files with a zero byte between them; without one there is no passes.csv.
     fuzz::ByteReader reader(data, size);

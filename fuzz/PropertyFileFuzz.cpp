@@ -1,7 +1,7 @@
 // The property file: any bytes in its place, as somebody may have left or edited them.
 
 #include "Check.h"
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "properties/PropertyFile.h"
 #include "properties/PropertyName.h"
 #include "properties/SystemProperties.h"
@@ -74,7 +74,7 @@ void checkReaders(const PropertyList& list, bool isSound) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const platform::TemporaryDirectory directory;
+    static const support::TemporaryDirectory directory;
     static const bool isSet = (platform::changeRuntimeDirectory(directory.path()), true);
     FUZZ_CHECK(isSet);
     const std::string path = platform::propertyFilePath(directory.path());

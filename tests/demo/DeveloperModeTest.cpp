@@ -1,5 +1,5 @@
 #include "dumps/DumpReader.h"
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
 
 #include <gmock/gmock.h>
@@ -27,7 +27,7 @@ int control(std::vector<std::string> arguments) {
 
 // A dump and a capture asked for from outside hold what the device's script says was on the screen.
 TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
-    const platform::TemporaryDirectory folder;
+    const support::TemporaryDirectory folder;
     setenv("KORDANIX_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("KORDANIX_DUMP_DIR", folder.path("dump").c_str(), 1);
     support::ChildProcess demo({KORDANIX_DEMO, "--device", "mali-b31", "--size", "200x100", "--seconds", "4",

@@ -2,7 +2,7 @@
 
 #include "faults/HostShared.h"
 #include "faults/Publisher.h"
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
 
 #include <chrono>
@@ -71,7 +71,7 @@ public:
     std::string dumpError() const;
 
 private:
-    const platform::TemporaryDirectory mFolder;
+    const support::TemporaryDirectory mFolder;
     std::shared_ptr<HostShared> mShared;
     std::unique_ptr<support::ChildProcess> mProcess;
 };

@@ -34,7 +34,7 @@ protected:
         return waitUntil([&host] { return host.shared().isShown[0].load(); });
     }
 
-    const platform::TemporaryDirectory mRuntime;
+    const support::TemporaryDirectory mRuntime;
 };
 
 // Settings.

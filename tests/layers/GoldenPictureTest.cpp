@@ -1,7 +1,7 @@
 // What the whole overlay looks like, against pictures that somebody has looked at. scripts/update-golden.sh
 // takes over new ones.
 
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "software/Png.h"
 #include "support/ChildProcess.h"
 #include "support/PictureDifference.h"
@@ -50,7 +50,7 @@ const Picture PICTURES[] = {
 
 /// Returns the probe's exit code.
 int render(const Picture& picture, const std::string& file) {
-    const platform::TemporaryDirectory folder;
+    const support::TemporaryDirectory folder;
     std::vector<std::string> command = {GOLDEN_PROBE, picture.width, picture.height, file};
     command.insert(command.end(), picture.settings.begin(), picture.settings.end());
     return support::run(command,

@@ -1,6 +1,6 @@
 #include "software/Png.h"
 
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "software/Image.h"
 
 #include <sys/stat.h>
@@ -24,7 +24,7 @@ protected:
         }
     }
 
-    const platform::TemporaryDirectory mFolder;
+    const support::TemporaryDirectory mFolder;
     Image mImage{37, 11};
     std::string mError;
 };

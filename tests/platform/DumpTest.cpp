@@ -1,4 +1,4 @@
-#include "doubles/Emulator.h"
+#include "doubles/FakeThreads.h"
 #include "ostra/DumpNotice.h"
 #include "ostra/DumpPlan.h"
 #include "ostra/ProcessSocket.h"
@@ -13,55 +13,42 @@
 #include <ostra/ExtraColumns.h>
 #include <ostra/Ostra.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <limits>
+#include <tuple>
 
 namespace ostra {
 namespace {
 
 using platform::DumpNotice;
 using support::ChildProcess;
+using support::readFile;
 using support::waitUntil;
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::MatchesRegex;
 
 namespace fs = std::filesystem;
 
-std::string readFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::size_t countRows(const std::string& text) {
-    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+std::ptrdiff_t rows(const std::string& path) {
+    const std::string text = readFile(path);
+    return std::count(text.begin(), text.end(), '\n');
 }
 
 const std::vector<Ostra::DumpWidgetMeta> METAS = {{android::String8("Fps"), 1, 1},
                                                   {android::String8("Freq, \"MHz\""), 0, 1},
                                                   {android::String8("Mem(Bytes)"), 2, 0}};
 
-Ostra::FrameDump frame(std::uint64_t number, std::size_t passes = 0) {
-    Ostra::FrameDump dump = {};
-    dump.frameNumber = number;
-    dump.timestampMs = 1700000000000;
-    dump.values.resize(METAS.size());
+void addFrames(int count, std::size_t passes = 0) {
+    Ostra::FrameDump dump = {1, 1700000000000, 0, 0, 0, {{}, {}, {}}, {}};
     dump.renderPasses.resize(passes, {1, 2, 0.5});
-    return dump;
-}
-
-void addFrames(std::uint64_t count, std::size_t passes = 0) {
-    for (std::uint64_t i = 0; i < count; ++i) {
-        Ostra::addDump(frame(i, passes));
+    for (int i = 0; i < count; ++i) {
+        Ostra::addDump(dump);
     }
 }
 
@@ -88,66 +75,49 @@ protected:
     }
 
     void useFolder(const std::string& name) {
-        mBase = mHome.path(name);
-        setenv("KORDANIX_DUMP_DIR", mBase.c_str(), 1);
+        setenv("KORDANIX_DUMP_DIR", name[0] == '/' ? name.c_str() : mHome.path(name).c_str(), 1);
     }
 
-    const platform::TemporaryDirectory mHome;
-    std::string mBase;
+    const support::TemporaryDirectory mHome;
 };
 
-TEST_F(Dump, HoldsTheNumbersOfEveryFrame) {
-    Ostra::addDump(frame(1));
+TEST_F(Dump, HoldsTheNumbersOfEveryFrameAndExtraColumns) {
+    addFrames(1);
+    Ostra::setExtraColumns({"Power(W)", "Fan(rpm)"});
     Ostra::startDumping(METAS);
-    Ostra::FrameDump dump = frame(18446744073709551615U);
-    dump.values[0].floatValue = 59.94F;
-    dump.values[1].intValue = 585;
-    dump.values[2].intValue = 18446744073709551615U;
-    dump.renderPassFrameId = -1;
-    dump.frameDuration = 16.6F;
-    dump.renderPasses = {{7, 8, 0.1}, {18446744073709551615U, 0, 1e-9}};
-    Ostra::addDump(dump);
-    dump = frame(2);
-    dump.timestampMs = -5;
-    dump.values[0].floatValue = std::numeric_limits<float>::infinity();
-    dump.values.resize(2);
-    Ostra::addDump(dump);
-    dump = frame(3);
-    dump.values[0].floatValue = 1e-40F;
-    dump.values.resize(9);
-    Ostra::addDump(dump);
+    Ostra::DumpValue fps = {};
+    fps.floatValue = 59.94F;
+    Ostra::addDump({UINT64_MAX,
+                    1700000000000,
+                    -1,
+                    16.6F,
+                    0,
+                    {fps, {585}, {UINT64_MAX}},
+                    {{7, 8, 0.1}, {UINT64_MAX, 0, 1e-9}}});
+    const double extra[] = {12.25, std::numeric_limits<double>::quiet_NaN(), 7.0};
+    Ostra::setExtraValues(extra, std::size(extra));
+    fps.floatValue = std::numeric_limits<float>::infinity();
+    Ostra::addDump({2, -5, 0, 0, 0, {fps, {}}, {}});
+    fps.floatValue = 1e-40F;
+    Ostra::addDump({3, 0, 0, 0, 0, {fps, {}, {}, {}, {}}, {}});
+    Ostra::setExtraColumns({});
     Ostra::finishDumping();
-    Ostra::addDump(frame(4));
+    addFrames(1);
     const DumpNotice told = ended();
     EXPECT_EQ(told.state, DumpNotice::State::DONE) << told.error;
     EXPECT_EQ(told.frames, 3U);
-    EXPECT_THAT(told.folder, testing::MatchesRegex(mBase + "/ostra_tests-[0-9]{8}-[0-9]{6}-1"));
+    EXPECT_THAT(told.folder, MatchesRegex(mHome.path("made/too/ostra_tests-[0-9]{8}-[0-9]{6}-1")));
     EXPECT_THAT(logged(ANDROID_LOG_INFO), ElementsAre(HasSubstr(told.folder)));
-    EXPECT_EQ(
-        readFile(told.folder + "/frames.csv"),
-        "FrameNumber,TimestampMs,Fps,\"Freq, \"\"MHz\"\"\",Mem(Bytes),RenderPassFrameId,FrameDuration\r\n"
-        "18446744073709551615,1700000000000,59.94,585,18446744073709551615,-1,16.6\r\n"
-        "2,-5,inf,0,,0,0\r\n"
-        "3,1700000000000,1e-40,0,0,0,0\r\n");
+    EXPECT_EQ(readFile(told.folder + "/frames.csv"),
+              "FrameNumber,TimestampMs,Fps,\"Freq, \"\"MHz\"\"\",Mem(Bytes),RenderPassFrameId,FrameDuration,"
+              "Power(W),Fan(rpm)\r\n"
+              "18446744073709551615,1700000000000,59.94,585,18446744073709551615,-1,16.6,,\r\n"
+              "2,-5,inf,0,,0,0,12.25,\r\n"
+              "3,0,1e-40,0,0,0,0,12.25,\r\n");
     EXPECT_EQ(readFile(told.folder + "/passes.csv"),
               "FrameNumber,RenderPassFrameId,Pass,FirstValue,SecondValue,Duration\r\n"
               "18446744073709551615,-1,0,7,8,0.1\r\n"
               "18446744073709551615,-1,1,18446744073709551615,0,1e-09\r\n");
-}
-
-TEST_F(Dump, HasExtraColumnsBesideTheLibrarys) {
-    Ostra::setExtraColumns({"Power(W)", "Fan(rpm)"});
-    Ostra::startDumping({});
-    addFrames(1);
-    const double values[] = {12.25, std::numeric_limits<double>::quiet_NaN(), 7.0};
-    Ostra::setExtraValues(values, std::size(values));
-    addFrames(1);
-    Ostra::setExtraColumns({});
-    Ostra::finishDumping();
-    EXPECT_EQ(readFile(ended().folder + "/frames.csv"),
-              "FrameNumber,TimestampMs,RenderPassFrameId,FrameDuration,Power(W),Fan(rpm)\r\n"
-              "0,1700000000000,0,0,,\r\n"
-              "0,1700000000000,0,0,12.25,\r\n");
 }
 
 TEST_F(Dump, IsFlushedWhileItRunsAndReplacedByNoOther) {
@@ -157,10 +127,8 @@ TEST_F(Dump, IsFlushedWhileItRunsAndReplacedByNoOther) {
     EXPECT_TRUE(waitUntil([before] { return notice().number == before + 1; }));
     const DumpNotice first = notice();
     EXPECT_EQ(first.state, DumpNotice::State::RUNNING);
-    EXPECT_TRUE(waitUntil([&] {
-        return countRows(readFile(first.folder + "/frames.csv")) == 2 &&
-               countRows(readFile(first.folder + "/passes.csv")) == 4;
-    }));
+    EXPECT_TRUE(waitUntil(
+        [&] { return rows(first.folder + "/frames.csv") == 2 && rows(first.folder + "/passes.csv") == 4; }));
     addFrames(1);
     Ostra::startDumping({});
     addFrames(1);
@@ -168,37 +136,30 @@ TEST_F(Dump, IsFlushedWhileItRunsAndReplacedByNoOther) {
     const DumpNotice second = ended();
     EXPECT_EQ(second.number, first.number + 1);
     EXPECT_NE(second.folder, first.folder);
-    EXPECT_EQ(countRows(readFile(first.folder + "/frames.csv")), 3U);
-    EXPECT_EQ(readFile(second.folder + "/frames.csv"),
-              "FrameNumber,TimestampMs,RenderPassFrameId,FrameDuration\r\n0,1700000000000,0,0\r\n");
+    EXPECT_EQ(rows(first.folder + "/frames.csv"), 3);
+    EXPECT_EQ(rows(second.folder + "/frames.csv"), 2);
 }
 
 TEST_F(Dump, EndsWithOneErrorWhenItCannotBeWritten) {
     rlimit limit = {};
     getrlimit(RLIMIT_FSIZE, &limit);
-    std::ofstream(mHome.path("file")).flush();
+    const rlimit small = {4096, limit.rlim_max};
+    mHome.shell("touch file");
     const struct {
         const char* folder;
         std::function<void()> spoil;
         const char* error;
     } cases[] = {
         {"file", [] {}, "Not a directory"},
+        {"thread", [] { doubles::refusedThreads() = 1; }, "no thread"},
         {"/proc", [] {}, "/proc"},
         {"full", [] { faults::writeFault = ENOSPC; }, "No space left"},
         {"memory", [] { faults::failingAllocations = 1; }, "out of memory"},
-        {"limit",
-         [&] {
-             const rlimit small = {4096, limit.rlim_max};
-             setrlimit(RLIMIT_FSIZE, &small);
-         },
-         "frames.csv: File too large"},
+        {"limit", [&] { setrlimit(RLIMIT_FSIZE, &small); }, "frames.csv: File too large"},
     };
     for (const auto& spoilt : cases) {
         SCOPED_TRACE(spoilt.folder);
         useFolder(spoilt.folder);
-        if (*spoilt.folder == '/') {
-            setenv("KORDANIX_DUMP_DIR", spoilt.folder, 1);
-        }
         spoilt.spoil();
         Ostra::startDumping(METAS);
         addFrames(3000);
@@ -207,18 +168,8 @@ TEST_F(Dump, EndsWithOneErrorWhenItCannotBeWritten) {
         faults::writeFault = 0;
         EXPECT_THAT(logged(ANDROID_LOG_ERROR), ElementsAre(HasSubstr(spoilt.error)));
     }
-    const DumpNotice failed = ended();
-    EXPECT_EQ(failed.state, DumpNotice::State::FAILED);
-    EXPECT_THAT(failed.error, HasSubstr("File too large"));
-    // QEMU starts threads whatever the limit.
-    if (!doubles::isEmulated()) {
-        {
-            const NoThreads noThreads;
-            Ostra::startDumping(METAS);
-        }
-        EXPECT_EQ(notice().number, failed.number + 1);
-        EXPECT_THAT(notice().error, HasSubstr("no thread"));
-    }
+    EXPECT_EQ(ended().state, DumpNotice::State::FAILED);
+    EXPECT_THAT(notice().error, HasSubstr("File too large"));
     Ostra::startDumping(METAS);
     addFrames(1);
     Ostra::finishDumping();
@@ -242,12 +193,12 @@ TEST_F(Dump, ThatHangsIsLeftToItsThread) {
     faults::writeFault = faults::HANGS;
     Ostra::startDumping(METAS);
     for (const std::size_t count : {16000U, 500U, 384U}) {
-        Ostra::addDump(frame(1, count));
+        addFrames(1, count);
     }
     faults::writeFault = 0;
     Ostra::finishDumping();
     EXPECT_EQ(ended().frames, 2U);
-    EXPECT_EQ(countRows(readFile(notice().folder + "/passes.csv")), 1U + 16384U);
+    EXPECT_EQ(rows(notice().folder + "/passes.csv"), 1 + 16384);
 }
 
 // A program that closes what it does not know, and has a file of its own under one of our numbers.
@@ -263,23 +214,19 @@ TEST_F(Dump, DescriptorsThatTheProgramTookAreItsOwn) {
         }
         addFrames(100, 1);
         Ostra::finishDumping();
-        addFrames(1);
         const bool areOwnOpen =
             fcntl(STDERR_FILENO + 1, F_GETFD) >= 0 && fcntl(STDERR_FILENO + 8, F_GETFD) >= 0;
         return areOwnOpen && ended().state == DumpNotice::State::DONE ? 0 : 1;
     });
     EXPECT_EQ(program.wait(), 0);
-    const DumpNotice told = notice(program.id());
-    EXPECT_EQ(countRows(readFile(told.folder + "/frames.csv")), 102U);
-    EXPECT_EQ(countRows(readFile(told.folder + "/passes.csv")), 101U);
+    const std::string folder = notice(program.id()).folder;
+    EXPECT_EQ(rows(folder + "/frames.csv"), 102);
+    EXPECT_EQ(rows(folder + "/passes.csv"), 101);
     EXPECT_EQ(fs::file_size(save), 0U);
 }
 
 TEST_F(Dump, TakesNoFolderThatIsThere) {
-    fs::create_directories(mHome.path("victim"));
-    fs::create_symlink("victim", mHome.path("name-1"));
-    fs::create_symlink("nowhere", mHome.path("name-2"));
-    ASSERT_EQ(mkfifo(mHome.path("name-3").c_str(), 0600), 0);
+    ASSERT_TRUE(mHome.shell("mkdir victim; ln -s victim name-1; ln -s nowhere name-2; mkfifo name-3"));
     platform::DumpPlan plan;
     plan.base = mHome.path();
     plan.name = "name-";
@@ -288,23 +235,16 @@ TEST_F(Dump, TakesNoFolderThatIsThere) {
 }
 
 TEST(DumpNotices, AreReadAsTheyWereWritten) {
-    const platform::TemporaryDirectory directory;
-    DumpNotice written;
-    written.number = 4294967295U;
-    written.state = DumpNotice::State::FAILED;
-    written.frames = 18446744073709551615U;
-    written.folder = "/a folder\nof two lines";
-    written.error = "a b: No space\nleft";
+    const support::TemporaryDirectory directory;
+    DumpNotice written = {UINT32_MAX, DumpNotice::State::FAILED, UINT64_MAX, "/a\nb", "a b: No\nspace"};
     platform::writeDumpNotice(directory.path(), written);
     const DumpNotice read = platform::readDumpNotice(directory.path(), getpid()).value_or(DumpNotice());
-    EXPECT_EQ(read.number, written.number);
-    EXPECT_EQ(read.state, written.state);
-    EXPECT_EQ(read.frames, written.frames);
-    EXPECT_EQ(read.folder, written.folder);
-    EXPECT_EQ(read.error, "a b: No space left");
+    EXPECT_EQ(std::tie(read.number, read.state, read.frames, read.folder),
+              std::tie(written.number, written.state, written.frames, written.folder));
+    EXPECT_EQ(read.error, "a b: No space");
     for (const char* const text :
-         {"", "1", "1 gone 2 \n/a", "1 done 2 ", "x done 2 \n/a", "1 done -x \n/a"}) {
-        std::ofstream(directory.path("dump.7")) << text;
+         {"", "1", "1 gone 2 \\n/a", "1 done 2 ", "x done 2 \\n/a", "1 done -x \\n/a"}) {
+        ASSERT_TRUE(directory.shell("printf '" + std::string(text) + "' >dump.7"));
         EXPECT_FALSE(platform::readDumpNotice(directory.path(), 7)) << text;
     }
 }
@@ -326,8 +266,8 @@ TEST_F(Dump, OfAProcessThatExits) {
         EXPECT_FALSE(platform::readDumpNotice(runtimeDirectory(), program.id()));
     }
     const std::string folder = fs::directory_iterator(mHome.path("written"))->path();
-    EXPECT_EQ(countRows(readFile(folder + "/frames.csv")), 901U);
-    EXPECT_EQ(countRows(readFile(folder + "/passes.csv")), 1801U);
+    EXPECT_EQ(rows(folder + "/frames.csv"), 901);
+    EXPECT_EQ(rows(folder + "/passes.csv"), 1801);
 }
 
 }  // namespace

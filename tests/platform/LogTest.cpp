@@ -3,17 +3,14 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 
-#include "platform/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {
@@ -71,45 +68,25 @@ TEST(LogTest, EveryLineHasThePrefixAndEveryMessageIsOneWrite) {
     EXPECT_EQ(logged.writes, expected);
 }
 
-TEST(LogTest, AFileTakesTheMessagesInstead) {
-    const TemporaryDirectory folder;
-    const std::string path = folder.path("link");
-    std::filesystem::create_symlink("log", path);
-    for (const char* const message : {"one", "two"}) {
+TEST(LogTest, AFileTakesTheMessagesInsteadAndWhatIsNoFileIsNoLog) {
+    const support::TemporaryDirectory folder;
+    ASSERT_TRUE(folder.shell("ln -s log link; mkfifo fifo"));
+    for (const char* const name : {"link", "fifo"}) {
         const Logged logged = runLogged("I", [&] {
-            setenv("KORDANIX_LOG_FILE", path.c_str(), 1);
-            return __android_log_print(ANDROID_LOG_INFO, "t", "%s", message);
+            setenv("KORDANIX_LOG_FILE", folder.path(name).c_str(), 1);
+            __android_log_print(ANDROID_LOG_INFO, "t", "one");
+            return __android_log_print(ANDROID_LOG_INFO, "t", "two");
         });
         EXPECT_EQ(logged.result, 1);
-        EXPECT_THAT(logged.writes, testing::IsEmpty());
+        const std::string lines = "I/t       " + logged.source + "one\nI/t       " + logged.source + "two\n";
+        EXPECT_EQ(support::readFile(folder.path("log")), name[0] == 'l' ? lines : "");
+        ASSERT_EQ(logged.writes.size(), name[0] == 'l' ? 0U : 3U);
+        if (name[0] == 'f') {
+            EXPECT_THAT(logged.writes[0], testing::HasSubstr("fifo: is not a regular file"));
+            EXPECT_EQ(logged.writes[1] + logged.writes[2], lines);
+        }
+        folder.shell("rm -f log");
     }
-    std::string text;
-    std::getline(std::ifstream(path), text, '\0');
-    EXPECT_THAT(text, testing::MatchesRegex("I/t  *\\( *[0-9]+\\): one\nI/t  *\\( *[0-9]+\\): two\n"));
-}
-
-TEST(LogTest, WhatIsNoFileIsNoLog) {
-    const TemporaryDirectory folder;
-    const std::string path = folder.path("fifo");
-    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    const Logged logged = runLogged("I", [&] {
-        setenv("KORDANIX_LOG_FILE", path.c_str(), 1);
-        __android_log_print(ANDROID_LOG_INFO, "t", "one");
-        return __android_log_print(ANDROID_LOG_INFO, "t", "two");
-    });
-    EXPECT_EQ(logged.result, 1);
-    EXPECT_THAT(logged.writes, testing::ElementsAre(testing::HasSubstr("fifo: is not a regular file"),
-                                                    testing::EndsWith("one\n"), testing::EndsWith("two\n")));
-}
-
-/// Puts a pipe in the place of standard error and returns the end to read from.
-int usePipe() {
-    int ends[2] = {-1, -1};
-    if (pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0) {
-        _exit(1);
-    }
-    close(ends[1]);
-    return ends[0];
 }
 
 void useFile(const std::string& path, int flags) {
@@ -120,8 +97,9 @@ void useFile(const std::string& path, int flags) {
 }
 
 TEST(LogTest, StandardErrorDoesNoHarmHoweverItIs) {
-    const TemporaryDirectory folder;
+    const support::TemporaryDirectory folder;
     const std::string path = folder.path("save.game");
+    int ends[2];
     const struct {
         const char* name;
         std::function<void()> prepare;
@@ -134,10 +112,9 @@ TEST(LogTest, StandardErrorDoesNoHarmHoweverItIs) {
              setrlimit(RLIMIT_FSIZE, &none);
          },
          EFBIG},
-        {"a pipe without a reader", [] { close(usePipe()); }, EPIPE},
+        {"a pipe without a reader", [&] { close(ends[0]); }, EPIPE},
         {"a pipe that nobody reads",
          [] {
-             usePipe();
              fcntl(STDERR_FILENO, F_SETFL, O_NONBLOCK);
              const std::string block(4096, 'x');
              while (write(STDERR_FILENO, block.data(), block.size()) > 0) {
@@ -150,6 +127,9 @@ TEST(LogTest, StandardErrorDoesNoHarmHoweverItIs) {
     };
     for (const auto& standardError : cases) {
         support::ChildProcess program([&] {
+            if (pipe(ends) != 0 || dup2(ends[1], STDERR_FILENO) < 0 || close(ends[1]) != 0) {
+                return 1;
+            }
             standardError.prepare();
             return -__android_log_print(ANDROID_LOG_ERROR, "t", "text");
         });
@@ -159,18 +139,20 @@ TEST(LogTest, StandardErrorDoesNoHarmHoweverItIs) {
 }
 
 TEST(LogTest, LevelFilters) {
-    const std::vector<std::pair<const char*, std::string>> levels = {{"verbose", "VDIWEF"}, {"D", "DIWEF"},
-                                                                     {"nonsense", "IWEF"},  {"W", "WEF"},
-                                                                     {"Error", "EF"},       {"s", ""}};
-    for (const auto& [level, expected] : levels) {
+    const auto logAll = [] {
+        for (int priority = ANDROID_LOG_VERBOSE; priority < ANDROID_LOG_SILENT; ++priority) {
+            __android_log_print(priority, "t", "m");
+        }
+        return 0;
+    };
+    for (const auto& [level, expected] : {std::pair("verbose", "VDIWEF"),
+                                          {"D", "DIWEF"},
+                                          {"nonsense", "IWEF"},
+                                          {"W", "WEF"},
+                                          {"Error", "EF"},
+                                          {"s", ""}}) {
         std::string letters;
-        for (const std::string& line : runLogged(level, [] {
-                                           for (int priority = ANDROID_LOG_VERBOSE;
-                                                priority < ANDROID_LOG_SILENT; ++priority) {
-                                               __android_log_print(priority, "t", "m");
-                                           }
-                                           return 0;
-                                       }).writes) {
+        for (const std::string& line : runLogged(level, logAll).writes) {
             letters += line[0];
         }
         EXPECT_EQ(letters, expected) << level;

@@ -3,15 +3,14 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <fstream>
 #include <random>
 #include <thread>
 
-#include "platform/ChildProcess.h"
-#include "platform/TemporaryDirectory.h"
 #include "properties/PropertyName.h"
 #include "properties/PropertyWriter.h"
 #include "properties/SystemProperties.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {
@@ -34,10 +33,8 @@ TEST(PropertyTextTest, AnyValueComesBackAndEveryWriteHasASerialOfItsOwn) {
     PropertyList list;
     std::uint32_t last = 0;
     list.serial = UINT32_MAX - 3;
-    for (const std::string& value :
-         {std::string(), std::string("a"), std::string(" "), std::string("  a b\t"), std::string("\\"),
-          std::string("\\n\\x20"), std::string("\n\n"), std::string("a\r\n\x7f\x01"),
-          std::string("\xc3\xa4\xff"), std::string(4096, '\x01')}) {
+    for (const std::string& value : {std::string(), std::string("  a b\t"), std::string("\\n\\x20\\"),
+                                     std::string("\n\na\r\n\x7f\x01\xc3\xff"), std::string(4096, '\x01')}) {
         ASSERT_EQ(setProperty(list, "name", value), "");
         ASSERT_EQ(setProperty(list, "other", value), "");
         PropertyList read;
@@ -60,17 +57,17 @@ TEST(PropertyTextTest, WhatWasCutOrDamagedIsRefused) {
         EXPECT_TRUE(read.properties.empty() && read.serial == 0);
     }
     const std::string header = "kordanix-properties version=1 serial=7 lines=";
+    const std::string one = header + "1\n";
     for (const std::string& damaged :
-         {std::string("kordanix-properties version=2 serial=7 lines=0\n"), std::string("KPRP"),
-          header + "99999999999\n", header + "-1\n", header + "1001\n", header + "1 \na 1 b\n",
-          "kordanix-properties version=1 serial=0 lines=0\n" + std::string(), header + "0\na 1 b\n",
-          header + "1\na..b 1 c\n", header + "1\na 0 b\n", header + "1\na 4294967296 b\n",
-          header + "1\na 1b\n", header + "1\na 1 \\q\n", header + "1\na 1 \\x0\n", header + "1\na 1 \\x00\n",
-          header + "2\na 1 b\na 1 b\n", header + "1\na 1 " + std::string(4097, 'b') + "\n",
-          header + "1\n" + std::string("a\0 1 b\n", 7), header + "1\n" + std::string("a 1 b\0c\n", 8)}) {
+         {std::string("kordanix-properties version=2 serial=7 lines=0\n"), header + "-1\n",
+          std::string("kordanix-properties version=1 serial=0 lines=0\n"), header + "1 \na 1 b\n",
+          header + "1001\n", header + "0\na 1 b\n", one + "a..b 1 c\n", one + "a 0 b\n",
+          one + "a 4294967296 b\n", one + "a 1b\n", one + "a 1 \\q\n", one + "a 1 \\x0\n",
+          one + "a 1 \\x00\n", header + "2\na 1 b\na 1 b\n", one + "a 1 " + std::string(4097, 'b') + "\n",
+          one + std::string("a\0 1 b\n", 7), one + std::string("a 1 b\0c\n", 8)}) {
         EXPECT_NE(parseProperties(damaged, read), "") << damaged.substr(0, 80);
     }
-    EXPECT_EQ(parseProperties(header + "1\na 1\n", read), "") << "an editor that takes blanks away";
+    EXPECT_EQ(parseProperties(one + "a 1\n", read), "") << "an editor that takes blanks away";
 }
 
 class PropertyFileTest : public testing::Test {
@@ -86,72 +83,56 @@ protected:
         return !error.empty() ? error : found == list.properties.end() ? "(none)" : found->second.value;
     }
 
-    const TemporaryDirectory mDirectory;
+    const support::TemporaryDirectory mDirectory;
     const std::string mPath = mDirectory.path("properties");
 };
 
 TEST_F(PropertyFileTest, WhatElseLiesInItsPlaceIsRefusedInWordsAndLeftAlone) {
-    const std::string victim = mDirectory.path("victim");
-    std::ofstream(victim) << "kordanix-properties version=1 serial=7 lines=0\n";
-    const auto write = [&](const std::string& text) { std::ofstream(mPath) << text; };
-    const std::pair<const char*, std::function<void()>> places[] = {
-        {"is not a regular file", [&] { mkfifo(mPath.c_str(), 0600); }},
-        {"symbolic link", [&] { fs::create_symlink(victim, mPath); }},
-        {"directory", [&] { fs::create_directory(mPath); }},
-        {"does not begin with", [&] { write(""); }},
-        {"was cut", [&] { write("kordanix-properties version=1 serial=7 lines=3\na 1 b\n"); }},
-        {"too big",
-         [&] {
-             std::ofstream file(mPath);
-             for (int i = 0; i < 1000000; ++i) {
-                 file << "line\n";
-             }
-         }},
-        {"another user",
-         [&] {
-             write("");
-             if (chown(mPath.c_str(), 65534, 65534) != 0) {  // not root
-                 fs::remove(mPath);
-                 write("another user");
-             }
-         }},
+    const std::string header = "kordanix-properties version=1 serial=7 lines=";
+    ASSERT_TRUE(mDirectory.shell("echo " + header + "0 >victim"));
+    const std::pair<std::string, const char*> places[] = {
+        {"mkfifo properties", "is not a regular file"},
+        {"ln -s victim properties", "symbolic link"},
+        {"mkdir properties", "directory"},
+        {"touch properties", "does not begin with"},
+        {"echo " + header + "3 >properties", "was cut"},
+        {"yes | head -n 1000000 >properties", "too big"},
+        {"touch properties; chown 65534 properties", "another user"},
     };
-    for (const auto& [reason, put] : places) {
-        put();
-        const auto sizeBefore = fs::is_regular_file(mPath) ? fs::file_size(mPath) : 0;
+    for (const auto& [commands, reason] : places) {
+        if (!mDirectory.shell(commands)) {
+            ASSERT_NE(geteuid(), 0U);
+            continue;
+        }
+        mDirectory.shell("stat properties >before");
         const auto isSaid = testing::AllOf(testing::HasSubstr(mPath), testing::HasSubstr(reason));
         EXPECT_THAT(propertyAreaError(), isSaid);
         EXPECT_THAT(setProperty("a", "b"), isSaid);
-        EXPECT_EQ(fs::is_regular_file(mPath) ? fs::file_size(mPath) : 0, sizeBefore);
-        fs::remove(mPath);
+        EXPECT_TRUE(mDirectory.shell("stat properties | diff before -; rm -rf properties before")) << reason;
     }
     // The file that writers make aside: what a killed one left goes, the rest is said.
-    const std::string draft = mPath + ".new";
-    fs::create_symlink(victim, draft);
-    EXPECT_EQ(setProperty("a", "1"), "");
-    std::ofstream(draft) << "half a li";
-    EXPECT_EQ(setProperty("a", "2"), "");
-    mkfifo(draft.c_str(), 0600);
-    EXPECT_EQ(setProperty("a", "3"), "");
-    fs::create_directory(draft);
-    EXPECT_THAT(setProperty("a", "4"), testing::HasSubstr(draft));
-    EXPECT_EQ(readProperty("a"), "3");
-    EXPECT_EQ(fs::file_size(victim), 47U);
+    for (const char* const draft : {"ln -s victim", "echo half a li >", "mkfifo"}) {
+        ASSERT_TRUE(mDirectory.shell(draft + std::string(" properties.new")));
+        EXPECT_EQ(setProperty("a", draft), "");
+        EXPECT_EQ(readProperty("a"), draft);
+    }
+    fs::create_directory(mPath + ".new");
+    EXPECT_THAT(setProperty("a", "4"), testing::HasSubstr(mPath + ".new"));
+    EXPECT_EQ(fs::file_size(mDirectory.path("victim")), 47U);
 }
 
 TEST_F(PropertyFileTest, FailedWritesLeaveTheOldFileAndNothingElse) {
     ASSERT_EQ(setProperty("a", "old"), "");
-    const pid_t child = startChild([] {
+    const int status = support::runForked([] {
         const rlimit limit = {4096, 4096};
         setrlimit(RLIMIT_FSIZE, &limit);
         return setProperty("b", std::string(4096, 'x').c_str()).find("cannot write") == 0 ? 0 : 1;
     });
-    EXPECT_EQ(waitForChild(child), 0) << "not ended by a signal";
+    EXPECT_EQ(status, 0) << "not ended by a signal";
     EXPECT_THAT(setProperties({{"b", "1"}, {"c..d", "2"}}), testing::HasSubstr("c..d"));
     EXPECT_THAT(setProperty("b", std::string(4097, 'x').c_str()), testing::HasSubstr("4096"));
-    EXPECT_EQ(readProperty("a"), "old");
-    EXPECT_EQ(readProperty("b"), "(none)");
-    EXPECT_EQ(std::distance(fs::directory_iterator(mDirectory.path()), fs::directory_iterator()), 1);
+    EXPECT_EQ(readProperty("a") + readProperty("b"), "old(none)");
+    EXPECT_TRUE(mDirectory.shell("[ \"$(ls)\" = properties ]"));
     PropertyWriter writer(mDirectory.path());
     for (std::size_t i = 1; i < PROPERTY_COUNT_MAX; ++i) {
         writer.set("n" + std::to_string(i), "");
@@ -163,19 +144,17 @@ TEST_F(PropertyFileTest, FailedWritesLeaveTheOldFileAndNothingElse) {
 TEST_F(PropertyFileTest, WriterWaitsForTheLockOnlySoLongAndSaysForWhom) {
     const PropertyLock lock(mDirectory.path(), std::chrono::seconds(0));
     ASSERT_TRUE(lock.isHeld());
-    const PropertyWriter atOnce(mDirectory.path(), std::chrono::seconds(0));
-    EXPECT_TRUE(atOnce.isBusy());
-    const PropertyWriter later(mDirectory.path(), std::chrono::milliseconds(20));
-    EXPECT_TRUE(later.isBusy());
-    EXPECT_THAT(later.error(), testing::HasSubstr("process " + std::to_string(getpid()) + ' '));
-    EXPECT_THAT(later.error(), testing::HasSubstr(mDirectory.path()));
+    const PropertyWriter writer(mDirectory.path(), std::chrono::milliseconds(20));
+    EXPECT_TRUE(writer.isBusy());
+    EXPECT_THAT(writer.error(), testing::HasSubstr("process " + std::to_string(getpid()) + ' '));
+    EXPECT_THAT(writer.error(), testing::HasSubstr(mDirectory.path()));
 }
 
 TEST_F(PropertyFileTest, KilledWritersLeaveTheOldFileOrTheNew) {
     ASSERT_EQ(setProperties({{"a", "0"}, {"b", "0"}}), "");
     std::mt19937 random(5);
     for (int round = 0; round < 300; ++round) {
-        const pid_t writer = startChild([&] {
+        support::ChildProcess writer([&] {
             for (int i = round;; ++i) {
                 const std::string value(static_cast<std::size_t>(i % 4000), 'x');
                 setProperties({{"a", value}, {"b", value}});
@@ -183,8 +162,8 @@ TEST_F(PropertyFileTest, KilledWritersLeaveTheOldFileOrTheNew) {
             return 0;
         });
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
-        kill(writer, SIGKILL);
-        ASSERT_EQ(waitForChild(writer), -SIGKILL);
+        writer.kill(SIGKILL);
+        ASSERT_EQ(writer.wait(), -SIGKILL);
         ASSERT_EQ(propertyAreaError(), "");
         ASSERT_EQ(readProperty("a"), readProperty("b"));
         ASSERT_EQ(setProperty("own", std::to_string(round).c_str()), "");

@@ -1,54 +1,42 @@
 #include <gmock/gmock.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
-#include <fstream>
 #include <tuple>
 
 #include "doubles/Emulator.h"
-#include "io/ProcessStart.h"
-#include "platform/ChildProcess.h"
-#include "platform/TemporaryDirectory.h"
 #include "properties/PropertyWriter.h"
 #include "properties/SystemProperties.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
 #include "runs/RunFolder.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
 
+using support::runForked;
+
 class RunFolderTest : public testing::Test {
 protected:
     /// A run whose launcher has ended.
     std::string makeEndedRun() const {
-        waitForChild(startChild([&] {
-            std::string error;
-            return makeRunFolder(mUser.path(), error).empty() ? 1 : 0;
-        }));
-        for (const auto& entry : fs::directory_iterator(mUser.path())) {
-            if (isRunFolder(entry.path())) {
-                return entry.path();
-            }
-        }
-        return {};
+        std::string error;
+        runForked([&] { return makeRunFolder(mUser.path(), error).empty() ? 1 : 0; });
+        return fs::directory_iterator(mUser.path())->path();
     }
 
-    const TemporaryDirectory mUser;
-    const TemporaryDirectory mElsewhere;
+    const support::TemporaryDirectory mUser;
+    const support::TemporaryDirectory mElsewhere;
 };
 
 TEST_F(RunFolderTest, EndedRunsAreRemovedWithAllTheyHoldAndNothingElse) {
     const std::string folder = makeEndedRun();
-    ASSERT_NE(folder, "");
-    std::ofstream(mElsewhere.path("kept")) << "x";
-    fs::create_directories(folder + "/dump/inner");
-    std::ofstream(folder + "/dump/inner/frames.csv") << "x";
-    fs::create_directory_symlink(mElsewhere.path(), folder + "/dump/link");
-    fs::create_symlink(mElsewhere.path("kept"), folder + "/properties");
-    ASSERT_EQ(mkfifo((folder + "/pipe").c_str(), 0600), 0);
+    ASSERT_TRUE(mUser.shell("E=" + mElsewhere.path() +
+                            "; touch $E/kept; cd run*; mkdir -p a/b; touch a/b/c; ln -s $E a/link; "
+                            "ln -s $E/kept properties; mkfifo pipe"));
     EXPECT_TRUE(isRunOver(folder));
     EXPECT_TRUE(removeEndedRun(folder));
     EXPECT_FALSE(fs::exists(folder));
@@ -57,31 +45,18 @@ TEST_F(RunFolderTest, EndedRunsAreRemovedWithAllTheyHoldAndNothingElse) {
 
 TEST_F(RunFolderTest, NothingIsRemovedWithoutEvidence) {
     const std::string folder = makeEndedRun();
-    const std::string marker = folder + '/' + RUN_MARKER;
-    const std::string aside = mElsewhere.path("marker");
-    fs::copy_file(marker, aside);
-    const std::pair<const char*, std::function<void()>> spoils[] = {
-        {"no marker", [] {}},
-        {"a file of somebody else's",
-         [&] { std::ofstream(marker) << std::string(static_cast<std::size_t>(fs::file_size(aside)), 'x'); }},
-        {"a marker that is longer", [&] { std::ofstream(marker) << std::ifstream(aside).rdbuf() << 'x'; }},
-        {"a link to a marker", [&] { fs::create_symlink(aside, marker); }},
-        {"a pipe", [&] { mkfifo(marker.c_str(), 0600); }},
-        {"a folder", [&] { fs::create_directory(marker); }},
-    };
-    for (const auto& [what, spoil] : spoils) {
-        fs::remove_all(marker);
-        spoil();
-        EXPECT_FALSE(isRunFolder(folder) || removeEndedRun(folder)) << what;
-        EXPECT_TRUE(fs::exists(folder)) << what;
+    ASSERT_TRUE(mUser.shell("mv run*/run marker"));
+    for (const char* const spoil :
+         {":", "tr -c x x <../marker >run", "(cat ../marker; echo x) >run", "ln -s ../marker run",
+          "mkfifo run", "mkdir run", "mkdir run; cp ../marker run"}) {
+        ASSERT_TRUE(mUser.shell("cd run*; rm -rf run; " + std::string(spoil)));
+        EXPECT_FALSE(isRunFolder(folder) || removeEndedRun(folder)) << spoil;
+        EXPECT_TRUE(fs::exists(folder)) << spoil;
     }
-    fs::remove_all(marker);
-    fs::copy_file(aside, marker);
-    fs::rename(folder, mElsewhere.path("run-3"));
-    EXPECT_FALSE(removeEndedRun(mElsewhere.path("run-3"))) << "another name";
-    fs::create_directory_symlink(mElsewhere.path("run-3"), folder);
+    ASSERT_TRUE(mUser.shell("mv run* run-3; rm -r run-3/run; cp marker run-3/run; ln -s run-3 " + folder));
+    EXPECT_FALSE(removeEndedRun(mUser.path("run-3"))) << "another name";
     EXPECT_FALSE(removeEndedRun(folder)) << "a link to a run's folder";
-    EXPECT_TRUE(fs::exists(aside) && fs::exists(mElsewhere.path("run-3") + "/run"));
+    EXPECT_TRUE(fs::exists(mUser.path("run-3/run")));
 }
 
 TEST_F(RunFolderTest, EveryHolderKeepsIt) {
@@ -93,20 +68,8 @@ TEST_F(RunFolderTest, EveryHolderKeepsIt) {
     EXPECT_TRUE(isRunHeld(folder) && !removeEndedRun(folder));
     first.forget();
     EXPECT_FALSE(isRunOver(folder) || removeEndedRun(folder));
-    // The program closes what it does not know, and gets the number for a file of its own.
-    const int own = open("/dev/null", O_RDONLY | O_CLOEXEC);
-    for (int number = 3; number < 64; ++number) {
-        if (number != own) {
-            dup2(own, number);
-        }
-    }
-    EXPECT_FALSE(isRunHeld(folder));
-    second.renew();
-    EXPECT_FALSE(removeEndedRun(folder));
     second.forget();
-    for (int number = 3; number < 64; ++number) {
-        EXPECT_EQ(close(number), 0) << "the program's own file was closed";
-    }
+    EXPECT_FALSE(isRunHeld(folder));
     EXPECT_TRUE(removeEndedRun(folder));
 }
 
@@ -118,10 +81,8 @@ TEST_F(RunFolderTest, AsLongAsItsLauncherRunsNobodyElseRemovesIt) {
     const std::string folder = makeRunFolder(mUser.path(), error);
     ASSERT_EQ(error, "");
     EXPECT_EQ(runProcess(folder), getpid());
-    struct stat status = {};
-    EXPECT_EQ(stat(folder.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777, 0700U);
-    EXPECT_EQ(waitForChild(startChild([&] { return removeEndedRun(folder) ? 1 : 0; })), 0);
+    EXPECT_EQ(fs::status(folder).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(runForked([&] { return removeEndedRun(folder) ? 1 : 0; }), 0);
     EXPECT_TRUE(removeEndedRun(folder)) << "its own at its end";
     EXPECT_EQ(makeRunFolder("/tmp/" + std::string(80, 'x'), error), "");
     EXPECT_THAT(error, testing::HasSubstr("too long"));
@@ -134,11 +95,10 @@ protected:
     std::string value(const char* name) const { return PropertyWriter(mRun.path()).value(name); }
     /// What another process gets.
     static Claim claimElsewhere() {
-        return static_cast<Claim>(
-            waitForChild(startChild([] { return static_cast<int>(claimOverlay("other", 1)); })));
+        return static_cast<Claim>(runForked([] { return static_cast<int>(claimOverlay("other", 1)); }));
     }
 
-    const TemporaryDirectory mRun;
+    const support::TemporaryDirectory mRun;
 };
 
 TEST_F(OverlayClaimTest, TheFirstProcessHasItUntilItEnds) {
@@ -154,18 +114,17 @@ TEST_F(OverlayClaimTest, TheFirstProcessHasItUntilItEnds) {
         const PropertyLock lock(mRun.path(), std::chrono::seconds(0));
         EXPECT_EQ(claimOverlay("first", 7), Claim::BUSY);
     }
-    EXPECT_EQ(claimOverlay("first", 7), Claim::OWN) << "the one that had it has ended";
-    EXPECT_EQ(claimElsewhere(), Claim::FOREIGN);
-    EXPECT_EQ(overlayClaimant(mRun.path()), getpid());
-    EXPECT_EQ(value("debug.kordanix.proc"), "first");
-    EXPECT_EQ(value("debug.kordanix.api"), "7");
-    EXPECT_EQ(value("debug.kordanix.settingsgeneration"), "2");
-    // Another program in the same process.
+    // The one that had it has ended; and then this process runs another program, with a long name.
     const std::string longName(4000, 'n');
-    EXPECT_EQ(claimOverlay(longName, 7), Claim::OWN);
-    EXPECT_EQ(claimOverlay(longName, 7), Claim::OWN);
-    EXPECT_EQ(value("debug.kordanix.proc"), longName);
-    EXPECT_EQ(value("debug.kordanix.settingsgeneration"), "3") << "nothing new is nothing to publish";
+    for (const auto& [name, generation] : {std::pair(std::string("first"), "2"), {longName, "3"}}) {
+        EXPECT_EQ(claimOverlay(name, 7), Claim::OWN);
+        EXPECT_EQ(claimOverlay(name, 7), Claim::OWN);
+        EXPECT_EQ(claimElsewhere(), Claim::FOREIGN);
+        EXPECT_EQ(overlayClaimant(mRun.path()), getpid());
+        EXPECT_EQ(value("debug.kordanix.proc"), name);
+        EXPECT_EQ(value("debug.kordanix.api"), "7");
+        EXPECT_EQ(value("debug.kordanix.settingsgeneration"), generation) << "nothing new is not published";
+    }
 }
 
 TEST_F(OverlayClaimTest, IsNotTakenFromAProcessThatMayLive) {
@@ -185,37 +144,27 @@ TEST_F(OverlayClaimTest, IsNotTakenFromAProcessThatMayLive) {
 }
 
 TEST(OverlayNoteTest, AreReadBackAndRubbishIsPassedOver) {
-    const TemporaryDirectory directory;
+    const support::TemporaryDirectory directory;
     changeRuntimeDirectory(directory.path());
     const OverlayNote note = {getpid(), " a\nname\\ ", -7, true, 1ULL << 63, "its state\nkeeps it away"};
     writeOverlayNote({getpid(), "first", 0, false, 0, ""});
     writeOverlayNote(note);
-    const std::pair<const char*, std::string> rubbish[] = {
-        {"note.1", ""},
-        {"note.2", "kordanix note 1\nname a\napi 0\nshown 1\nframes 5\nreason \\"},
-        {"note.3", "kordanix note 1\nname a\napi 99999999999\nshown 1\nframes 5\nreason \n"},
-        {"note.4", "kordanix note 1\nname a\napi 0\nshown 2\nframes 5\nreason \n"},
-        {"note.5", "kordanix note 1\nname a\napi 0\nshown 1\nframes 5\nreason \\q\n"},
-        {"note.6", "kordanix note 1\nname a\napi 0\nshown 1\nframes 5\nreason \nmore\n"},
-        {"note.7", std::string(1000000, 'x')},
-        {"note.-8", "x"},
-        {"note.", "x"},
-    };
-    for (const auto& [name, text] : rubbish) {
-        std::ofstream(directory.path(name)) << text;
-    }
-    ASSERT_EQ(mkfifo(directory.path("note.9").c_str(), 0600), 0);
+    ASSERT_TRUE(directory.shell(R"(
+        N='kordanix note 1\nname a\n' R='api 0\nshown 1\nframes 5\nreason '
+        touch note.1; printf "$N$R\\\\" >note.2; printf "${N}api 99999999999\nshown 1\nframes 5\nreason \n" >note.3
+        printf "${N}api 0\nshown 2\nframes 5\nreason \n" >note.4; printf "$N$R\\\\q\n" >note.5
+        printf "$N$R\nmore\n" >note.6; truncate -s 1M note.7
+        printf "$N$R\n" | tee note.-8 >note.; mkfifo note.9)"));
     const std::vector<OverlayNote> notes = readOverlayNotes(directory.path());
     ASSERT_EQ(notes.size(), 1U);
-    const auto fields = [](const OverlayNote& each) {
-        return std::tie(each.process, each.name, each.api, each.wasShown, each.frames, each.reason);
-    };
-    EXPECT_EQ(fields(notes.front()), fields(note));
+    const OverlayNote& read = notes.front();
+    EXPECT_EQ(std::tie(read.process, read.name, read.api, read.wasShown, read.frames, read.reason),
+              std::tie(note.process, note.name, note.api, note.wasShown, note.frames, note.reason));
     // Whoever comes next in the user's own folder takes the notes of those away that have ended.
-    EXPECT_EQ(waitForChild(startChild([] { return writeOverlayNote({}), 0; })), 0);
-    EXPECT_EQ(readOverlayNotes(directory.path()).size(), 2U);
-    EXPECT_EQ(waitForChild(startChild([] { return writeOverlayNote({}), 0; })), 0);
-    EXPECT_EQ(readOverlayNotes(directory.path()).size(), 2U);
+    for (int i = 0; i < 2; ++i) {
+        runForked([] { return writeOverlayNote({}), 0; });
+        EXPECT_EQ(readOverlayNotes(directory.path()).size(), 2U);
+    }
 }
 
 }  // namespace

@@ -1,56 +1,54 @@
 #include "properties/RuntimeDirectory.h"
 
-#include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {
 
+RuntimeDirectory openAt(const std::string& path) {
+    setenv("KORDANIX_RUNTIME_DIR", path.c_str(), 1);
+    return openRuntimeDirectory();
+}
+
 TEST(RuntimeDirectoryTest, IsChosenInTurnAndCreatedForTheUserAlone) {
-    const TemporaryDirectory scratch;
-    const std::string own = scratch.path("own");
+    const support::TemporaryDirectory scratch;
     setenv("XDG_RUNTIME_DIR", scratch.path().c_str(), 1);
-    setenv("KORDANIX_RUNTIME_DIR", "", 1);
-    EXPECT_EQ(openRuntimeDirectory().path, scratch.path("kordanix"));
-    setenv("KORDANIX_RUNTIME_DIR", (own + "//").c_str(), 1);
-    EXPECT_EQ(openRuntimeDirectory().path, own);
-    EXPECT_EQ(openRuntimeDirectory().path, own) << "a second time";
-    for (const std::string& path : {own, scratch.path("kordanix")}) {
-        struct stat status = {};
-        ASSERT_EQ(stat(path.c_str(), &status), 0);
-        EXPECT_EQ(status.st_mode & 07777, 0700U);
+    EXPECT_EQ(openAt("").path, scratch.path("kordanix"));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(openAt(scratch.path("own//")).path, scratch.path("own"));
+    }
+    for (const char* const name : {"own", "kordanix"}) {
+        EXPECT_EQ(std::filesystem::status(scratch.path(name)).permissions(),
+                  std::filesystem::perms::owner_all);
     }
 }
 
 TEST(RuntimeDirectoryTest, RefusesWhatOthersCouldMeddleWith) {
-    const TemporaryDirectory scratch;
-    const auto expectRefused = [](const std::string& path, const char* reason) {
-        setenv("KORDANIX_RUNTIME_DIR", path.c_str(), 1);
-        const RuntimeDirectory directory = openRuntimeDirectory();
-        EXPECT_EQ(directory.path, "");
-        EXPECT_THAT(directory.error, testing::HasSubstr(reason));
-    };
+    const support::TemporaryDirectory scratch;
     const std::string path = scratch.path("folder");
-    ASSERT_EQ(mkdir(path.c_str(), 0700), 0);
-    ASSERT_EQ(symlink(path.c_str(), scratch.path("link").c_str()), 0);
-    expectRefused("relative/path", "absolute");
-    expectRefused(scratch.path("link"), "symbolic link");
-    expectRefused(scratch.path("link/"), "symbolic link");
-    ASSERT_EQ(chmod(path.c_str(), 0707), 0);
-    expectRefused(path, "written to by other users");
-    if (path.rfind("/tmp/", 0) == 0) {  // below it the group must not write either
-        ASSERT_EQ(chmod(path.c_str(), 0770), 0);
-        for (const std::string& same : {path, '/' + path, "/tmp/../" + path, "/usr/.." + path}) {
-            expectRefused(same, "written to by other users");
+    const char* const isShared = path.rfind("/tmp/", 0) == 0 ? "written to by other users" : "";
+    const std::tuple<const char*, std::string, const char*> cases[] = {
+        {"", "relative/path", "absolute"},
+        {"mkdir -m 0700 folder; ln -s folder link", scratch.path("link"), "symbolic link"},
+        {"", scratch.path("link/"), "symbolic link"},
+        {"chmod 0707 folder", path, "written to by other users"},
+        // Below /tmp the group must not write either.
+        {"chmod 0770 folder", path, isShared},
+        {"", "/tmp/.." + path, isShared},
+        {"", "/usr/.." + path, isShared},
+        {"chmod 0700 folder; chown 65534:65534 folder", path, "another user (id 65534)"},
+    };
+    for (const auto& [commands, directory, reason] : cases) {
+        if (!scratch.shell(std::string(commands))) {
+            ASSERT_NE(geteuid(), 0U);
+            continue;
         }
-    }
-    ASSERT_EQ(chmod(path.c_str(), 0700), 0);
-    if (geteuid() == 0) {
-        ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
-        expectRefused(path, "another user (id 65534)");
+        const RuntimeDirectory refused = openAt(directory);
+        EXPECT_TRUE(refused.path.empty() || *reason == '\0') << refused.path;
+        EXPECT_THAT(refused.error, testing::HasSubstr(reason));
     }
 }
 

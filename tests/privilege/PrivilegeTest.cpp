@@ -1,4 +1,4 @@
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
 
 #include <fnmatch.h>
@@ -87,8 +87,8 @@ std::vector<std::string> listedFiles(const std::string& runtime, const std::stri
 }
 
 TEST(Privilege, OfAProcessWithTheOverlay) {
-    const platform::TemporaryDirectory runtime;
-    const platform::TemporaryDirectory dumps;
+    const support::TemporaryDirectory runtime;
+    const support::TemporaryDirectory dumps;
     if (support::run({"strace", "-o", "/dev/null", "true"}).status != 0) {
         GTEST_SKIP() << "processes cannot be traced here";
     }

@@ -100,12 +100,18 @@ Outcome run(const std::vector<std::string>& command, const ChildProcess::Environ
     return {status, program.output(), program.errors()};
 }
 
+int runForked(const std::function<int()>& work) {
+    return ChildProcess(work).wait();
+}
+
 bool waitUntil(const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!condition() && std::chrono::steady_clock::now() < deadline) {
+    bool holds = condition();
+    while (!holds && std::chrono::steady_clock::now() < deadline) {
         std::this_thread::sleep_for(POLL_PERIOD);
+        holds = condition();
     }
-    return condition();
+    return holds;
 }
 
 }  // namespace support

@@ -55,8 +55,9 @@ struct Outcome {
     std::string err;
 };
 
-/// Runs a program to its end.
+/// Runs a program, or a function in a forked child, to its end.
 Outcome run(const std::vector<std::string>& command, const ChildProcess::Environment& environment = {});
+int runForked(const std::function<int()>& work);
 
 /// Waits until `condition` holds, for ten seconds at most. Returns whether it does.
 bool waitUntil(const std::function<bool()>& condition);

@@ -1,5 +1,3 @@
-#include "platform/ChildProcess.h"
-#include "platform/TemporaryDirectory.h"
 #include "processes/Addressing.h"
 #include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
@@ -8,115 +6,107 @@
 #include "runs/OverlayNote.h"
 #include "runs/RunFolder.h"
 #include "settings/Properties.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <fstream>
+#include <memory>
 #include <sstream>
 
 namespace control {
 namespace {
 
-namespace fs = std::filesystem;
+using support::ChildProcess;
+using testing::HasSubstr;
 
 class AddressingTest : public testing::Test {
 protected:
-    AddressingTest() { platform::changeRuntimeDirectory(mUser.path()); }
+    AddressingTest() {
+        setenv("XDG_RUNTIME_DIR", mHome.path().c_str(), 1);
+        platform::changeRuntimeDirectory(mUser);
+        EXPECT_EQ(platform::openRuntimeDirectory().error, "");
+        EXPECT_TRUE(mHome.shell("mkdir kordanix/run-3-20260101")) << "a folder of the user's own";
+    }
 
     /// A run whose launcher has ended.
-    std::string makeEndedRun() const {
+    std::string makeEndedRun(const char* start) const {
         std::string error;
-        const std::string folder = platform::makeRunFolder(mUser.path(), error);
-        const std::string ended = folder.substr(0, folder.rfind('-')) + "-1";
-        fs::rename(folder, ended);
+        const std::string folder = platform::makeRunFolder(mUser, error);
+        const std::string ended = folder.substr(0, folder.rfind('-')) + start;
+        std::filesystem::rename(folder, ended);
         return ended;
     }
 
-    /// A process that is in a run by what `join` does, and ends with the object.
-    class Member {
-    public:
-        explicit Member(const std::function<void()>& join) {
-            int gate[2];
-            EXPECT_EQ(pipe(gate), 0);
-            mProcess = platform::startChild([&] {
-                join();
-                EXPECT_EQ(write(gate[1], "x", 1), 1);
-                return pause();
-            });
-            char byte = 0;
-            EXPECT_EQ(read(gate[0], &byte, 1), 1);
-            close(gate[0]);
-            close(gate[1]);
-        }
-        ~Member() {
-            kill(mProcess, SIGKILL);
-            platform::waitForChild(mProcess);
-        }
-        pid_t id() const { return mProcess; }
+    enum class Way { CLAIM, NOTE };
 
-    private:
-        pid_t mProcess = 0;
-    };
-
-    std::string choose(std::optional<pid_t> process) {
-        std::ostringstream err;
-        mResult = chooseRuntimeDirectory(process, err);
-        return mResult == SUCCESS ? platform::runtimeDirectoryPath() : err.str();
+    /// A process that says in this way that it is in a run.
+    std::unique_ptr<ChildProcess> makeMember(const std::string& run, Way way) const {
+        auto member = std::make_unique<ChildProcess>([&] {
+            static platform::RunHold hold;
+            hold.take(run);
+            platform::changeRuntimeDirectory(run);
+            if (way == Way::CLAIM) {
+                platform::openOverlayClaim(run);
+                platform::claimOverlay("name", 0);
+            } else {
+                platform::writeOverlayNote({});
+            }
+            mHome.shell("touch joined");
+            return pause();
+        });
+        EXPECT_TRUE(support::waitUntil([this] { return std::filesystem::remove(mHome.path("joined")); }));
+        return member;
     }
 
-    const platform::TemporaryDirectory mUser;
-    ExitCode mResult = SUCCESS;
+    /// The runtime directory that is meant by a process, or without one by KORDANIX_RUNTIME_DIR as given.
+    std::string choose(std::optional<pid_t> process, const std::string& variable) {
+        platform::changeRuntimeDirectory(variable);
+        std::ostringstream err;
+        const ExitCode result = chooseRuntimeDirectory(process, err);
+        EXPECT_EQ(result, err.str().empty() ? SUCCESS : FAILURE);
+        return result == SUCCESS ? platform::runtimeDirectoryPath() : err.str();
+    }
+
+    const support::TemporaryDirectory mHome;
+    const std::string mUser = mHome.path("kordanix");
 };
 
 TEST_F(AddressingTest, WhoIsInARunIsFoundByWhatItSaysOfItself) {
-    const std::string run = makeEndedRun();
-    const std::function<void()> ways[] = {
-        [&] {
-            static platform::RunHold hold;
-            hold.take(run);
-            platform::changeRuntimeDirectory(run);
-            platform::openOverlayClaim(run);
-            platform::claimOverlay("name", 0);
-        },
-        [&] {
-            static platform::RunHold hold;
-            hold.take(run);
-            platform::changeRuntimeDirectory(run);
-            platform::writeOverlayNote({});
-        },
-    };
-    for (const auto& join : ways) {
-        const Member member(join);
-        platform::changeRuntimeDirectory(mUser.path());
-        EXPECT_EQ(choose(member.id()), run);
-        platform::changeRuntimeDirectory(mUser.path());
-        const auto runs = findRuns(mUser.path());
-        ASSERT_EQ(runs.size(), 1U);
-        EXPECT_EQ(runs.front().process, member.id());
+    const std::string first = makeEndedRun("-1");
+    const std::string second = makeEndedRun("-2");
+    EXPECT_EQ(choose(std::nullopt, ""), mUser) << "nobody is in either";
+    const ChildProcess heir({"sleep", "60"}, {{"KORDANIX_RUNTIME_DIR", first}});
+    ASSERT_TRUE(support::waitUntil([&] { return findRuns(mUser).size() == 1; }));
+    EXPECT_EQ(choose(std::nullopt, ""), first);
+    EXPECT_EQ(choose(heir.id(), ""), first);
+    {
+        const auto claimant = makeMember(first, Way::CLAIM);
+        const auto noted = makeMember(second, Way::NOTE);
+        EXPECT_EQ(choose(claimant->id(), ""), first);
+        EXPECT_EQ(choose(noted->id(), ""), second);
+        const std::string several = choose(std::nullopt, "");
+        for (const auto& shown : {claimant->id(), noted->id()}) {
+            EXPECT_THAT(several, HasSubstr("\n  " + std::to_string(shown) + ' '));
+        }
+        EXPECT_EQ(choose(std::nullopt, mUser), mUser);
+        EXPECT_EQ(choose(getpid(), ""), mUser);
     }
-    EXPECT_EQ(findRuns(mUser.path()).size(), 0U);
-    EXPECT_TRUE(fs::exists(run)) << "whoever reads removes nothing";
+    EXPECT_EQ(choose(std::nullopt, ""), first) << "what the program started goes on";
+    EXPECT_TRUE(std::filesystem::exists(second)) << "whoever reads removes nothing";
 }
 
 TEST_F(AddressingTest, NobodyIsInAnEndedRun) {
-    const std::string run = makeEndedRun();
-    const std::string gone = mUser.path("run-7-7");
-    for (const std::string& folder : {run, gone}) {
-        platform::changeRuntimeDirectory(folder);
-        EXPECT_THAT(choose(std::nullopt), testing::HasSubstr("has ended"));
-        EXPECT_EQ(mResult, FAILURE);
+    for (const std::string& folder : {makeEndedRun("-1"), mUser + "/run-7-7"}) {
+        EXPECT_THAT(choose(std::nullopt, folder), HasSubstr("has ended"));
     }
-    EXPECT_FALSE(fs::exists(gone));
-    platform::changeRuntimeDirectory(mUser.path());
-    EXPECT_THAT(choose(4194304), testing::HasSubstr("there is no process 4194304"));
-    // Before a program starts, its properties are the user's.
-    EXPECT_EQ(choose(std::nullopt), mUser.path());
-    EXPECT_EQ(choose(getpid()), mUser.path());
+    EXPECT_FALSE(std::filesystem::exists(mUser + "/run-7-7"));
+    EXPECT_THAT(choose(4194304, ""), HasSubstr("there is no process 4194304"));
 }
 
 TEST_F(AddressingTest, ResetReturnsToTheClaim) {
-    ASSERT_EQ(platform::openOverlayClaim(mUser.path()), "");
+    ASSERT_EQ(platform::openOverlayClaim(mUser), "");
     ASSERT_EQ(platform::claimOverlay("name", 1), platform::Claim::OWN);
     std::ostringstream err;
     EXPECT_EQ(setProperties({"proc", "other", "api", "0", "widget_fps", "off"}, {}, err), SUCCESS);
@@ -124,16 +114,7 @@ TEST_F(AddressingTest, ResetReturnsToTheClaim) {
     EXPECT_EQ(readProperty("debug.kordanix.proc"), "name");
     EXPECT_EQ(readProperty("debug.kordanix.api"), "1");
     EXPECT_EQ(readProperty("debug.kordanix.widget_fps"), std::nullopt);
-    EXPECT_EQ(platform::overlayClaimant(mUser.path()), getpid());
-}
-
-TEST_F(AddressingTest, AUsersOwnFolderIsNoRun) {
-    const std::string own = mUser.path("run-3-20260101");
-    fs::create_directory(own);
-    std::ofstream(own + "/results.txt") << "x";
-    EXPECT_TRUE(findRuns(mUser.path()).empty());
-    EXPECT_FALSE(platform::removeEndedRun(own));
-    EXPECT_TRUE(fs::exists(own + "/results.txt"));
+    EXPECT_EQ(platform::overlayClaimant(mUser), getpid());
 }
 
 }  // namespace

@@ -10,13 +10,13 @@
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeProperties.h"
 #include "overlays/Doctor.h"
-#include "platform/TemporaryDirectory.h"
 #include "processes/ProcessInfo.h"
 #include "properties/PropertyWriter.h"
 #include "properties/RuntimeDirectory.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
 #include "runs/RunFolder.h"
+#include "support/TemporaryDirectory.h"
 
 namespace control {
 namespace {
@@ -40,7 +40,7 @@ protected:
         return out.str();
     }
 
-    const platform::TemporaryDirectory mDirectory;
+    const support::TemporaryDirectory mDirectory;
     std::ostringstream mErr;
 };
 

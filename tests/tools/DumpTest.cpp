@@ -1,26 +1,18 @@
 #include <gmock/gmock.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <locale>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "conversions/DumpCommands.h"
 #include "dumps/DumpReader.h"
 #include "dumps/Statistics.h"
 #include "dumps/Trace.h"
 #include "dumps/report/Report.h"
-#include "ostra/DumpFiles.h"
-#include "ostra/FrameQueue.h"
-#include "platform/TemporaryDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 namespace dumps {
 namespace {
@@ -52,13 +44,13 @@ Dump makeDump(const std::string& frames, const std::string& passes = {}) {
 }
 
 TEST(DumpReader, SkipsAndCountsMalformedRows) {
-    const std::string names = "FrameNumber,TimestampMs,Fps\n1,10,60\n";
-    for (const char* const row : {"2,20", "2,20,60,1", "two,20,60", "2,2e1,60", "2,20,60 ", "2,20,6x",
-                                  "-2,20,60", "1,20,60", "0,20,60", "", "99999999999999999999,20,60",
-                                  "2,99999999999999999999,60", "2,20,1e999", "2,20,1e300", " 2,20,60"}) {
+    const std::string names = "FrameNumber,TimestampMs,\"Fps, \"\"now\"\"\n\"\n1,10,60\n";
+    for (const char* const row :
+         {"2,20", "2,20,60,1", "two,20,60", "2,2e1,60", "2,20,60 ", "-2,20,60", "1,20,60", "",
+          "99999999999999999999,20,60", "2,99999999999999999999,60", "2,20,1e999", "2,20,1e300"}) {
         const Dump dump = makeDump(names + row + "\n3,30,50\n");
         ASSERT_EQ(dump.frames.size(), 2U) << row;
-        EXPECT_EQ(dump.frames[1].number, 3U);
+        EXPECT_EQ(dump.values[0].name, "Fps, \"now\"\n");
         EXPECT_EQ(dump.values[0].figures.back(), 50.0);
         EXPECT_THAT(describeLosses(dump), HasSubstr("1 malformed row skipped")) << row;
     }
@@ -73,7 +65,7 @@ TEST(DumpReader, SkipsAndCountsMalformedRows) {
     EXPECT_EQ(dump.skippedRows, 3U);
     EXPECT_EQ(dump.strayPasses, 1U);
     ASSERT_EQ(dump.passes.size(), 2U);
-    EXPECT_EQ(dump.passes[0].frame, 2U);  // in the order of the frames
+    EXPECT_EQ(dump.passes[0].frame, 2U) << "in the order of the frames";
     EXPECT_THAT(parseFrames("FrameNumber,Fps\n", dump), HasSubstr("no column \"TimestampMs\""));
     EXPECT_THAT(parsePasses("FrameNumber\n", dump), HasSubstr("no column \"FirstValue\""));
 }
@@ -92,36 +84,6 @@ TEST(DumpReader, KeepsWhatIsWholeOfADumpCutAtAnyByte) {
         EXPECT_EQ(dump.skippedRows, 0U) << size;
         EXPECT_TRUE(!isRead || dump.isCut == (text.back() != '\n')) << size;
     }
-}
-
-TEST(DumpReader, ReadsWhatTheCompanionLibraryWrites) {
-    const platform::TemporaryDirectory folder;
-    platform::DumpFiles files(
-        {{android::String8("Fps, \"now\"\n"), 1, 1}, {android::String8("MemPss(Bytes)"), 2, 1}},
-        {"Power(W)", "Fan(rpm)"});
-    ASSERT_EQ(files.open(folder.path()), "");
-    platform::FrameQueue queue(2, 2);
-    Ostra::FrameDump frame = {7, 1700000000140, 5, 3.5F, 0, {{}, {}}, {{1, 2, 1.5}, {3, 4, 2.0}}};
-    frame.values[0].floatValue = 59.94F;
-    frame.values[1].intValue = 5000000000U;
-    ASSERT_TRUE(queue.push(frame, {12.25}));
-    ASSERT_EQ(files.append(queue), "");
-    ASSERT_EQ(files.close(), "");
-    Dump dump;
-    EXPECT_EQ(readDump(folder.path(), dump), "");
-    EXPECT_EQ(describeLosses(dump), "");
-    ASSERT_EQ(dump.frames.size(), 1U);
-    EXPECT_EQ(dump.frames[0].timestampMs, 1700000000140);
-    EXPECT_EQ(dump.frames[0].passFrameMs, 3.5);
-    ASSERT_EQ(dump.values.size(), 4U);
-    EXPECT_EQ(dump.values[2].unit, "W");
-    EXPECT_THAT(dump.values[2].figures, ElementsAre(12.25));
-    EXPECT_TRUE(std::isnan(dump.values[3].figures.at(0))) << "nobody gave it a value";
-    EXPECT_EQ(dump.values[0].name, "Fps, \"now\"\n");
-    EXPECT_THAT(dump.values[0].figures, ElementsAre(59.94));
-    EXPECT_THAT(dump.values[1].figures, ElementsAre(5e9));
-    ASSERT_EQ(dump.passes.size(), 2U);
-    EXPECT_EQ(dump.passes[1].secondValue, 4U);
 }
 
 TEST(Statistics, FrameTimesLeaveOutGapsAndClockSteps) {
@@ -198,92 +160,86 @@ using control::SUCCESS;
 
 class DumpCommands : public testing::Test {
 protected:
-    /// A folder with a whole dump.
-    std::string makeFolder(const std::string& name) const {
-        std::filesystem::create_directory(mFolder.path(name));
-        std::ofstream(mFolder.path(name + "/frames.csv")) << FRAMES;
-        std::ofstream(mFolder.path(name + "/passes.csv")) << PASSES;
-        return mFolder.path(name);
+    DumpCommands() {
+        std::ofstream(mHome.path("frames")) << FRAMES;
+        std::ofstream(mHome.path("passes")) << PASSES;
+        makeDumps("dump");
+    }
+
+    /// Makes folders with a whole dump.
+    void makeDumps(const std::string& names) const {
+        EXPECT_TRUE(
+            mHome.shell("for d in " + names +
+                        "; do rm -rf $d; mkdir $d; cp frames $d/frames.csv; cp passes $d/passes.csv; done"));
     }
 
     ExitCode report(const std::string& folder, const std::string& path) {
         mOut.str({});
         mErr.str({});
-        return control::makeReport(folder, path, mOut, mErr);
+        return control::makeReport(mHome.path(folder), mHome.path(path), mOut, mErr);
     }
 
-    const platform::TemporaryDirectory mFolder;
+    const support::TemporaryDirectory mHome;
     std::ostringstream mOut;
     std::ostringstream mErr;
 };
 
 TEST_F(DumpCommands, SayWhyThereIsNothingToRead) {
-    const std::string folder = mFolder.path("dump");
-    const std::string output = mFolder.path("out");
-    std::ofstream(output) << "an older page";
-    std::ofstream(mFolder.path("copy")) << FRAMES;
     const std::pair<const char*, const char*> refusals[] = {
         {"rm -r dump", "No such file or directory"},
         {"rm dump/*", "holds no dump"},
-        {"head -c90 copy > dump/frames.csv", "frames.csv: the dump is empty"},
-        {"head -n2 copy > dump/frames.csv", "has no two frames in a row"},
+        {"head -c90 frames >dump/frames.csv", "frames.csv: the dump is empty"},
+        {"head -n2 frames >dump/frames.csv", "has no two frames in a row"},
         {"rm dump/frames.csv; mkfifo dump/frames.csv", "frames.csv: it is not a regular file"},
         {"truncate -s 2G dump/frames.csv", "it is larger than 1 GiB"}};
     for (const auto& [command, error] : refusals) {
-        makeFolder("dump");
-        ASSERT_EQ(std::system(("cd " + mFolder.path() + "; " + command).c_str()), 0);
-        EXPECT_EQ(report(folder, output), FAILURE);
+        makeDumps("dump");
+        ASSERT_TRUE(mHome.shell("echo old >out; " + std::string(command)));
+        EXPECT_EQ(report("dump", "out"), FAILURE);
         EXPECT_THAT(mErr.str(), HasSubstr(error));
-        EXPECT_EQ(std::filesystem::file_size(output), 13U) << error;
-        std::filesystem::remove_all(folder);
+        EXPECT_EQ(support::readFile(mHome.path("out")), "old\n") << error;
     }
 }
 
 TEST_F(DumpCommands, WriteTheirFileAndNeverTheDump) {
-    const std::string folder = makeFolder("dump");
-    ASSERT_EQ(mkfifo(mFolder.path("pipe").c_str(), 0600), 0);
-    std::filesystem::create_hard_link(folder + "/passes.csv", mFolder.path("linked"));
-    std::filesystem::create_symlink(mFolder.path("page"), mFolder.path("shortcut"));
-    const std::pair<std::string, const char*> refusals[] = {
-        {folder + "/frames.csv", "a file of a dump"},
-        {makeFolder("other") + "/passes.csv", "a file of a dump"},
-        {mFolder.path("linked"), "a file of a dump"},
-        {mFolder.path("none/out"), "cannot be written: No such file or directory"},
-        {folder, "cannot be written: Is a directory"},
-        {mFolder.path("pipe"), "cannot be written: it is not a regular file"}};
+    makeDumps("other");
+    ASSERT_TRUE(mHome.shell("mkfifo pipe; ln dump/passes.csv linked; ln -s page shortcut; echo old >page"));
+    const std::pair<const char*, const char*> refusals[] = {
+        {"dump/frames.csv", "a file of a dump"},
+        {"other/passes.csv", "a file of a dump"},
+        {"linked", "a file of a dump"},
+        {"none/out", "cannot be written: No such file or directory"},
+        {"dump", "cannot be written: Is a directory"},
+        {"pipe", "cannot be written: it is not a regular file"}};
     for (const auto& [path, error] : refusals) {
-        EXPECT_EQ(report(folder, path), FAILURE) << path;
+        EXPECT_EQ(report("dump", path), FAILURE) << path;
         EXPECT_THAT(mErr.str(), HasSubstr(error));
     }
-    std::ofstream(mFolder.path("page")) << "old";
-    std::ofstream(folder + "/frames.csv") << "\xEF\xBB\xBF" << FRAMES << "106,17000";
-    EXPECT_EQ(report(folder, mFolder.path("shortcut")), SUCCESS);
+    ASSERT_TRUE(mHome.shell("(printf '\\357\\273\\277'; cat frames; printf 106,17000) >dump/frames.csv"));
+    EXPECT_EQ(report("dump", "shortcut"), SUCCESS);
     EXPECT_THAT(mErr.str(), HasSubstr("ends in the middle of a line"));
-    EXPECT_GT(std::filesystem::file_size(mFolder.path("page")), 1000U);
+    EXPECT_GT(std::filesystem::file_size(mHome.path("page")), 1000U);
     EXPECT_EQ(mOut.str(), "");
 }
 
 TEST_F(DumpCommands, TakeTheNewestDumpOfAFolder) {
-    for (const char* const name : {"b-20260101-120000-9", "a-b-20260101-120000-10", "z-20251231-235959-1",
-                                   "x-20270101-1200-1", "20270101-120000-1", "x-20270101-120000-"}) {
-        makeFolder(name);
-    }
-    std::filesystem::create_directory(mFolder.path("y-20280101-120000-1"));
-    EXPECT_EQ(report(mFolder.path(), mFolder.path("out")), SUCCESS) << mErr.str();
-    EXPECT_EQ(mOut.str(), "The newest dump: " + mFolder.path("a-b-20260101-120000-10") + "\n");
+    makeDumps(
+        "b-20260101-120000-9 a-b-20260101-120000-10 z-20251231-235959-1 x-20270101-1200-1 "
+        "20270101-120000-1 x-20270101-120000-");
+    mHome.shell("mkdir y-20280101-120000-1");
+    EXPECT_EQ(report("", "out"), SUCCESS) << mErr.str();
+    EXPECT_EQ(mOut.str(), "The newest dump: " + mHome.path("a-b-20260101-120000-10") + "\n");
 }
 
 TEST_F(DumpCommands, WriteTheSameNumbersInEveryLocale) {
     struct Grouped : std::numpunct<char> {
-        char do_thousands_sep() const override { return '.'; }
         std::string do_grouping() const override { return "\1"; }
     };
-    const std::string folder = makeFolder("dump");
-    EXPECT_EQ(report(folder, mFolder.path("before")), SUCCESS);
+    EXPECT_EQ(report("dump", "before"), SUCCESS);
     const std::locale classic = std::locale::global(std::locale(std::locale::classic(), new Grouped));
-    EXPECT_EQ(report(folder, mFolder.path("after")), SUCCESS);
+    EXPECT_EQ(report("dump", "after"), SUCCESS);
     std::locale::global(classic);
-    EXPECT_EQ(std::system(("cmp " + mFolder.path("before") + ' ' + mFolder.path("after")).c_str()), 0);
+    EXPECT_TRUE(mHome.shell("cmp before after"));
 }
 
 }  // namespace

@@ -1,31 +1,26 @@
 #include <gmock/gmock.h>
 #include <ostra/Ostra.h>
-#include <unistd.h>
 
 #include <atomic>
-#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <random>
 #include <sstream>
-#include <string>
 #include <thread>
 
+#include "RunFixture.h"
+#include "ostra/DumpNotice.h"
 #include "ostra/PictureRequest.h"
+#include "overlays/Pam.h"
 #include "overlays/PictureCommand.h"
 #include "overlays/ProcessCommands.h"
-#include "platform/TemporaryDirectory.h"
 #include "processes/ProcessInfo.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
 #include "runs/OverlayNote.h"
 #include "software/Image.h"
 #include "software/Png.h"
-#include "support/ChildProcess.h"
 
 namespace control {
 namespace {
@@ -34,9 +29,12 @@ using testing::HasSubstr;
 using testing::Not;
 
 /// This process is the one with the overlay. It listens from the first test on.
-class OverlayCommandsTest : public testing::Test {
+class OverlayCommandsTest : public RunFixture {
 protected:
     OverlayCommandsTest() {
+        static const support::TemporaryDirectory runtime;
+        platform::changeRuntimeDirectory(runtime.path());
+        platform::removeDumpNotice(runtime.path(), getpid());
         EXPECT_EQ(resetProperties(false, mErr), SUCCESS);
         EXPECT_EQ(set({"status", "true", "proc", processName(getpid()), "devmode", "true"}), SUCCESS);
         [[maybe_unused]] static const bool isListening = [] {
@@ -69,14 +67,21 @@ protected:
         return result;
     }
 
-    /// Presents nothing.
-    ExitCode picture(const std::string& path, std::optional<pid_t> process = std::nullopt) {
+    /// Presents nothing. Returns the error.
+    std::string picture(const std::string& path, std::optional<pid_t> process = std::nullopt) {
         mErr.str({});
-        return savePicture(process, path, 0.02, mErr);
+        EXPECT_NE(savePicture(process, path, 0.02, mErr), SUCCESS);
+        EXPECT_FALSE(std::filesystem::exists(path));
+        return mErr.str();
+    }
+
+    std::string press(Key key) {
+        mErr.str({});
+        EXPECT_EQ(pressKey(key, std::nullopt, mOut, mErr), FAILURE);
+        return mErr.str();
     }
 
     static inline std::atomic<bool> mIsInBackground{false};
-    const platform::TemporaryDirectory mFolder;
     std::ostringstream mOut;
     std::ostringstream mErr;
 };
@@ -96,7 +101,7 @@ void writePicture() {
 }
 
 TEST_F(OverlayCommandsTest, APictureIsTheNextFrame) {
-    const std::string path = mFolder.path("frame.PNG");
+    const std::string path = mHome.path("frame.PNG");
     const std::string file = platform::picturePath(platform::openRuntimeDirectory().path, getpid());
     std::ofstream(file).flush();  // as a kordanixctl that was killed leaves it
     EXPECT_EQ(whilePresenting(writePicture, [&] { return savePicture(getpid(), path, 20.0, mErr); }), SUCCESS)
@@ -108,52 +113,47 @@ TEST_F(OverlayCommandsTest, APictureIsTheNextFrame) {
     EXPECT_FALSE(std::filesystem::exists(file));
 
     // A limit on files ends with a word, not with a signal.
-    const std::string limited = mFolder.path("limited.png");
-    EXPECT_EQ(whilePresenting(writePicture,
-                              [&] {
-                                  const auto run = support::run(
-                                      {"sh", "-c", "ulimit -f 1; exec " KORDANIXCTL " picture " + limited});
-                                  mErr << run.err;
-                                  return static_cast<ExitCode>(run.status);
-                              }),
-              FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("cannot write " + limited));
+    support::Outcome limited;
+    whilePresenting(writePicture, [&] {
+        limited = run("ulimit -f 1; exec $CTL picture limited.png");
+        return SUCCESS;
+    });
+    EXPECT_EQ(limited.status, FAILURE);
+    EXPECT_THAT(limited.err, HasSubstr("cannot write limited.png"));
+}
+
+TEST(Pam, OnlyAWholePictureIsRead) {
+    const std::string whole =
+        "P7\nWIDTH 2\nHEIGHT 1\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\nabcdefgh";
+    software::Image image;
+    for (std::size_t i = 0; i < whole.size(); ++i) {
+        EXPECT_FALSE(parsePam(whole.substr(0, i), image)) << i;
+    }
+    for (const char* const side : {"0", "-2", "32769", "99999999999", "1"}) {
+        EXPECT_FALSE(parsePam(std::string(whole).replace(9, 1, side), image)) << side;
+    }
+    EXPECT_FALSE(parsePam(whole + 'i', image));
+    EXPECT_TRUE(parsePam(whole, image));
 }
 
 TEST_F(OverlayCommandsTest, APictureThatCannotBeHadIsExplained) {
-    const std::string path = mFolder.path("frame.png");
-    struct Case {
-        std::function<void()> prepare;
-        const char* error;
-    };
-    const Case cases[] = {
-        {[] {}, "presented no frame in 0.02 seconds; it may draw only when something changes"},
-        {[] { setNote("its window is too small"); }, "does not show the overlay: its window is too small"},
-        {[&] {
-             set({"api", "7"});
-         },
-         "api is set to 7, but its graphics API has number 0"},
-        {[&] {
-             set({"proc", "other"});
-         },
-         "does not show the overlay, which is for 'other'"},
-        {[&] {
-             set({"status", "false"});
-         },
-         "switched off"}};
-    for (const Case& each : cases) {
-        each.prepare();
-        EXPECT_EQ(picture(path), FAILURE);
-        EXPECT_THAT(mErr.str(), HasSubstr(each.error));
-        EXPECT_FALSE(std::filesystem::exists(path));
+    const std::string path = mHome.path("frame.png");
+    EXPECT_THAT(picture(path), HasSubstr("presented no frame in 0.02 seconds; it may draw only when"));
+    setNote("its window is too small");
+    EXPECT_THAT(picture(path), HasSubstr("does not show the overlay: its window is too small"));
+    const std::tuple<const char*, const char*, const char*> settings[] = {
+        {"api", "7", "api is set to 7, but its graphics API has number 0"},
+        {"proc", "other", "does not show the overlay, which is for 'other'"},
+        {"status", "false", "switched off"}};
+    for (const auto& [name, value, error] : settings) {
+        set({name, value});
+        EXPECT_THAT(picture(path), HasSubstr(error));
     }
-    EXPECT_EQ(picture(mFolder.path("a.jpg")), USAGE_ERROR);
-    EXPECT_THAT(mErr.str(), HasSubstr("must end in .png"));
+    EXPECT_THAT(picture(mHome.path("a.jpg")), HasSubstr("must end in .png"));
     support::ChildProcess stopped([] { return pause(); });
     stopped.kill(SIGSTOP);
     ASSERT_TRUE(support::waitUntil([&] { return isStopped(stopped.id()); }));
-    EXPECT_EQ(picture(path, stopped.id()), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("is stopped"));
+    EXPECT_THAT(picture(path, stopped.id()), HasSubstr("is stopped"));
 }
 
 /// Takes the keys as the library does in its frames.
@@ -178,20 +178,20 @@ private:
 };
 
 TEST_F(OverlayCommandsTest, KeysSayWhatBecomesOfThem) {
-    const std::string folder = mFolder.path("dumps");
-    std::ofstream(mFolder.path("file")).flush();
+    const std::string folder = mHome.path("dumps");
     DumpingOverlay overlay;
-    const auto press = [&](Key key) {
-        return whilePresenting(std::ref(overlay), [&] { return pressKey(key, std::nullopt, mOut, mErr); });
+    const auto pressDump = [&] {
+        return whilePresenting(std::ref(overlay), [&] { return pressKey(Key::DUMP, {}, mOut, mErr); });
     };
     ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", folder.c_str(), 1), 0);
-    EXPECT_EQ(press(Key::DUMP), SUCCESS) << mErr.str();
+    EXPECT_EQ(pressDump(), SUCCESS) << mErr.str();
     EXPECT_THAT(mOut.str(), HasSubstr(" dumps into " + folder + "/control_tests-"));
-    EXPECT_EQ(press(Key::DUMP), SUCCESS) << mErr.str();
+    EXPECT_EQ(pressDump(), SUCCESS) << mErr.str();
     EXPECT_THAT(mOut.str(), HasSubstr(" has ended its dump: 0 frames in " + folder + "/control_tests-"));
-    ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", mFolder.path("file").c_str(), 1), 0);
-    EXPECT_EQ(press(Key::DUMP), FAILURE) << mOut.str();
+    ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", "/dev/null", 1), 0);
+    EXPECT_EQ(pressDump(), FAILURE) << mOut.str();
     EXPECT_THAT(mErr.str(), HasSubstr(" failed: "));
+    EXPECT_THAT(press(Key::DUMP), HasSubstr("this press ended the one that had failed"));
     EXPECT_EQ(unsetenv("KORDANIX_DUMP_DIR"), 0);
     EXPECT_EQ(pressKey(Key::CAPTURE, std::nullopt, mOut, mErr), SUCCESS) << mErr.str();
     EXPECT_TRUE(support::waitUntil([&] {
@@ -201,19 +201,15 @@ TEST_F(OverlayCommandsTest, KeysSayWhatBecomesOfThem) {
 }
 
 TEST_F(OverlayCommandsTest, KeysThatDoNothingAreExplained) {
-    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("has presented no frame since"));
+    EXPECT_THAT(press(Key::DUMP), HasSubstr("has presented no frame since"));
     Ostra::receiveKeyEvents();
     setNote("its window is too small");
-    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("does not show the overlay: its window is too small"));
+    EXPECT_THAT(press(Key::DUMP), HasSubstr("does not show the overlay: its window is too small"));
     set({"proc", ""});
-    EXPECT_EQ(pressKey(Key::DUMP, std::nullopt, mOut, mErr), FAILURE);
-    EXPECT_THAT(mErr.str(), Not(HasSubstr("which is for ''")));
+    EXPECT_THAT(press(Key::DUMP), Not(HasSubstr("which is for ''")));
     setNote({});
     set({"devmode", "false", "proc", processName(getpid())});
-    EXPECT_EQ(pressKey(Key::CAPTURE, std::nullopt, mOut, mErr), FAILURE);
-    EXPECT_THAT(mErr.str(), HasSubstr("developer mode"));
+    EXPECT_THAT(press(Key::CAPTURE), HasSubstr("developer mode"));
     EXPECT_EQ(Ostra::receiveKeyEvents().size(), 0U);
 }
 

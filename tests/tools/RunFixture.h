@@ -1,15 +1,10 @@
 #pragma once
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-
-#include "platform/TemporaryDirectory.h"
+#include "doubles/Emulator.h"
 #include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 namespace control {
 
@@ -19,7 +14,7 @@ protected:
     RunFixture() {
         unsetenv("KORDANIX_RUNTIME_DIR");
         setenv("XDG_RUNTIME_DIR", mHome.path().c_str(), 1);
-        setenv("CTL", KORDANIXCTL, 1);
+        setenv("CTL", (doubles::emulator() + KORDANIXCTL).c_str(), 1);
         // A kordanixctl with that sanitizer minds that anything is preloaded before it.
         setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
     }
@@ -35,7 +30,7 @@ protected:
         return std::distance(std::filesystem::directory_iterator(mHome.path("kordanix"), ignored), {});
     }
 
-    const platform::TemporaryDirectory mHome;
+    const support::TemporaryDirectory mHome;
 };
 
 }  // namespace control

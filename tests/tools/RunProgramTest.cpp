@@ -144,13 +144,8 @@ TEST_F(RunProgram, OutlivesAParentThatIsKilledAndKeepsItsFolder) {
     }));
 }
 
-std::string contents(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST_F(RunProgram, WhatKeepsTheOverlayOutIsKnownBeforeItStarts) {
-    const std::string sound = contents("/bin/env");
+    const std::string sound = support::readFile("/bin/env");
     const std::string path = mHome.path("program");
     const auto obstacleOf = [&](const std::string& bytes) {
         std::ofstream(path, std::ios::binary) << bytes;

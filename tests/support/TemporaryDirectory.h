@@ -4,9 +4,17 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
-namespace platform {
+namespace support {
+
+/// What is in a file; empty when there is none.
+inline std::string readFile(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 /// A folder of mode 0700 that goes with everything in it when the object ends, but not in a forked child.
 class TemporaryDirectory {
@@ -27,9 +35,14 @@ public:
     const std::string& path() const { return mPath; }
     std::string path(const std::string& name) const { return mPath + "/" + name; }
 
+    /// Has a shell run this line in the folder. Returns whether all went well.
+    bool shell(const std::string& line) const {
+        return std::system(("cd '" + mPath + "' && { :; " + line + "\n}").c_str()) == 0;
+    }
+
 private:
     const pid_t mOwner = getpid();
     std::string mPath;
 };
 
-}  // namespace platform
+}  // namespace support
