@@ -1,5 +1,6 @@
 #include "faults/FaultHost.h"
 
+#include "dumps/DumpReader.h"
 #include "ostra/ProcessSocket.h"
 
 #include <fcntl.h>
@@ -26,31 +27,9 @@ std::string send(pid_t process, const platform::ProcessMessage& message) {
     return platform::sendMessage(std::getenv("KORDANIX_RUNTIME_DIR"), process, message);
 }
 
-/// The frames of a dump, from the first to the last; or what is wrong with its rows.
-std::string readFrames(const fs::path& folder, std::uint64_t& first, std::uint64_t& last) {
-    std::ifstream frames(folder / "frames.csv", std::ios::binary);
-    std::string row;
-    std::getline(frames, row);
-    const auto columns = std::count(row.begin(), row.end(), ',');
-    first = last = 0;
-    while (std::getline(frames, row)) {
-        const std::string place = folder.string() + ", after frame " + std::to_string(last) + ": ";
-        if (row.empty() || row.back() != '\r' || std::count(row.begin(), row.end(), ',') != columns) {
-            return place + "a row is not whole";
-        }
-        const std::uint64_t number = std::stoull(row);
-        if (first != 0 && number != last + 1) {
-            return place + "frame " + std::to_string(number);
-        }
-        first = first == 0 ? number : first;
-        last = number;
-    }
-    return {};
-}
-
 }  // namespace
 
-FaultHost::FaultHost(const HostOptions& options) {
+FaultHost::FaultHost(const std::string& device, const std::string& prepare) {
     const std::string memory = mFolder.path("shared");
     const int file = open(memory.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     void* address = MAP_FAILED;
@@ -63,17 +42,16 @@ FaultHost::FaultHost(const HostOptions& options) {
     }
     mShared.reset(static_cast<HostShared*>(address), [](HostShared* own) { munmap(own, sizeof(*own)); });
     fs::create_symlink(FAULT_HOST, mFolder.path(HOST_NAME));
-    std::vector<std::string> command = {HOST_NAME, options.apis, std::to_string(options.pace.count())};
-    if (!options.prepare.empty()) {
-        const std::string script =
-            "set -e; " + options.prepare + "; exec " + command[0] + ' ' + command[1] + ' ' + command[2];
-        command = {"unshare", geteuid() == 0 ? "-m" : "-rm", "sh", "-c", script};
+    std::vector<std::string> command = {HOST_NAME};
+    if (!prepare.empty()) {
+        command = {"unshare", geteuid() == 0 ? "-m" : "-rm", "sh", "-c",
+                   "set -e; " + prepare + "; exec " + HOST_NAME};
     }
     mProcess = std::make_unique<ChildProcess>(
         command, ChildProcess::Environment{{"PATH", mFolder.path() + ":" + std::getenv("PATH")},
                                            {"FAULT_SHARED", memory},
                                            {"KORDANIX_DUMP_DIR", mFolder.path("dumps")},
-                                           {"KORDANIX_DEVICE", options.device}});
+                                           {"KORDANIX_DEVICE", device}});
 }
 
 bool FaultHost::waitForFrames(long count) {
@@ -98,8 +76,8 @@ bool FaultHost::setDumping(bool isDumping) {
 }
 
 bool FaultHost::follows() {
-    return set("bg_transparency", "78").empty() && showOverlay().empty() &&
-           waitUntil([this] { return mShared->opacity == 78 && mShared->isShown[0]; }) &&
+    return showOverlay(78).empty() &&
+           waitUntil([this] { return mShared->opacity == 78 && mShared->isShown; }) &&
            mShared->tornTexts == 0;
 }
 
@@ -141,10 +119,15 @@ std::string FaultHost::dumpError() const {
     std::vector<std::pair<std::uint64_t, std::uint64_t>> found;
     std::error_code none;
     for (const auto& folder : fs::directory_iterator(mFolder.path("dumps"), none)) {
-        found.emplace_back();
-        std::string error = readFrames(folder, found.back().first, found.back().second);
-        if (!error.empty()) {
-            return error;
+        dumps::Dump dump;
+        if (!dumps::readDump(folder.path(), dump).empty()) {
+            continue;  // it ended in the frame in which it began
+        }
+        found.emplace_back(dump.frames.front().number, dump.frames.back().number);
+        const auto [first, last] = found.back();
+        const std::string losses = dumps::describeLosses(dump);
+        if (!losses.empty() || last - first + 1 != dump.frames.size()) {
+            return folder.path().string() + " lacks frames. " + losses;
         }
     }
     const std::size_t count = std::min<std::size_t>(mShared->dumpCount, HostShared::MAX_DUMPS);

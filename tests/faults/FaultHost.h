@@ -2,10 +2,9 @@
 
 #include "faults/HostShared.h"
 #include "faults/Publisher.h"
-#include "support/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
-#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,19 +21,12 @@ constexpr bool IS_SANITIZED = true;
 constexpr bool IS_SANITIZED = false;
 #endif
 
-/// What to start.
-struct HostOptions {
-    std::string apis = "0";  ///< one layer for each
-    std::chrono::microseconds pace{1000};
-    std::string device;  ///< a simulated device with GPU counters; empty: none
-    /// Commands of a shell that run in a mount namespace of the host's own before it starts; empty: none.
-    std::string prepare;
-};
-
 /// A running fault_host with dumps and a log in folders of its own. Its runtime directory is this process's.
 class FaultHost {
 public:
-    explicit FaultHost(const HostOptions& options = {});
+    /// `device` is a simulated one with GPU counters; empty: none. `prepare` are commands of a shell that run
+    /// in a mount namespace of the host's own before it starts; empty: none.
+    explicit FaultHost(const std::string& device = "", const std::string& prepare = "");
 
     HostShared& shared() { return *mShared; }
     pid_t id() const { return mProcess->id(); }

@@ -1,6 +1,5 @@
 // The process that the tests of faults are hard on: an application that draws frames with the overlay, tells
 // of them in shared memory and does what it finds there.
-//   fault-host APIS PACE    APIS: numbers of the layers' APIs, such as 01; PACE: microseconds between frames
 
 #include "NullFactory.h"
 #include "core/KeyEventInterceptor.h"
@@ -23,8 +22,6 @@
 #include <memory>
 #include <string>
 #include <thread>
-#include <utility>
-#include <vector>
 
 /// The leak checker hangs in a forked child of a process with threads; the process itself is checked.
 const pid_t STARTED_PROCESS = getpid();
@@ -44,21 +41,17 @@ using faults::HostShared;
 using faults::Order;
 
 struct Application {
-    explicit Application(std::string numbers) : apis(std::move(numbers)) { makeLayers(); }
+    Application() { makeLayer(); }
 
-    void makeLayers() {
-        layers.clear();
-        for (const char api : apis) {
-            layers.push_back(std::make_unique<scene::Overlay>(
-                factory, static_cast<core::RenderingApiType>(api - '0'), &passes));
-            layers.back()->attach();
-        }
+    void makeLayer() {
+        layer.reset();
+        layer = std::make_unique<scene::Overlay>(factory, static_cast<core::RenderingApiType>(0), &passes);
+        layer->attach();
     }
 
-    std::string apis;
     bench::NullFactory factory;
     doubles::FixedPasses passes{20, {1, 100, 7}};
-    std::vector<std::unique_ptr<scene::Overlay>> layers;
+    std::unique_ptr<scene::Overlay> layer;
 };
 
 /// Outlives main(), so that its end can be that of the statics.
@@ -81,25 +74,20 @@ void noteDump(bool wasDumping, bool isToggled) {
     }
 }
 
-/// One frame of every layer.
 void frame() {
     static auto& text = SysPropWatcher::createSysProp<std::string>("debug.fault.text", {});
-    for (std::size_t i = 0; i < application->layers.size(); ++i) {
-        scene::Overlay& layer = *application->layers[i];
-        layer.beginFrame();
-        shared->changes += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
-        layer.draw();
-        const bool wasDumping = core::StateInfo::isDumpingEnabled();
-        const bool isToggled = layer.isShown() && core::StateInfo::mDevModeProp.getValue() &&
-                               KeyEventInterceptor::getInstance()->mIsDumpKeyPressed;
-        layer.endFrame();
-        noteDump(wasDumping, isToggled);
-        shared->isShown[i] = layer.isShown();
-    }
+    scene::Overlay& layer = *application->layer;
+    layer.beginFrame();
+    layer.draw();
+    const bool wasDumping = core::StateInfo::isDumpingEnabled();
+    const bool isToggled = layer.isShown() && core::StateInfo::mDevModeProp.getValue() &&
+                           KeyEventInterceptor::getInstance()->mIsDumpKeyPressed;
+    layer.endFrame();
+    noteDump(wasDumping, isToggled);
+    shared->isShown = layer.isShown();
     // Always written as a repetition of one letter.
     const std::string value = text.getValue();
-    shared->tornTexts +=
-        !value.empty() && value.find_first_not_of(value.front()) != std::string::npos ? 1 : 0;
+    shared->tornTexts += value.find_first_not_of(value[0]) != std::string::npos ? 1 : 0;
     shared->isDumping = core::StateInfo::isDumpingEnabled();
     shared->opacity = static_cast<int>(gui::WidgetsSettings::getWidgets().mBgTransparency.getValue());
     ++shared->frames;
@@ -173,14 +161,12 @@ int endAs(End end) {
 void obey() {
     std::this_thread::sleep_for(std::chrono::milliseconds(shared->stallMs.exchange(0)));
     for (; shared->reattach > 0; --shared->reattach) {
-        for (const auto& layer : application->layers) {
-            layer->detach();
-            layer->attach();
-        }
+        application->layer->detach();
+        application->layer->attach();
         frame();
     }
     for (; shared->renew > 0; --shared->renew) {
-        application->makeLayers();
+        application->makeLayer();
         frame();
     }
     if (shared->order != Order::NONE) {
@@ -192,19 +178,18 @@ void obey() {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main() {
     const int file = open(std::getenv("FAULT_SHARED"), O_RDWR | O_CLOEXEC);
     void* const memory = mmap(nullptr, sizeof(HostShared), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
     close(file);
-    if (argc != 3 || memory == MAP_FAILED) {
+    if (memory == MAP_FAILED) {
         return 2;
     }
     shared = static_cast<HostShared*>(memory);
-    const std::chrono::microseconds pace(std::atoi(argv[2]));
 
     // The library would wait a second before it looks for its first publication; tests are in a hurry.
     SysPropWatcher::init("debug.kordanix.settingsgeneration", std::chrono::milliseconds(1));
-    owner = std::make_unique<Application>(argv[1]);
+    owner = std::make_unique<Application>();
     application = owner.get();
     for (;;) {
         frame();
@@ -213,6 +198,6 @@ int main(int argc, char** argv) {
         if (end != End::NONE) {
             return endAs(end);
         }
-        std::this_thread::sleep_for(pace);
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }

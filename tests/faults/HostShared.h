@@ -23,9 +23,8 @@ struct HostShared {
 
     // Of the host, after each frame.
     std::atomic<long> frames;
-    std::atomic<long> changes;                 ///< of settings that were seen
-    std::atomic<long> tornTexts;               ///< values that were mixtures of two
-    std::array<std::atomic<bool>, 2> isShown;  ///< by API
+    std::atomic<long> tornTexts;  ///< values that were mixtures of two
+    std::atomic<bool> isShown;
     std::atomic<bool> isDumping;
     std::atomic<int> opacity;
     std::atomic<int> children;
@@ -35,8 +34,8 @@ struct HostShared {
 
     // Of the test.
     std::atomic<int> stallMs;   ///< lets so many milliseconds go by without a frame
-    std::atomic<int> reattach;  ///< detaches and attaches every layer that often, with frames in between
-    std::atomic<int> renew;     ///< the same with layers that are destroyed and made again
+    std::atomic<int> reattach;  ///< detaches and attaches the layer that often, with frames in between
+    std::atomic<int> renew;     ///< the same with a layer that is destroyed and made again
     std::atomic<Order> order;
     std::atomic<End> end;
 };
