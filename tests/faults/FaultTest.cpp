@@ -25,7 +25,7 @@ class FaultTest : public testing::Test {
 protected:
     FaultTest() {
         setenv("KORDANIX_RUNTIME_DIR", mRuntime.path().c_str(), 1);
-        EXPECT_EQ(showOverlay(128), "");
+        EXPECT_EQ(showOverlay(), "");
     }
 
     static bool isShown(FaultHost& host) {

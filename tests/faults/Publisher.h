@@ -2,6 +2,7 @@
 
 #include "support/ChildProcess.h"
 
+#include <chrono>
 #include <string>
 
 namespace faults {
@@ -9,16 +10,17 @@ namespace faults {
 /// The name by which the library knows the process of a fault_host.
 constexpr const char* HOST_NAME = "fault-host";
 
-/// Writes the settings that show the overlay of API 0 in a fault_host, with the keys in force and so opaque,
-/// and the text that it reads, and publishes them. Returns what went wrong.
-std::string showOverlay(int opacity, const std::string& text = "");
+/// Writes and publishes the settings that show the overlay of API 0 in a fault_host, with the keys in force.
+/// Returns what went wrong.
+std::string showOverlay(int opacity = 128);
 
-/// Another process that changes and publishes settings as fast as it can: among them the text of the host,
-/// one letter over and over, and one that no property can be read from. It ends, which kills it, with this
-/// object.
+/// Another process that changes and publishes settings, as fast as it can or with random pauses, until this
+/// object ends, which kills it: the text that fault_host reads, one letter over and over, and any of the
+/// library's properties, which get texts that they may have and others. Only if it may, it hides the overlay
+/// or disables its keys.
 class Publisher {
 public:
-    explicit Publisher(unsigned seed);
+    explicit Publisher(unsigned seed, bool mayHide = false, std::chrono::microseconds longestPause = {});
 
 private:
     support::ChildProcess mProcess;

@@ -204,7 +204,7 @@ int main(int argc, char** argv) {
     for (double now = 0.0; now < seconds; now = std::chrono::duration<double>(Clock::now() - start).count()) {
         if (now >= nextPublisher) {
             publisher.reset();
-            publisher.emplace(faults::Publisher::What::ANYTHING, ++seed, std::chrono::milliseconds(40));
+            publisher.emplace(++seed, true, std::chrono::milliseconds(40));
             nextPublisher = now + PUBLISHER_S;
         }
         soak.frame(now);
