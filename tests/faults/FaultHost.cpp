@@ -1,5 +1,6 @@
 #include "faults/FaultHost.h"
 
+#include "doubles/Emulator.h"
 #include "dumps/DumpReader.h"
 #include "ostra/ProcessSocket.h"
 
@@ -42,10 +43,12 @@ FaultHost::FaultHost(const std::string& device, const std::string& prepare) {
     }
     mShared.reset(static_cast<HostShared*>(address), [](HostShared* own) { munmap(own, sizeof(*own)); });
     fs::create_symlink(FAULT_HOST, mFolder.path(HOST_NAME));
-    std::vector<std::string> command = {HOST_NAME};
+    const std::string name = HOST_NAME;
+    const std::string start =
+        "exec " + (doubles::isEmulated() ? doubles::emulator() + "-0 " + name + ' ' + FAULT_HOST : name);
+    std::vector<std::string> command = {"sh", "-c", start};
     if (!prepare.empty()) {
-        command = {"unshare", geteuid() == 0 ? "-m" : "-rm", "sh", "-c",
-                   "set -e; " + prepare + "; exec " + HOST_NAME};
+        command = {"unshare", geteuid() == 0 ? "-m" : "-rm", "sh", "-c", "set -e; " + prepare + "; " + start};
     }
     mProcess = std::make_unique<ChildProcess>(
         command, ChildProcess::Environment{{"PATH", mFolder.path() + ":" + std::getenv("PATH")},

@@ -15,14 +15,14 @@ const char* const TEXTS[] = {"true", "false", "0",    "5",          "255",      
                              "",     "TRUE",  "1e9",  "4294967296", "\xFF\xFE\x01", "0x7",
                              "nan",  "  3",   "%s%n", "../../etc",  "-2147483648"};
 
-std::string setAny(std::mt19937& random, bool mayHide) {
+/// Only now and then one that hides the overlay or disables its keys.
+std::string setAny(std::mt19937& random) {
     const control::PropertyRows all = control::properties();
     const control::Property& property = all.first[random() % all.count];
     const bool isNeeded = control::isControlProperty(property) || property.shortName == "devmode";
-    if (isNeeded && (!mayHide || random() % 5 != 0)) {
-        return showOverlay();
-    }
-    return platform::setProperty(control::fullName(property).c_str(), TEXTS[random() % std::size(TEXTS)]);
+    return isNeeded && random() % 5 != 0 ? showOverlay()
+                                         : platform::setProperty(control::fullName(property).c_str(),
+                                                                 TEXTS[random() % std::size(TEXTS)]);
 }
 
 }  // namespace
@@ -38,14 +38,14 @@ std::string showOverlay(int opacity) {
                                     {"debug.kordanix.settingsgeneration", "x"}});
 }
 
-Publisher::Publisher(unsigned seed, bool mayHide, std::chrono::microseconds longestPause)
+Publisher::Publisher(unsigned seed, bool isWild, std::chrono::microseconds longestPause)
     : mProcess([=] {
           std::mt19937 random(seed);
           std::string error;
           while (error.empty()) {
               const std::string text(random() % 92, static_cast<char>('a' + random() % 26));
               for (auto count = random() % 4; count > 0; --count) {
-                  error += setAny(random, mayHide);
+                  error += isWild ? setAny(random) : showOverlay(static_cast<int>(random() % 256));
               }
               error += platform::setProperties(
                   {{"debug.fault.text", text}, {"debug.kordanix.settingsgeneration", "x"}});

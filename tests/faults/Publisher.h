@@ -14,13 +14,12 @@ constexpr const char* HOST_NAME = "fault-host";
 /// Returns what went wrong.
 std::string showOverlay(int opacity = 128);
 
-/// Another process that changes and publishes settings, as fast as it can or with random pauses, until this
-/// object ends, which kills it: the text that fault_host reads, one letter over and over, and any of the
-/// library's properties, which get texts that they may have and others. Only if it may, it hides the overlay
-/// or disables its keys.
+/// Another process that publishes settings, as fast as it can or with random pauses, until this object ends,
+/// which kills it: the text that fault_host reads, one letter over and over, and how opaque the overlay is; a
+/// wild one any of the library's properties, which get texts that they may have and others.
 class Publisher {
 public:
-    explicit Publisher(unsigned seed, bool mayHide = false, std::chrono::microseconds longestPause = {});
+    explicit Publisher(unsigned seed, bool isWild = false, std::chrono::microseconds longestPause = {});
 
 private:
     support::ChildProcess mProcess;
