@@ -101,7 +101,7 @@ TEST_F(Channel, KeysThatNobodyTakesAndAFailedAllocationAreSurvived) {
     faults::failingAllocations = 1;
     send(getpid(), "key 0 1");
     ASSERT_TRUE(waitUntil([] { return faults::failingAllocations == 0; }));
-    for (int i = 0; i < COUNT + 10; ++i) {
+    for (int i = 0; i <= COUNT; ++i) {
         send(getpid(), ("key " + std::to_string(i) + " 1").c_str());
     }
     std::vector<std::string> warnings;
