@@ -108,34 +108,17 @@ void HeadlessContext::destroySurface(EGLSurface surface, unsigned long drawable)
 
 /// Of those that EGL offers, the one with exactly the wanted sizes; it sorts deeper colours first.
 bool HeadlessContext::chooseConfig() {
-    const EGLint alpha = mOptions.alpha ? 8 : 0;
-    EGLint kind = EGL_WINDOW_BIT;
-    if (mOptions.surface == Surface::PBUFFER) {
-        kind = EGL_PBUFFER_BIT;
-    } else if (mOptions.surface == Surface::PIXMAP) {
-        kind = EGL_PIXMAP_BIT;
-    } else if (mOptions.surface == Surface::PRESERVED) {
-        kind = EGL_WINDOW_BIT | EGL_SWAP_BEHAVIOR_PRESERVED_BIT;
-    }
-    const EGLint wanted[] = {EGL_SURFACE_TYPE,
-                             kind,
-                             EGL_RENDERABLE_TYPE,
-                             mOptions.api == Api::ES ? EGL_OPENGL_ES2_BIT : EGL_OPENGL_BIT,
-                             EGL_RED_SIZE,
-                             8,
-                             EGL_GREEN_SIZE,
-                             8,
-                             EGL_BLUE_SIZE,
-                             8,
-                             EGL_ALPHA_SIZE,
-                             alpha,
-                             EGL_DEPTH_SIZE,
-                             mOptions.depthAndStencil ? 24 : 0,
-                             EGL_STENCIL_SIZE,
-                             mOptions.depthAndStencil ? 8 : 0,
-                             EGL_SAMPLES,
-                             mOptions.samples,
-                             EGL_NONE};
+    const EGLint kind = mOptions.surface == Surface::PBUFFER  ? EGL_PBUFFER_BIT
+                        : mOptions.surface == Surface::PIXMAP ? EGL_PIXMAP_BIT
+                        : mOptions.surface == Surface::PRESERVED
+                            ? EGL_WINDOW_BIT | EGL_SWAP_BEHAVIOR_PRESERVED_BIT
+                            : EGL_WINDOW_BIT;
+    const EGLint api = mOptions.api == Api::ES ? EGL_OPENGL_ES2_BIT : EGL_OPENGL_BIT;
+    // clang-format off
+    const EGLint wanted[] = {
+        EGL_SURFACE_TYPE, kind, EGL_RENDERABLE_TYPE, api, EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8,
+        EGL_ALPHA_SIZE, 8, EGL_DEPTH_SIZE, 24, EGL_STENCIL_SIZE, 8, EGL_SAMPLES, mOptions.samples, EGL_NONE};
+    // clang-format on
     EGLConfig configs[256];
     EGLint count = 0;
     eglChooseConfig(mDisplay, wanted, configs, 256, &count);
@@ -144,7 +127,7 @@ bool HeadlessContext::chooseConfig() {
             EGLint actual = -1;
             return eglGetConfigAttrib(mDisplay, config, attribute, &actual) && actual == value;
         };
-        return is(EGL_RED_SIZE, 8) && is(EGL_ALPHA_SIZE, alpha) && is(EGL_SAMPLES, mOptions.samples);
+        return is(EGL_RED_SIZE, 8) && is(EGL_ALPHA_SIZE, 8) && is(EGL_SAMPLES, mOptions.samples);
     };
     EGLConfig* const end = configs + count;
     EGLConfig* const found = std::find_if(configs, end, isExact);
@@ -159,64 +142,56 @@ EGLSurface HeadlessContext::createSurface() {
                                      EGL_GL_COLORSPACE, space,          EGL_NONE};
         return eglCreatePbufferSurface(mDisplay, mConfig, attributes);
     }
-    Display* const connection = connectionOf(mConnection);
-    EGLint visualId = 0;
-    eglGetConfigAttrib(mDisplay, mConfig, EGL_NATIVE_VISUAL_ID, &visualId);
+    EGLint visual = 0;
+    eglGetConfigAttrib(mDisplay, mConfig, EGL_NATIVE_VISUAL_ID, &visual);
+    mDrawable = createDrawable(mConnection, visual, mOptions);
+    if (mDrawable == 0 || mOptions.surface == Surface::PIXMAP) {
+        return mDrawable == 0 ? EGL_NO_SURFACE
+                              : eglCreatePixmapSurface(mDisplay, mConfig, mDrawable, nullptr);
+    }
+    const bool isSingle = mOptions.surface == Surface::SINGLE_BUFFERED;
+    const EGLint attributes[] = {EGL_RENDER_BUFFER, isSingle ? EGL_SINGLE_BUFFER : EGL_BACK_BUFFER,
+                                 EGL_GL_COLORSPACE, space, EGL_NONE};
+    const EGLSurface surface = eglCreateWindowSurface(mDisplay, mConfig, mDrawable, attributes);
+    if (mOptions.surface == Surface::PRESERVED) {
+        eglSurfaceAttrib(mDisplay, surface, EGL_SWAP_BEHAVIOR, EGL_BUFFER_PRESERVED);
+    }
+    return surface;
+}
+
+unsigned long HeadlessContext::createDrawable(void* to, int visualId, const Options& options) {
+    Display* const connection = connectionOf(to);
     XVisualInfo wanted = {};
     wanted.visualid = static_cast<VisualID>(visualId);
     int count = 0;
     XVisualInfo* const visual = XGetVisualInfo(connection, VisualIDMask, &wanted, &count);
     if (visual == nullptr) {
-        return EGL_NO_SURFACE;
+        return 0;
     }
-    const auto width = static_cast<unsigned int>(mOptions.width);
-    const auto height = static_cast<unsigned int>(mOptions.height);
+    const auto width = static_cast<unsigned int>(options.width);
+    const auto height = static_cast<unsigned int>(options.height);
     const Window root = DefaultRootWindow(connection);
-    EGLSurface surface = EGL_NO_SURFACE;
-    if (mOptions.surface == Surface::PIXMAP) {
-        mDrawable = XCreatePixmap(connection, root, width, height, static_cast<unsigned int>(visual->depth));
-        surface = eglCreatePixmapSurface(mDisplay, mConfig, mDrawable, nullptr);
+    unsigned long drawable = 0;
+    if (options.surface == Surface::PIXMAP) {
+        drawable = XCreatePixmap(connection, root, width, height, static_cast<unsigned int>(visual->depth));
     } else {
         XSetWindowAttributes look = {};
         look.colormap = XCreateColormap(connection, root, visual->visual, AllocNone);
-        mDrawable = XCreateWindow(connection, root, 0, 0, width, height, 0, visual->depth, InputOutput,
-                                  visual->visual, CWColormap | CWBorderPixel, &look);
-        XMapWindow(connection, mDrawable);
-        const bool isSingle = mOptions.surface == Surface::SINGLE_BUFFERED;
-        const EGLint attributes[] = {EGL_RENDER_BUFFER, isSingle ? EGL_SINGLE_BUFFER : EGL_BACK_BUFFER,
-                                     EGL_GL_COLORSPACE, space, EGL_NONE};
-        surface = eglCreateWindowSurface(mDisplay, mConfig, mDrawable, attributes);
-        if (mOptions.surface == Surface::PRESERVED) {
-            eglSurfaceAttrib(mDisplay, surface, EGL_SWAP_BEHAVIOR, EGL_BUFFER_PRESERVED);
-        }
+        drawable = XCreateWindow(connection, root, 0, 0, width, height, 0, visual->depth, InputOutput,
+                                 visual->visual, CWColormap | CWBorderPixel, &look);
+        XMapWindow(connection, drawable);
     }
     XFree(visual);
     XSync(connection, False);
-    return surface;
+    return drawable;
 }
 
 std::vector<std::uint8_t> HeadlessContext::readPixels() const {
-    const opengl::Functions& gl = mFunctions;
-    if (gl.features.framebuffers) {
-        gl.bindFramebuffer(gl.features.readFramebuffers ? GL_READ_FRAMEBUFFER : GL_FRAMEBUFFER, 0);
-    }
-    if (gl.features.pixelBuffers) {
-        gl.bindBuffer(GL_PIXEL_PACK_BUFFER, 0);
-    }
-    gl.pixelStorei(GL_PACK_ALIGNMENT, 4);
-    if (gl.features.packRows) {
-        gl.pixelStorei(GL_PACK_ROW_LENGTH, 0);
-        gl.pixelStorei(GL_PACK_SKIP_ROWS, 0);
-        gl.pixelStorei(GL_PACK_SKIP_PIXELS, 0);
-    }
     const auto row = static_cast<std::size_t>(width()) * 4;
     std::vector<std::uint8_t> pixels(row * static_cast<std::size_t>(height()));
-    gl.readPixels(0, 0, width(), height(), GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    for (std::size_t top = 0, bottom = pixels.size() - row; top < bottom; top += row, bottom -= row) {
-        const auto at = [&pixels](std::size_t offset) {
-            return pixels.begin() + static_cast<std::ptrdiff_t>(offset);
-        };
-        std::swap_ranges(at(top), at(top + row), at(bottom));
+    for (int y = 0; y < height(); ++y) {
+        mFunctions.readPixels(0, height() - 1 - y, width(), 1, GL_RGBA, GL_UNSIGNED_BYTE,
+                              pixels.data() + static_cast<std::size_t>(y) * row);
     }
     return pixels;
 }

@@ -27,8 +27,6 @@ public:
         int minor = 0;
         int width = 64;
         int height = 64;
-        bool alpha = true;
-        bool depthAndStencil = true;
         bool srgb = false;
         int samples = 0;
         bool debug = false;
@@ -57,9 +55,11 @@ public:
     int width() const { return mOptions.width; }
     int height() const { return mOptions.height; }
 
-    /// The surface as RGBA, 4 bytes a pixel, the top row first. Leaves framebuffer 0 bound for reading and
-    /// the pixel store at its defaults.
+    /// The surface, framebuffer 0 being bound, as RGBA, 4 bytes a pixel, the top row first.
     std::vector<std::uint8_t> readPixels() const;
+
+    /// A window or pixmap on the X server that `connection` leads to; 0 without this visual.
+    static unsigned long createDrawable(void* connection, int visualId, const Options& options);
 
     static void* getProcAddress(const char* name) { return reinterpret_cast<void*>(eglGetProcAddress(name)); }
 

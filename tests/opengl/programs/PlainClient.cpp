@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -29,70 +30,38 @@ const std::map<std::string, Surface> SURFACES = {{"window", Surface::WINDOW},
                                                  {"preserved", Surface::PRESERVED},
                                                  {"pixmap", Surface::PIXMAP}};
 
-struct Size {
-    int width = 0;
-    int height = 0;
-};
+using Options = HeadlessContext::Options;
 
 /// A context of GLX, current; what swaps it. Lives as long as the process.
-std::function<void()> openGlx(Surface surface, const Size& size) {
+std::function<void()> openGlx(const Options& options) {
     Display* const display = XOpenDisplay(nullptr);
-    const int type = surface == Surface::PBUFFER  ? GLX_PBUFFER_BIT
-                     : surface == Surface::PIXMAP ? GLX_PIXMAP_BIT | GLX_WINDOW_BIT
-                                                  : GLX_WINDOW_BIT;
-    const bool isDouble = surface != Surface::SINGLE_BUFFERED;
-    const int wanted[] = {GLX_DRAWABLE_TYPE,
-                          type,
-                          GLX_DOUBLEBUFFER,
-                          isDouble ? True : False,
-                          GLX_X_VISUAL_TYPE,
-                          GLX_TRUE_COLOR,
-                          GLX_RED_SIZE,
-                          8,
-                          None};
+    const bool isPbuffer = options.surface == Surface::PBUFFER;
+    const bool isPixmap = options.surface == Surface::PIXMAP;
+    const int type = isPbuffer  ? GLX_PBUFFER_BIT
+                     : isPixmap ? GLX_PIXMAP_BIT | GLX_WINDOW_BIT
+                                : GLX_WINDOW_BIT;
+    const int isDouble = options.surface != Surface::SINGLE_BUFFERED ? True : False;
+    const int wanted[] = {GLX_DRAWABLE_TYPE, type, GLX_DOUBLEBUFFER, isDouble, GLX_RED_SIZE, 8, None};
     int count = 0;
     GLXFBConfig* const configs =
         display == nullptr ? nullptr : glXChooseFBConfig(display, DefaultScreen(display), wanted, &count);
-    if (count == 0 || surface == Surface::PRESERVED) {
+    if (count == 0 || options.surface == Surface::PRESERVED) {
         return nullptr;  // GLX knows no window that keeps its picture
     }
-    const GLXFBConfig config = configs[0];
-    const auto width = static_cast<unsigned int>(size.width);
-    const auto height = static_cast<unsigned int>(size.height);
-    const Window root = DefaultRootWindow(display);
-    XVisualInfo* const visual = glXGetVisualFromFBConfig(display, config);
-    GLXDrawable drawable = 0;
-    if (surface == Surface::PBUFFER) {
-        const int sizes[] = {GLX_PBUFFER_WIDTH, size.width, GLX_PBUFFER_HEIGHT, size.height, None};
-        drawable = glXCreatePbuffer(display, config, sizes);
-    } else if (surface == Surface::PIXMAP) {
-        const Pixmap pixmap =
-            XCreatePixmap(display, root, width, height, static_cast<unsigned int>(visual->depth));
-        drawable = glXCreatePixmap(display, config, pixmap, nullptr);
-    } else {
-        XSetWindowAttributes look = {};
-        look.colormap = XCreateColormap(display, root, visual->visual, AllocNone);
-        drawable = XCreateWindow(display, root, 0, 0, width, height, 0, visual->depth, InputOutput,
-                                 visual->visual, CWColormap | CWBorderPixel, &look);
-        XMapWindow(display, drawable);
-    }
-    const GLXContext context = glXCreateNewContext(display, config, GLX_RGBA_TYPE, nullptr, True);
+    const int sizes[] = {GLX_PBUFFER_WIDTH, options.width, GLX_PBUFFER_HEIGHT, options.height, None};
+    int visual = 0;
+    glXGetFBConfigAttrib(display, configs[0], GLX_VISUAL_ID, &visual);
+    GLXDrawable drawable = isPbuffer ? glXCreatePbuffer(display, configs[0], sizes)
+                                     : HeadlessContext::createDrawable(display, visual, options);
+    drawable = isPixmap ? glXCreatePixmap(display, configs[0], drawable, nullptr) : drawable;
+    const GLXContext context = glXCreateNewContext(display, configs[0], GLX_RGBA_TYPE, nullptr, True);
     if (glXMakeContextCurrent(display, drawable, drawable, context) == False) {
         return nullptr;
     }
     return [display, drawable] { glXSwapBuffers(display, drawable); };
 }
 
-std::function<void()> openEgl(Surface surface, const Size& size, const std::string& api) {
-    HeadlessContext::Options options;
-    options.api = api == "es"     ? HeadlessContext::Api::ES
-                  : api == "core" ? HeadlessContext::Api::CORE
-                                  : HeadlessContext::Api::COMPATIBILITY;
-    options.major = api == "core" ? 3 : 2;
-    options.minor = api == "core" ? 2 : 0;
-    options.surface = surface;
-    options.width = size.width;
-    options.height = size.height;
+std::function<void()> openEgl(const Options& options) {
     const HeadlessContext* const context = HeadlessContext::create(options).release();
     if (context == nullptr) {
         return nullptr;
@@ -123,13 +92,12 @@ void setState(const std::string& state) {
     }
 }
 
-std::size_t countChanged(const Size& size) {
-    const auto count = static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height);
-    std::vector<std::uint32_t> pixels(count);
+std::ptrdiff_t countChanged(const Options& size) {
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size.width * size.height));
     CALL(PFNGLREADPIXELSPROC, glReadPixels)
     (0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-    return static_cast<std::size_t>(std::count_if(
-        pixels.begin(), pixels.end(), [](std::uint32_t pixel) { return (pixel & 0xFFFFFFU) != 0xFFFFFFU; }));
+    return std::count_if(pixels.begin(), pixels.end(),
+                         [](std::uint32_t pixel) { return (pixel & 0xFFFFFFU) != 0xFFFFFFU; });
 }
 
 }  // namespace
@@ -146,14 +114,16 @@ int main(int count, char** arguments) {
         }
         words[word.substr(0, middle)] = word.substr(middle + 1);
     }
-    Size size;
-    if (SURFACES.count(words["surface"]) == 0 ||
-        std::sscanf(words["size"].c_str(), "%dx%d", &size.width, &size.height) != 2) {
-        return 2;
-    }
-    const Surface surface = SURFACES.at(words["surface"]);
-    const std::function<void()> swap =
-        words["window"] == "glx" ? openGlx(surface, size) : openEgl(surface, size, words["api"]);
+    const std::string& api = words["api"];
+    Options options;
+    options.api = api == "es"     ? HeadlessContext::Api::ES
+                  : api == "core" ? HeadlessContext::Api::CORE
+                                  : HeadlessContext::Api::COMPATIBILITY;
+    options.major = api == "core" ? 3 : 2;
+    options.minor = api == "core" ? 2 : 0;
+    options.surface = SURFACES.at(words["surface"]);
+    std::sscanf(words["size"].c_str(), "%dx%d", &options.width, &options.height);
+    const std::function<void()> swap = words["window"] == "glx" ? openGlx(options) : openEgl(options);
     if (swap == nullptr) {
         std::fprintf(stderr, "no such context or surface\n");
         return 3;
@@ -167,14 +137,14 @@ int main(int count, char** arguments) {
     const int frames = std::atoi(words["frames"].c_str());
     const auto pause = static_cast<useconds_t>(std::atoi(words["pause"].c_str())) * 1000;
     for (int frame = 0; frame < frames; ++frame) {
-        if (surface == Surface::WINDOW) {
+        if (options.surface == Surface::WINDOW) {
             clear();
         }
         swap();
         usleep(pause);
     }
-    if (surface != Surface::WINDOW) {
-        std::printf("%zu pixels changed\n", countChanged(size));
+    if (options.surface != Surface::WINDOW) {
+        std::printf("%td pixels changed\n", countChanged(options));
     }
     return 0;
 }
