@@ -4,7 +4,7 @@
 #include <random>
 #include <vector>
 
-#include "opengl/state/Call.h"
+#include "opengl/context/Call.h"
 
 /// Numbers at random.
 class Dice {

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "opengl/state/Call.h"
+#include "opengl/context/Call.h"
 
 namespace {
 
