@@ -1,7 +1,9 @@
 #pragma once
 
 // Every function of OpenGL, of whichever version and profile, as an application would look it up.
+#ifndef GL_GLEXT_PROTOTYPES
 #define GL_GLEXT_PROTOTYPES
+#endif
 
 #include "opengl/context/HeadlessContext.h"
 
