@@ -204,6 +204,11 @@ TEST_F(LayerTest, TheFirstProcessOfARunThatPresentsAFrameShowsTheOverlay) {
     EXPECT_EQ(core::StateInfo::mFrameNumber, 2U);
     ASSERT_EQ(notes.size(), 1U);
     EXPECT_THAT(notes.back().reason, HasSubstr("another process"));
+    claim = Claim::OWN;
+    secondsPassed += 3;
+    const opengl::SwapResult taken = later.beforeSwap(swapOf(*mContext));
+    ASSERT_NE(taken.frame, nullptr) << "the other process has ended";
+    later.afterSwap(taken.frame);
 }
 
 TEST_F(LayerTest, AFailureForLackOfMemoryIsTriedAgainAFewTimes) {
