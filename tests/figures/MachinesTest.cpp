@@ -158,6 +158,13 @@ const std::vector<Row>& rows() {
           {Id::GPU_CLOCK, 1150.0},
           {Id::GPU_CLOCK_MAX, 1350.0},
           {Id::GPU_MEMORY_PROCESS, 301120.0 * 1024}}},
+        {"ACardIsNotAsWarmAsTheProcessor",
+         "i915-6.12",
+         {{"/sys/bus/pci/devices/0000:00:02.0/hwmon/hwmon3/name", "i915\n"},
+          {"/sys/class/thermal/thermal_zone0/type", "x86_pkg_temp\n"},
+          {"/sys/class/thermal/thermal_zone0/temp", "50000\n"}},
+         {},
+         {{Id::CPU_TEMPERATURE, 50.0}, {Id::GPU_TEMPERATURE, NONE, Reason::NO_FILE}}},
         {"TwoVideoEnginesOfOneClass",
          "i915-6.12",
          {},
@@ -339,6 +346,32 @@ TEST(MachineFigures, ARateNeedsTwoReadingsAndAProcessFigureAProcess) {
     nobody.read(1.0);
     EXPECT_EQ(nobody.value(Id::GPU_LOAD_PROCESS).reason, Reason::NO_PROCESS);
     EXPECT_EQ(nobody.value(Id::GPU_LOAD_DEVICE).number, 63.0);
+}
+
+// Copying from one device to another makes both work; a pause of one is no reason to leave it.
+TEST(MachineFigures, TheChosenDeviceStaysForAWhile) {
+    const Machine machine("amdgpu-6.18");
+    const sources::FileTree tree(machine.folder());
+    sources::MachineFigures figures(tree, 1);
+    // Time, and nanoseconds of work that each of the two has done by then.
+    const struct {
+        double time;
+        const char* first;
+        const char* second;
+        const char* chosen;
+    } steps[] = {{0.0, "100", "100", "0000:03:00.0"},   {0.5, "100", "300", "0000:0a:00.0"},
+                 {1.0, "100", "300", "0000:0a:00.0"},   {1.5, "900", "300", "0000:0a:00.0"},
+                 {2.0, "1900", "400", "0000:0a:00.0"},  {5.0, "9900", "500", "0000:03:00.0"},
+                 {6.0, "19900", "500", "0000:03:00.0"}, {6.5, "19900", "700", "0000:03:00.0"},
+                 {8.5, "19900", "900", "0000:0a:00.0"}};
+    machine.write({{"/proc/self/fdinfo/15", ""}});
+    for (const auto& step : steps) {
+        machine.write({{"/proc/self/fdinfo/14",
+                        otherClient("0000:03:00.0", "41", step.first) + "\ndrm-resident-vram:\t20 MiB\n"},
+                       {"/proc/self/fdinfo/20", otherClient("0000:0a:00.0", "3", step.second)}});
+        figures.read(step.time);
+        EXPECT_EQ(figures.gpu().pciDevice, step.chosen) << step.time;
+    }
 }
 
 TEST(MachineFigures, LinksDoNotLeadOutOfARecordedFolder) {

@@ -20,9 +20,11 @@ constexpr unsigned int NVIDIA_MAJOR = 195;
 /// Numbers of NVIDIA's nodes that are no device of their own.
 constexpr unsigned int NVIDIA_MINORS = 250;
 
-/// How long a device that works less than another one stays chosen: copying from one to the other makes both
+/// How long a device stays chosen while another one works more: copying from one to the other makes both
 /// work.
 constexpr double SECONDS_TO_STAY = 4.0;
+/// And how long without any work: a long job counts only when it has ended.
+constexpr double SECONDS_OF_REST = 2.0;
 
 constexpr double PERCENT = 100.0;
 constexpr double NS_PER_SECOND = 1e9;
@@ -105,8 +107,9 @@ GpuClients::Clients GpuClients::collect() {
         const GpuName device{info->driver, info->pciDevice, minor};
         // A duplicate of a file repeats its numbers; a second opening is a client of its own.
         const std::string client = info->client.empty() ? "file " + number : info->client;
-        clients.emplace(device.driver + ' ' + device.pciDevice + ' ' + client,
-                        Client{device, *info, path, {}, {}});
+        // Only a PCI device has a name of its own there; others are told apart by their nodes.
+        const std::string which = device.pciDevice.empty() ? std::to_string(minor) : device.pciDevice;
+        clients.emplace(device.driver + ' ' + which + ' ' + client, Client{device, *info, path, {}, {}});
     }
     return clients;
 }
@@ -187,11 +190,20 @@ void GpuClients::choose(double now) {
     const auto current = std::find_if(candidates.begin(), candidates.end(), [&](const Candidate& each) {
         return mDevice && each.name.isSameDevice(*mDevice);
     });
-    const bool isStaying = current != candidates.end() && current != best && current->load > 0.0 &&
-                           now - mChosenTime < SECONDS_TO_STAY;
-    if (!isStaying) {
+    if (current == candidates.end()) {
+        mWorkTime.reset();
+    } else if (current->load > 0.0) {
+        mWorkTime = now;
+    }
+    if (current == best) {
+        mBestTime = now;
+    }
+    const bool isResting = !mWorkTime || now - *mWorkTime >= SECONDS_OF_REST;
+    const bool isOutdone = best->load > 0.0 && (isResting || now - mBestTime >= SECONDS_TO_STAY);
+    if (current == candidates.end() || isOutdone) {
         mDevice = best->name;
-        mChosenTime = now;
+        mBestTime = now;
+        mWorkTime = best->load > 0.0 ? std::optional(now) : std::nullopt;
     }
 }
 

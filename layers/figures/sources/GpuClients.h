@@ -91,7 +91,8 @@ private:
     std::optional<int> mNvidia;
     Value mLoad = Value::none(Reason::NO_DEVICE);
     double mLastTime = 0.0;
-    double mChosenTime = 0.0;
+    double mBestTime = 0.0;           // when no device worked more than the chosen one
+    std::optional<double> mWorkTime;  // when the chosen one worked last; nothing before it has
     bool mHasRead = false;
     bool mHasWorked = false;
     int mError = 0;

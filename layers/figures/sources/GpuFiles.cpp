@@ -231,8 +231,8 @@ Value GpuFiles::temperature() {
         const auto labelled = findLabelled(mTree, mDevice.hwmon, "temp", label);
         const std::string number = std::to_string(labelled.value_or(1));
         const Value value = readTemperature(mTree, mDevice.hwmon + "/temp" + number + "_input");
-        if (value || value.reason != Reason::NO_FILE) {
-            return value;
+        if (value || value.reason != Reason::NO_FILE || driver == "i915" || driver == "xe") {
+            return value;  // a card of its own, whose die is not the processor's
         }
     }
     if (driver == "i915" || driver == "v3d") {
