@@ -98,18 +98,26 @@ void Metrics::addFrame(std::uint64_t nanoseconds) {
     mFrames.add(nanoseconds);
 }
 
+void Metrics::addGpuTime(std::uint64_t gpuNanoseconds, std::uint64_t frameNanoseconds) {
+    mGpuNanoseconds += gpuNanoseconds;
+    mGpuFrameNanoseconds += frameNanoseconds;
+}
+
 void Metrics::refresh(std::uint32_t frames, double elapsedUs) {
     mState.getFPS(frames, elapsedUs);
     mFrames.refresh();
     mHighestFps = std::max(mHighestFps, mFrames.current().value_or(0.0));
     mSinceCpuLoadUs += elapsedUs;
     mSystemMemory.reset();
+    mIsGpuTimeWanted = false;
     for (const Figure& figure : catalogue()) {
         Reading& reading = mReadings[indexOf(figure)];
         reading = mWanted[indexOf(figure)]
                       ? (this->*READERS[static_cast<std::size_t>(figure.origin.source)].read)()
                       : Reading();
     }
+    mGpuNanoseconds = 0;
+    mGpuFrameNanoseconds = 0;
     // Asked for after the last one was taken: which value a refresh shows must not depend on a race.
     mSinceSlowRequestUs += elapsedUs;
     if (mIsSlowWanted && mSinceSlowRequestUs >= SLOW_PERIOD_US) {
@@ -182,7 +190,13 @@ Reading Metrics::gpuTemperature() {
 }
 
 Reading Metrics::gpuLoad() {
-    return fromReader(core::StateInfo::getGPUUsage());
+    const Reading load = fromReader(core::StateInfo::getGPUUsage());
+    mIsGpuTimeWanted = !load;
+    if (load || mGpuFrameNanoseconds == 0) {
+        return load;
+    }
+    const double share = static_cast<double>(mGpuNanoseconds) / static_cast<double>(mGpuFrameNanoseconds);
+    return 100.0 * std::min(share, 1.0);
 }
 
 Reading Metrics::gpuClock() {

@@ -26,6 +26,13 @@ public:
     /// A frame took this long. The start of a dump resets the statistics.
     void addFrame(std::uint64_t nanoseconds);
 
+    /// The GPU worked for this long on a frame, which took so long. Stands in for the GPU's load where there
+    /// is none.
+    void addGpuTime(std::uint64_t gpuNanoseconds, std::uint64_t frameNanoseconds);
+
+    /// Whether addGpuTime() makes a difference.
+    bool isGpuTimeWanted() const { return mIsGpuTimeWanted; }
+
     /// `frames` frames took `elapsedUs` microseconds since the last refresh, which is what the library's own
     /// statistics are fed with.
     void refresh(std::uint32_t frames, double elapsedUs);
@@ -67,7 +74,7 @@ private:
     Reading cpuTemperature();
     Reading gpuTemperature();
 
-    /// Percent.
+    /// Percent, of time or else of the frames.
     Reading gpuLoad();
 
     /// MHz.
@@ -103,6 +110,9 @@ private:
     FrameStatistics mFrames;
     bool mIsResetSeen = false;  // of those that a dump's start asks for
     double mHighestFps = 0.0;
+    std::uint64_t mGpuNanoseconds = 0;  // since the last refresh
+    std::uint64_t mGpuFrameNanoseconds = 0;
+    bool mIsGpuTimeWanted = false;
     double mSinceCpuLoadUs = 0.0;
     utils::ValueDamper mCpuDamper;
     double mSinceSlowRequestUs = 0.0;

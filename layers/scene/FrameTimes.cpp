@@ -34,11 +34,10 @@ void FrameTimes::onLeft() {
     mAfterSwap = now() - mSwappedAt;
 }
 
-bool FrameTimes::finish(std::uint32_t number) {
+bool FrameTimes::finish() {
     const bool isKnown = mHasSwapped;
     if (isKnown) {
         FrameTime& frame = mFrames[mCount % HISTORY];
-        frame.number = number;
         frame.total = mSwappedAt - mLastSwappedAt;
         frame.swap = mSwappedAt - mSwapAt;
         frame.overlay = mHookedAt == 0 ? FrameTime::NOT_MEASURED
@@ -51,17 +50,14 @@ bool FrameTimes::finish(std::uint32_t number) {
     return isKnown;
 }
 
-void FrameTimes::setGpu(std::uint32_t number, std::uint64_t nanoseconds) {
-    for (std::size_t i = 0; i < size(); ++i) {
-        FrameTime& frame = mFrames[(mCount - 1 - i) % HISTORY];
-        if (frame.number == number) {
-            frame.gpu = static_cast<std::int64_t>(nanoseconds);
-            return;
-        }
-        if (static_cast<std::int32_t>(frame.number - number) < 0) {
-            return;
-        }
+const FrameTime* FrameTimes::setGpu(std::uint32_t name, std::uint64_t nanoseconds) {
+    const std::uint32_t framesAgo = static_cast<std::uint32_t>(mCount) - 1 - name;
+    if (framesAgo >= size()) {
+        return nullptr;
     }
+    FrameTime& frame = mFrames[(mCount - 1 - framesAgo) % HISTORY];
+    frame.gpu = static_cast<std::int64_t>(nanoseconds);
+    return &frame;
 }
 
 std::size_t FrameTimes::size() const {

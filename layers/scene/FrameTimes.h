@@ -8,7 +8,6 @@ namespace scene {
 
 /// One frame: from the end of the swap before to the end of its own. Nanoseconds.
 struct FrameTime {
-    std::uint32_t number = 0;  ///< as the library counts, low 32 bits
     std::uint64_t total = 0;
     std::uint64_t swap = 0;    ///< in the application's real swap call
     std::int64_t overlay = 0;  ///< in the layer's hooks; NOT_MEASURED where the layer does not tell
@@ -30,9 +29,12 @@ public:
     void onSwapped();  ///< it has returned
     void onLeft();     ///< the layer returns to the application
 
-    /// The frame whose swap has returned is over, and was this one. Whether its length is known: there must
-    /// have been one before it.
-    bool finish(std::uint32_t number);
+    /// The frame whose swap has returned is over. Whether its length is known: there must have been one
+    /// before it.
+    bool finish();
+
+    /// What the running frame is called.
+    std::uint32_t name() const { return static_cast<std::uint32_t>(mCount); }
 
     /// The next frame has nothing to do with the last one.
     void restart() { mHasSwapped = false; }
@@ -40,8 +42,8 @@ public:
     /// Forgets all frames.
     void clear() { mCount = 0; }
 
-    /// The GPU's part of a frame, which comes late. Ignored when the frame is no longer there.
-    void setGpu(std::uint32_t number, std::uint64_t nanoseconds);
+    /// The GPU's part of a frame, which comes late. Null when the frame is not there, else the frame.
+    const FrameTime* setGpu(std::uint32_t name, std::uint64_t nanoseconds);
 
     std::size_t size() const;
 

@@ -23,8 +23,9 @@ std::uint32_t publications = 0;
 
 }  // namespace
 
-Overlay::Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes)
-    : mScene(factory, api, passes),
+Overlay::Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes,
+                 FrameTimer* timer)
+    : mScene(factory, api, passes, timer),
       mFactory(factory),
       mKeys(*KeyEventInterceptor::getInstance()),
       mApi(api) {}

@@ -13,6 +13,7 @@ class KeyEventInterceptor;
 
 namespace scene {
 
+class FrameTimer;
 class RenderPassSource;
 
 /// A layer without its graphics API: what a layer does when it attaches, around each buffer swap and when it
@@ -29,8 +30,9 @@ class RenderPassSource;
 /// be in these operations at the same time.
 class Overlay : public core::BaseLayer {
 public:
-    /// The factory and the source of render passes (null if there is none) outlive the overlay.
-    Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes = nullptr);
+    /// The factory, the source of render passes and the timer (null if there is none) outlive the overlay.
+    Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes = nullptr,
+            FrameTimer* timer = nullptr);
 
     /// Detaches.
     ~Overlay() override;

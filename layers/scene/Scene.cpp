@@ -1,10 +1,10 @@
 #include "scene/Scene.h"
 
-#include "core/StateInfo.h"
 #include "gui/LayoutManager.h"
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
 #include "scene/FigureWidgets.h"
+#include "scene/FrameTimer.h"
 #include "scene/GpuActivityWidget.h"
 #include "scene/ThumbnailWidget.h"
 
@@ -13,8 +13,9 @@
 
 namespace scene {
 
-Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes)
-    : mFactory(factory) {
+Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes,
+             FrameTimer* timer)
+    : mFactory(factory), mTimer(timer) {
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, FPS_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, CPU_GPU_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, MEMORY_WIDGET));
@@ -44,6 +45,7 @@ void Scene::layout() {
 }
 
 void Scene::update() {
+    takeGpuTimes();
     for (WidgetView* widget : mShown) {
         mIsChanged = widget->onFrame() || mIsChanged;
     }
@@ -61,9 +63,20 @@ void Scene::update() {
 }
 
 void Scene::finishFrame() {
-    // The library counts the frame in its hook, which comes next.
-    if (mFrameTimes.finish(static_cast<std::uint32_t>(core::StateInfo::mFrameNumber + 1))) {
+    if (mFrameTimes.finish()) {
         mMetrics.addFrame(mFrameTimes.ago(0).total);
+    }
+    if (mTimer != nullptr) {
+        mTimer->beginFrame(mFrameTimes.name(), mMetrics.isGpuTimeWanted());
+    }
+}
+
+void Scene::takeGpuTimes() {
+    FrameTimer::Time time;
+    while (mTimer != nullptr && mTimer->take(time)) {
+        if (const FrameTime* const frame = mFrameTimes.setGpu(time.frame, time.nanoseconds)) {
+            mMetrics.addGpuTime(time.nanoseconds, frame->total);
+        }
     }
 }
 
@@ -75,6 +88,9 @@ void Scene::restart() {
 
 void Scene::suspend() {
     mMetrics.want({});
+    if (mTimer != nullptr) {
+        mTimer->beginFrame(0, false);
+    }
 }
 
 void Scene::draw() {

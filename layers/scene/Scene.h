@@ -13,14 +13,15 @@
 
 namespace scene {
 
+class FrameTimer;
 class RenderPassSource;
 
 /// All widgets of the overlay on one surface: who draws what, where, from which figure. Knows no graphics
 /// API; what it needs of one comes from the factory. Rendering thread only.
 class Scene {
 public:
-    /// The factory and the source of render passes (null if there is none) outlive the scene.
-    Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
+    /// The factory, the source of render passes and the timer (null if there is none) outlive the scene.
+    Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes, FrameTimer* timer);
 
     /// Lays everything out anew: after a change of the settings or of the surface.
     void layout();
@@ -49,7 +50,10 @@ public:
     FrameTimes mFrameTimes;
 
 private:
+    void takeGpuTimes();
+
     PrimitiveFactory& mFactory;
+    FrameTimer* mTimer;
     figures::Metrics mMetrics;
     ExtraDump mExtraDump;
     UpdateHelper mPacing;

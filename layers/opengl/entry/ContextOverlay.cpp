@@ -57,7 +57,8 @@ ContextOverlay::ContextOverlay(GetProcAddress lookUp, Shared& shared)
       mState(mFunctions),
       mDrawing(mFunctions),
       mPasses(mFunctions),
-      mOverlay(mDrawing.factory(), LAYER_API, &mPasses) {}
+      mTimer(mFunctions),
+      mOverlay(mDrawing.factory(), LAYER_API, &mPasses, &mTimer) {}
 
 Obstacle ContextOverlay::beforeSwap(const WindowLibrary& library, const Swap& swap,
                                     unsigned int attributeChanges) {
@@ -69,6 +70,7 @@ Obstacle ContextOverlay::beforeSwap(const WindowLibrary& library, const Swap& sw
 
 Obstacle ContextOverlay::drawOverlay(const WindowLibrary& library, const Swap& swap,
                                      unsigned int attributeChanges) {
+    mTimer.onFrameEnd();
     mPasses.onFrameEnd();
     // While the overlay is off nobody asks for the surface. When it has just been switched on, this frame is
     // laid out for what the surface once was, and goes without.
@@ -103,7 +105,7 @@ Obstacle ContextOverlay::drawOverlay(const WindowLibrary& library, const Swap& s
     return obstacle;
 }
 
-void ContextOverlay::afterSwap() {
+void ContextOverlay::afterSwap(bool isProgramMeasuring) {
     if (!mIsInFrame) {
         return;
     }
@@ -116,11 +118,13 @@ void ContextOverlay::afterSwap() {
         swapped = core::StateInfo::mFrameNumber;
     }
     mPasses.onFrameBegin(static_cast<std::uint32_t>(swapped));
+    mTimer.onFrameBegin(isProgramMeasuring);
     mOverlay.leave();
 }
 
 void ContextOverlay::release() {
     mPasses.release();
+    mTimer.release();
     mDrawing.destroy();
 }
 

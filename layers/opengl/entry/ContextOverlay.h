@@ -9,6 +9,7 @@
 #include "opengl/entry/SurfaceSizeCache.h"
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/SavedState.h"
+#include "opengl/passes/GpuTimer.h"
 #include "opengl/passes/PassTimer.h"
 #include "scene/Overlay.h"
 
@@ -43,7 +44,7 @@ public:
     /// null when the picture has it. Throws when the overlay has failed in this context; the context's state
     /// is the program's all the same.
     Obstacle beforeSwap(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
-    void afterSwap();
+    void afterSwap(bool isProgramMeasuring);
 
     /// The program has bound a framebuffer.
     void onFramebufferBound() { mPasses.onFramebufferBound(); }
@@ -67,6 +68,7 @@ private:
     SavedState mState;
     OverlayDrawing mDrawing;
     PassTimer mPasses;
+    GpuTimer mTimer;
     scene::Overlay mOverlay;
     SurfaceSizeCache mSurfaces;
     SurfaceSizeCache::Answer mSurface;  ///< the one last looked at

@@ -81,7 +81,7 @@ Obstacle Layer::draw(Context& context, const Swap& swap) {
 void Layer::afterSwap(void* frame) {
     Context& context = *static_cast<Context*>(frame);
     try {
-        context.overlay->afterSwap();
+        context.overlay->afterSwap(gShim->isMeasuring->load(std::memory_order_relaxed));
     } catch (const std::exception& error) {
         fail(context, error.what(), false);
     }

@@ -1,12 +1,13 @@
 #include "opengl/passes/PassTimer.h"
 
+#include "opengl/passes/TimeStamps.h"
+
 namespace opengl {
 
 namespace {
 
 constexpr long double NS_PER_MS = 1000000.0L;
 constexpr std::uint64_t NS_PER_US = 1000;
-constexpr int FULL_BITS = 64;
 
 }  // namespace
 
@@ -43,17 +44,15 @@ void PassTimer::onFrameBegin(std::uint32_t swapped) {
 
 /// False when there are no time stamps.
 bool PassTimer::prepare() {
-    GLint bits = 0;
-    mGl.getQueryiv(GL_TIMESTAMP, GL_QUERY_COUNTER_BITS, &bits);
-    if (bits <= 0) {
+    mCounterMask = timeStampMask(mGl);
+    if (mCounterMask == 0) {
         return false;
     }
-    mCounterMask = bits >= FULL_BITS ? ~std::uint64_t{0} : (std::uint64_t{1} << bits) - 1;
     mStamps.reserve(MAX_STAMPS);
     deleteQueries();
     mQueries.resize(MAX_STAMPS);
     mGl.genQueries(static_cast<GLsizei>(MAX_STAMPS), mQueries.data());
-    static_cast<void>(wasDisjoint());
+    static_cast<void>(wasDisjoint(mGl));
     return true;
 }
 
@@ -154,26 +153,15 @@ GLuint PassTimer::drawFramebuffer() const {
 }
 
 void PassTimer::stamp(GLuint framebuffer) {
-    if (mGl.features.compatibility) {
-        // While a display list is compiled the call might become a part of it.
-        GLint list = 0;
-        mGl.getIntegerv(LIST_INDEX, &list);
-        if (list != 0) {
-            return;
-        }
+    if (canPutTimeStamp(mGl)) {
+        mGl.queryCounter(mQueries[mStamps.size()], GL_TIMESTAMP);
+        mStamps.push_back({framebuffer, 0});
     }
-    mGl.queryCounter(mQueries[mStamps.size()], GL_TIMESTAMP);
-    mStamps.push_back({framebuffer, 0});
 }
 
 void PassTimer::readStamp() {
-    if (mGl.features.queryBuffers) {
-        // Results would go into the program's buffer. There will be a frame without.
-        GLint buffer = 0;
-        mGl.getIntegerv(GL_QUERY_BUFFER_BINDING, &buffer);
-        if (buffer != 0) {
-            return;
-        }
+    if (!canReadTimeStamp(mGl)) {
+        return;  // there will be a frame in which it can be
     }
     const GLuint query = mQueries[mRead];
     GLuint isAvailable = GL_FALSE;
@@ -189,17 +177,9 @@ void PassTimer::readStamp() {
     mStamps[mRead].time = (time - mFirst) & mCounterMask;
     ++mRead;
     if (mRead == mStamps.size()) {
-        mState = wasDisjoint() ? State::FAILED : State::READY;
+        mState = wasDisjoint(mGl) ? State::FAILED : State::READY;
         deleteQueries();
     }
-}
-
-bool PassTimer::wasDisjoint() const {
-    GLint isDisjoint = GL_FALSE;
-    if (mGl.version.isEs) {
-        mGl.getIntegerv(GPU_DISJOINT_EXT, &isDisjoint);
-    }
-    return isDisjoint != GL_FALSE;
 }
 
 void PassTimer::stopRecording() {

@@ -94,7 +94,6 @@ private:
     void stamp(GLuint framebuffer);
     void readStamp();
     std::vector<Pass> findPasses() const;
-    bool wasDisjoint() const;
     void stopRecording();
     void end(State state);
     void deleteQueries();

@@ -37,6 +37,8 @@ struct ShimCalls {
     std::atomic<FramebufferListener>* framebufferListener;
     /// Counts the program's calls of eglSurfaceAttrib. Relaxed order: a thread always sees its own.
     const std::atomic<unsigned int>* surfaceChanges;
+    /// The program has looked up a function of OpenGL ES's timer queries. Relaxed order.
+    const std::atomic<bool>* isMeasuring;
 };
 
 /// What the layer offers. Any thread.

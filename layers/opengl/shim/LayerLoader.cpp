@@ -13,6 +13,7 @@ namespace opengl {
 
 std::atomic<FramebufferListener> gFramebufferListener{nullptr};
 std::atomic<unsigned int> gSurfaceChanges{0};
+std::atomic<bool> gIsMeasuring{false};
 
 namespace {
 
@@ -22,7 +23,7 @@ constexpr int MAX_PATH = 4096;
 pthread_once_t gOnce = PTHREAD_ONCE_INIT;
 std::atomic<const LayerCalls*> gLayer{nullptr};
 std::atomic<bool> gHasSwapped{false};
-ShimCalls gShimCalls{nullptr, &gFramebufferListener, &gSurfaceChanges};
+ShimCalls gShimCalls{nullptr, &gFramebufferListener, &gSurfaceChanges, &gIsMeasuring};
 
 /// As the log of the host writes it: this is the one message that there is no library for.
 void logError(const char* message) {

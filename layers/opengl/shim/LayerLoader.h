@@ -16,5 +16,6 @@ bool hasSwapped();
 
 extern std::atomic<FramebufferListener> gFramebufferListener;
 extern std::atomic<unsigned int> gSurfaceChanges;
+extern std::atomic<bool> gIsMeasuring;
 
 }  // namespace opengl

@@ -1,5 +1,6 @@
 #include <dlfcn.h>
 #include <errno.h>
+#include <string.h>
 
 #include "opengl/shim/Hooks.h"
 #include "opengl/shim/LayerLoader.h"
@@ -28,6 +29,20 @@ Real findReal(const void* caller) {
         function = resolveExported(HOOK, caller);
     }
     return {function, slot};
+}
+
+/// Programs that measure with OpenGL ES's timer queries look these up: their flag must not be cleared.
+void noteTimerQueries(const char* name) {
+    constexpr const char* NAMES[] = {"glQueryCounterEXT", "glBeginQueryEXT", "glGetQueryObjectui64vEXT",
+                                     "glGetQueryObjecti64vEXT"};
+    if (name == nullptr || strncmp(name, "gl", 2) != 0) {
+        return;
+    }
+    for (const char* const each : NAMES) {
+        if (strcmp(name, each) == 0) {
+            gIsMeasuring.store(true, std::memory_order_relaxed);
+        }
+    }
 }
 
 /// What goes on around a swap, in the outermost of nested ones.
@@ -125,6 +140,7 @@ struct AnyLookUp {
             return nullptr;
         }
         const auto lookUp = reinterpret_cast<LookUp>(real.function);
+        noteTimerQueries(name);
         return wrapLookedUp(name, lookUp(name), lookUp);
     }
 };
@@ -302,6 +318,7 @@ OPENGL_EXPORT void glBindFramebufferOES(unsigned int target, unsigned int frameb
 /// Callers are known by the return address, so every other name is passed on by a jump (the build asks for it
 /// with -foptimize-sibling-calls).
 OPENGL_EXPORT void* dlsym(void* __restrict handle, const char* __restrict name) noexcept {
+    opengl::noteTimerQueries(name);
     const opengl::Hook hook = opengl::findHook(name);
     if (hook != opengl::Hook::COUNT) {
         const void* const caller = __builtin_return_address(0);

@@ -1,5 +1,7 @@
 #include "opengl/passes/PassTimer.h"
 
+#include "opengl/passes/GpuTimer.h"
+
 #include "opengl/context/HeadlessContext.h"
 
 #include <gmock/gmock.h>
@@ -219,6 +221,44 @@ TEST_P(PassTimerTest, EveryFramebufferDrawnToIsAPass) {
         EXPECT_EQ(calls.queries, 0) << "freed after reading";
         EXPECT_TRUE(round > 0 || mData.mFrameId == 2) << "the frame after the one with the key";
     }
+}
+
+TEST_P(PassTimerTest, AFramesGpuTimeComesWithoutWaitingUnlessTheProgramMeasures) {
+    opengl::GpuTimer timer(mFunctions);
+    const auto frame = [&](std::uint32_t name, bool isProgramMeasuring = false) {
+        timer.beginFrame(name, true);
+        timer.onFrameBegin(isProgramMeasuring);
+        timer.onFrameEnd();
+        mContext->swap();
+    };
+    calls.isAvailable = false;
+    for (std::uint32_t name = 100; name < 150; ++name) {
+        frame(name);
+    }
+    scene::FrameTimer::Time time;
+    EXPECT_FALSE(timer.take(time));
+    EXPECT_EQ(calls.stamps, static_cast<int>(2 * opengl::GpuTimer::LONGEST_DELAY));
+    EXPECT_EQ(calls.questions, 50);
+    calls.isAvailable = true;
+    calls.times = {1000, 251000, 9000, 9500};
+    mContext->readPixels();  // waits
+    frame(150);
+    ASSERT_TRUE(timer.take(time));
+    EXPECT_EQ(time.frame, 100U) << "the one after the swap in which it was asked for";
+    EXPECT_EQ(time.nanoseconds, 250000U);
+    EXPECT_FALSE(timer.take(time)) << "one a frame";
+    calls.disjointRead = calls.disjointReads + 1;
+    frame(151);
+    EXPECT_EQ(timer.take(time), !mFunctions.version.isEs) << "clocks that were changed";
+
+    const int before = calls.stamps;
+    calls.times.clear();
+    frame(152, true);
+    EXPECT_EQ(calls.stamps, before + (mFunctions.version.isEs ? 0 : 2));
+    timer.beginFrame(0, false);
+    timer.onFrameBegin(false);
+    timer.onFrameEnd();
+    EXPECT_EQ(calls.queries, 0) << "gone when nobody wants them";
 }
 
 TEST_P(PassTimerTest, TimesThatAreTooShortAreNoPasses) {
