@@ -33,7 +33,7 @@ void showFiguresOnly() {
 void FullFrame(benchmark::State& state) {
     showFiguresOnly();
     bench::NullFactory factory;
-    scene::Scene scene(factory, API, nullptr);
+    scene::Scene scene(factory, API, nullptr, nullptr);
     scene.layout();
     // A graph is drawn from its first sample on, and not every figure can be read on every machine.
     for (drawer::Drawer* const drawer : scene.drawers()) {

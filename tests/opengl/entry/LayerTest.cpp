@@ -40,7 +40,8 @@ std::int64_t secondsPassed = 0;
 
 std::atomic<opengl::FramebufferListener> listener{nullptr};
 std::atomic<unsigned int> surfaceChanges{0};
-const opengl::ShimCalls SHIM = {&dlsym, &listener, &surfaceChanges};
+std::atomic<bool> isMeasuring{false};
+const opengl::ShimCalls SHIM = {&dlsym, &listener, &surfaceChanges, &isMeasuring};
 
 /// What the layer has logged; whose GPU this is the library does not know.
 std::vector<std::string> takeLog() {
