@@ -4,14 +4,14 @@
 #include <string>
 #include <string_view>
 
-/// Any text on one line, for files that people read: backslashes become "\\", line ends "\n", other control
-/// bytes and blanks at the ends "\xHH". All else stays as it is.
+/// Puts any text on one line of a file that people read: a backslash becomes "\\", a line end "\n", and other
+/// control bytes and blanks at either end become "\xHH". Everything else stays as it is.
 namespace platform {
 
 std::string escapeText(std::string_view text);
 
-/// What escapeText() was given. Nothing for what is no such line. Blanks at the ends that were not escaped
-/// stay.
+/// Returns the text that escapeText() was given; nothing if it cannot have written this line. Keeps blanks at
+/// the ends that were not escaped.
 std::optional<std::string> unescapeText(std::string_view line);
 
 }  // namespace platform

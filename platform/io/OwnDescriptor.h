@@ -6,24 +6,24 @@
 
 namespace platform {
 
-/// A descriptor of a file or socket that stays open in a process which is not ours. Such a program may close
-/// descriptors it does not know and get their numbers for its own files: so the device and inode are
-/// remembered, and every use and the close look whether the number still stands for them. Between the look
-/// and the use a race remains. Not for descriptors without an inode of their own (inotify, eventfd, epoll).
-/// One thread at a time.
+/// A descriptor of a file or socket that we keep open in somebody else's program. The program may close
+/// descriptors it does not know and get their numbers for its own files. So the object remembers the device
+/// and the inode, and checks before every use and before the close that the number still stands for them. A
+/// race between the check and the use remains. Not for descriptors without an inode of their own (inotify,
+/// eventfd, epoll). One thread at a time.
 class OwnDescriptor {
 public:
     OwnDescriptor() = default;
-    /// Takes over an open descriptor; -1 for none.
+    /// Takes ownership of an open descriptor; -1 for none.
     explicit OwnDescriptor(int descriptor);
     OwnDescriptor(OwnDescriptor&& other) noexcept;
     OwnDescriptor& operator=(OwnDescriptor&& other) noexcept;
     ~OwnDescriptor();
 
-    /// The number to use right now; -1 when there is none, or when it stands for something else by now.
+    /// The number to use right now; -1 when there is none, or when the number now stands for something else.
     int get() const;
 
-    /// Closes it if it is still ours. Returns 0 or an error number.
+    /// Closes the descriptor if it is still ours. Returns 0 or an error number.
     int close();
 
 private:

@@ -30,7 +30,7 @@ int openPlainFile(const std::string& path, int flags, mode_t mode, bool followsL
         (flags & ~O_TRUNC) | O_CLOEXEC | O_NOCTTY | O_NONBLOCK | (followsLink ? 0 : O_NOFOLLOW);
     const int descriptor = open(path.c_str(), allFlags, mode);
     if (descriptor < 0) {
-        // A FIFO that nobody reads.
+        // ENXIO: a FIFO without a reader.
         errno = errno == ENXIO ? EINVAL : errno;
         return -1;
     }

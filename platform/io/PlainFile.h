@@ -7,27 +7,26 @@
 
 namespace platform {
 
-/// Opens a regular file and nothing else, without ever waiting: a FIFO, a device or a folder is refused with
-/// an error. `flags` are those of open(2); O_CLOEXEC, O_NOCTTY and O_NONBLOCK are added, and O_NOFOLLOW
-/// unless `followsLink`: a symbolic link at the end of a path is followed only where the user named that
-/// path. Never truncates before it knows what it has: O_TRUNC takes effect after the check. Returns the
-/// descriptor, which the caller owns, or -1 with errno set (EINVAL for what is no regular file, ELOOP for a
-/// link).
+/// Opens a regular file, never anything else, and never waits: it refuses a FIFO, a device or a folder.
+/// `flags` are those of open(2); it adds O_CLOEXEC, O_NOCTTY and O_NONBLOCK, and O_NOFOLLOW unless
+/// `followsLink`. Follow a symbolic link at the end of a path only where the user named that path. O_TRUNC
+/// takes effect only after the check, so that no other file is truncated. Returns the descriptor, which the
+/// caller owns, or -1 with errno set (EINVAL when it is not a regular file, ELOOP when it is a link).
 int openPlainFile(const std::string& path, int flags, mode_t mode = 0600, bool followsLink = false);
 
-/// What errno says after openPlainFile() failed, in plain words.
+/// Says in plain words what errno means after openPlainFile() failed.
 std::string plainFileError(int error);
 
-/// Writes all of it, however many calls that takes, without a signal to the process. Returns 0 or an error
-/// number.
+/// Writes all the bytes, in as many calls as it takes, and raises no signal. Returns 0 or an error number.
 int writeAll(int file, std::string_view bytes);
 
-/// Reads a regular file whole, at most `limit` bytes. Returns 0 or an error number; EFBIG when there is more.
+/// Reads a whole regular file. Returns 0 or an error number; EFBIG when it has more than `limit` bytes.
 int readPlainFile(const std::string& path, std::string& bytes, std::size_t limit, bool followsLink = false);
 
-/// Writes a file aside and renames it into place, so that others find the old bytes or the new ones, whatever
-/// happens in between. A link at `path` is replaced, not followed; what is neither a link nor a regular file
-/// is left alone (EINVAL, EISDIR). Returns 0 or an error number; then nothing of it is left.
+/// Writes a new file beside `path` and renames it into place, so that a reader always finds either the old
+/// bytes or the new ones. Replaces a link at `path` instead of following it; leaves anything alone that is
+/// neither a link nor a regular file (EINVAL, EISDIR). Returns 0 or an error number, and then leaves no new
+/// file behind.
 int replaceFile(const std::string& path, std::string_view bytes, mode_t mode = 0600);
 
 }  // namespace platform

@@ -16,20 +16,20 @@ namespace {
 
 struct ProcessState {
     std::uint64_t start = 0;
-    bool hasEnded = false;  ///< and waits for its parent to notice
+    bool hasEnded = false;  ///< it is a zombie: its parent has not collected it yet
 };
 
 /// Nothing for a process that /proc does not show.
 std::optional<ProcessState> readState(pid_t process) {
     constexpr std::size_t LIMIT = 4096;
-    constexpr int FIRST_FIELD = 3;  // behind the name
+    constexpr int FIRST_FIELD = 3;  // the first one after the name
     constexpr int THREADS_FIELD = 20;
     constexpr int START_FIELD = 22;
     std::string text;
     if (readPlainFile("/proc/" + std::to_string(process) + "/stat", text, LIMIT) != 0) {
         return std::nullopt;
     }
-    // The name in parentheses may itself hold blanks and parentheses.
+    // The name is in parentheses, and may itself contain blanks and parentheses.
     std::string_view fields(text);
     const std::size_t nameEnd = fields.rfind(") ");
     if (nameEnd == std::string_view::npos) {
@@ -40,7 +40,7 @@ std::optional<ProcessState> readState(pid_t process) {
     ProcessState state;
     for (int field = FIRST_FIELD; field < START_FIELD; ++field) {
         if (field == THREADS_FIELD) {
-            // One whose first thread has ended may go on with others.
+            // A process whose first thread has ended looks like a zombie while its other threads run.
             state.hasEnded = isZombie && (fields.substr(0, 2) == "0 " || fields.substr(0, 2) == "1 ");
         }
         const std::size_t blank = fields.find(' ');
@@ -68,7 +68,8 @@ bool hasSurelyEnded(pid_t process, std::uint64_t start) {
     if (!readState(getpid())) {
         return false;
     }
-    // Known to the kernel and not shown: it has just ended, or belongs to somebody else.
+    // If the kernel still knows the process, it has only just ended, or /proc hides it because it is another
+    // user's.
     return kill(process, 0) != 0 && errno == ESRCH;
 }
 

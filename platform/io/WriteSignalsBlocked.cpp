@@ -30,7 +30,7 @@ WriteSignalsBlocked::~WriteSignalsBlocked() {
             sigaddset(&raised, signal);
         }
     }
-    // Both are sent to the thread that writes, so what is pending now and was not before is ours.
+    // The kernel sends both to the thread that writes, so a signal that was not pending before is ours.
     const timespec atOnce = {};
     while (sigtimedwait(&raised, nullptr, &atOnce) > 0) {
     }

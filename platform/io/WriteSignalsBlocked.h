@@ -5,8 +5,8 @@
 namespace platform {
 
 /// While it lives, a write on this thread that exceeds the process's file-size limit or meets a closed pipe
-/// fails with EFBIG or EPIPE instead of ending the process: SIGXFSZ and SIGPIPE are blocked, and one that the
-/// write raised is taken back. One that was pending before stays pending. Keeps errno.
+/// fails with EFBIG or EPIPE instead of killing the process: it blocks SIGXFSZ and SIGPIPE and discards one
+/// that the write raised. A signal that was pending before stays pending. Keeps errno.
 class WriteSignalsBlocked {
 public:
     WriteSignalsBlocked();

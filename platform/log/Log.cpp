@@ -23,7 +23,7 @@ struct Level {
     const char* word;
 };
 
-/// By priority, from ANDROID_LOG_VERBOSE on.
+/// In the order of the priorities, from ANDROID_LOG_VERBOSE on.
 constexpr std::array<Level, 7> LEVELS = {{
     {'V', "verbose"},
     {'D', "debug"},
@@ -34,7 +34,7 @@ constexpr std::array<Level, 7> LEVELS = {{
     {'S', "silent"},
 }};
 
-/// A message's room, as in liblog; what does not fit is cut.
+/// The size of a message, as in liblog; longer ones are cut.
 constexpr std::size_t MESSAGE_SIZE = 1024;
 constexpr std::size_t PREFIX_SIZE = 128;
 
@@ -45,10 +45,10 @@ char letterOf(int priority) {
                : '?';
 }
 
-/// Collects lines for one write, and writes before it is full.
+/// Collects lines for one write; when it is full it writes earlier.
 class Output {
 public:
-    /// Room for any one line, and for all lines of any but unusual messages.
+    /// Room for any one line, and usually for all lines of a message.
     static constexpr std::size_t SIZE = 2 * MESSAGE_SIZE;
     static_assert(SIZE >= PREFIX_SIZE + MESSAGE_SIZE);
 
@@ -61,7 +61,7 @@ public:
         append("\n");
     }
 
-    /// Returns 0 or the first error number so far.
+    /// Returns 0 or the first error number of all writes so far.
     int flush() {
         const int error = writeToLog({mBuffer.data(), mSize});
         mError = mError == 0 ? error : mError;
@@ -80,8 +80,8 @@ private:
     int mError = 0;
 };
 
-/// The message in logcat's brief format: every line under the same prefix, an end of line at the end of
-/// the message making no further one.
+/// Writes the message in logcat's brief format: the same prefix before every line, and no empty line for an
+/// end of line at the end of the message.
 int writeMessage(int priority, const char* tag, std::string_view message) {
     std::array<char, PREFIX_SIZE> prefix = {};
     const int length = std::snprintf(prefix.data(), prefix.size(), "%c/%-8.80s(%5d): ", letterOf(priority),
@@ -112,7 +112,7 @@ android_LogPriority logLevelFrom(const char* text) {
 
 // NOLINTNEXTLINE(bugprone-reserved-identifier): the platform's name
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
-    // Read once: the application may change its environment later.
+    // Read only once: the application may change its environment later.
     static const int level =
         platform::logLevelFrom(std::getenv("KORDANIX_LOG"));  // NOLINT(concurrency-mt-unsafe): see above
     if (prio < level) {

@@ -15,17 +15,17 @@
 namespace platform {
 namespace {
 
-/// Standard error as it was when the library was loaded. A program that closes it may get its number for a
-/// file of its own.
+/// The file that was standard error when the library was loaded. A program that closes it may later get its
+/// number for a file of its own.
 struct StandardError {
     struct stat status = {};
     bool isOpen = fstat(STDERR_FILENO, &status) == 0;
 };
 const StandardError AT_START;
 
-/// A terminal, a pipe or a socket in the place of standard error was put there to be written to. A file may
-/// be the program's data, unless it is the one that was there at first or is meant to be appended to, as logs
-/// are.
+/// Whether we may write to standard error. A terminal, a pipe or a socket with its number is meant for
+/// messages. A file may be the program's data, unless it is the one from the start or is open for appending,
+/// as logs are.
 bool isStandardError() {
     struct stat status = {};
     if (fstat(STDERR_FILENO, &status) != 0) {
@@ -40,7 +40,7 @@ int writeToStandardError(std::string_view lines) {
     if (!isStandardError()) {
         return EBADF;
     }
-    // A pipe that can be written to takes 4,096 bytes without waiting, more than there ever are.
+    // A pipe that poll() calls writable takes 4,096 bytes without waiting; we never write more.
     pollfd room = {STDERR_FILENO, POLLOUT, 0};
     if (poll(&room, 1, 0) != 1) {
         return EAGAIN;
@@ -62,7 +62,7 @@ int appendTo(const std::string& path, std::string_view lines) {
 }  // namespace
 
 int writeToLog(std::string_view lines) {
-    // Read once: the application may change its environment later.
+    // Read only once: the application may change its environment later.
     static const char* const name = std::getenv("KORDANIX_LOG_FILE");  // NOLINT(concurrency-mt-unsafe)
     static const std::string& path = *new std::string(name == nullptr ? "" : name);  // also used at exit
     const int error = path.empty() ? 0 : appendTo(path, lines);

@@ -6,8 +6,8 @@
 
 namespace platform {
 
-/// Appends rows of comma-separated values to a text, by RFC 4180: rows end with CR LF, fields are quoted
-/// where they must be. Numbers look the same in every locale. The text belongs to the caller.
+/// Appends rows of comma-separated values to a text, by RFC 4180: a row ends with CR LF, and a field is
+/// quoted when it has to be. Numbers look the same in every locale. The caller owns the text.
 class CsvWriter {
 public:
     explicit CsvWriter(std::string& text) : mText(text) {}
@@ -16,8 +16,7 @@ public:
     void add(std::uint64_t number);
     void add(std::int64_t number);
 
-    /// As the shortest decimal number that reads back as the same value; "inf", "-inf" or "nan" for what is
-    /// none.
+    /// Writes the shortest decimal number that reads back as the same value, or "inf", "-inf" or "nan".
     void add(float number);
     void add(double number);
 

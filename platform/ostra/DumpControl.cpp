@@ -18,7 +18,7 @@ namespace {
 constexpr std::chrono::milliseconds FRAME_PATIENCE{500};
 constexpr std::chrono::milliseconds EXIT_PATIENCE{1000};
 
-/// Never throws: what cannot be told is not told.
+/// Logs the failure and writes it into the notice. Never throws; without memory it writes no notice.
 void tellFailure(const DumpPlan& plan, const char* reason) {
     __android_log_print(ANDROID_LOG_ERROR, "Ostra", "No dump is written: %s", reason);
     try {

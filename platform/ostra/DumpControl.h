@@ -12,13 +12,13 @@
 
 namespace platform {
 
-/// Which dump is running. One per process, see PerProcess.h; any thread. Nothing here waits longer than a
-/// moment for a disk: a dump that does not end then is left to its thread, and until that has ended no other
-/// one is started.
+/// Knows which dump is running. One per process, see PerProcess.h; any thread. No function waits longer than
+/// a moment for a disk: a dump that does not finish in time is left to its thread, and no other dump starts
+/// until that thread has ended.
 class DumpControl {
 public:
-    /// Starts a dump as planDump() has it. One that is still running is finished first. When none can be
-    /// started, an error is logged and told by the dump's notice.
+    /// Starts a dump where planDump() says. Finishes a running one first. When no dump can be started, it
+    /// logs an error and writes it into the dump's notice.
     void start(const std::vector<Ostra::DumpWidgetMeta>& metas);
 
     /// As Ostra::setExtraColumns() and Ostra::setExtraValues().
@@ -30,20 +30,20 @@ public:
 
     void finish();
 
-    /// A child does not go on with its parent's dump.
+    /// A forked child does not continue its parent's dump.
     void onForked() {}
 
-    /// Finishes a running dump, and takes the notice away.
+    /// Finishes a running dump and removes the notice.
     void onExit();
 
 private:
     std::shared_ptr<DumpRun> stopAdding();
     void finish(std::chrono::milliseconds patience);
 
-    std::mutex mOrder;  ///< starts one after the other; never held while waiting for a disk
+    std::mutex mOrder;  ///< makes starts wait for each other; never held while waiting for a disk
     std::uint32_t mCount = 0;
 
-    std::mutex mMutex;  ///< guards what follows; held for the copy of one frame at most
+    std::mutex mMutex;  ///< guards the members below; held no longer than one frame takes to copy
     std::shared_ptr<DumpRun> mRun;
     std::vector<const char*> mExtraColumns;
     std::vector<double> mExtraValues;

@@ -152,7 +152,7 @@ std::string DumpFiles::append(const FrameQueue& frames) {
 }
 
 std::string DumpFiles::flush() {
-    // The passes first: whoever reads along then finds every pass of a frame that is there.
+    // Passes first, so that somebody who reads along finds all passes of every frame in frames.csv.
     std::string error = mPasses.flush();
     return error.empty() ? mFrames.flush() : error;
 }

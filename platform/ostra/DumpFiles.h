@@ -12,18 +12,18 @@ namespace platform {
 class CsvWriter;
 class FrameQueue;
 
-/// One file that is only written to. Should the application close its descriptor, it is opened anew. Every
-/// operation returns an empty text, or "PATH: what went wrong"; after an error the file is closed and further
+/// One file that we only write to. If the application closes its descriptor, the file is opened again. Every
+/// operation returns an empty text, or "PATH: what went wrong"; after an error the file is closed and later
 /// operations do nothing.
 class OutputFile {
 public:
-    /// The file must not exist.
+    /// Creates the file; fails if it exists.
     std::string open(const std::string& path);
 
-    /// What is to be written next.
+    /// The bytes that the next flush() will write.
     std::string& buffer() { return mBuffer; }
 
-    /// Hands the buffer over to the system and empties it.
+    /// Writes the buffer and empties it.
     std::string flush();
 
     std::string close();
@@ -32,26 +32,26 @@ private:
     std::string openWith(int flags);
     std::string fail(int error);
 
-    std::string mPath;  ///< empty while no file is written
+    std::string mPath;  ///< empty while no file is open
     OwnDescriptor mFile;
     std::string mBuffer;
 };
 
 /// The two files of a dump. frames.csv has a row for every frame: FrameNumber, TimestampMs, a column for
 /// every dumpable value under its own name, RenderPassFrameId, FrameDuration, and the extra columns.
-/// passes.csv has a row for every render pass of those frames that carry some: FrameNumber,
-/// RenderPassFrameId, Pass (0, 1, ... in frame order), FirstValue, SecondValue, Duration. Durations are in
-/// milliseconds. Values are integers or floats as their meta says; a value that a frame does not have is an
-/// empty field. Errors are returned as by OutputFile.
+/// passes.csv has a row for every render pass of those frames: FrameNumber, RenderPassFrameId, Pass (0, 1,
+/// ... in frame order), FirstValue, SecondValue, Duration. Durations are in milliseconds. Values are integers
+/// or floats as their meta says; a field is empty when the frame does not have that value. Errors are
+/// returned as by OutputFile.
 class DumpFiles {
 public:
     explicit DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas,
                        const std::vector<const char*>& extraColumns = {});
 
-    /// Creates both files in a folder where they are missing, and writes their first rows.
+    /// Creates both files, which must not exist, in an existing folder, and writes the header rows.
     std::string open(const std::string& folder);
 
-    /// Appends the oldest frame of the queue, which is not empty.
+    /// Writes the oldest frame of the queue, which must not be empty.
     std::string append(const FrameQueue& frames);
 
     std::string flush();

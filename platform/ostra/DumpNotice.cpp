@@ -12,7 +12,7 @@ namespace platform {
 
 namespace {
 
-/// By DumpNotice::State.
+/// In the order of DumpNotice::State.
 constexpr std::array<const char*, 3> STATES = {"running", "done", "failed"};
 constexpr std::size_t MAX_SIZE = 16384;
 
@@ -22,8 +22,8 @@ std::string noticePath(const std::string& directory, pid_t process) {
 
 }  // namespace
 
-// One line with the number, the state, the frames and the error; the rest is the folder, whose name may hold
-// any character.
+// The first line has the number, the state, the frames and the error. Everything after it is the folder,
+// because a folder's name may contain any character.
 void writeDumpNotice(const std::string& directory, const DumpNotice& notice) {
     if (directory.empty()) {
         return;

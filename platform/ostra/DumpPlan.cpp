@@ -22,12 +22,12 @@ constexpr std::size_t MAX_PROGRAM_NAME = 64;
 constexpr int MAX_FOLDERS_A_SECOND = 1000;
 constexpr mode_t FOLDER_MODE = 0755;
 
-/// The program's name, in characters that need no care in any shell.
+/// The program's name, made of characters that no shell treats specially.
 std::string programName() {
     std::string name;
     readPlainFile("/proc/self/cmdline", name, MAX_COMMAND_LINE);
     name.erase(std::min(name.find('\0'), name.size()));
-    // A program that rewrites its command line leaves one long text.
+    // A program that rewrites its command line leaves all of it in one text.
     name.erase(std::min(name.find(" -"), name.size()));
     name.erase(0, name.find_last_of("/\\") + 1);
     name.resize(std::min(name.size(), MAX_PROGRAM_NAME));

@@ -16,7 +16,7 @@ constexpr std::chrono::milliseconds FLUSH_PERIOD{250};
 
 }  // namespace
 
-/// However the writing thread ends, nobody waits for it any more.
+/// However the writing thread ends, this ends every wait for it.
 class DumpRun::Ending {
 public:
     explicit Ending(DumpRun& run) : mRun(run) {}
@@ -36,7 +36,7 @@ private:
 std::shared_ptr<DumpRun> DumpRun::start(const std::vector<Ostra::DumpWidgetMeta>& metas,
                                         const std::vector<const char*>& extraColumns, DumpPlan plan) {
     auto run = std::make_shared<DumpRun>(metas, extraColumns, std::move(plan));
-    // The thread owns its share: nobody waits for a disk that hangs.
+    // The thread holds a reference of its own, so nobody has to wait when its disk hangs.
     return startHelperThread("ostra-dump", [run] { run->write(); }) ? run : nullptr;
 }
 
@@ -53,7 +53,7 @@ void DumpRun::add(const Ostra::FrameDump& dump, const std::vector<double>& extra
     if (!mQueue.push(dump, extraValues)) {
         mDropped.fetch_add(1, std::memory_order_relaxed);
     }
-    // The writer looks by itself at every period, so that at usual frame rates nobody has to be woken.
+    // The writer looks at every period anyway, so at usual frame rates we never have to wake it.
     if (mQueue.isHalfFull()) {
         mChanged.notify_all();
     }

@@ -18,13 +18,13 @@
 
 namespace platform {
 
-/// One dump from its start to its end. A thread of its own makes the folder and the files, writes what was
-/// added at least four times a second, and closes them. The folder, the end and the first error of any file
-/// operation, which ends the dump, are told in the log and by the dump's notice. Frames that the disk is too
-/// slow for are dropped, the newest first, and their number logged at the end.
+/// One dump from its start to its end. Its own thread creates the folder and the files, writes the added
+/// frames at least four times a second, and closes the files. The log and the dump's notice tell the folder,
+/// the end, and the first error of a file operation, which also ends the dump. When the disk is too slow, the
+/// newest frames are dropped, and the log says at the end how many.
 class DumpRun {
 public:
-    /// Starts the dump; null when no thread can be had. Throws std::bad_alloc.
+    /// Starts the dump; null when no thread can be started. Throws std::bad_alloc.
     static std::shared_ptr<DumpRun> start(const std::vector<Ostra::DumpWidgetMeta>& metas,
                                           const std::vector<const char*>& extraColumns, DumpPlan plan);
 
@@ -35,8 +35,8 @@ public:
     /// Copies one frame. Never waits and never allocates. One thread at a time, and not after finish().
     void add(const Ostra::FrameDump& dump, const std::vector<double>& extraValues);
 
-    /// Waits until everything that was added is in the files and they are closed, but not longer than
-    /// `patience`. Returns whether they are. May be called again.
+    /// Waits, but not longer than `patience`, until all added frames are in the files and the files are
+    /// closed. Returns whether they are. May be called again.
     bool finish(std::chrono::milliseconds patience);
 
 private:
@@ -50,12 +50,12 @@ private:
 
     FrameQueue mQueue;
 
-    // Of the writing thread only.
+    // Only the writing thread uses these.
     const DumpPlan mPlan;
     DumpFiles mFiles;
     DumpNotice mNotice;
 
-    std::atomic<bool> mHasEnded{false};  ///< the writing thread takes no more; relaxed order
+    std::atomic<bool> mHasEnded{false};  ///< the writing thread takes no more frames; relaxed order
     std::atomic<std::uint32_t> mDropped{0};
 
     std::mutex mMutex;  ///< guards the two flags below

@@ -14,7 +14,7 @@ namespace platform {
 
 namespace {
 
-/// The first characters of a name, as long as a thread's may be.
+/// A name, cut to the length that the kernel allows for a thread.
 struct ThreadName {
     std::array<char, 16> text = {};
 };
@@ -35,8 +35,9 @@ void run(const ThreadName& name, const std::function<void()>& body) {
 }  // namespace
 
 bool startHelperThread(const char* name, std::function<void()> body) {
-    // A new thread inherits its creator's mask. With everything blocked, the application's signals keep going
-    // to its own threads, and a write past a file size limit or into a broken pipe fails instead of killing.
+    // A new thread inherits its creator's signal mask. With every signal blocked, the application's signals
+    // keep going to its own threads, and a write past the file-size limit or into a broken pipe fails instead
+    // of killing.
     sigset_t all;
     sigset_t previous;
     sigfillset(&all);

@@ -4,7 +4,7 @@
 
 namespace platform {
 
-/// Presses a key of this process itself: the next call of Ostra::receiveKeyEvents() finds it. Any thread.
+/// Presses a key from within this process: the next call of Ostra::receiveKeyEvents() returns it. Any thread.
 void pressOwnKey(const Ostra::KeyEvent& key);
 
 }  // namespace platform

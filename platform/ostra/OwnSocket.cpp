@@ -45,8 +45,8 @@ void OwnSocket::close() {
     mRun = {};
 }
 
-// Without an end to the wait, the lock on the run would not be taken anew; the socket itself stays open while
-// it is waited for, whoever closes its number.
+// receive() has to return now and then to take the lock on the run again. The socket itself stays open while
+// we wait for it, even if somebody closes its number.
 void OwnSocket::limitWait() const {
     if (mIsInRun) {
         const timeval wait = {WAIT_S, 0};

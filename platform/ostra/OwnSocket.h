@@ -9,11 +9,11 @@
 
 namespace platform {
 
-/// This process's socket (see ProcessSocket.h) in a program that may close any descriptor: then it is opened
-/// anew. In a run it also keeps the run's folder from being removed. One thread at a time but for remove().
+/// This process's socket (see ProcessSocket.h), opened again when the program closes its descriptor. In a run
+/// it also keeps the run's folder from being removed. One thread at a time, except for remove().
 class OwnSocket {
 public:
-    /// Opens it in the runtime directory. Returns an empty text, or why it cannot be opened.
+    /// Opens the socket in the runtime directory. Returns an empty text, or why it cannot.
     std::string open();
 
     /// Undoes open().
@@ -22,14 +22,14 @@ public:
     /// The runtime directory of an open socket.
     const std::string& directory() const { return mDirectory; }
 
-    /// Waits for a message. Returns its size, which may be larger than the buffer's, or -1 when none came: in
-    /// a run a wait ends after a second at the latest.
+    /// Waits for a message. Returns its size, which may exceed the buffer's, or -1 when none came: in a run a
+    /// wait lasts at most a second.
     ssize_t receive(char* buffer, std::size_t size);
 
     /// Removes the socket's file for good. Any thread.
     void remove();
 
-    /// In a forked child: lets go of what is the parent's.
+    /// In a forked child: closes the parent's socket and lets go of its run.
     void forget();
 
 private:

@@ -7,14 +7,14 @@
 
 namespace platform {
 
-/// The one T of this process, made on first use and never destroyed, so that threads and late callers may use
+/// The one T of this process. Made on first use and never destroyed, so that threads and late callers may use
 /// it until the process has ended. A forked child has none of the parent's threads and may find its locks
-/// taken: it leaves the parent's object alone and gets one of its own on first use.
+/// taken, so it does not touch the parent's object and makes one of its own on first use.
 ///
-/// T has `onForked()`, called in a child for the parent's object, which may only close descriptors, and
-/// `onExit()`, called when the process exits in an orderly way, before the statics that existed when the
-/// object was made are destroyed; not in a child that was made without fork handlers (vfork, a bare system
-/// call) and still has the parent's object.
+/// T has two functions. `onForked()` is called in a child for the parent's object, and may only close
+/// descriptors. `onExit()` is called when the process exits normally, before the destructors of statics that
+/// existed when the object was made; it is not called in a child that was made without fork handlers (vfork,
+/// a bare system call) and so still has the parent's object.
 template <typename T>
 class PerProcess {
 public:
@@ -58,8 +58,8 @@ private:
     }
 
     inline static std::atomic<T*> gObject{nullptr};
-    inline static std::atomic<pid_t> gProcess{0};  ///< whose object it is
-    inline static T* gInherited = nullptr;         ///< keeps it reachable for leak checkers
+    inline static std::atomic<pid_t> gProcess{0};  ///< the process that made the object
+    inline static T* gInherited = nullptr;         ///< the parent's object, reachable for leak checkers
 };
 
 }  // namespace platform

@@ -167,7 +167,7 @@ void ProcessChannel::warnOnce(bool& isWarned, const char* text) {
 }
 
 void ProcessChannel::onForked() {
-    // Left open, the socket would be kept alive without anybody to read it.
+    // If it stayed open here, the socket would live on without a reader.
     mSocket.forget();
 }
 

@@ -56,7 +56,7 @@ int connectTo(int descriptor, const std::string& path) {
     return result == 0 ? 0 : errno;
 }
 
-/// Reads a whole number from the front of `text`; false when there is none that fits.
+/// Takes a whole number off the front of `text`; false when there is none or it does not fit the type.
 template <typename Number>
 bool takeNumber(std::string_view& text, Number& number) {
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -76,14 +76,14 @@ std::optional<Ostra::KeyEvent> decodeKey(std::string_view text) {
     return takeNumber(text, key.action) && text.empty() ? std::optional(key) : std::nullopt;
 }
 
-/// Takes `beginning` off the front of `text`; false when the text does not begin so.
+/// Takes `beginning` off the front of `text`; false when the text does not begin with it.
 bool takeBeginning(std::string_view& text, std::string_view beginning) {
     const bool isThere = text.substr(0, beginning.size()) == beginning;
     text.remove_prefix(isThere ? beginning.size() : 0);
     return isThere;
 }
 
-/// The process id in the name of a socket file, 0 when it is none.
+/// The process id in the name of a socket file; 0 for any other name.
 pid_t processOfName(std::string_view name) {
     if (name.size() <= NAME_BEGIN.size() + NAME_END.size() ||
         name.substr(0, NAME_BEGIN.size()) != NAME_BEGIN ||
@@ -96,14 +96,14 @@ pid_t processOfName(std::string_view name) {
     return takeNumber(name, process) && name.empty() && process > 0 ? process : 0;
 }
 
-/// Whether a socket lies there; a link to one is none.
+/// Whether the path is a socket itself, not a link to one.
 bool isSocket(const std::string& path) {
     struct stat status = {};
     return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-/// Whether somebody has the socket open. The process id alone would not tell: it may have been given to
-/// another process since. What one has left that ended without doing so itself is removed.
+/// Whether somebody has the socket open. The process id alone does not tell, since another process may have
+/// it by now. Removes the socket and the notice of a process that ended without doing so.
 bool isListening(const std::string& directory, pid_t process) {
     const std::string path = processSocketPath(directory, process);
     const int descriptor = makeSocket();
@@ -171,7 +171,7 @@ int openProcessSocket(const std::string& directory, std::string& error) {
         return -1;
     }
     const auto* const name = reinterpret_cast<const sockaddr*>(&address);
-    fchmod(descriptor, S_IRUSR | S_IWUSR);  // the file will have this mode at most
+    fchmod(descriptor, S_IRUSR | S_IWUSR);  // bind() gives the file at most this mode
     int result = bind(descriptor, name, sizeof(address));
     if (result != 0 && errno == EADDRINUSE && isSocket(path)) {
         unlink(path.c_str());
@@ -191,7 +191,7 @@ std::vector<pid_t> listeningProcesses(const std::string& directory) {
     if (entries == nullptr) {
         return processes;
     }
-    // The stream belongs to this call alone.
+    // No other thread has this stream.
     while (const dirent* const entry = readdir(entries)) {  // NOLINT(concurrency-mt-unsafe)
         const pid_t process = processOfName(entry->d_name);
         if (process != 0 && isListening(directory, process)) {

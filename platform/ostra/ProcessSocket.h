@@ -10,41 +10,41 @@
 #include <vector>
 
 /// How tools reach the companion library inside a running application. A process that listens has a datagram
-/// socket in the runtime directory, named after its process id; messages are short texts. All functions may
-/// be called from any thread.
+/// socket in the runtime directory, with its process id in the name; messages are short texts. Any thread may
+/// call these functions.
 namespace platform {
 
-/// What can be told to a process.
+/// What a tool can tell a process.
 struct ProcessMessage {
     enum class Kind { KEY, BACKGROUND, PICTURE };
     Kind kind = Kind::KEY;
     Ostra::KeyEvent key = {};  ///< with Kind::KEY
 };
 
-/// No message is longer, in bytes; longer datagrams are not looked at.
+/// The longest message, in bytes; longer datagrams are ignored.
 constexpr std::size_t MAX_MESSAGE_SIZE = 64;
 
-/// The text of a message: "key CODE ACTION" with signed decimal numbers, "background" or "picture" (see
-/// PictureRequest.h).
+/// Returns the text of a message: "key CODE ACTION" with signed decimal numbers, "background" or "picture"
+/// (see PictureRequest.h).
 std::string encodeMessage(const ProcessMessage& message);
 
-/// Nothing when the text is not exactly what encodeMessage() makes of such a message, or is longer than
-/// MAX_MESSAGE_SIZE.
+/// Reads a message; nothing unless the text is exactly what encodeMessage() writes and at most
+/// MAX_MESSAGE_SIZE long.
 std::optional<ProcessMessage> decodeMessage(std::string_view text);
 
 /// DIRECTORY/process.PID.sock.
 std::string processSocketPath(const std::string& directory, pid_t process);
 
-/// Opens this process's socket, taking the place of one that an earlier process with the same id left.
-/// Returns the file descriptor, which the caller owns, or -1 with the reason in `error`.
+/// Opens this process's socket, replacing one that an earlier process with the same id left behind. Returns
+/// the file descriptor, which the caller owns, or -1 with the reason in `error`.
 int openProcessSocket(const std::string& directory, std::string& error);
 
-/// The processes that listen now, in ascending order. Removes the sockets and the dump notices of those
-/// that ended without doing so themselves. Empty also when the directory cannot be read.
+/// Returns the processes that listen now, in ascending order. Removes the sockets and dump notices of
+/// processes that ended without doing so. Empty also when the directory cannot be read.
 std::vector<pid_t> listeningProcesses(const std::string& directory);
 
-/// Sends a message, waiting at most a second for a process that is slow to take it. Returns an empty text,
-/// or why it could not be delivered.
+/// Sends a message, and waits at most a second for a process that is slow to take it. Returns an empty text,
+/// or why the message was not delivered.
 std::string sendMessage(const std::string& directory, pid_t process, const ProcessMessage& message);
 
 }  // namespace platform

@@ -17,19 +17,20 @@ namespace platform {
 namespace {
 
 constexpr long PERIOD_MS = 250;
-/// Should the program close the descriptor between a look at it and the sleep, the sleep is on something
-/// else: it ends after this time.
+/// The program may close the descriptor between our check and the sleep, which then waits for something else.
+/// So no sleep lasts longer than this.
 constexpr long LONGEST_SLEEP_MS = 10000;
 constexpr long MS_PER_SECOND = 1000;
 constexpr long NS_PER_MS = 1000000;
 
-/// The watches of this process, for a forked child to close. One that finds no place stays open there.
+/// The watches of this process. A forked child closes them; one that found no free place stays open there.
 std::array<std::atomic<const DirectoryWatch*>, 8> gWatches{};
 
-/// What the kernel says of a watch's descriptor and of no other; empty for all else. Allocates nothing.
+/// Returns what the kernel says only of this watch's descriptor; empty when it is no watch. Allocates
+/// nothing.
 WatchIdentity identityOf(int descriptor) {
     std::array<char, 64> path{};
-    // The thread's own, since a program's threads may have descriptors of their own.
+    // The thread's own, since a thread may have a descriptor table of its own.
     std::snprintf(path.data(), path.size(), "/proc/thread-self/fdinfo/%d", descriptor);
     WatchIdentity identity{};
     std::array<char, 512> text{};
@@ -54,7 +55,7 @@ int timeUntil(const timespec* deadline, long limit) {
     timespec now = {};
     clock_gettime(CLOCK_MONOTONIC, &now);
     const auto seconds = std::clamp<time_t>(deadline->tv_sec - now.tv_sec, -1, limit / MS_PER_SECOND + 1);
-    // Rounded up, so that the deadline has passed when the sleep is over.
+    // Rounded up, so that the deadline has passed when the sleep ends.
     const long ms =
         static_cast<long>(seconds) * MS_PER_SECOND + (deadline->tv_nsec - now.tv_nsec) / NS_PER_MS + 1;
     return static_cast<int>(std::clamp(ms, 0L, limit));
@@ -104,7 +105,7 @@ void DirectoryWatch::sleep(const timespec* deadline) const {
     pollfd watched = {mDescriptor, POLLIN, 0};
     poll(&watched, 1, timeUntil(deadline, LONGEST_SLEEP_MS));
     if ((watched.revents & ~POLLIN) != 0) {
-        sleepWithoutWatch(deadline);  // closed in between: not to be tried again at once
+        sleepWithoutWatch(deadline);  // somebody closed it meanwhile; without a pause we would spin
     }
 }
 

@@ -8,11 +8,11 @@ namespace platform {
 
 using WatchIdentity = std::array<char, 256>;
 
-/// Sleeps until a file may have been moved into a folder; what happens from the object's making on is not
-/// missed. For one thread. The kernel's queue is never read, since the program may have closed the descriptor
-/// by then and have its number for something of its own; for the same reason its entry in /proc/self/fdinfo
-/// is looked at before it is closed. Where that cannot be seen, and where the kernel has no watch left, the
-/// sleep is a quarter of a second. A forked child has no watch of its parent's.
+/// Sleeps until somebody may have moved a file into a folder; misses no move since the object was made. For
+/// one thread. The program may close the descriptor and get its number for something of its own. So the
+/// object never reads the kernel's queue, and looks at the descriptor's entry in /proc before it closes it.
+/// Where /proc does not show that, or the kernel has no watch left, a sleep lasts a quarter of a second. A
+/// forked child has none of its parent's watches.
 class DirectoryWatch {
 public:
     explicit DirectoryWatch(const std::string& directory);
@@ -20,8 +20,8 @@ public:
     DirectoryWatch(const DirectoryWatch&) = delete;
     DirectoryWatch& operator=(const DirectoryWatch&) = delete;
 
-    /// Returns when something was moved in, the folder went, or the deadline on the monotonic clock (null:
-    /// none) has passed; sometimes earlier.
+    /// Returns when somebody moved something in, the folder is gone, or the deadline on the monotonic clock
+    /// (null: none) has passed; sometimes earlier.
     void sleep(const timespec* deadline) const;
 
     /// Sleeps for a quarter of a second, or until the deadline.

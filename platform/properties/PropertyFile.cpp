@@ -24,7 +24,7 @@ bool isLater(const timespec& time, const timespec& other) {
     return std::tie(time.tv_sec, time.tv_nsec) > std::tie(other.tv_sec, other.tv_nsec);
 }
 
-/// Reads an open file from its start, at most that many bytes. Returns 0 or an error number.
+/// Reads at most `limit` bytes of an open file. Returns 0 or an error number.
 int readBytes(int file, std::size_t limit, std::string& bytes) {
     bytes.resize(limit);
     std::size_t size = 0;
@@ -42,13 +42,13 @@ int readBytes(int file, std::size_t limit, std::string& bytes) {
     return 0;
 }
 
-/// Whether that is so because of what lies there.
+/// Whether the file failed to open because it is not a regular file.
 bool isNoPlainFile(int error) {
     return error == EINVAL || error == ELOOP || error == EISDIR;
 }
 
-/// Makes the time of a file that was just written later than that of the one it replaces, whatever the clock
-/// says and however coarse it is. Returns 0 or an error number.
+/// Makes the time of a newly written file later than that of the one it replaces, even when the clock is
+/// coarse or was set back. Returns 0 or an error number.
 int makeLater(int file, const timespec& last) {
     struct stat status = {};
     if (fstat(file, &status) != 0) {
@@ -127,7 +127,7 @@ std::string writePropertyFile(const std::string& directory, const PropertyList& 
     if (text.size() > PROPERTY_TEXT_SIZE_MAX) {
         return "all properties together have more than " + std::to_string(PROPERTY_TEXT_SIZE_MAX) + " bytes";
     }
-    // Always the same name, so that killed writers leave one file at most; the lock keeps others off it.
+    // Always the same name, so that killed writers leave one file at most; the lock keeps other writers out.
     const std::string path = propertyFilePath(directory);
     const std::string draft = path + ".new";
     const auto failure = [&draft](int reason) {

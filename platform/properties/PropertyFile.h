@@ -7,12 +7,12 @@
 
 #include "properties/PropertyText.h"
 
-/// The file "properties" of a runtime directory (see PropertyText.h). It is never written in place: each
-/// change makes a new file and moves it there, so that a reader finds the old bytes or the new ones, and a
-/// writer may be killed at any instant.
+/// The file "properties" of a runtime directory (see PropertyText.h). Nobody writes it in place: each change
+/// makes a new file and moves it there. So a reader finds either the old bytes or the new ones, and a writer
+/// may be killed at any instant.
 namespace platform {
 
-/// Tells two states of the file apart: of a new one the time is always later than of the one before it.
+/// Tells two states of the file apart: a new file always has a later time than the one before it.
 struct FileVersion {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -25,24 +25,24 @@ struct FileVersion {
 
 enum class ReadResult {
     DONE,
-    MISSING,  ///< there is no such file, as before the first write
-    REFUSED,  ///< not a regular file of the user's own, or damaged: it stays so until somebody mends it
-    FAILED,   ///< the process has no descriptors left, or the like: a later attempt may do better
+    MISSING,  ///< there is no file, as before the first write
+    REFUSED,  ///< not a regular file of this user, or damaged; somebody has to repair it
+    FAILED,   ///< for example, the process has no descriptors left; a later attempt may succeed
 };
 
 std::string propertyFilePath(const std::string& directory);
 
-/// The file's state as it is now, whatever lies there; that of no file has a size of -1. One system call.
+/// Returns the version of the file as it is now, readable or not; without a file the size is -1. One system
+/// call.
 FileVersion lookAtPropertyFile(const std::string& directory);
 
-/// Reads the file. With REFUSED and FAILED, `error` says why in plain words, with the path. Otherwise than
-/// with DONE, `list` is empty; `version` is always the file's.
+/// Reads the file. With REFUSED and FAILED, `error` says why in plain words, with the path. `list` is empty
+/// unless it returns DONE; `version` is always the file's.
 ReadResult readPropertyFile(const std::string& directory, PropertyList& list, FileVersion& version,
                             std::string& error);
 
-/// Puts a file with these properties in the place of that which has the version `last`. Only for the holder
-/// of the lock (see PropertyLock.h). Returns what went wrong, in plain words; then the old one is still
-/// there.
+/// Replaces the file, whose version is `last`, by one with these properties. Only the holder of the lock may
+/// call it (see PropertyLock.h). Returns in plain words what went wrong; then the old file is still there.
 std::string writePropertyFile(const std::string& directory, const PropertyList& list,
                               const FileVersion& last);
 

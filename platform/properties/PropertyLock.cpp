@@ -24,7 +24,7 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::microseconds FIRST_PAUSE(100);
 constexpr std::chrono::microseconds LONGEST_PAUSE(2000);
 
-/// "process 12 (name)" for the holder of the lock on an open folder; empty when it cannot be known.
+/// Returns "process 12 (name)" for the holder of the lock on an open folder; empty when that is not known.
 std::string holderOf(int directory) {
     struct stat status = {};
     std::string locks;
@@ -80,7 +80,8 @@ PropertyLock::PropertyLock(const std::string& directory, std::chrono::millisecon
 
 PropertyLock::~PropertyLock() {
     if (mDirectory >= 0) {
-        // Said explicitly: a child forked meanwhile shares the descriptor, and closing ours keeps the lock.
+        // Unlocked explicitly: a child forked meanwhile shares the descriptor, so closing ours would keep the
+        // lock.
         if (isHeld()) {
             flock(mDirectory, LOCK_UN);
         }

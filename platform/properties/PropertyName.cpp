@@ -18,7 +18,7 @@ std::string propertyNameError(const char* name) {
     if (std::strstr(name, "..") != nullptr) {
         return "the name has two dots in a row";
     }
-    // Written out, since isalnum depends on the locale.
+    // Spelled out, because isalnum depends on the locale.
     if (std::strspn(name, "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789@:_.-") != length) {
         return "the name has characters other than letters, digits and @ : _ . -";
     }

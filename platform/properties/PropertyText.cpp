@@ -15,7 +15,7 @@ constexpr std::string_view HEADER = "kordanix-properties version=1";
 constexpr std::string_view SERIAL_KEY = " serial=";
 constexpr std::string_view COUNT_KEY = " lines=";
 
-/// Takes a whole number off the front of the text; nothing when there is none that fits.
+/// Takes a whole number off the front of the text; nothing when there is none or it does not fit.
 std::optional<std::uint32_t> takeNumber(std::string_view& text) {
     std::uint32_t number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -26,7 +26,7 @@ std::optional<std::uint32_t> takeNumber(std::string_view& text) {
     return number;
 }
 
-/// Takes `key` and the number behind it off the front of the text.
+/// Takes `key` and the number after it off the front of the text.
 std::optional<std::uint32_t> takeNumber(std::string_view& text, std::string_view key) {
     if (text.substr(0, key.size()) != key) {
         return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<std::uint32_t> takeNumber(std::string_view& text, std::string_view
     return takeNumber(text);
 }
 
-/// Takes a line off the front of the text, without its end. Nothing when it has none.
+/// Takes a line off the front of the text and returns it without its end; nothing when the line has no end.
 std::optional<std::string_view> takeLine(std::string_view& text) {
     const std::size_t end = text.find('\n');
     if (end == std::string_view::npos) {
@@ -54,7 +54,7 @@ bool parseProperty(std::string_view line, PropertyList& list) {
     std::string name(line.substr(0, nameEnd));
     line.remove_prefix(nameEnd + 1);
     const auto serial = takeNumber(line);
-    // Editors take a blank at the end away, which an empty value has in front of it.
+    // An empty value leaves a blank at the end of the line, which some editors remove.
     if (!serial || *serial == 0 || (!line.empty() && line.front() != ' ')) {
         return false;
     }
@@ -65,8 +65,8 @@ bool parseProperty(std::string_view line, PropertyList& list) {
            list.properties.emplace(std::move(name), Property{*std::move(value), *serial}).second;
 }
 
-/// The serial that a file begins with: not one that a file before it is likely to have had, in case somebody
-/// deletes it while others wait for its properties to change.
+/// The serial of the first write to a new file. It should differ from the serials of an earlier file that
+/// somebody deleted, since others may still be waiting for its properties to change.
 std::uint32_t firstSerial() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count() | 1);

@@ -23,7 +23,8 @@ void logOnce(const std::string& error) {
     }
 }
 
-/// A key and not a thread_local: that of the main thread would be destroyed before the statics that may ask.
+/// A pthread key instead of a thread_local: the main thread's thread_local would be destroyed before statics
+/// that may still read properties.
 pthread_key_t makeKey() {
     pthread_key_t key = 0;
     const bool isMade =
@@ -31,7 +32,8 @@ pthread_key_t makeKey() {
     return isMade ? key : PTHREAD_KEYS_MAX;
 }
 
-/// This thread's place for its view. Null when it can have none: then it reads the file every time.
+/// Returns where this thread keeps its view; null when it cannot keep one and has to read the file every
+/// time.
 ViewPointer* threadView() {
     static const pthread_key_t key = makeKey();
     auto* view = static_cast<ViewPointer*>(pthread_getspecific(key));

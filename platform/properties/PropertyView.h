@@ -11,19 +11,19 @@ namespace platform {
 struct PropertyView {
     const std::string* directory = nullptr;
     FileVersion version;
-    PropertyList list;  ///< what was read before, when the file of this version is refused
+    PropertyList list;  ///< the earlier properties, when this version of the file was refused
 };
 
-/// How much a look at the file was worth.
+/// Whether the returned properties are current.
 enum class Look {
     CURRENT,
-    FAILED,  ///< nothing or something older is known; a later look may do better
+    FAILED,  ///< they are missing or old; a later look may succeed
 };
 
-/// The properties as they are now; null while there are none and never were. Costs one system call while the
-/// file is the one that this thread has read. What was read stays when the file is deleted or damaged. A file
-/// that is refused is reported in the log, once. Any thread: each has its own, so that nothing is locked, and
-/// a child may be forked at any time.
+/// Returns the properties as they are now; null when there never were any. Costs one system call while the
+/// file has not changed since this thread read it. If somebody deletes or damages the file, the thread keeps
+/// what it read. The log says once that a file was refused. Any thread: each keeps its own view, so there is
+/// no lock, and a child may be forked at any time.
 std::shared_ptr<const PropertyView> currentProperties(Look& look);
 
 }  // namespace platform

@@ -16,10 +16,10 @@ namespace {
 
 struct OwnDirectory {
     std::string path;
-    const OwnDirectory* previous;  ///< whose path somebody may still refer to
+    const OwnDirectory* previous;  ///< kept, because somebody may still refer to its path
 };
 
-/// Without a destructor, since properties are read by a thread that outlives the statics.
+/// No destructor, since a thread that reads properties outlives the statics.
 std::atomic<const OwnDirectory*> gOwn = nullptr;
 std::atomic<bool> gIsOwnChosen = false;
 
@@ -28,13 +28,13 @@ std::string environment(const char* name) {
     return value == nullptr ? std::string() : std::string(value);
 }
 
-/// Whether the folder lies below /tmp, whatever its path looks like.
+/// Whether the folder really lies below /tmp, whatever its path looks like.
 bool isBelowTmp(const std::string& path) {
     const std::unique_ptr<char, decltype(&std::free)> real(realpath(path.c_str(), nullptr), &std::free);
     return real == nullptr || std::string(real.get()).rfind("/tmp/", 0) == 0;
 }
 
-/// What is wrong with the folder, empty when nothing is.
+/// Says what is wrong with the folder; empty when nothing is.
 std::string objection(const std::string& path) {
     if (path.front() != '/') {
         return "is not an absolute path";
@@ -58,7 +58,7 @@ std::string objection(const std::string& path) {
     if (status.st_uid != geteuid()) {
         return "belongs to another user (id " + std::to_string(status.st_uid) + ")";
     }
-    // Below /tmp anyone may have prepared the place; elsewhere a group is the user's own choice.
+    // Below /tmp, anyone may have prepared the folder; elsewhere the user chose to let a group write to it.
     if ((status.st_mode & S_IWOTH) != 0 || ((status.st_mode & S_IWGRP) != 0 && isBelowTmp(path))) {
         return "can be written to by other users (chmod 700 mends it)";
     }
@@ -103,7 +103,7 @@ const std::string* ownRuntimeDirectory(std::string& error) {
         return nullptr;
     }
     auto fresh = std::make_unique<OwnDirectory>(OwnDirectory{std::move(found.path), own});
-    // Of threads that look at once, one wins.
+    // When several threads get here at once, the first one wins.
     if (gOwn.compare_exchange_strong(own, fresh.get(), std::memory_order_acq_rel)) {
         own = fresh.release();
     }

@@ -15,7 +15,7 @@
 #include "properties/PropertyView.h"
 #include "properties/PropertyWriter.h"
 
-/// A property that was seen once. It is never freed, since handles are for good; its value is in the file.
+/// A property that somebody looked up. Never freed, since handles are valid for good; the file has its value.
 struct prop_info {
     std::string name;
     prop_info* next = nullptr;
@@ -29,7 +29,7 @@ using View = std::shared_ptr<const PropertyView>;
 /// All handles of this process.
 std::atomic<prop_info*> gHandles = nullptr;
 
-/// Restores the caller's errno at the end of a function that has none of its own.
+/// Restores the caller's errno at the end of a function.
 class ErrnoKept {
 public:
     ErrnoKept() = default;
@@ -48,7 +48,7 @@ prop_info* findHandle(const std::string& name, prop_info* first, const prop_info
     return first == end ? nullptr : first;
 }
 
-/// The handle of that name, made when it is asked for first. Any thread, without a lock.
+/// Returns the handle for a name, and makes it on the first call. Any thread, without a lock.
 const prop_info* handleOf(const std::string& name) {
     prop_info* first = gHandles.load(std::memory_order_acquire);
     prop_info* found = findHandle(name, first, nullptr);
@@ -70,7 +70,7 @@ const prop_info* handleOf(const std::string& name) {
     }
 }
 
-/// The properties as they are now; null while there are none. Without memory for them, as if there were none.
+/// Returns the properties as they are now; null when there are none or no memory for them.
 View look(Look& worth) {
     try {
         return currentProperties(worth);
@@ -93,7 +93,7 @@ const Property* propertyOf(const View& view, const prop_info* pi) {
     return found == view->list.properties.end() ? nullptr : &found->second;
 }
 
-/// The serial of a property (null: of all); 0 without one.
+/// Returns the serial of a property (of the last write for a null `pi`); 0 when there is none.
 std::uint32_t serialOf(const View& view, const prop_info* pi) {
     if (pi == nullptr) {
         return view == nullptr ? 0 : view->list.serial;
@@ -104,7 +104,7 @@ std::uint32_t serialOf(const View& view, const prop_info* pi) {
 
 timespec deadlineAfter(const timespec& timeout) {
     constexpr long NANOSECONDS = 1000000000L;
-    // Bounded so that the sum fits a 32-bit time as well; ten years are as good as for ever.
+    // Bounded so that the sum also fits a 32-bit time; nobody waits ten years.
     constexpr time_t MAX_SECONDS = 315360000;
     timespec deadline = {};
     clock_gettime(CLOCK_MONOTONIC, &deadline);
@@ -127,7 +127,7 @@ bool isPast(const timespec* deadline) {
            (now.tv_sec == deadline->tv_sec && now.tv_nsec >= deadline->tv_nsec);
 }
 
-/// Makes a watch on this process's runtime directory, if there is one.
+/// Starts a watch on this process's runtime directory, if there is one.
 void watchDirectory(std::optional<DirectoryWatch>& watch) {
     try {
         std::string ignored;
@@ -275,7 +275,7 @@ bool __system_property_wait(const prop_info* pi, uint32_t old_serial, uint32_t* 
             continue;
         }
         if (worth == platform::Look::CURRENT) {
-            platform::watchDirectory(watch);  // and another look, since it sees only what comes
+            platform::watchDirectory(watch);  // then looks again, since the watch sees only later changes
         }
         if (!watch) {
             platform::DirectoryWatch::sleepWithoutWatch(deadline);

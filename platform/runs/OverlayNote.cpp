@@ -50,8 +50,8 @@ std::string toText(const OverlayNote& note) {
            "\nreason " + escapeText(note.reason) + '\n';
 }
 
-/// Takes the rest of the next line off the text, which must begin with `key` and a blank. Nothing when it
-/// does not.
+/// Takes the next line off the text and returns what follows `key` and a blank; nothing when the line does
+/// not begin with them.
 std::optional<std::string_view> takeLine(std::string_view& text, std::string_view key) {
     const std::size_t end = text.find('\n');
     std::string_view line = text.substr(0, end);
@@ -87,7 +87,7 @@ std::optional<OverlayNote> parse(std::string_view text, pid_t process) {
     return OverlayNote{process, *plainName, *apiNumber, *shown == "1", *frameCount, *plainReason};
 }
 
-/// Nothing but a note that a process of this user wrote.
+/// Reads a note only if a process of this user wrote it.
 std::optional<OverlayNote> readNote(const std::string& directory, pid_t process) {
     std::string text;
     if (readPlainFile(notePath(directory, process), text, SIZE_MAX_BYTES) != 0) {
@@ -96,14 +96,14 @@ std::optional<OverlayNote> readNote(const std::string& directory, pid_t process)
     return parse(text, process);
 }
 
-/// The processes that notes in the folder are named after.
+/// The processes that the folder has notes of.
 std::vector<pid_t> namedProcesses(const std::string& directory) {
     std::vector<pid_t> processes;
     DIR* const entries = opendir(directory.c_str());
     if (entries == nullptr) {
         return processes;
     }
-    // The stream belongs to this call alone.
+    // No other thread has this stream.
     while (const dirent* const entry = readdir(entries)) {  // NOLINT(concurrency-mt-unsafe)
         const pid_t process = processOfName(entry->d_name);
         if (process != 0) {
@@ -115,8 +115,8 @@ std::vector<pid_t> namedProcesses(const std::string& directory) {
     return processes;
 }
 
-/// A run's folder goes with its notes. In the user's, where every program with the layer leaves one, those of
-/// ended processes go when the next one comes.
+/// A run's folder is removed together with its notes. In the user's folder, where every program with the
+/// layer leaves a note, each new one removes those of ended processes.
 void removeOldNotes(const std::string& directory) {
     for (const pid_t process : namedProcesses(directory)) {
         if (kill(process, 0) != 0 && errno == ESRCH && readNote(directory, process)) {

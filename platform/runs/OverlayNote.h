@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-/// What a process with the layer says of its overlay, for `run`, `doctor` and `picture`: a file "note.PID" in
-/// the runtime directory, kept when the process has ended so that its launcher can say why nothing was seen.
+/// What a process with the layer reports about its overlay, for `run`, `doctor` and `picture`: a file
+/// "note.PID" in the runtime directory. It stays when the process ends, so that the launcher can say why
+/// nothing was shown.
 namespace platform {
 
 struct OverlayNote {
@@ -15,16 +16,17 @@ struct OverlayNote {
     std::string name;          ///< as the library reads the process's name
     std::int32_t api = 0;      ///< the number of the layer's graphics API
     bool wasShown = false;     ///< the overlay was drawn in at least one frame
-    std::uint64_t frames = 0;  ///< swaps seen when the note was written
+    std::uint64_t frames = 0;  ///< how many swaps there were when the note was written
     std::string reason;  ///< why it is not shown now, as a sentence's end: "its context is older than ..."
                          ///< empty while it is shown
 };
 
-/// Writes this process's note, replacing the last one. For changes only, not for every frame: some file
-/// operations, without signals or waiting. Does nothing when there is no runtime directory.
+/// Writes this process's note over the last one. Call it when something changes, not at every frame: it costs
+/// some file operations, but raises no signal and never waits. Does nothing without a runtime directory.
 void writeOverlayNote(const OverlayNote& note);
 
-/// The notes in a runtime directory, in ascending order of their processes. What is no note is passed over.
+/// Reads the notes in a runtime directory, in ascending order of their processes; skips files that are no
+/// notes.
 std::vector<OverlayNote> readOverlayNotes(const std::string& directory);
 
 }  // namespace platform

@@ -22,12 +22,12 @@ namespace {
 
 constexpr std::string_view NAME_BEGIN = "run-";
 constexpr std::string_view MARKER_TEXT = "This folder belongs to a program that kordanixctl started.\n";
-/// Of what the processes of a run put into their folder nothing has a longer name.
+/// The longest name of a file that the processes of a run create in their folder.
 constexpr std::string_view LONGEST_SOCKET = "/process.4194304.sock";
-/// Whoever looks whether a marker is locked holds it himself for that moment.
+/// Whoever tests whether a marker is locked holds the lock for a moment, so taking it once is not enough.
 constexpr int LOCK_TRIES = 4;
 constexpr useconds_t LOCK_PAUSE_US = 500;
-/// Folders in a run's folder that are looked into.
+/// How deep removeContents() goes into folders.
 constexpr int MAX_DEPTH = 8;
 
 std::string messageOf(int error) {
@@ -47,7 +47,7 @@ bool tryLock(int file, int operation) {
     return false;
 }
 
-/// Opens the folder itself, not what a link leads to, if it is the user's own; otherwise -1.
+/// Opens the folder if it is this user's and not a link; otherwise returns -1.
 int openFolder(const std::string& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     struct stat status = {};
@@ -58,7 +58,7 @@ int openFolder(const std::string& folder) {
     return descriptor;
 }
 
-/// Opens the marker if we wrote it; otherwise -1.
+/// Opens the marker if we wrote it; otherwise returns -1.
 int openMarker(const std::string& folder) {
     const int directory = openFolder(folder);
     if (directory < 0) {
@@ -82,8 +82,8 @@ int openMarker(const std::string& folder) {
     return marker;
 }
 
-/// Removes all that is in an open folder but, in that of the run itself, the marker. Never leaves it through
-/// a link. Takes over the descriptor. False when something is left.
+/// Removes everything in an open folder, except the marker in the run's own. Never follows a link out of it.
+/// Closes the descriptor. False when something is left.
 bool removeContents(int directory, int depth) {
     DIR* const entries = fdopendir(directory);
     if (entries == nullptr) {
@@ -91,7 +91,7 @@ bool removeContents(int directory, int depth) {
         return false;
     }
     bool isEmpty = true;
-    // The stream belongs to this call alone.
+    // No other thread has this stream.
     while (const dirent* const entry = readdir(entries)) {  // NOLINT(concurrency-mt-unsafe)
         const std::string_view name(entry->d_name);
         if (name == "." || name == ".." || (depth == 0 && name == RUN_MARKER) ||
@@ -110,7 +110,7 @@ bool removeContents(int directory, int depth) {
     return isEmpty;
 }
 
-/// The process that a run's folder is named after, with its start. False for another name.
+/// Reads the process and its start from the name of a run's folder. False for any other name.
 bool readName(const std::string& folder, pid_t& process, std::uint64_t& start) {
     std::string_view name(folder);
     name.remove_prefix(name.rfind('/') + 1);
@@ -197,8 +197,8 @@ bool removeEndedRun(const std::string& folder) {
         return false;
     }
     bool isGone = false;
-    // Locked to the end, so that nobody begins to hold a folder that is about to go. The marker goes last: a
-    // folder that cannot be emptied now can be later.
+    // Holds the lock to the end, so that nobody starts to use a folder that we are removing. Removes the
+    // marker last: a folder that cannot be emptied now can be emptied later.
     if (tryLock(marker, LOCK_EX)) {
         const int directory = openFolder(folder);
         isGone = directory >= 0 && removeContents(directory, 0) &&

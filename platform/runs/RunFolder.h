@@ -6,51 +6,51 @@
 
 #include "io/OwnDescriptor.h"
 
-/// A run is a program that `kordanixctl run` started, with whatever it starts in turn. It has a runtime
-/// directory of its own, run-PID-START below the user's, in which lies the file "run", the marker that we
-/// wrote. `run` and every process with the overlay hold a shared lock on the marker, each by an open file of
-/// its own: a folder without our marker, or with a locked one, is never removed.
+/// A run is a program that `kordanixctl run` started, with everything that it starts in turn. A run has its
+/// own runtime directory, run-PID-START below the user's. In it lies our marker, the file "run". `run` and
+/// every process with the overlay open the marker and hold a shared lock on it. We never remove a folder
+/// without our marker, or with a locked one.
 namespace platform {
 
-/// The file in a run's folder that says whose it is.
+/// The name of the marker in a run's folder.
 constexpr const char* RUN_MARKER = "run";
 
-/// Makes the folder, with its marker, for a program that this process will start. Returns its path; empty,
-/// with the reason in `error`, when it cannot be made or its path would be too long for a socket in it.
+/// Creates the folder and its marker for a program that this process will start. Returns the path; on
+/// failure, or when the path would be too long for a socket in it, an empty text with the reason in `error`.
 std::string makeRunFolder(const std::string& userDirectory, std::string& error);
 
 /// Whether the folder has a marker that we wrote. Follows no link.
 bool isRunFolder(const std::string& folder);
 
-/// The number of `run` in the folder's name, whether or not it still runs; 0 for another name.
+/// The process id of `run` in the folder's name, running or not; 0 for any other name.
 pid_t runProcess(const std::string& folder);
 
-/// Whether `run` has surely ended, by the folder's name; false for another name.
+/// Whether the `run` in the folder's name has certainly ended; false for any other name.
 bool hasLauncherEnded(const std::string& folder);
 
-/// Whether any process holds the run's marker.
+/// Whether any process holds a lock on the run's marker.
 bool isRunHeld(const std::string& folder);
 
-/// Whether the run has ended: the folder's name says that `run` has, and nobody holds a marker of ours.
-/// False for what is no run's folder.
+/// Whether the run has ended: the `run` in the folder's name has ended, and nobody holds a lock on our
+/// marker. False when the folder is not a run's.
 bool isRunOver(const std::string& folder);
 
-/// Removes what an ended run left, without following links: on evidence only, which is a marker of ours that
-/// nobody holds, and the end of the process in the name; for that process's own run, the marker alone.
-/// False when it, or a part of it, was left.
+/// Removes the folder of an ended run, without following links. It requires our marker with no lock on it,
+/// and that the process in the folder's name has ended; when that is this process itself, the marker is
+/// enough. False when it left anything behind.
 bool removeEndedRun(const std::string& folder);
 
 /// Keeps a run's folder from being removed. One thread at a time.
 class RunHold {
 public:
-    /// Takes the lock if the folder is that of a run; otherwise holds nothing. Tries for two milliseconds.
+    /// Locks the marker if the folder is a run's; otherwise does nothing. Tries for two milliseconds.
     void take(const std::string& folder);
 
-    /// Takes it anew when the program has closed our descriptor meanwhile. A system call or two.
+    /// Locks it again if the program has closed our descriptor. Costs a system call or two.
     void renew();
 
-    /// Closes the descriptor. In a forked child, which shares the parent's lock, the parent keeps that; so
-    /// does `run` let go before it removes its folder.
+    /// Closes the descriptor. A forked child calls this, and the parent keeps the lock that they share; `run`
+    /// calls it before it removes its folder.
     void forget();
 
 private:

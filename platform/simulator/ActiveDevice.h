@@ -4,7 +4,7 @@
 
 namespace simulator {
 
-/// The device that is simulated, or null. Constant after the first call; any thread.
+/// Returns the simulated device, or null. Never changes after the first call; any thread.
 const Device* activeDevice();
 
 }  // namespace simulator

@@ -36,7 +36,7 @@ double Curve::integralOfRound(double seconds) const {
         const double from = std::max(begin.time, 0.0);
         const double to = std::min(end.time, seconds);
         if (from < to) {
-            // The value in the middle is the mean of a straight line.
+            // On a straight line, the mean is the value in the middle.
             area += valueBetween(begin, end, (from + to) / 2.0) * (to - from);
         }
     }

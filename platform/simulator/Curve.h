@@ -4,16 +4,16 @@
 
 namespace simulator {
 
-/// A figure over time that repeats for ever. Between its points it runs in straight lines, also from the last
-/// one to the first of the next round; a stepped curve keeps each point's value until the next one instead.
+/// A figure over time that repeats for ever. It runs in straight lines between its points, and from the last
+/// one to the first of the next round. A stepped curve keeps each point's value until the next point.
 class Curve {
 public:
     struct Point {
-        double time;  ///< seconds, from 0 to below the period
+        double time;  ///< seconds; from 0, below the period
         double value;
     };
 
-    /// At least one point, times ascending; `period` in seconds, above 0.
+    /// Takes at least one point, with ascending times; `period` in seconds, above 0.
     Curve(const std::vector<Point>& points, double period, bool isStepped);
 
     /// `seconds` from 0.
@@ -26,7 +26,7 @@ private:
     double integralOfRound(double seconds) const;
     double valueBetween(const Point& begin, const Point& end, double time) const;
 
-    std::vector<Point> mPoints;  ///< with the last one of the previous and the first one of the next round
+    std::vector<Point> mPoints;  ///< also the last point of the previous round and the first of the next
     double mPeriod;
     bool mIsStepped;
 };

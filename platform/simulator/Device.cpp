@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr int MAX_DECIMALS = 6;
 
-/// Not with a stream: the standard library opens one with fopen, which this very code answers. Returns an
+/// Does not use a stream: the standard library opens one with fopen, which the simulator replaces. Returns an
 /// empty text or an error.
 std::string readText(const std::string& path, std::string& text) {
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);

@@ -10,16 +10,16 @@
 
 namespace simulator {
 
-/// A device as its folder describes it; devices/README.md says what stands there. Constant once it is loaded,
-/// and then for any thread.
+/// A device as its folder describes it; devices/README.md says how. Never changes once loaded, and then any
+/// thread may use it.
 class Device {
 public:
-    /// Reads the folder. Returns an empty text, or what is wrong with which file: "PATH:LINE: ..." where the
+    /// Reads the folder. Returns an empty text, or which file is wrong and how: "PATH:LINE: ..." where the
     /// fault has a line.
     std::string load(const std::string& folder);
 
-    /// The content of the device's file of this absolute path at this time, in seconds from 0; nothing when
-    /// the device has no such file.
+    /// Returns the content of the device's file at this absolute path at this time, in seconds from 0;
+    /// nothing when the device has no such file.
     std::optional<std::string> fileAt(const std::string& path, double seconds) const;
 
     /// The system properties that the device sets, by name.
@@ -28,7 +28,7 @@ public:
     const Script& script() const { return mScript; }
 
 private:
-    /// A text, then a figure of the script; the last piece of a file has none.
+    /// A text and the script's figure that follows it; the last piece of a file has no figure.
     struct Piece {
         std::string text;
         std::string figure;

@@ -24,7 +24,7 @@ constexpr double RUNNING = -1.0;
 constexpr double SAMPLE_SECONDS = 0.0005;
 constexpr double MS_PER_SECOND = 1000.0;
 
-// Any thread sets and reads them; no other data hangs on them.
+// Any thread sets and reads them. Relaxed order, since they publish no other data.
 std::atomic<double> gStoppedTime{RUNNING};
 std::atomic<double> gCaptureStart{0.0};
 std::atomic<double> gCaptureDelay{0.0};
@@ -37,7 +37,8 @@ struct Choice {
     Clock::time_point start = Clock::now();
 };
 
-/// Found from where the program lies: installed or, in a build folder, among the sources.
+/// Finds the folder by the program's own path: the installed one or, in a build folder, the one in the
+/// sources.
 const fs::path& devicesFolder() {
     static const auto* const folder = [] {
         std::error_code failure;
@@ -133,7 +134,7 @@ std::optional<ScriptedFrame> frameAt(double seconds) {
 
 namespace {
 
-/// Returns when the capture begins on the device's clock: as if the swap before the frame had started it.
+/// Begins a capture at the start of the current frame, and returns that time on the device's clock.
 double beginCapture(double seconds) {
     const std::optional<ScriptedFrame> frame = frameAt(seconds);
     const double start = frame ? frame->startMs / MS_PER_SECOND : seconds;
@@ -147,7 +148,7 @@ double sampleTime() {
     if (gStoppedTime.load(std::memory_order_relaxed) < 0.0) {
         return now() - gCaptureDelay.load(std::memory_order_relaxed);
     }
-    // Not from now: the time may be set to the next frame meanwhile.
+    // Counted from the capture's start, because the demo may already have set the time to the next frame.
     const std::uint32_t index = gCaptureSamples.fetch_add(1, std::memory_order_relaxed) + 1;
     return gCaptureStart.load(std::memory_order_relaxed) + index * SAMPLE_SECONDS;
 }

@@ -18,13 +18,13 @@ constexpr double MAX_REPETITIONS = 1000.0;
 constexpr double MS_PER_SECOND = 1000.0;
 constexpr double MAX_VALUE = std::numeric_limits<std::uint32_t>::max();
 
-// Bounds of what a script says, far beyond any device, within which all sums and products are finite.
+// No device comes near these bounds, and within them all sums and products are finite.
 constexpr double LARGEST = 1e15;
 constexpr double SHORTEST = 1e-6;
 
 using Json = nlohmann::json;
 
-/// A value of the script and where it stands.
+/// A value of the script and its position.
 struct Node {
     const Json& root;
     Json::json_pointer pointer;
@@ -36,7 +36,7 @@ struct Node {
     Node at(std::size_t index) const { return {root, pointer / index}; }
 };
 
-/// Something is wrong with the script. Does not leave this file.
+/// Thrown when something is wrong with the script. Does not leave this file.
 struct ScriptError {
     std::string where;  ///< ":LINE" or ": /POINTER"
     std::string expected;
@@ -54,7 +54,7 @@ Node member(const Node& object, const char* name) {
     return object.at(name);
 }
 
-/// Catches misspelt names of members that may be missing.
+/// Refuses names that are not in the list, so that a misspelt optional member is reported.
 void requireObject(const Node& node, std::initializer_list<std::string_view> names) {
     if (!node.value().is_object()) {
         fail(node, "an object");
@@ -106,7 +106,7 @@ double wholeNumber(const Node& node, double least, double most) {
     return whole;
 }
 
-/// The number of its elements.
+/// Returns the number of elements.
 std::size_t requireList(const Node& node) {
     if (!node.value().is_array() || node.value().empty()) {
         fail(node, "a list with at least one element");
@@ -184,7 +184,7 @@ std::vector<double> readValues(const Node& node, double least, std::size_t count
     return values;
 }
 
-/// A pass, or several ones alike when it repeats.
+/// Reads a pass, or several alike when it repeats.
 void readPass(const Node& node, std::vector<ScriptedPass>& passes) {
     requireObject(node, {"start", "duration", "values", "repeat"});
     const double start = notNegative(member(node, "start"));
@@ -212,7 +212,7 @@ void readPass(const Node& node, std::vector<ScriptedPass>& passes) {
     }
 }
 
-/// Where the last frame ends, in milliseconds.
+/// When the last frame ends, in milliseconds.
 double endOf(const std::vector<ScriptedFrame>& frames) {
     return frames.empty() ? 0.0 : frames.back().startMs + frames.back().durationMs;
 }
@@ -249,7 +249,7 @@ void readScript(const Node& root, Script& script) {
     }
 }
 
-/// Refuses names that stand twice in an object, of which the parser would take the last one.
+/// Refuses an object that has a name twice; the parser would silently take the last one.
 Json parse(std::string_view text) {
     std::vector<std::set<std::string>> names;
     const auto check = [&names](int /*depth*/, Json::parse_event_t event, Json& parsed) {

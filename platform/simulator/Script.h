@@ -14,7 +14,7 @@ namespace simulator {
 /// A render pass of a frame, in milliseconds from the frame's start.
 struct ScriptedPass {
     double startMs;
-    double endMs;                       ///< not before the start; may lie after the frame's end
+    double endMs;                       ///< not before the start; may be after the frame's end
     std::vector<std::uint32_t> values;  ///< 1 to 6
 };
 
@@ -25,39 +25,39 @@ struct ScriptedFrame {
     std::vector<ScriptedPass> passes;  ///< at least one, in the script's order
 };
 
-/// What a simulated device does over time; devices/README.md describes the text it is read from.
+/// What a simulated device does over time; devices/README.md describes the format.
 class Script {
 public:
-    /// Names of the curves that the GPU counters follow.
+    /// The names of the curves that the GPU counters follow.
     struct Counters {
         std::string usage;           ///< percent
-        std::string vertexActivity;  ///< fractions
+        std::string vertexActivity;  ///< fraction from 0 to 1
         std::string fragmentActivity;
     };
 
-    /// Reads a script. Returns an empty text, or "PATH: POINTER: expected ..." with the JSON pointer of what
-    /// is wrong; where the text is no JSON, "PATH:LINE: expected JSON: ...".
+    /// Reads a script. Returns an empty text, or "PATH: POINTER: expected ..." with the JSON pointer of the
+    /// wrong value, or "PATH:LINE: expected JSON: ..." when the text is not JSON.
     std::string read(const std::string& path, std::string_view text);
 
-    /// Whether there is a curve or a total of this name.
+    /// Whether a curve or a total has this name.
     bool hasFigure(const std::string& name) const;
 
-    /// The figure at this time, in seconds from 0; 0 when there is none of this name.
+    /// Returns the figure at this time, in seconds from 0; 0 when none has this name.
     double figureAt(const std::string& name, double seconds) const;
 
     /// Nothing when the device has no GPU counters.
     std::optional<Counters> counters;
 
-    /// One after the other, and then again from the first one; empty when the device has no render passes.
+    /// The device works on them in turn and then starts over; empty when it has no render passes.
     std::vector<ScriptedFrame> frames;
 
-    /// The frame that the device is at work on at this time; nothing when it has none.
+    /// Returns the frame that the device works on at this time; nothing when it has none.
     std::optional<ScriptedFrame> frameAt(double seconds) const;
 
     /// A figure that grows with the area under a curve, such as a count of ticks.
     struct Total {
         std::string curve;
-        double perSecond = 0.0;  ///< growth in a second in which the curve is at 1
+        double perSecond = 0.0;  ///< growth per second while the curve is at 1
         double start = 0.0;
     };
 

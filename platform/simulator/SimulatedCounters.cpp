@@ -1,4 +1,4 @@
-// The counter source for simulated devices, in the place of core/HWcounterAdreno.cpp.
+// The counter source for simulated devices, built in place of core/HWcounterAdreno.cpp.
 
 #include "core/HWcounterAdreno.h"
 #include "core/StateInfo.h"
@@ -8,7 +8,7 @@
 
 #include <cmath>
 
-/// Missing in an executable that simulates no devices; the source is then unavailable.
+/// Null in an executable that simulates no devices; the source is then unavailable.
 extern "C" __attribute__((weak)) bool kordanixSimulatedGpu(KordanixSimulatedMoment moment,
                                                            KordanixSimulatedGpu* sample);
 
@@ -78,7 +78,7 @@ bool HWcounter::readGpuActivity(unsigned long long* timestamp, double* usage, do
     return true;
 }
 
-// A capture asks for one of the two offsets before its first sample: this is where it begins.
+// The library asks for one of these two offsets before a capture's first sample, so they begin the capture.
 
 bool HWcounter::getCpuGpuTimeDiff(unsigned long long* diff) {
     *diff = 0;

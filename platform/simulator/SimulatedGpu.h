@@ -1,7 +1,7 @@
 #pragma once
 
-/// Between the counter source, which is part of the library, and the simulated device, which is part of the
-/// executable.
+/// The interface between the counter source, which is part of the library, and the simulated device, which is
+/// part of the executable.
 extern "C" {
 
 /// A sample of the GPU's counters.
@@ -13,7 +13,7 @@ struct KordanixSimulatedGpu {
 };
 
 enum KordanixSimulatedMoment {
-    KORDANIX_SIMULATED_NOW,      ///< outside of a capture
+    KORDANIX_SIMULATED_NOW,      ///< outside a capture
     KORDANIX_SIMULATED_CAPTURE,  ///< a capture begins
     KORDANIX_SIMULATED_SAMPLE    ///< the next sample of the capture
 };

@@ -1,4 +1,4 @@
-// Platform functions in the executable, where they take precedence over those of the libraries. They may be
+// Platform functions in the executable, which the linker prefers to those of the libraries. They may be
 // called before any static of the executable is constructed.
 
 #include "simulator/ActiveDevice.h"
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The function that would be called without this file.
+/// The function that callers would get without this file.
 template <typename Function>
 Function* next(Function& /*same*/, const char* name) {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
@@ -39,7 +39,7 @@ std::FILE* openText(const std::string& text) {
     return stream;
 }
 
-/// Handles are opaque to their users: those of the device's properties are the addresses of its entries.
+/// Callers never look into a handle, so a property's handle is the address of its map entry.
 using Entry = std::map<std::string, std::string>::value_type;
 
 const Entry* findEntry(const char* name) {
@@ -51,7 +51,7 @@ const Entry* findEntry(const char* name) {
     return found != device->properties().end() ? &*found : nullptr;
 }
 
-/// The entry behind a handle, or null when it is not one of the device's.
+/// The entry behind a handle; null when the handle is not the device's.
 const Entry* entryOf(const prop_info* property) {
     if (const simulator::Device* const device = simulator::activeDevice()) {
         for (const Entry& entry : device->properties()) {

@@ -7,7 +7,7 @@ namespace android {
 
 namespace {
 
-/// What all empty strings point to, so that they allocate nothing.
+/// All empty strings point here, so that they allocate nothing.
 constexpr char EMPTY[] = "";
 
 const char* copyOf(const char* text, std::size_t length) {

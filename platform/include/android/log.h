@@ -4,7 +4,7 @@
 extern "C" {
 #endif
 
-// The platform's names are reserved ones.
+// The identifiers are Android's, though C++ reserves such names.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 
 /// Priorities of a log message, in rising order of severity.
@@ -21,9 +21,10 @@ typedef enum android_LogPriority {
 } android_LogPriority;
 
 /// Writes one printf-style message under `tag`. On the host it goes to standard error in logcat's brief
-/// format, "E/Kordanix( 1234): text", every line of it so, unless its priority is below the level that
-/// KORDANIX_LOG names (verbose, debug, info, warn, error, fatal, silent or their first letters; default
-/// info; read at the first message). At most 1023 bytes are written. Any thread. Returns 1 when it was
+/// format, with "E/Kordanix( 1234): " in front of every line. Messages below the level that KORDANIX_LOG
+/// names (verbose, debug, info, warn, error, fatal, silent or their first letters; default info; read at the
+/// first message) are dropped. Writes at most 1023 bytes. Any thread. Returns 1 when it wrote the message, 0
+/// when it dropped it, a negative error number otherwise; keeps errno.
 /// written, 0 when it was filtered, a negative error number otherwise; keeps errno.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((format(printf, 3, 4)));

@@ -3,15 +3,15 @@
 #include <cstddef>
 #include <vector>
 
-/// Columns of frame dumps beside those that the library names. Only the host's companion library takes them:
-/// the functions are weak, and null with another one.
+/// Adds columns to frame dumps, behind those that the library names. Only the host's companion library has
+/// these functions; they are weak, so with another companion library they are null.
 namespace Ostra {
 
-/// The names of these columns in the dumps that start from now on. The texts live as long as the process.
+/// Names the extra columns of the dumps that start from now on. The texts must live as long as the process.
 __attribute__((weak)) void setExtraColumns(const std::vector<const char*>& names);
 
-/// Their values in the frames that are added from now on, in the same order; a NaN leaves a field empty. On
-/// the thread that adds the frames. Allocates nothing.
+/// Sets the values of the extra columns, in the order of their names, for the frames that are added from now
+/// on; a NaN leaves a field empty. Call it on the thread that adds the frames. Allocates nothing.
 __attribute__((weak)) void setExtraValues(const double* values, std::size_t count);
 
 }  // namespace Ostra

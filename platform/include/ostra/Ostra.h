@@ -7,21 +7,22 @@
 #include <functional>
 #include <vector>
 
-/// The companion library: takes frame dumps, fixes and releases the device's clocks, delivers key presses
-/// and says when the application goes to the background. On 32-bit ARM the records are a binary contract.
+/// The companion library: takes frame dumps, fixes and releases the device's clocks, delivers key presses and
+/// tells listeners when the application goes to the background. On 32-bit ARM the layout of the records is
+/// part of the binary interface.
 namespace Ostra {
 
 /// Names one dumpable value and says how its slot in a dump is encoded.
 struct DumpWidgetMeta {
     android::String8 name;    ///< display name, e.g. "Fps"
     std::uint32_t valueType;  ///< 0 and 2: unsigned integer (2: bytes); 1: float
-    std::uint32_t flag;       ///< 0 or 1, only passed on
+    std::uint32_t flag;       ///< 0 or 1, passed on unchanged
 };
 
 /// One value slot. An untouched slot is all zero.
 union DumpValue {
     std::uint64_t intValue;  ///< when the meta's valueType is 0 or 2
-    float floatValue;        ///< when it is 1; the other four bytes carry no meaning
+    float floatValue;        ///< when it is 1; the other four bytes are ignored
 };
 
 /// One render pass of a dumped frame.
@@ -71,22 +72,23 @@ struct KeyEvent {
 /// Listeners are never removed.
 void registerAppBecomeBackgroundListener(std::function<void()> listener);
 
-/// Asks for fixed clocks; true when they are fixed.
+/// Asks the device to fix its clocks; true when it has.
 bool fixClock(unsigned long long cpuClock, unsigned long long gpuClock);
 
 /// Releases the clocks.
 void unfixClock();
 
-/// The key events since the previous call, in arrival order.
+/// Returns the key events since the previous call, in arrival order.
 std::vector<KeyEvent> receiveKeyEvents();
 
-/// Starts a dump of the values that `metas` names. A dump that is still running is finished first.
+/// Starts a dump of the values that `metas` names. Finishes a running dump first.
 void startDumping(const std::vector<DumpWidgetMeta>& metas);
 
-/// Hands over one frame; copies what it keeps and never waits for the disk. Ignored when no dump runs.
+/// Adds one frame to the dump: copies what it needs and never waits for the disk. Does nothing without a
+/// dump.
 void addDump(const FrameDump& dump);
 
-/// Ends the dump; when it returns, everything handed over before is in the files.
+/// Ends the dump; when it returns, every frame added before is in the files.
 void finishDumping();
 
 }  // namespace Ostra

@@ -4,9 +4,9 @@
 
 namespace android {
 
-/// A zero-terminated 8-bit string that owns its bytes, in an object the size of one pointer: a part of the
-/// platform's class, declared as there, so that what compiles with this compiles with that. One object
-/// belongs to one thread at a time.
+/// A zero-terminated 8-bit string that owns its bytes, in an object the size of one pointer. It has a part of
+/// Android's class, declared exactly as there, so that code which compiles with this one compiles with that
+/// one. One object belongs to one thread at a time.
 class String8 {
 public:
     String8();
@@ -15,11 +15,10 @@ public:
     explicit String8(const char* text, std::size_t length);
     ~String8();
 
-    /// The text, valid until the object changes or ends.
+    /// The text; valid until the object changes or is destroyed.
     const char* c_str() const;
     const char* string() const;
 
-    /// The number of bytes before the terminating zero.
     std::size_t size() const;
     std::size_t length() const;
     bool isEmpty() const;
