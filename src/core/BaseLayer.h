@@ -4,23 +4,24 @@
 
 namespace core {
 
-/// Base of the one object with which a graphics-API layer attaches to an application. Attaching and detaching
-/// are idempotent. Not thread-safe: the layer calls everything here on its rendering thread.
+/// The base of the one object by which a graphics-API layer attaches to an application. Attaching twice, or
+/// detaching twice, has no further effect. Not thread-safe: the layer calls everything on its rendering
+/// thread.
 class KORDANIX_EXPORT BaseLayer {
 public:
     virtual ~BaseLayer();
 
-    /// Called by the layer before it draws; does nothing unless overridden.
+    /// The layer calls this before it draws; does nothing unless overridden.
     virtual void onPreDraw();
 
-    /// What the layer does when it attaches and detaches; only attach() and detach() call these.
+    /// What the layer does to attach and to detach. Only attach() and detach() call these.
     virtual void onAttach() = 0;
     virtual void onDetach() = 0;
 
-    /// Runs onAttach() unless attached already.
+    /// Calls onAttach() unless the layer is attached.
     void attach();
 
-    /// Runs onDetach() if attached.
+    /// Calls onDetach() if the layer is attached.
     void detach();
 
     bool mIsAttached = false;

@@ -12,7 +12,7 @@ constexpr int DEVICE_COUNT = 9;
 
 struct ClockPair {
     std::uint64_t cpu;
-    std::uint64_t gpu;  ///< MHz for Mali, as the companion library takes it for Adreno
+    std::uint64_t gpu;  ///< MHz for Mali; for Adreno as the companion library takes it
 };
 
 /// One row per device index: Mali, Adreno.

@@ -1,4 +1,4 @@
-// The frame hooks, and with them the one place where the state meets the layout manager and the drawers.
+// The frame hooks. This is the only file where the state meets the layout manager and the drawers.
 
 #include "core/KeyEventInterceptor.h"
 #include "core/StateInfo.h"
@@ -65,7 +65,7 @@ void StateInfo::onPreSwapBuffers(RenderingApiType api) {
 
 void StateInfo::onPostSwapBuffers(const std::vector<drawer::Drawer*>& drawers) {
     ++mFrameNumber;
-    // Recording comes first: the frame that starts a dump is not in it, the frame that stops it is.
+    // Record first, so that a dump contains the frame that stops it but not the one that starts it.
     if (isDumpingEnabled()) {
         recordFrame(drawers);
     }

@@ -12,9 +12,9 @@ namespace {
 
 constexpr float LAST_BIN = static_cast<float>(StateInfo::FPS_BIN_COUNT - 1);
 
-// The slot the next sample of any object goes to, and whether all slots have been used once. Layers of two
-// APIs may feed objects of their own on threads of their own; each value stands alone, so relaxed order is
-// enough.
+// The slot that the next sample of any object goes to, and whether all slots have been used once. Layers of
+// two APIs may feed their own objects on their own threads. Nothing depends on two of these values together,
+// so relaxed order is enough.
 std::atomic<std::uint32_t> sFpsWindowIndex{0};
 std::atomic<bool> sIsFpsWindowFull{false};
 
@@ -22,7 +22,7 @@ float capped(float fps, float maximum) {
     return fps > maximum ? maximum : fps;
 }
 
-/// The bin a figure in tenths of a frame per second lies in, whatever the figure is.
+/// The bin of a figure in tenths of a frame per second. Any figure has one, NaN too.
 std::uint32_t binOf(float fpsX10) {
     return fpsX10 > 0.0F ? static_cast<std::uint32_t>(std::min(fpsX10, LAST_BIN)) : 0;
 }
@@ -34,7 +34,7 @@ float medianOf(const std::uint32_t* histogram, std::uint32_t count, float previo
     std::uint32_t lastNonEmpty = 0;
     for (std::uint32_t bin = 0; bin < StateInfo::FPS_BIN_COUNT; ++bin) {
         if (below + histogram[bin] > half) {
-            // Of an even number of samples the lower middle one may lie in an earlier bin.
+            // When the count is even, the lower of the two middle samples may be in an earlier bin.
             const bool isMiddleInBin = count % 2 == 1 || below != half;
             return isMiddleInBin ? static_cast<float>(bin) : static_cast<float>(lastNonEmpty + bin) * 0.5F;
         }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint32_t MIN_STEP_US = 500;
 
-/// Empties a series and gives its storage back. One that has none is only looked at, see startCapturing().
+/// Empties a series and frees its memory. Does not write to one that has none, see startCapturing().
 void release(std::vector<ShaderActivity>& series) {
     if (series.capacity() != 0) {
         std::vector<ShaderActivity>().swap(series);
@@ -63,9 +63,8 @@ void HWcounterThread::startCapturing(unsigned long durationMs) {
         mThread.detach();
     }
     if (state != CounterState::READY) {
-        // The new thread is going to initialise the source, which clears the published figures as well. The
-        // layer may be reading them by then, so they are cleared here and the thread finds nothing left to
-        // write.
+        // The new thread will initialise the source, which also clears the published figures. The layer may
+        // be reading them by then. So they are cleared here, and the thread finds nothing left to clear.
         clearPublished();
     }
     clearCapture();
@@ -136,7 +135,7 @@ void HWcounterThread::threadFunction() {
     try {
         sample();
     } catch (const std::exception&) {
-        // No memory for another sample: the capture ends with those that both series have.
+        // No memory for another sample: the capture ends with the samples that both series have.
         mCaptureVertexActivity.resize(mCaptureFragmentActivity.size());
     }
     mIsCapturing.store(false, std::memory_order_release);

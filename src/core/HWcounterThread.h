@@ -17,23 +17,23 @@ struct ShaderActivity {
     float activity;  ///< fraction, 0 to 1
 };
 
-/// Samples GPU counters on a thread of its own for the length of one capture, at most once in 500 µs. Between
-/// samples the thread polls the clock without sleeping and so keeps one CPU core busy.
+/// Samples GPU counters on a thread of its own during one capture, at most once in 500 µs. Between samples
+/// the thread polls the clock without sleeping, which keeps one CPU core busy.
 ///
-/// All operations but threadFunction() belong to the layer's rendering thread. The published figures change
-/// only there, in finishCapturing() and when the source is initialised.
+/// The layer's rendering thread calls all operations but threadFunction(). The published figures change only
+/// there: in finishCapturing() and when the source is initialised.
 class KORDANIX_EXPORT HWcounterThread : public HWcounter {
 public:
     explicit HWcounterThread(RenderingApiType api);
 
-    /// As destroy().
+    /// Calls destroy().
     ~HWcounterThread();
 
     HWcounterThread(const HWcounterThread&) = delete;
     HWcounterThread& operator=(const HWcounterThread&) = delete;
 
-    /// Initialises the source unless it is ready or known to be unavailable, and clears all figures. Not
-    /// while a capture is running: its thread does it by itself when needed.
+    /// Initialises the source unless it is ready or known to be unavailable, and clears all figures. Do not
+    /// call it during a capture; the capture's thread initialises the source if needed.
     void init();
 
     /// Starts a capture of this many milliseconds. Does nothing while one is running or when the source is
@@ -49,11 +49,11 @@ public:
     /// Ends the capture and waits for its thread without publishing.
     void joinThread();
 
-    /// Ends the capture, waits for its thread and gives the source back; the next use initialises it again.
+    /// Ends the capture, waits for its thread and releases the source; the next use initialises it again.
     void destroy();
 
-    /// The usage while capturing: the newest sample's. Otherwise the source is asked. False while the source
-    /// is not ready, and then nothing is written.
+    /// During a capture, gives the newest sample's usage; otherwise asks the source. While the source is not
+    /// ready, it returns false and writes nothing.
     bool getGpuUsage(double& usage);
 
     /// Copies the published series.
@@ -64,31 +64,32 @@ public:
     void getCpuGpuTimeDiff(unsigned long long* diff);
     void getRealtimeMonotonictimeDiff(unsigned long long* diff);
 
-    /// Body of the sampling thread. A capture for which memory runs out ends early.
+    /// The body of the sampling thread. Ends the capture early when memory runs out.
     void threadFunction();
 
-    /// What init() of the source returned. Set with release order on the sampling thread, so that whoever
-    /// reads 1 finds the source ready.
+    /// The last result of the source's init(). The sampling thread sets it with release order, so that
+    /// whoever reads 1 finds the source ready.
     std::atomic<int> mInitState;
 
-    std::thread mThread;  ///< of the current or last capture
+    std::thread mThread;  ///< the thread of the current or last capture
 
     std::atomic<bool> mIsStopRequested;  ///< relaxed order: only ends the loop
 
-    /// Cleared by the thread with release order, as the last thing it does to the object: whoever reads false
-    /// with acquire order owns the capture's figures even if the thread has not been joined.
+    /// The thread clears it with release order after its last access to the object. Whoever reads false with
+    /// acquire order owns the capture's figures, even before joining the thread.
     std::atomic<bool> mIsCapturing;
 
     std::uint32_t mCaptureDurationUs;
 
-    // Published: of the last finished capture.
+    // The published figures of the last finished capture.
     double mGpuUsage;
     unsigned long long mCpuGpuTimeDiff;
     unsigned long long mRealtimeMonotonicTimeDiff;
     std::vector<ShaderActivity> mVertexActivity;
     std::vector<ShaderActivity> mFragmentActivity;
 
-    // Of the running capture, written by the sampling thread. The usage is read meanwhile (relaxed order).
+    // The figures of the running capture, which the sampling thread writes. The layer may read the usage
+    // (relaxed order) meanwhile.
     std::atomic<double> mCaptureGpuUsage;
     unsigned long long mCaptureCpuGpuTimeDiff;
     unsigned long long mCaptureRealtimeMonotonicTimeDiff;
@@ -101,12 +102,12 @@ private:
     void clearPublished();
     void clearCapture();
 
-    // On the sampling thread.
+    // The sampling thread calls these.
 
-    /// The capture, from the source's initialisation to its last sample.
+    /// Runs the capture, from the source's initialisation to its last sample.
     void sample();
 
-    /// Asks the source for a sample and keeps it.
+    /// Asks the source for a sample and stores it.
     void takeSample();
 };
 

@@ -2,13 +2,13 @@
 
 #include "utils/Export.h"
 
-/// The hardware keys pressed in the last poll. One instance in the process, used on the rendering thread
-/// only.
+/// The hardware keys pressed in the last poll. The process has one instance, and only the rendering thread
+/// uses it.
 class KORDANIX_EXPORT KeyEventInterceptor {
 public:
     static KeyEventInterceptor* getInstance();
 
-    /// Takes the key events that arrived since the previous poll and sets both flags from them.
+    /// Takes the key events since the previous poll and sets both flags accordingly.
     void updateState();
 
     bool mIsCaptureKeyPressed = false;  ///< volume down was pressed: capture data

@@ -6,21 +6,21 @@
 
 namespace core {
 
-/// Draw calls and payload of each render pass, for a layer to fill and read. Belongs to one thread at a time.
+/// The draw calls and the payload of each render pass; a layer fills and reads it. One thread at a time.
 class KORDANIX_EXPORT RenderPassInfo {
 public:
-    /// Forgets all passes and keeps the storage.
+    /// Removes all passes but keeps the memory.
     void reset();
 
     int getRenderPassCount() const;
 
-    /// Sets the count alone; the recorded passes stay as they are.
+    /// Sets only the count; the recorded passes stay.
     void setRenderPassCount(int count);
 
-    /// Records one more pass.
+    /// Adds a pass.
     void addRenderPassInfo(unsigned int drawCalls, unsigned int payload);
 
-    /// Figures of a recorded pass; the index must be below the number of passes recorded.
+    /// The figures of a recorded pass; the index must be below the number of recorded passes.
     int getDrawCallCount(int index) const;
     int getPayloadCount(int index) const;
 

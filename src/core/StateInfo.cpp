@@ -19,7 +19,7 @@ float maxFpsOfDevice() {
 }
 
 void endDumpAndReleaseClocks() {
-    // The listener and the rendering thread may come here at once; only one of them finishes the dump.
+    // The listener and the rendering thread may get here at once; only one of them finishes the dump.
     if (StateInfo::mIsDumpingEnabled.exchange(false, std::memory_order_relaxed)) {
         Ostra::finishDumping();
     }
@@ -37,9 +37,9 @@ bool StateInfo::mIsNeedToResetFps = false;
 std::uint64_t StateInfo::mFrameNumber = 0;
 std::atomic<bool> StateInfo::mIsDumpingEnabled{false};
 
-// The control properties are there before anything else of the library is initialised, whatever the order in
-// which it was linked: a source of counters may ask for one while it is loaded. So the references are bound
-// to room that the compiler sets aside, and a constructor that comes before all initialisers fills it.
+// The control properties must exist before any other initialiser runs, whatever the link order, because a
+// counter source may read one while the library is loaded. So the references are bound to static storage,
+// which a constructor with the highest priority fills.
 
 namespace {
 
@@ -91,7 +91,7 @@ void StateInfo::init() {
     mPrevCpuUserTicks = 0;
     mPrevCpuSystemTicks = 0;
     checkGPUClockUnit();
-    // Written only when it changes: layers of two APIs may make their objects on threads of their own.
+    // Written only when it changes, because layers of two APIs may create their objects on different threads.
     const int vendor = utils::checkVendor();
     if (vendor != mVendor) {
         mVendor = vendor;
@@ -115,7 +115,7 @@ void StateInfo::onDetached() {
 }
 
 bool StateInfo::isOverlayEnabled(RenderingApiType api) {
-    // Once, and concurrent first callers wait: as std::call_once, but afterwards only a load.
+    // Runs once, and concurrent first callers wait. Like std::call_once, but later calls cost only a load.
     [[maybe_unused]] static const bool isRead = [] {
         SysPropWatcher::forceReadAllProps();
         return true;

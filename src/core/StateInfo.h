@@ -18,58 +18,59 @@ class Drawer;
 
 namespace core {
 
-/// The overlay's state and what a layer asks of it. The static half belongs to the process: the control
+/// The overlay's state and its operations for a layer. The static half belongs to the process: the control
 /// properties, the frame hooks, the readers of kernel and driver files, the fixed clocks. The instance half
 /// is one layer's frame-rate statistics and CPU-load bookkeeping.
 ///
-/// A layer calls everything here on its rendering thread, and one thread uses one object; nothing is locked.
-/// The members that other threads touch are atomic: the property values, mFixClockState, mIsDumpingEnabled.
+/// A layer calls everything on its rendering thread, and only one thread uses an object; there are no locks.
+/// The members that other threads use are atomic: the property values, mFixClockState, mIsDumpingEnabled.
 class KORDANIX_EXPORT StateInfo {
 public:
-    /// Slots of the frame-rate window.
+    /// The number of slots in the frame-rate window.
     static constexpr std::uint32_t FPS_WINDOW_SIZE = 100;
-    /// Bins of the frame-rate histogram, a tenth of a frame per second each: 0 to 120.0.
+    /// The number of bins in the frame-rate histogram, each a tenth of a frame per second: 0 to 120.0.
     static constexpr std::uint32_t FPS_BIN_COUNT = 1201;
 
     /// Calls init().
     StateInfo();
 
-    /// As after an init() that found no GPU, without having looked for one.
+    /// Makes an object as after an init() that found no GPU, without looking for one.
     enum NoGpu { NO_GPU };
     explicit StateInfo(NoGpu without);
     ~StateInfo() = default;
 
-    /// Sets the frame-rate cap from the device model, clears all figures of the object, and looks for the
-    /// GPU's clock unit and vendor (opening their files only until they have been found once in the process).
+    /// Sets the frame-rate cap from the device model, clears the object's figures, and looks for the GPU's
+    /// clock unit and vendor (it opens their files only until the process has found them once).
     void init();
 
     // --- Attaching and the overlay switch ---
 
-    /// Registers a listener for the application going to the background, then fixes the clocks if the
-    /// property asks for it and releases them otherwise. The listener ends a running dump and releases the
-    /// clocks; it runs on a thread of the companion library, holding `mutex`. Listeners are never removed, so
-    /// the mutex must live as long as the process.
+    /// Registers a listener for the application going to the background. Then fixes the clocks if the
+    /// property asks for it, and releases them otherwise. The listener ends a running dump and releases the
+    /// clocks; it runs on a thread of the companion library and holds `mutex`. Listeners are never removed,
+    /// so the mutex must live as long as the process.
     static void onAttached(std::mutex& mutex);
 
     /// Ends a running dump and releases the clocks.
     static void onDetached();
 
-    /// Whether the overlay is shown in this process for this API: switched on, the API selected, and the
-    /// process's name equal to the wanted one. The first call in the process reads all properties afresh;
-    /// concurrent first calls are safe. With the overlay switched off no file is opened.
+    /// Whether this process shows the overlay for this API: the overlay is switched on, the API is the
+    /// selected one, and the process has the wanted name. The first call in the process reads all properties
+    /// again; concurrent first calls are safe. Opens no file while the overlay is switched off.
     static bool isOverlayEnabled(RenderingApiType api);
 
     // --- Frame hooks ---
 
-    /// Before each buffer swap: takes over published settings, applies the clock decision after a change, and
-    /// polls the keys while the overlay is enabled. Does not draw, lay out or sample.
+    /// The layer calls this before each buffer swap. Applies published settings, fixes or releases the clocks
+    /// after a change, and polls the keys while the overlay is enabled. Does not draw, lay out or sample.
     static void onPreSwapBuffers(RenderingApiType api);
 
-    /// After each buffer swap: numbers the frame, records it while a dump runs, and starts or stops a dump
-    /// when its key was pressed in developer mode. The drawers (none of them null) belong to the layer.
+    /// The layer calls this after each buffer swap. Numbers the frame, records it while a dump runs, and
+    /// starts or stops a dump when its key was pressed in developer mode. The layer owns the drawers (none of
+    /// them null).
     static void onPostSwapBuffers(const std::vector<drawer::Drawer*>& drawers);
 
-    /// Whether the settings changed in this frame, or invalidateWidgets() asked to treat it so.
+    /// Whether the settings changed in this frame, or somebody called invalidateWidgets().
     static bool isWidgetsUpdated();
 
     /// Makes isWidgetsUpdated() true until the next pre-swap hook.
@@ -83,8 +84,8 @@ public:
     // --- Frame-rate statistics; rates in frames per second ---
 
     /// Records an interval of `frames` frames that took `elapsedUs` microseconds and returns its rate, capped
-    /// at mMaxFps. Returns 0 and records nothing when the interval is not positive. First clears the
-    /// statistics if a dump start has asked for it.
+    /// at mMaxFps. Returns 0 and records nothing when the interval is not positive. Clears the statistics
+    /// first if a dump has started since the last call.
     float getFPS(unsigned int frames, double elapsedUs);
 
     /// Mean since the last reset, capped; 0 before the first sample.
@@ -94,7 +95,7 @@ public:
     /// reset its empty slots count as 0 once the process has taken 100 samples.
     float getWindowAverageFPS() const;
 
-    /// Median since the last reset, at most 120 and not capped by the device; 0 before the first sample.
+    /// Median since the last reset, at most 120, regardless of the device's cap; 0 before the first sample.
     float getMedianFPS() const;
 
     float getMaxFPS() const;
@@ -106,14 +107,14 @@ public:
     void resetFps();
 
     // --- Readers of kernel and driver files ---
-    // Each opens its file, reads and closes it on every call. A file that cannot be opened, or that holds no
-    // number where one is expected, reads as -1.0 (memory: all bits set). Integers are taken as unsigned
-    // 32-bit: of a larger number the low 32 bits count.
+    // Each call opens its file, reads it and closes it. A reader returns -1.0 (memory: all bits set) when it
+    // cannot open the file or finds no number where it expects one. Integers are unsigned 32-bit: only the
+    // low 32 bits of a larger number count.
 
     /// CPU load of the process since the previous call: clock ticks times 100000 / `elapsed`, where `elapsed`
-    /// is the caller's measure of the time since then. 0 when `elapsed` is not positive. -1.0 on the first
-    /// call, and when the file cannot be read, which keeps the previous reading (a command name with a blank
-    /// in it makes the file unreadable).
+    /// is the time since then as the caller measures it. 0 when `elapsed` is not positive. -1.0 on the first
+    /// call, and when it cannot read the file (a command name with a blank prevents that), which keeps the
+    /// previous reading.
     float getCurrentCPUUsage(double elapsed);
 
     /// Degrees Celsius of the first thermal zone.
@@ -126,11 +127,11 @@ public:
     static float getGPUClock();
     static float getGPUMaxClock();
 
-    /// Reads the GPU's frequency table unless that has been done, and returns whether it has been read now. A
-    /// table without a number gives a highest clock of 0; numbers after something else are not read.
+    /// Reads the GPU's frequency table once, and returns whether this call has read it. A table without a
+    /// number gives a highest clock of 0; reading stops at the first thing that is not a number.
     static bool checkGPUClockUnit();
 
-    /// Degrees Celsius. A figure that is not finite counts as no number.
+    /// Degrees Celsius. A figure that is not finite counts as missing.
     static float getGPUTemperature();
 
     /// KiB in use: total minus free minus cached memory, modulo 2^32.
@@ -138,8 +139,8 @@ public:
 
     // --- Fixed clocks ---
 
-    /// The clocks a fix request asks for on this device, in the units the companion library expects; 0 if the
-    /// device or the GPU's vendor is not in the table.
+    /// The clocks that a fix request asks for on this device, in the companion library's units; 0 if the
+    /// table does not have the device or the GPU's vendor.
     static std::uint64_t getCPUFixClock();
     static std::uint64_t getGPUFixClock();
 
@@ -152,7 +153,7 @@ public:
 
     static int getFixClockState();
 
-    // --- Thin wrappers of the C library's file operations, for the layers ---
+    // --- Thin wrappers of the C library's file operations, for layers ---
 
     static std::FILE* file_open(const char* path, const char* mode);
     static std::size_t file_read(std::FILE* file, unsigned char* buffer, unsigned int size);
@@ -165,23 +166,23 @@ public:
     static bool mIsGpuClockKHz;                  ///< the GPU's clock files count in kHz rather than MHz
     static float mMaxGpuClock;                   ///< highest clock of the frequency table, in MHz
     static std::atomic<int> mFixClockState;      ///< as getFixClockState() returns it; relaxed order
-    static bool mIsNeedToResetFps;               ///< the next getFPS() first clears the statistics
-    static std::uint64_t mFrameNumber;           ///< frames seen by the post-swap hook
+    static bool mIsNeedToResetFps;               ///< the next getFPS() clears the statistics first
+    static std::uint64_t mFrameNumber;           ///< counted by the post-swap hook
     static std::atomic<bool> mIsDumpingEnabled;  ///< a frame dump is running; relaxed order
 
-    /// Control properties, created and read when the library is loaded.
+    /// The control properties, created and read when the library is loaded.
     static SysProp<bool>& mStatusProp;                   ///< master switch of the overlay
     static SysProp<bool>& mDevModeProp;                  ///< enables the keys
     static SysProp<bool>& mFixClockProp;                 ///< fix the clocks while the overlay runs
     static SysProp<RenderingApiType>& mRenderApiProp;    ///< the API whose layer may show the overlay
-    static SysProp<std::string>& mDebugProcessNameProp;  ///< the process in which it is shown
+    static SysProp<std::string>& mDebugProcessNameProp;  ///< the process that shows the overlay
 
     // --- State of the object ---
 
     float mMaxFps = 0.0F;                 ///< cap of the frame-rate figures: 60 or 120
     std::uint32_t mFpsCount = 0;          ///< samples since the last reset
     float mFpsSum = 0.0F;                 ///< their sum
-    std::uint32_t mWindowFpsCount = 0;    ///< window slots taken into the mean, at most FPS_WINDOW_SIZE
+    std::uint32_t mWindowFpsCount = 0;    ///< window slots in the mean, at most FPS_WINDOW_SIZE
     float mWindowFpsSum = 0.0F;           ///< sum of the window
     float mMedianFpsX10 = 0.0F;           ///< median since the last reset, in tenths of a frame per second
     std::uint32_t mPrevCpuUserTicks = 0;  ///< CPU times of the previous CPU-load reading

@@ -14,16 +14,16 @@
 
 namespace {
 
-/// The watcher thread and what it works on, in order of creation and registration.
+/// The watcher thread, the properties in order of creation and the listeners in order of registration.
 struct Registry {
     std::thread mWatcherThread;  ///< never joined
-    std::mutex mRegistryMutex;   ///< also held while everything is re-read and while the listeners run
+    std::mutex mRegistryMutex;   ///< also held while all properties are read and the listeners run
     std::vector<SysPropBase*> mProps;
     std::vector<std::function<void()>> mListeners;
 };
 
-// Constructed on first use because static initialisers of several files create properties, and never
-// destroyed because the watcher thread uses it until the very end of the process.
+// Constructed on first use, because static initialisers of several files create properties. Never destroyed,
+// because the watcher thread uses it until the process has ended.
 Registry& registry() {
     static Registry* const instance = new Registry;
     return *instance;
@@ -31,13 +31,13 @@ Registry& registry() {
 
 std::atomic<bool> gIsWatcherStarted{false};
 
-// A property's text found no room in memory; relaxed order, only looked at under the registry mutex.
+// There was no memory for a property's text. Relaxed order: it is only used under the registry mutex.
 std::atomic<bool> gIsReadIncomplete{false};
 
-/// After which the watcher tries again what it found no memory for.
+/// How long the watcher waits before it retries after a lack of memory.
 constexpr std::chrono::milliseconds RETRY_PERIOD(100);
 
-/// Needs the registry mutex.
+/// The caller holds the registry mutex.
 void readAll(const Registry& all) {
     for (SysPropBase* const prop : all.mProps) {
         prop->read();
@@ -55,7 +55,7 @@ const prop_info* waitUntilFound(const std::string& name, std::chrono::millisecon
     }
 }
 
-/// Re-reads everything and runs the listeners. False when there was no memory for a part of it.
+/// Reads all properties and runs the listeners. False when memory ran out for a part of it.
 bool takeOverPublication() {
     Registry& all = registry();
     const std::lock_guard<std::mutex> lock(all.mRegistryMutex);
@@ -105,7 +105,7 @@ void SysPropBase::read() {
     __system_property_read_callback(
         mPropInfo,
         [](void* cookie, const char* /*name*/, const char* value, std::uint32_t /*serial*/) {
-            // The platform's code lies in between: no exception may pass through it.
+            // The platform calls this from C code, which an exception must not cross.
             try {
                 static_cast<SysPropBase*>(cookie)->parseAndSetValue(value);
             } catch (const std::bad_alloc&) {
@@ -142,7 +142,7 @@ std::string SysProp<std::string>::getValue() const {
 }
 
 std::int32_t parseSysPropInt(const char* text, std::int32_t defaultValue) {
-    // A number beyond 64 bits saturates: the platforms' scanf functions convert as strtoimax does.
+    // A number beyond 64 bits saturates: the platforms' scanf functions convert like strtoimax.
     std::intmax_t number = 0;
     if (std::sscanf(text, "%jd", &number) != 1) {
         return defaultValue;
@@ -177,7 +177,7 @@ void SysPropWatcher::addPropChangedListener(std::function<void()> listener) {
 }
 
 void SysPropWatcher::addSysProp(SysPropBase& prop) {
-    // Read before it is registered, so that the watcher thread never meets it half made.
+    // Read before it is registered, so that the watcher thread only sees complete properties.
     prop.read();
     Registry& all = registry();
     const std::lock_guard<std::mutex> lock(all.mRegistryMutex);

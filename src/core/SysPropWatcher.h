@@ -16,9 +16,9 @@
 
 struct prop_info;
 
-/// A system property with a typed current value, re-read whenever the watcher says so. A property that does
-/// not exist keeps its default value and is looked up again on every re-read. Created by
-/// SysPropWatcher::createSysProp and alive until the process ends.
+/// A system property with a typed current value, which the watcher keeps up to date. A property that does not
+/// exist keeps its default value; every re-read looks for it again. SysPropWatcher::createSysProp creates it,
+/// and it lives until the process ends.
 class KORDANIX_EXPORT SysPropBase {
 public:
     explicit SysPropBase(std::string name = {});
@@ -26,19 +26,19 @@ public:
     SysPropBase(const SysPropBase&) = delete;
     SysPropBase& operator=(const SysPropBase&) = delete;
 
-    /// Takes over the property's text (zero-terminated).
+    /// Sets the value from the property's text (zero-terminated).
     virtual void parseAndSetValue(const char* text) = 0;
 
-    /// Looks the property up while it has not been found and takes over its current text. Not thread-safe:
-    /// once the property is registered only the watcher calls it, holding its registry mutex.
+    /// Looks the property up if it has not been found yet, and reads its current text. Not thread-safe: once
+    /// the property is registered only the watcher calls this, and holds its registry mutex.
     void read();
 
     std::string mName;
     const prop_info* mPropInfo = nullptr;  ///< null until the property has been found
 };
 
-/// int, and any enumeration of 32 bits: a signed decimal number, parsed as far as it goes ("12px" is 12), of
-/// which the low 32 bits count. Text without a number gives the default.
+/// int, and any enumeration of 32 bits: a signed decimal number followed by anything ("12px" is 12); only its
+/// low 32 bits count. Text without a number gives the default.
 template <typename T>
 class KORDANIX_EXPORT SysProp final : public SysPropBase {
     static_assert(sizeof(T) == sizeof(std::int32_t) && (std::is_same_v<T, int> || std::is_enum_v<T>),
@@ -52,10 +52,10 @@ public:
 
     void parseAndSetValue(const char* text) override;
 
-    /// Any thread, one load.
+    /// Any thread; costs one load.
     T getValue() const { return static_cast<T>(mValue.load(std::memory_order_relaxed)); }
 
-    std::atomic<std::int32_t> mValue;  ///< relaxed order: stands alone
+    std::atomic<std::int32_t> mValue;  ///< relaxed order: no other data depends on it
     std::int32_t mDefault;
 };
 
@@ -67,14 +67,14 @@ public:
 
     void parseAndSetValue(const char* text) override;
 
-    /// Any thread, one load.
+    /// Any thread; costs one load.
     bool getValue() const { return mValue.load(std::memory_order_relaxed); }
 
-    std::atomic<bool> mValue;  ///< relaxed order: stands alone
+    std::atomic<bool> mValue;  ///< relaxed order: no other data depends on it
     bool mDefault;
 };
 
-/// Any text; the default is only the initial value.
+/// Any text. The default is only the initial value.
 template <>
 class KORDANIX_EXPORT SysProp<std::string> final : public SysPropBase {
 public:
@@ -82,19 +82,19 @@ public:
 
     void parseAndSetValue(const char* text) override;
 
-    /// A copy, taken under the value's mutex. Any thread.
+    /// Copies the value under its mutex. Any thread.
     std::string getValue() const;
 
     std::string mValue;
     mutable std::mutex mValueMutex;  ///< guards mValue; taken inside the registry mutex, never around it
 };
 
-/// Keeps all properties of the library current. A thread of its own blocks on one "generation" property; when
-/// that is written, whatever its value, the thread re-reads every property and then runs every listener. So a
+/// Keeps all properties of the library current. Its thread blocks on one "generation" property. When somebody
+/// writes that, whatever the value, the thread reads every property again and then runs every listener. So a
 /// writer changes any number of properties first and publishes them together by writing the generation.
 ///
-/// Any thread may call these operations. The registry and its properties are never destroyed and the thread
-/// is never stopped: it ends with the process, and the process's exit does not wait for it.
+/// Any thread may call these operations. The registry and its properties are never destroyed. The thread is
+/// never stopped: it ends with the process, whose exit does not wait for it.
 class KORDANIX_EXPORT SysPropWatcher {
 public:
     /// Creates a property, reads it if it exists, and registers it for re-reading. T is bool, int, a 32-bit
@@ -106,23 +106,23 @@ public:
         return *prop.release();
     }
 
-    /// The same for a property that its caller has made and never destroys.
+    /// Does the same for a property that the caller has made and never destroys.
     static void addSysProp(SysPropBase& prop);
 
-    /// Starts the watcher thread on the first call; later calls do nothing. Until the generation property
-    /// exists the thread looks for it once per period, first after one period; when it has found it, one
-    /// re-read follows at once. Throws std::system_error if no thread can be created; a later call may try
+    /// Starts the watcher thread on the first call; later calls do nothing. The thread looks for the
+    /// generation property once per period, first after one period, until the property exists; then it reads
+    /// all properties at once. Throws std::system_error if no thread can be created; a later call may try
     /// again.
     static void init(std::string generationName, std::chrono::milliseconds period);
 
     /// Re-reads every property on the calling thread. No listener runs.
     static void forceReadAllProps();
 
-    /// Adds a listener (not empty), to be run on the watcher thread under the registry mutex after every
-    /// re-read that a publication causes. It must be short and must not call back into this class.
+    /// Adds a listener (not empty). The watcher thread runs it under the registry mutex after every re-read
+    /// that a publication causes. It must be short and must not call back into this class.
     static void addPropChangedListener(std::function<void()> listener);
 
-    // What these refer to is constructed on first use and never destroyed.
+    // References to objects that are made on first use and never destroyed.
 
     static std::thread& mWatcherThread;                     ///< not started until the first init()
     static std::mutex& mRegistryMutex;                      ///< guards the two lists; not recursive
@@ -130,7 +130,7 @@ public:
     static std::vector<std::function<void()>>& mListeners;  ///< in order of registration
 };
 
-/// The number that the text begins with, after blanks, as described for SysProp<int>.
+/// Returns the number at the beginning of the text, after any blanks, as described for SysProp<int>.
 KORDANIX_EXPORT std::int32_t parseSysPropInt(const char* text, std::int32_t defaultValue);
 
 template <typename T>

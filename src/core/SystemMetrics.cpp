@@ -18,14 +18,14 @@ using utils::File;
 constexpr float UNREADABLE = -1.0F;
 constexpr std::uint32_t UNREADABLE_MEMORY = 0xFFFFFFFF;
 
-/// No GPU runs at 10 GHz: a clock beyond this many MHz is in kHz.
+/// No GPU runs at 10 GHz, so a clock above this many MHz must be in kHz.
 constexpr std::uint32_t MAX_CLOCK_IN_MHZ = 10000;
 
-// Whether the frequency table has been read; set after the figures it gave.
+// Whether the frequency table has been read; set after the figures from it.
 std::atomic<bool> sIsGpuClockUnitChecked{false};
 
-/// The next number of the file, its low 32 bits. (A number beyond the size_t saturates: the platforms' scanf
-/// functions convert as strtoull does.)
+/// Reads the low 32 bits of the file's next number. (A number beyond size_t saturates: the platforms' scanf
+/// functions convert like strtoull.)
 std::optional<std::uint32_t> readNumber(std::FILE* file) {
     std::size_t number = 0;
     if (std::fscanf(file, "%zu ", &number) != 1) {
@@ -34,7 +34,7 @@ std::optional<std::uint32_t> readNumber(std::FILE* file) {
     return static_cast<std::uint32_t>(number);
 }
 
-/// The single number the file holds.
+/// Reads the first number of the file.
 std::optional<std::uint32_t> readNumber(const char* path) {
     const File file(path);
     return file ? readNumber(file.get()) : std::nullopt;
@@ -103,7 +103,8 @@ float StateInfo::getCurrentCPUUsage(double elapsed) {
     const File file("/proc/self/stat");
     std::size_t userTime = 0;
     std::size_t systemTime = 0;
-    // Fields 14 and 15; before them the process id, the command and the state (texts), and ten more numbers.
+    // Fields 14 and 15. Before them come the process id, the command and the state (texts), and ten more
+    // numbers.
     if (!file ||
         std::fscanf(file.get(), "%*u  %*19s %*9s  %*u  %*u  %*u  %*u  %*u  %*u  %*u  %*u %*u %*u %zu %zu",
                     &userTime, &systemTime) != 2) {

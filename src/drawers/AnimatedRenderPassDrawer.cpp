@@ -17,18 +17,19 @@ namespace {
 constexpr float LANDSCAPE_CHARACTER_WIDTH = 0.02F;
 constexpr float PORTRAIT_CHARACTER_WIDTH = 0.04F;
 
-/// A row that does not fit overhangs by at least a quarter: less would only twitch.
+/// A row that does not fit is made at least a quarter wider than the drawer: a shorter slide would only
+/// twitch.
 constexpr float SMALLEST_OVERHANG = 1.25F;
 
 // Clip-space units per millisecond.
 constexpr float LANDSCAPE_SPEED = 0.00025F;
 constexpr float PORTRAIT_SPEED = 0.0005F;
 
-/// The length of a cycle, in multiples of the time that the row takes to slide to its end. It slides for 2 x
-/// 0.41 of the cycle.
+/// How long a cycle is, as a multiple of the time that the row takes to slide to its end. The row slides for
+/// 2 x 0.41 of the cycle.
 constexpr float CYCLE_LENGTH = 2.5F;
 
-// Progress of a cycle at which the row starts or stops.
+// The progress of a cycle at which the row starts or stops.
 constexpr float LEAVES_START = 0.06F;
 constexpr float REACHES_END = 0.47F;
 constexpr float LEAVES_END = 0.53F;
@@ -98,7 +99,7 @@ void AnimatedRenderPassDrawer::prelayoutRenderPassText() {
     const float characterWidth = mOrientation != 0 ? LANDSCAPE_CHARACTER_WIDTH : PORTRAIT_CHARACTER_WIDTH;
     const float width = 2.0F * mSize.x;
 
-    // The longest text that does not fit at full character width decides.
+    // The longest text that does not fit at full character width decides the width.
     float smallestWidth = characterWidth;
     float longest = 0.0F;
     for (gui::RenderPassData& pass : mFrameData.mRenderPasses) {

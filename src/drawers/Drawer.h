@@ -31,23 +31,22 @@ enum class WidgetValueType : std::int32_t {
 
 namespace drawer {
 
-/// Whatever the overlay shows. A drawer knows what to draw and where; the graphics-API layer that creates it
-/// supplies the primitives it draws with. Drawers take no locks: every operation belongs to the rendering
-/// thread.
+/// Something that the overlay shows. A drawer knows what to draw and where; the graphics-API layer that
+/// creates it supplies the primitives. Drawers take no locks: only the rendering thread uses them.
 ///
-/// Vertices are in local coordinates of the drawer's rectangle: -1..1 from left to right and, downwards, from
-/// top to bottom. Colours are RGBA, 0..1.
+/// Vertices are in local coordinates of the drawer's rectangle: from -1 at the left and the top to 1 at the
+/// right and the bottom. Colours are RGBA, 0..1.
 class KORDANIX_EXPORT Drawer {
 public:
     virtual ~Drawer();
 
-    /// Draws with the current rectangle, which may change between any two draws.
+    /// Draws into the current rectangle, which may change between two draws.
     virtual void draw() = 0;
 
     /// Writes the drawer's current value into the record of a frame. Writes nothing by default.
     virtual void dump(Ostra::FrameDump& frameDump);
 
-    /// Forgets what has accumulated; called when a frame dump starts. Does nothing by default.
+    /// Discards accumulated values; called when a frame dump starts. Does nothing by default.
     virtual void clear();
 
     gui::WidgetValueType mValueType = gui::WidgetValueType::NONE;
@@ -58,13 +57,13 @@ public:
     glm::vec2 mSize{0.0F};      ///< of the rectangle, canvas fractions
     glm::vec2 mPosition{0.0F};  ///< its top-left corner, canvas fractions
 
-    /// Moves what is drawn, in clip-space units, in which the canvas is 2 wide and 2 high.
+    /// Shifts the drawing, in clip-space units, in which the canvas is 2 wide and 2 high.
     glm::vec3 mTranslation{0.0F};
 
-    /// Where the layout manager takes the rectangle from.
+    /// The area that the layout manager computes the rectangle from.
     gui::RenderAreaType mRenderArea{};
 
-    bool mEnabled = true;  ///< at the layer's disposal, never read here
+    bool mEnabled = true;  ///< for the layer to use; the library never reads it
 };
 
 }  // namespace drawer

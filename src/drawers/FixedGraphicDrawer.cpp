@@ -11,7 +11,7 @@ namespace {
 
 constexpr float BOTTOM = 1.0F;
 
-// The order of the comparisons says what NaN becomes: the left edge and the bottom edge.
+// The order of the comparisons puts NaN on the left edge and on the bottom edge.
 
 float clampX(float x) {
     return x > -1.0F ? std::min(x, 1.0F) : -1.0F;

@@ -14,30 +14,30 @@
 
 namespace drawer {
 
-/// A graph of one series of shader activity over an interval of time. Keeps no records, only their meshes.
+/// A graph of one series of shader activity over a time interval. Keeps the meshes, not the records.
 class KORDANIX_EXPORT FixedGraphicDrawer : public Drawer {
 public:
-    /// Takes a triangle strip for the area, a line strip for the curve, and what lies behind them; then as
-    /// setData().
+    /// Takes a triangle strip for the area, a line strip for the curve, and what to draw behind them; then
+    /// calls setData().
     FixedGraphicDrawer(std::unique_ptr<MeshDrawer> fill, std::unique_ptr<MeshDrawer> line,
                        std::unique_ptr<RectDrawer> background, std::unique_ptr<GridDrawer> grid,
                        const std::vector<core::ShaderActivity>& data, long double start, long double end);
     ~FixedGraphicDrawer() override;
 
-    /// Background, grid, area, curve; nothing at all while there are no records.
+    /// Draws the background, the grid, the area and the curve; nothing while there are no records.
     void draw() override;
 
-    /// Shows the records (ascending in time) from `start` to `end`, in seconds, both included. Whatever the
-    /// bounds, the first record shown stands at the left edge and the last one at the right edge, the others
-    /// where their time puts them. Activity 0 lies on the bottom edge, 1 on the top edge; it is clamped to
-    /// that range, NaN counts as 0.
+    /// Shows the records (ascending in time) from `start` to `end`, in seconds, both included. The first
+    /// record shown is at the left edge and the last one at the right edge, whatever the bounds; the others
+    /// are where their time puts them. Activity 0 is on the bottom edge, 1 on the top edge; other values are
+    /// clamped, NaN counts as 0.
     ///
-    /// Records of a single instant have no extent in time: they are spread evenly over the width, and a
-    /// record alone is a level line across it. The same holds for a time that is infinite or not a number at
-    /// either end; between the ends, a record whose time is not a number stands at the left edge.
+    /// Records of a single instant are spread evenly over the width, and a single record is a level line
+    /// across it. The same happens when the first or the last time is infinite or NaN. Between them, a record
+    /// whose time is NaN is at the left edge.
     void setData(const std::vector<core::ShaderActivity>& data, long double start, long double end);
 
-    /// The curve takes the colour without its transparency.
+    /// Uses the colour for area and curve; the curve ignores its transparency.
     void setColor(const glm::vec4& color);
     void setGridColor(const glm::vec4& color);
     void setBackgroundColor(const glm::vec4& color);
@@ -45,15 +45,14 @@ public:
     void drawBackground();
     void drawGrid();
 
-    /// Area and curve, if the interval has any records.
+    /// Draws the area and the curve, if the interval has any records.
     void drawGraphic();
 
-    std::unique_ptr<MeshDrawer>
-        mFillMesh;  ///< for each record its point and the one below on the bottom edge
-    std::unique_ptr<MeshDrawer> mLineMesh;  ///< for each record its point
+    std::unique_ptr<MeshDrawer> mFillMesh;  ///< each record's point and the one below it on the bottom edge
+    std::unique_ptr<MeshDrawer> mLineMesh;  ///< each record's point
     std::unique_ptr<RectDrawer> mBackground;
     std::unique_ptr<GridDrawer> mGrid;
-    bool mIsEmpty = true;  ///< the last setData() had no records, in the interval or out of it
+    bool mIsEmpty = true;  ///< the last setData() got no records at all
 };
 
 }  // namespace drawer

@@ -11,12 +11,12 @@ namespace drawer {
 
 namespace {
 
-/// Shorter passes become bars of this length. Fractions of the frame, like all lengths here.
+/// Shorter passes become bars of this length: a fraction of the frame, like all lengths here.
 constexpr float THIN = 0.01F;
 
 constexpr float THIN_BRIGHTENING = 0.2F;
 
-/// Times that are not numbers order last: a sort needs a place for every pass.
+/// NaN times come last: a sort needs a place for every pass.
 bool startsEarlier(const gui::RenderPassData& left, const gui::RenderPassData& right) {
     if (std::isnan(left.mStartTime) || std::isnan(right.mStartTime)) {
         return std::isnan(right.mStartTime) && !std::isnan(left.mStartTime);
@@ -24,19 +24,19 @@ bool startsEarlier(const gui::RenderPassData& left, const gui::RenderPassData& r
     return left.mStartTime < right.mStartTime;
 }
 
-/// `length` as a share of the frame, cut to 0..1; 0 for NaN.
+/// Returns `length` as a share of the frame, clamped to 0..1; 0 for NaN.
 float shareOf(long double length, long double frameLength) {
     const double share = static_cast<double>(length) / static_cast<double>(frameLength);
     return share > 0.0 ? static_cast<float>(std::min(share, 1.0)) : 0.0F;
 }
 
-/// A stretch of the time line.
+/// A part of the time line.
 struct Span {
     float start;
     float length;
 };
 
-/// The pass on the time line, a gap or more behind the end of the block before unless it starts the frame.
+/// Places the pass on the time line, at least a gap after the previous block unless it starts the frame.
 Span placePass(const gui::FrameData& frame, const gui::RenderPassData& pass, float previousEnd, float gap) {
     const long double frameLength = frame.mEndTime - frame.mStartTime;
     Span span{shareOf(pass.mStartTime - frame.mStartTime, frameLength),
@@ -48,7 +48,7 @@ Span placePass(const gui::FrameData& frame, const gui::RenderPassData& pass, flo
     return span;
 }
 
-/// The bar that stands for a pass too short for a label, around its middle.
+/// Returns the bar for a pass that is too short for a label, around the pass's middle.
 Span thinBar(const Span& span) {
     const float start = std::max(span.start - THIN / 2.0F - span.length / 2.0F, 0.0F);
     return {start, std::min(1.0F - start, THIN)};
@@ -106,7 +106,7 @@ void FixedRenderPassDrawer::recalculateTextDrawers() {
             }
             block->setBackgroundColor(mBackgroundColor);
         }
-        // A block pushed past the frame's end keeps no width, at the right edge.
+        // A block pushed past the frame's end has no width and sits on the right edge.
         block->mPosition.x = std::min(mPosition.x + span.start * mSize.x, rightEdge);
         block->mSize.x = std::max(std::min(span.length * mSize.x, rightEdge - block->mPosition.x), 0.0F);
         mTextblocks.push_back(std::move(block));

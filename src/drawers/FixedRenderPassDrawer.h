@@ -6,7 +6,8 @@
 namespace drawer {
 
 /// The render passes of the last valid frame on a time line as long as the frame, labelled with their
-/// indexes. Passes that overlap are pushed to the right, those too short for a label are thin, brighter bars.
+/// indexes. A pass that would overlap the one before is pushed to the right. A pass that is too short for a
+/// label becomes a thin, brighter bar.
 class KORDANIX_EXPORT FixedRenderPassDrawer : public RenderPassDrawer {
 public:
     FixedRenderPassDrawer();
@@ -15,13 +16,13 @@ public:
     /// Draws nothing before the first valid frame.
     void draw() override;
 
-    /// Takes the frame and sorts its passes by their start (those without one, NaN, come last). A frame that
-    /// is not valid is refused with an error in the log, and the one before stays on show.
+    /// Takes the frame and sorts its passes by their start (NaN comes last). An invalid frame is refused with
+    /// an error in the log, and the previous one stays visible.
     void addFrameInfo(const gui::FrameData& frameInfo) override;
     void prelayoutRenderPassText() override;
 
-    /// No block reaches beyond the drawer's edges. Times that are not numbers count as the frame's start,
-    /// durations as 0.
+    /// No block reaches beyond the drawer's edges. A NaN time counts as the frame's start, a NaN duration as
+    /// 0.
     void recalculateTextDrawers() override;
 };
 

@@ -11,15 +11,15 @@ namespace drawer {
 
 namespace {
 
-/// Even samples sit this much higher than their values.
+/// Samples with an even index are raised by this much.
 constexpr float EVEN_SAMPLE_LIFT = 0.00004F;
 
 constexpr float BOTTOM = 1.0F;
 
-/// The encoding of a dumped value that is a float; the others are whole numbers.
+/// How the table encodes a float; all other values are whole numbers.
 constexpr std::uint32_t FRACTION = 1;
 
-/// Heights are computed in batches, apart from the vertices they go into: compilers vectorise such a loop.
+/// Heights are computed in batches, separately from the vertices, because compilers vectorise such a loop.
 constexpr std::size_t BATCH = 32;
 
 float sampleX(std::uint32_t index, std::uint32_t capacity) {
@@ -33,7 +33,7 @@ float liftOf(std::size_t index) {
     return index % 2 == 0 ? EVEN_SAMPLE_LIFT : 0.0F;
 }
 
-/// Height of a sample before the lift.
+/// The height of a sample before the lift.
 float heightOf(float sample, float maxValue) {
     const float value = sample == 0.0F ? 1.0F : sample;
     const float y = 2.0F * (1.0F - value / maxValue) - 1.0F;
@@ -97,7 +97,7 @@ void GraphicDrawer::clear() {
 }
 
 void GraphicDrawer::addValue(float value) {
-    // No sample would exceed a maximum that is not a number, as clear() leaves after such a sample.
+    // A NaN maximum, which clear() leaves after a NaN sample, would never be exceeded.
     if (value > mMaxValue || std::isnan(mMaxValue)) {
         mMaxValue = value;
     }

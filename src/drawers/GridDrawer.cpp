@@ -6,13 +6,13 @@ namespace drawer {
 
 namespace {
 
-/// Side of a cell as a fraction of the surface's shorter side: 22/360.
+/// The side of a cell as a fraction of the surface's shorter side: 22/360.
 constexpr float CELL = 0.06111111F;
 
-/// The left end of a horizontal line sits this much higher than its right end.
+/// The left end of a horizontal line is this much higher than its right end.
 constexpr float LEFT_END_LIFT = 0.00004F;
 
-/// The rectangle's 2 local units divided by the largest count of lines.
+/// The rectangle's 2 local units divided by the largest number of lines.
 constexpr float SMALLEST_STEP = 2.0F / 4096.0F;
 
 void appendVerticalLines(std::vector<gui::Vertex>& lines, float step) {
@@ -54,7 +54,7 @@ void GridDrawer::recalculateGrid() {
     mAspectRatio = aspectRatio;
     mMesh->clear();
 
-    // Canvas fractions span 2 units of clip space; what is the shorter side depends on the surface.
+    // The canvas spans 2 units of clip space; which side is the shorter one depends on the surface.
     glm::vec2 step(2.0F * CELL);
     if (aspectRatio <= 1.0F) {
         step.x *= aspectRatio;
@@ -63,7 +63,7 @@ void GridDrawer::recalculateGrid() {
     }
     step /= mSize;
 
-    // NaN fails the comparison; an infinite step is past the far edge at once.
+    // NaN fails the comparison, and an infinite step passes the far edge at once.
     if (step.x >= SMALLEST_STEP) {
         appendVerticalLines(mMesh->mVertices, step.x);
     }

@@ -20,13 +20,13 @@ struct Vertex {
 namespace drawer {
 
 /// Draws vertices in one colour. A layer implements draw(), and clear(), which must empty the list of
-/// vertices; it also decides, for each mesh it hands out, how the vertices connect (the drawer that takes the
-/// mesh says what it needs).
+/// vertices. The layer also decides how the vertices of each mesh connect; the drawer that takes the mesh
+/// says what it needs.
 class KORDANIX_EXPORT MeshDrawer : public Drawer {
 public:
     ~MeshDrawer() override;
 
-    /// Filled and edited in place by the drawer that owns the mesh; nobody else changes order or length.
+    /// The drawer that owns the mesh fills and edits these; nobody else changes their order or number.
     std::vector<gui::Vertex> mVertices;
 
     glm::vec4 mColor{0.0F};

@@ -7,7 +7,7 @@
 
 namespace drawer {
 
-/// Fills its rectangle, moved by mTranslation, with one colour. A layer implements draw().
+/// Fills its rectangle, shifted by mTranslation, with one colour. A layer implements draw().
 class KORDANIX_EXPORT RectDrawer : public Drawer {
 public:
     ~RectDrawer() override;

@@ -11,33 +11,33 @@
 
 namespace drawer {
 
-/// The caption of the render-pass widgets: number and duration of the frame on the left, on the right a
-/// legend of two texts over each other, of which the second covers the end of the first in a colour of its
-/// own. The colours are the layer's.
+/// The caption of the render-pass widgets: the frame's number and duration on the left, a legend on the
+/// right. The legend is two texts on top of each other; the second, in its own colour, covers the end of the
+/// first. The layer sets the colours.
 class KORDANIX_EXPORT RenderPassInfoDrawer : public Drawer {
 public:
     RenderPassInfoDrawer(std::unique_ptr<TextDrawer> frameText, std::unique_ptr<TextDrawer> vertexLegend,
                          std::unique_ptr<TextDrawer> fragmentLegend, std::unique_ptr<RectDrawer> background);
 
-    /// Releases the background first and the frame line last, as the order of the members makes it.
+    /// Releases the background first and the frame line last: the order of the members ensures it.
     ~RenderPassInfoDrawer() override;
 
-    /// Background, then texts.
+    /// Draws the background, then the texts.
     void draw() override;
 
-    /// Not 0 in landscape, 0 in portrait. Supplied by the layer.
+    /// 0 in portrait, anything else in landscape. The layer supplies it.
     virtual unsigned int getOrientation() = 0;
 
-    /// The duration is milliseconds.
+    /// Takes the duration in milliseconds.
     void setFrameIdAndDuration(unsigned int frameId, long double duration);
 
     void drawBackground();
 
-    /// The texts, which do not move with mTranslation.
+    /// Draws the texts, which ignore mTranslation.
     void drawText();
 
-    /// The rectangle of the texts (x, y, width, height) in canvas fractions: the drawer's without a margin on
-    /// the left and right that depends on the orientation.
+    /// The rectangle of the texts (x, y, width, height) in canvas fractions: the drawer's, less a margin on
+    /// the left and on the right that depends on the orientation.
     glm::vec4 getTextDrawnArea();
 
     std::unique_ptr<TextDrawer> mFrameText;

@@ -11,11 +11,11 @@ namespace drawer {
 
 namespace {
 
-/// The atlas's glyphs by byte, for look-ups faster than its map's. Bytes without a glyph are left to the
-/// atlas, which logs them.
+/// The atlas's glyphs by byte, which is faster than its map. For bytes without a glyph it asks the atlas,
+/// which logs them.
 class GlyphTable {
 public:
-    /// The table of the process. The atlas never changes and outlives every drawer.
+    /// The process's table. The atlas never changes and outlives every drawer.
     static const GlyphTable& get() {
         static const GlyphTable table(gui::GlyphAtlas::getGlyphAtlas());
         return table;
@@ -60,12 +60,12 @@ std::uint32_t toUint32(float value) {
     return value > 0.0F ? static_cast<std::uint32_t>(value) : 0;
 }
 
-/// Boxes without area make scales and pen positions infinite or NaN; 0 leaves nothing to see either.
+/// A box without area makes scales and pen positions infinite or NaN; 0 draws nothing either.
 float finiteOrZero(float value) {
     return std::isfinite(value) ? value : 0.0F;
 }
 
-/// Where the pen starts, in line units of a line `width` wide in a box 2 / scaleX wide.
+/// Where the pen starts, in line units, for a line `width` wide in a box 2 / scaleX wide.
 float penStart(gui::TextGravity gravity, float scaleX, float width) {
     switch (gravity) {
         case gui::TextGravity::RIGHT:
@@ -78,8 +78,8 @@ float penStart(gui::TextGravity gravity, float scaleX, float width) {
     return 0.0F;
 }
 
-/// The matrix of a line: `box` after a scale about the box's top-left corner and a shift by 1 - scaleY down,
-/// which centres a lower line, with the pen at `pen`. Written out, because only x and y are touched.
+/// The matrix of a line with the pen at `pen`: `box` after a scale about the box's top-left corner and a
+/// shift down by 1 - scaleY, which centres a lower line. Written out, because only x and y change.
 glm::mat4 lineMatrix(const glm::mat4& box, float scaleX, float scaleY, float pen) {
     const glm::vec4 column0 = box[0] * scaleX;
     const glm::vec4 column3 = box[3] + box[0] * (scaleX - 1.0F) + column0 * pen;
@@ -92,8 +92,8 @@ glm::mat4 glyphMatrix(const glm::mat4& line, float pen, const glm::mat4& placeme
     return {line[0] * placement[0].x, line[1] * placement[1].y, line[2], column3};
 }
 
-/// Whether every glyph of a line gets a finite matrix: the elements leave room for products with advances
-/// and offsets.
+/// Whether every glyph of a line gets a finite matrix: the limit leaves room to multiply with advances and
+/// offsets.
 bool isDrawable(const glm::mat4& line) {
     constexpr float LIMIT = 1e30F;
     bool isBounded = true;
@@ -200,7 +200,7 @@ std::string TextDrawer::getTruncatedString(float maxWidth) {
             }
             return mText.substr(0, kept) + DOTS;
         case gui::TextEllipsize::START:
-            // The first character is dropped whatever the width.
+            // START always drops the first character.
             while (isDotsFit && kept + 1 < length && fits(glyphs.width(mText[length - 1 - kept]))) {
                 ++kept;
             }

@@ -14,14 +14,14 @@
 
 namespace gui {
 
-/// Where a line stands in its box. Any other value counts as LEFT.
+/// How a line is aligned in its box. Any other value counts as LEFT.
 enum class TextGravity : std::int32_t {
     LEFT = 0,
     RIGHT = 1,
     CENTER = 2,
 };
 
-/// Where a line that is too wide for its box is shortened with "...". Any other value leaves the text alone.
+/// Where "..." shortens a line that is too wide for its box. With any other value the text stays as it is.
 enum class TextEllipsize : std::int32_t {
     NONE = 0,  ///< the line is scaled down instead
     START = 1,
@@ -33,49 +33,48 @@ enum class TextEllipsize : std::int32_t {
 
 namespace drawer {
 
-/// One line of text, as high as its box and in the glyphs' own proportions on any surface. Widths are line
-/// units, in which a line is 2 high. Bytes that have no glyph take no room and are left out; each look-up of
-/// one is logged. Nothing is kept between two draws, and only a shortened line allocates.
+/// One line of text, as high as its box and in the glyphs' own proportions on any surface. Widths are in line
+/// units, in which a line is 2 high. Bytes without a glyph are skipped and take no room; each look-up of one
+/// is logged. Keeps nothing between two draws, and allocates only for a shortened line.
 class KORDANIX_EXPORT TextDrawer : public Drawer {
 public:
     TextDrawer();
     ~TextDrawer() override;
 
-    /// Fits the line into the box, then hands every glyph to drawGlyph(). Calls the layer's operations in the
-    /// order getScreenHeight, getTransform, getAspectRatio, drawGlyph. In a box without area the glyphs are
-    /// handed over all the same, with matrices that leave nothing of them; when the layer's transform is not
-    /// finite, none is.
+    /// Fits the line into the box, then calls drawGlyph() for every glyph. Calls the layer's operations in
+    /// the order getScreenHeight, getTransform, getAspectRatio, drawGlyph. In a box without area the glyphs
+    /// get matrices that shrink them to nothing. When the layer's transform is not finite, it draws no glyph.
     void draw() override;
 
-    /// Draws the glyph's quad through the matrix, tinted with the colour.
+    /// Draws the glyph's quad with this matrix, tinted with the colour.
     virtual void drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
                            char symbol) = 0;
 
-    /// The matrix that maps local coordinates of a box (size and position in canvas fractions), moved by the
-    /// translation (clip-space units), onto the surface.
+    /// Returns the matrix that maps local coordinates of a box (size and position in canvas fractions),
+    /// shifted by the translation (clip-space units), onto the surface.
     virtual glm::mat4 getTransform(const glm::vec2& size, const glm::vec2& position,
                                    const glm::vec3& translation) = 0;
 
-    /// Height of the surface divided by its width, in pixels.
+    /// The surface's height divided by its width, in pixels.
     virtual float getAspectRatio() = 0;
 
-    /// Height of the surface in pixels.
+    /// The surface's height in pixels.
     virtual float getScreenHeight() = 0;
 
-    // What is set takes effect at the next draw.
+    // These take effect at the next draw.
 
     void setText(const std::string& text);
     void setTextColor(const glm::vec4& color);
 
-    /// The largest height of the text in surface pixels, 0 for no limit. A higher box is made lower around
-    /// its middle.
+    /// Sets the largest height of the text in surface pixels; 0 for no limit. A higher box shrinks around its
+    /// middle.
     void setTextSizeHint(unsigned int hint);
     void setTextEllipsize(gui::TextEllipsize ellipsize);
     void setTextGravity(gui::TextGravity gravity);
 
-    /// The text shortened with "..." to less than `maxWidth` (only the dots if they alone are wider), as
-    /// mTextEllipsize says. START always drops the first character, MIDDLE keeps as many characters at the
-    /// end as at the beginning, whether or not the text would have fitted.
+    /// Shortens the text with "..." to less than `maxWidth` (only the dots if they alone are wider), as
+    /// mTextEllipsize says. START always drops the first character; MIDDLE keeps as many characters at the
+    /// end as at the beginning. Both do so even when the whole text would have fitted.
     std::string getTruncatedString(float maxWidth);
 
     glm::vec4 mTextColor{0.0F};

@@ -14,24 +14,24 @@
 
 namespace drawer {
 
-/// The last lines of text added, the oldest at the top, over a background. The lines share the height
-/// equally; while there are fewer than fit, the lower part stays empty.
+/// The last lines of text added, with the oldest at the top, over a background. All lines have the same
+/// height; while the block is not full, its lower part is empty.
 class KORDANIX_EXPORT TextblockDrawer : public Drawer {
 public:
-    /// Asks the factory for a text drawer for each of `lineCount` lines, which may be none. It should not
-    /// return null; a line without a drawer is not drawn. `textSizeHint` is the largest height of the text in
+    /// Calls the factory once for each of `lineCount` lines, which may be 0. The factory should not return
+    /// null; a line without a drawer is not drawn. `textSizeHint` is the largest height of the text in
     /// surface pixels, 0 for no limit.
     TextblockDrawer(std::unique_ptr<TextDrawer> (*createTextDrawer)(), std::unique_ptr<RectDrawer> background,
                     unsigned int lineCount, unsigned int textSizeHint);
     ~TextblockDrawer() override;
 
-    /// Background, then text.
+    /// Draws the background, then the text.
     void draw() override;
 
-    /// Adds a line; in a full block it takes the place of the oldest one.
+    /// Adds a line; in a full block it replaces the oldest one.
     void addText(const std::string& text);
 
-    // These hold for all lines and take effect at the next draw.
+    // These apply to all lines, from the next draw on.
 
     void setTextColor(const glm::vec4& color);
     void setTextEllipsize(gui::TextEllipsize ellipsize);
@@ -47,7 +47,7 @@ public:
     std::uint32_t mMaxLines;
     std::uint32_t mTextSizeHint;
 
-    /// Index of the ring's oldest line, which the next one overwrites; mMaxLines stands for 0.
+    /// The index of the ring's oldest line, which the next one overwrites; mMaxLines means 0.
     std::uint32_t mOldestLine = 0;
 
     glm::vec4 mTextColor{0.0F};

@@ -1,7 +1,7 @@
 #include "gui/EmbeddedFont.h"
 
-// The assembler copies the file in: a byte array in C++ would cost the compiler seconds and the repository
-// five times the bytes. "%object" and ".balign" mean the same on x86 and ARM.
+// The assembler includes the file: a byte array in C++ would cost the compiler seconds and take five times
+// the bytes in the repository. "%object" and ".balign" mean the same on x86 and ARM.
 asm(R"(
     .pushsection .rodata.kordanixFontRecord, "a", %progbits
     .balign 4

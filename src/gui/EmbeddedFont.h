@@ -2,7 +2,7 @@
 
 namespace gui {
 
-/// The font record compiled into the library (assets/font.bin), in the form that GlyphAtlas reads.
+/// Returns the font record compiled into the library (assets/font.bin), in the format that GlyphAtlas reads.
 const unsigned char* embeddedFont();
 
 }  // namespace gui

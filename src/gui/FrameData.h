@@ -8,7 +8,7 @@
 
 namespace gui {
 
-/// What a layer measured of one frame's render passes, filled by the layer and handed to a render-pass
+/// A layer's measurements of one frame's render passes. The layer fills it and hands it to a render-pass
 /// drawer, which keeps a copy. A value type.
 class KORDANIX_EXPORT FrameData {
 public:
@@ -16,14 +16,14 @@ public:
 
     void addRenderPassInfo(const RenderPassData& renderPass);
 
-    /// Milliseconds. Stored as they are, also an end before the start.
+    /// Milliseconds. Stored unchanged, even an end before the start.
     void addFrameTimeInfo(long double start, long double end);
 
     /// Whether the frame ends after its start and has render passes.
     bool isValid() const;
 
     std::uint32_t mFrameId;
-    std::vector<RenderPassData> mRenderPasses;  ///< in the order they were added
+    std::vector<RenderPassData> mRenderPasses;  ///< in the order of adding
     long double mStartTime = 0;
     long double mEndTime = 0;
 };

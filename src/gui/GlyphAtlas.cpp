@@ -11,7 +11,7 @@ namespace {
 constexpr std::uint32_t HEADER_SIZE = 20;
 constexpr std::uint32_t GLYPH_RECORD_SIZE = 32;
 
-/// Field `index` of a run of 32-bit little-endian numbers.
+/// Reads number `index` of a row of 32-bit little-endian numbers.
 std::uint32_t field(const unsigned char* record, std::uint32_t index) {
     const unsigned char* bytes = record + std::size_t{4} * index;
     return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
@@ -31,7 +31,7 @@ Glyph makeGlyph(const unsigned char* record, float bitmapWidth, float bitmapHeig
     const float yOffset = floatField(record, 6);
     const float xAdvance = floatField(record, 7);
 
-    // The quad is first moved to (0, 0)..(2, 2), so that its top-left corner stays put when it is scaled.
+    // First moves the quad to (0, 0)..(2, 2), so that scaling keeps its top-left corner in place.
     glm::mat4 transform = glm::translate(
         glm::mat4(1.0F),
         glm::vec3(2.0F * xOffset / lineHeight - 1.0F, 2.0F * yOffset / lineHeight - 1.0F, 0.0F));
@@ -53,7 +53,7 @@ Glyph makeGlyph(const unsigned char* record, float bitmapWidth, float bitmapHeig
 }  // namespace
 
 GlyphAtlas& GlyphAtlas::getGlyphAtlas() {
-    // Never destroyed: texts may be drawn while another thread ends the process.
+    // Never destroyed: a thread may draw text while another one ends the process.
     static auto* const atlas = new GlyphAtlas(embeddedFont());
     return *atlas;
 }

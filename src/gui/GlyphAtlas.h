@@ -25,28 +25,28 @@ struct Glyph {
     GlyphVertex mQuad[4];  ///< a triangle strip: top left, top right, bottom left, bottom right
 };
 
-/// The library's font: the glyphs of an embedded bitmap. Immutable once made, so any thread may look up.
+/// The library's font: the glyphs of an embedded bitmap. Immutable, so any thread may look up glyphs.
 class KORDANIX_EXPORT GlyphAtlas {
 public:
-    /// The atlas of the process, made on the first call, from whichever thread.
+    /// Returns the process's atlas; the first call, from any thread, makes it.
     static GlyphAtlas& getGlyphAtlas();
 
-    /// Reads a font record: five 32-bit little-endian numbers (count of glyphs, bitmap width and height in
-    /// texels, line height and baseline in pixels), eight more for each glyph (code, x, y, width, height,
-    /// x offset, y offset, advance) and the bitmap. All numbers are unsigned. The record is trusted to be
-    /// whole and must outlive the atlas, which uses the bitmap in place.
+    /// Reads a font record: five 32-bit little-endian numbers (number of glyphs, bitmap width and height in
+    /// texels, line height and baseline in pixels), eight more for each glyph (code, x, y, width, height, x
+    /// offset, y offset, advance) and the bitmap. All numbers are unsigned. Trusts the record to be complete.
+    /// The record must outlive the atlas, which uses the bitmap in place.
     explicit GlyphAtlas(const unsigned char* record);
     ~GlyphAtlas();
     GlyphAtlas(const GlyphAtlas&) = delete;
     GlyphAtlas& operator=(const GlyphAtlas&) = delete;
 
-    /// The glyph's advance, or 0 after logging an error when the font has no such character.
+    /// Returns the glyph's advance; when the font has no such character, logs an error and returns 0.
     float getGlyphWidth(char symbol) const;
 
-    /// The glyph, or null after logging an error when the font has no such character.
+    /// Returns the glyph; when the font has no such character, logs an error and returns null.
     const Glyph* operator[](char symbol) const;
 
-    /// Orders characters as unsigned bytes whether or not `char` is signed.
+    /// Orders characters as unsigned bytes, even where `char` is signed.
     struct UnsignedLess {
         bool operator()(char left, char right) const {
             return static_cast<unsigned char>(left) < static_cast<unsigned char>(right);

@@ -10,7 +10,7 @@ namespace gui {
 const float SCREEN_WIDTH = 740.0F;
 const float SCREEN_HEIGHT = 360.0F;
 
-// Never destroyed, like everything that a frame may still use while another thread ends the process.
+// Never destroyed: a frame may still use it while another thread ends the process.
 std::vector<glm::vec4>& gColor = *new std::vector<glm::vec4>{
     {0.0F, 0.0F, 0.0F, 0.5F},   //
     {0.0F, 0.52F, 1.0F, 0.5F},  //
@@ -133,7 +133,7 @@ constexpr RenderArea PORTRAIT_AREAS[] = {
 
 static_assert(std::size(LANDSCAPE_AREAS) == AREA_COUNT && std::size(PORTRAIT_AREAS) == AREA_COUNT);
 
-/// The manager has its areas and widgets before any layer can reach it: when the library is loaded.
+/// Defines the layout when the library is loaded, so that every layer finds the areas and widgets in place.
 [[maybe_unused]] const bool gLayoutDefined = [] {
     const std::vector<RenderArea> landscape(std::begin(LANDSCAPE_AREAS), std::end(LANDSCAPE_AREAS));
     const std::vector<RenderArea> portrait(std::begin(PORTRAIT_AREAS), std::end(PORTRAIT_AREAS));

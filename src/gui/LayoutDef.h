@@ -9,13 +9,13 @@
 
 namespace gui {
 
-/// The virtual canvas everything is laid out on, in canvas units: landscape is SCREEN_WIDTH wide and
-/// SCREEN_HEIGHT high, portrait the other way round. The origin is the top-left corner, y grows downwards.
+/// The virtual canvas for the layout, in canvas units: in landscape SCREEN_WIDTH wide and SCREEN_HEIGHT high,
+/// in portrait the other way round. The origin is the top-left corner, and y grows downwards.
 KORDANIX_EXPORT extern const float SCREEN_WIDTH;
 KORDANIX_EXPORT extern const float SCREEN_HEIGHT;
 
-/// A rectangle from which a widget or an element inside a widget takes its size and place: canvas units in
-/// the definitions, canvas fractions (0..1) in what the layout manager hands out.
+/// A rectangle that gives a widget, or an element in a widget, its size and place. The definitions are in
+/// canvas units; the layout manager returns canvas fractions (0..1).
 struct RenderArea {
     float x;
     float y;
@@ -23,8 +23,8 @@ struct RenderArea {
     float height;
 };
 
-/// Index into a set of render areas. 0 to 39 are elements, measured from their widget's top-left corner;
-/// which drawer takes which is the layer's choice. Elements of one group never leave the group's whole.
+/// An index into a set of render areas. 0 to 39 are elements, measured from their widget's top-left corner;
+/// the layer chooses which drawer uses which. Elements of a group never leave the group's whole.
 enum class RenderAreaType : std::uint32_t {
     // First 171 by 55 group: a strip of one label and three pairs of name and value, a graph below.
     CPU_GPU_FOOTER = 0,  ///< band near the bottom of the group
@@ -82,8 +82,8 @@ enum class RenderAreaType : std::uint32_t {
     OUTLINE_GPU_ACTIVITY_THUMBNAIL = 43,
     OUTLINE_MEMORY = 44,
 
-    MARGIN = 45,   ///< width and height: distance from the canvas's sides and from its top and bottom
-    SPACING = 46,  ///< width and height: distance between neighbours in a row and between rows
+    MARGIN = 45,   ///< distance from the canvas's sides (width) and from its top and bottom (height)
+    SPACING = 46,  ///< distance between neighbours in a row (width) and between rows (height)
 };
 
 /// The widgets, and their indexes in the layout manager's list.
@@ -100,11 +100,12 @@ struct Widget {
     WidgetType mType;
     RenderAreaType mRenderArea;  ///< its outline
     glm::vec4 mRect{0.0F};       ///< (x, y, width, height) in canvas fractions; 0 until the first layout
-    std::int32_t mPosition = 0;  ///< a WidgetsSettings::Position; other values leave the widget unplaced
-    bool mEnabled = true;        ///< takes part in the layout
+    std::int32_t mPosition =
+        0;                 ///< a WidgetsSettings::Position; with any other value the widget is not placed
+    bool mEnabled = true;  ///< takes part in the layout
 };
 
-/// Palette of 12 RGBA colours (0..1) that layers index. Built at load, never changed by the library.
+/// The palette of 12 RGBA colours (0..1) that layers index. Built at load; the library never changes it.
 KORDANIX_EXPORT extern std::vector<glm::vec4>& gColor;
 
 }  // namespace gui

@@ -26,7 +26,7 @@ void normalise(std::vector<RenderArea>& areas, float canvasWidth, float canvasHe
     }
 }
 
-/// Whether two extents have more than an edge in common.
+/// Whether two extents share more than an edge.
 bool extentsOverlap(float startA, float sizeA, float startB, float sizeB) {
     const float span = std::max(startA + sizeA, startB + sizeB) - std::min(startA, startB);
     return sizeA + sizeB > span;
@@ -36,7 +36,8 @@ bool overlap(const glm::vec4& a, const glm::vec4& b) {
     return extentsOverlap(a.x, a.z, b.x, b.z) && extentsOverlap(a.y, a.w, b.y, b.w);
 }
 
-/// Moves the widget to x and says whether it may stand there: inside the canvas, over no widget of the row.
+/// Moves the widget to x. Returns whether it may stay there: inside the canvas, over no other widget of the
+/// row.
 bool tryAt(const LinearLayout& row, Widget* widget, float x) {
     glm::vec4& rect = widget->mRect;
     rect.x = x;
@@ -74,8 +75,8 @@ void moveTo(Widget& widget, Position position) {
     widget.mPosition = static_cast<std::int32_t>(position);
 }
 
-/// Moves the row's widgets to its line: the top of top rows, the bottom of bottom rows, the middle's centre.
-/// Returns the greatest height in the row.
+/// Aligns the row's widgets with its line: the top of top rows, the bottom of bottom rows, the centre of the
+/// middle row. Returns the height of the highest widget.
 float placeOnLine(const LinearLayout& row, float line) {
     float rowHeight = 0.0F;
     for (Widget* widget : row.mWidgets) {
@@ -91,14 +92,14 @@ float placeOnLine(const LinearLayout& row, float line) {
     return rowHeight;
 }
 
-/// The rows of one layout. The canvas has room for one middle row only.
+/// The rows of one layout. The canvas has room for only one middle row.
 struct Rows {
     std::vector<LinearLayout> mTop;
     LinearLayout mMiddle;
     std::vector<LinearLayout> mBottom;
 };
 
-/// Puts the widget into the first row that takes it, changing its position when it has to move elsewhere.
+/// Puts the widget into the first row that takes it; changes its position if that row is elsewhere.
 void placeInRows(Widget* widget, Rows& rows, glm::vec2& margin, glm::vec2& spacing) {
     if (isMiddle(positionOf(*widget))) {
         if (rows.mMiddle.tryToAdd(widget)) {
@@ -177,7 +178,7 @@ bool addToLayout(Widget* widget, std::vector<LinearLayout>& rows, glm::vec2& mar
 }
 
 LayoutManager* LayoutManager::getInstance() {
-    // Never destroyed: a frame may still be drawn while another thread ends the process.
+    // Never destroyed: a thread may draw a frame while another one ends the process.
     static auto* const instance = new LayoutManager;
     return instance;
 }

@@ -14,19 +14,19 @@ class Drawer;
 
 namespace gui {
 
-/// One row of widgets while a layout is made. Places a widget by writing its `mRect` x and y (y is 0 as
-/// long as rows are being filled); sizes are the widgets' own. All lengths are canvas fractions.
+/// One row of widgets during a layout. Places a widget by writing x and y of its `mRect` (y is 0 while the
+/// rows are being filled); a widget keeps its own size. All lengths are canvas fractions.
 class KORDANIX_EXPORT LinearLayout {
 public:
-    /// Places the widget by its position: packed from the left (0, 3, 5), from the right (2, 4, 7) or
-    /// centred (1, 6). False when it would overlap a widget of the row or leave the canvas, and for any
-    /// other position; the widget then keeps the last place that was tried.
+    /// Places the widget by its position: packed from the left (0, 3, 5), from the right (2, 4, 7) or centred
+    /// (1, 6). Returns false when it would overlap a widget of the row or leave the canvas, and for any other
+    /// position; the widget then stays at the last place tried.
     bool tryToAdd(Widget* widget);
 
-    /// Tries the left margin, then the right side of each widget of the row in list order.
+    /// Tries the left margin, then the right side of each widget in the row, in list order.
     bool tryToAddFromLeft(Widget* widget);
 
-    /// Tries the right margin, then the left side of each widget of the row in reverse list order.
+    /// Tries the right margin, then the left side of each widget in the row, in reverse list order.
     bool tryToAddFromRight(Widget* widget);
 
     std::list<Widget*> mWidgets;  ///< not owned; the order decides which neighbour is tried first
@@ -34,38 +34,39 @@ public:
     glm::vec2 mSpacing{0.0F};     ///< distance between neighbours
 };
 
-/// Adds the widget to the first row that takes it, or to a new row at the end. False when the new row does
-/// not take it either, which leaves that row in place and empty.
+/// Adds the widget to the first row that takes it, or to a new row at the end. Returns false when even the
+/// new row does not take it; that row then stays, empty.
 KORDANIX_EXPORT bool addToLayout(Widget* widget, std::vector<LinearLayout>& rows, glm::vec2& margin,
                                  glm::vec2& spacing);
 
-/// Owner of the render areas and of the five widgets: takes over the settings, lays the enabled widgets out
-/// in rows and gives drawers their rectangles, all in canvas fractions whatever the surface's size.
-/// Except for `init`, everything runs on the rendering thread; there is no lock.
+/// Owns the render areas and the five widgets: applies the settings, arranges the enabled widgets in rows and
+/// gives drawers their rectangles, all in canvas fractions, whatever the surface's size. Only the rendering
+/// thread uses it, except for `init`; there is no lock.
 class KORDANIX_EXPORT LayoutManager {
 public:
-    /// The manager of the process; made on first use and never destroyed.
+    /// Returns the process's manager, made on first use and never destroyed.
     static LayoutManager* getInstance();
 
     /// Takes both sets of render areas, in canvas units, and creates the widgets. Called once, at load.
     void init(const std::vector<RenderArea>& landscape, const std::vector<RenderArea>& portrait);
 
-    /// Takes over positions and switches if settings were published since the last call (the first call
-    /// counts as such) and says whether. Does not lay out. Costs one flag test when nothing was published.
+    /// Applies positions and switches if somebody published settings since the last call (the first call
+    /// always does), and returns whether it did. Does not lay out. Otherwise costs one flag test.
     bool updateConfig();
 
-    /// Lays the enabled widgets out for the orientation. A widget that does not fit where its position wants
-    /// it moves on (middle to top left, top to bottom left) and keeps that position until settings change.
-    /// Widgets that are disabled or have an unknown position stay at the canvas's origin.
+    /// Lays the enabled widgets out for the orientation. A widget that does not fit at its position moves on
+    /// (from the middle to the top left, from the top to the bottom left) and keeps the new position until
+    /// settings change. Widgets that are disabled or have an unknown position stay at the canvas's origin.
     void updateWidgetsLayouts(bool portrait);
 
-    /// Gives the drawer its area's size, at the area's origin moved by the drawer's widget, if it has one.
+    /// Gives the drawer its area's size, and the area's origin plus the position of the drawer's widget, if
+    /// any.
     void updateDrawerLayout(drawer::Drawer* drawer);
 
-    /// The widget; lives as long as the process. Only after `init`.
+    /// The widget, which lives as long as the process. Only after `init`.
     Widget* getWidget(WidgetType type) const;
 
-    /// The area in canvas fractions of the current orientation. Only after `init`.
+    /// The area for the current orientation, in canvas fractions. Only after `init`.
     RenderArea getRenderArea(RenderAreaType type) const;
 
     bool mIsPortrait = true;  ///< which set is current

@@ -20,11 +20,11 @@ constexpr std::uint32_t RED = 0xFFFF0000;
 constexpr std::uint32_t YELLOW = 0xFFFFFF00;
 
 constexpr int DEFAULT_TRANSPARENCY = 128;
-/// How often the watcher looks for the generation property until it exists, and how often a watcher is asked
-/// for until there is one.
+/// How often the watcher looks for the generation property until it exists, and how often we try again to
+/// start a watcher.
 constexpr std::chrono::milliseconds WATCHER_PERIOD(1000);
 
-// What load() still has to get hold of. Rendering thread only.
+// What load() has not managed to start yet. Rendering thread only.
 bool gNeedsListener = false;
 bool gNeedsWatcher = false;
 std::uint32_t gLastRequestMs = 0;
@@ -52,7 +52,8 @@ glm::vec4 toColor(int value, float alpha) {
 void startWatching() {
     gLastRequestMs = utils::getUtcTime_msec();
     if (gNeedsListener) {
-        // Release: who sees the flag sees the values that the watcher read before it ran its listeners.
+        // Release: whoever sees the flag also sees the values that the watcher read before it ran its
+        // listeners.
         SysPropWatcher::addPropChangedListener(
             [] { WidgetsSettings::wasChanged.store(true, std::memory_order_release); });
         gNeedsListener = false;
@@ -68,7 +69,7 @@ void askForWatcherAgain() {
     try {
         startWatching();
     } catch (const std::exception&) {
-        // The caller was told the first time. Frames go on with the settings there are.
+        // The first call has told the caller. Frames go on with the current settings.
     }
 }
 
@@ -156,7 +157,7 @@ WidgetsSettings::Widgets::Widgets()
           SysPropWatcher::createSysProp<int>("debug.kordanix.bg_transparency", DEFAULT_TRANSPARENCY)) {}
 
 glm::vec4 WidgetsSettings::Widgets::bgColor() const {
-    // A negative number becomes a large unsigned one, which is opaque.
+    // A negative number becomes a large unsigned one, which means opaque.
     const auto opacity = static_cast<float>(static_cast<std::uint32_t>(mBgTransparency.getValue()));
     return toColor(mBgColor.getValue(), std::min(opacity / 255.0F, 1.0F));
 }
@@ -170,15 +171,15 @@ bool WidgetsSettings::load() {
     } else if (gNeedsWatcher) {
         askForWatcherAgain();
     }
-    // Almost every frame finds the flag clear; a plain load keeps the exchange's locked instruction out of
-    // it.
+    // Almost every frame finds the flag clear; a plain load then avoids the locked instruction of the
+    // exchange.
     return wasChanged.load(std::memory_order_relaxed) &&
            wasChanged.exchange(false, std::memory_order_acquire);
 }
 
 WidgetsSettings::Widgets& WidgetsSettings::getWidgets() {
     static Widgets widgets;
-    // A frame may still ask while the process exits, so there must be nothing to destroy.
+    // A thread may still call this while the process exits, so nothing may be destroyed.
     static_assert(std::is_trivially_destructible_v<Widgets>);
     return widgets;
 }
@@ -207,7 +208,7 @@ std::vector<Ostra::DumpWidgetMeta>* makeWidgetsMeta() {
 
 }  // namespace
 
-// Never destroyed: a frame may be dumped while another thread ends the process.
+// Never destroyed: a thread may dump a frame while another one ends the process.
 std::vector<Ostra::DumpWidgetMeta>& gWidgetsMeta = *makeWidgetsMeta();
 
 }  // namespace gui

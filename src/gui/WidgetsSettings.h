@@ -13,12 +13,12 @@
 
 namespace gui {
 
-/// The widget configuration that the `debug.kordanix.*` properties describe: what is shown, where it is
-/// anchored and in which colours. Every result is computed from the properties' current values, which the
-/// watcher thread may change between two calls. Called on the rendering thread.
+/// The widget settings in the `debug.kordanix.*` properties: which widgets are shown, where they are anchored
+/// and in which colours. Every result comes from the properties' current values, which the watcher thread may
+/// change between two calls. Call it on the rendering thread.
 class KORDANIX_EXPORT WidgetsSettings {
 public:
-    /// Where a widget is anchored on the canvas. Properties may hold any other number.
+    /// Where a widget is anchored on the canvas. A property may also have any other number.
     enum class Position : std::int32_t {
         TOP_LEFT = 0,
         TOP_CENTER = 1,
@@ -39,15 +39,15 @@ public:
         /// The graph's colour, opaque; (0, 0, 0, 0) when it is switched off.
         glm::vec4 getTextColor() const;
 
-        /// The graph's colour with an alpha of 1 / count, for `count` graphs (at least 1) over each other;
-        /// (0, 0, 0, 0) when it is switched off.
+        /// The graph's colour with an alpha of 1 / count, for `count` graphs (at least 1) on top of each
+        /// other; (0, 0, 0, 0) when it is switched off.
         glm::vec4 getGraphColor(std::uint32_t count) const;
 
         SysProp<bool>& mEnabled;
         SysProp<int>& mColor;  ///< 0xAARRGGBB, the alpha byte is ignored
     };
 
-    /// All settings. A widget is enabled when its own switch and one of its graphs' are on.
+    /// All settings. A widget is enabled when its own switch and the switch of one of its graphs are on.
     class KORDANIX_EXPORT Widgets {
     public:
         class KORDANIX_EXPORT Fps {
@@ -81,7 +81,7 @@ public:
             /// The render passes and the thumbnail count like graphs.
             bool enabled() const;
 
-            /// The thumbnail is a widget of its own that needs this one's switch, not its graphs.
+            /// The thumbnail is a widget of its own: it needs this widget's switch, but none of its graphs.
             bool thumbnailEnabled() const;
 
             SysProp<bool>& mWidget;
@@ -113,30 +113,29 @@ public:
         glm::vec4 bgColor() const;
 
         SysProp<int>& mBgColor;         ///< 0xAARRGGBB, the alpha byte is ignored
-        SysProp<int>& mBgTransparency;  ///< in spite of its name the opacity, in 255ths
+        SysProp<int>& mBgTransparency;  ///< 255ths of opacity, despite its name
         Fps mFps;
         CpuGpu mCpuGpu;
         GpuActivity mGpuActivity;
         Memory mMemory;
     };
 
-    /// Says whether settings were published since the last call; true the first time. The values of a
-    /// publication are in place when it is reported. The first call starts the property watcher and throws
-    /// std::system_error if its thread cannot be created; later ones then ask for it again, once a second,
-    /// and do not throw.
+    /// Returns whether somebody published settings since the last call; true the first time. By then the
+    /// published values are in place. The first call starts the property watcher and throws std::system_error
+    /// if it cannot create the thread; later calls then try again, once a second, and do not throw.
     static bool load();
 
     /// The settings of the process. The first call creates their properties.
     static Widgets& getWidgets();
 
-    /// The property whose writing publishes all others.
+    /// Writing this property publishes all others.
     static constexpr char propToWatchName[] = "debug.kordanix.settingsgeneration";
 
     static bool isInited;                 ///< load() has been called; rendering thread only
     static std::atomic<bool> wasChanged;  ///< set by the watcher thread (release), taken by `load` (acquire)
 };
 
-/// Names and encodings of the dumpable values; a graph's slot in a dump is its index here. Built at load,
+/// The names and encodings of the dumpable values; a graph's slot in a dump is its index here. Built at load,
 /// never changed.
 KORDANIX_EXPORT extern std::vector<Ostra::DumpWidgetMeta>& gWidgetsMeta;
 

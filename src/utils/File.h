@@ -4,11 +4,11 @@
 
 namespace utils {
 
-/// A small text file, open for reading until the object ends. Its buffer lies in the object, so that the
-/// stream neither allocates one nor asks the kernel for the file's block size.
+/// A small text file, open for reading until the object is destroyed. The buffer is part of the object, so
+/// the stream neither allocates one nor asks the kernel for the file's block size.
 class File {
 public:
-    /// Tests false when the file cannot be opened; errno says why.
+    /// The object tests false when the file cannot be opened; errno says why.
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): the stream fills the buffer
     explicit File(const char* path) : mStream(std::fopen(path, "r")) {
         if (mStream != nullptr) {

@@ -9,13 +9,13 @@
 
 namespace utils {
 
-// The format is checked where it is written down, by whoever calls these.
+// The compiler checks the format in the calling code.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
 #pragma GCC diagnostic ignored "-Wformat-security"
 
-/// printf-style formatting into a string of whatever length it takes, the same in every locale. The arguments
-/// must fit the format and be of types that printf takes. Empty if the text cannot be formatted.
+/// printf-style formatting into a string of any length, the same in every locale. The arguments must match
+/// the format and be of types that printf takes. Returns an empty string if the formatting fails.
 template <typename... Args>
 std::string strFormat(const std::string& format, Args... args) {
     const PlainNumbers plain;
@@ -30,7 +30,7 @@ std::string strFormat(const std::string& format, Args... args) {
 
 #pragma GCC diagnostic pop
 
-/// The value as an output stream writes it, whatever locale the application has set.
+/// Returns the value as an output stream in the "C" locale writes it, whatever the application has set.
 template <typename T>
 std::string toString(T value) {
     std::ostringstream stream;

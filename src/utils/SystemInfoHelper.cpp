@@ -21,12 +21,12 @@ namespace {
 // The last vendor found. Idempotent, so relaxed order is enough.
 std::atomic<int> sGpuVendorCache{Vendor::UNKNOWN};
 
-/// Model prefixes by device index.
+/// Model prefixes in the order of the device index.
 constexpr std::array<std::string_view, 9> MODELS = {"QV-A31", "QV-B31", "QV-A32", "QV-B32", "QV-C31",
                                                     "QV-C21", "QV-A33", "QV-B33", "QV-C32"};
 constexpr std::size_t MODEL_LENGTH = 6;
 
-/// The index of the model, or the number of known models.
+/// Returns the index of the model, or the number of known models.
 int indexOfModel(const std::string& model) {
     const std::string_view prefix = std::string_view(model).substr(0, MODEL_LENGTH);
     return static_cast<int>(std::find(MODELS.begin(), MODELS.end(), prefix) - MODELS.begin());
@@ -38,8 +38,8 @@ bool isSpace(char c) {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-/// The text up to the first NUL byte or the end of the line, at most 255 bytes. fgets() would give the same
-/// but read on to the end of the file, which costs the kernel nearly as much again.
+/// Reads the text up to the first NUL byte or the end of the line, at most 255 bytes. fgets() would give the
+/// same text but read to the end of the file, which costs the kernel nearly as much again.
 std::string firstText(std::FILE* file) {
     std::array<char, 255> text{};
     std::size_t length = 0;
@@ -67,7 +67,7 @@ std::string getProcessName() {
     if (const File file{PATH}) {
         name = firstText(file.get());
     } else {
-        // The place in these two messages is fixed: whoever filters the log knows it.
+        // These two messages must keep their place: people filter the log for it.
         // NOLINTNEXTLINE(concurrency-mt-unsafe): strerror keeps its text per thread on both platforms
         KORDANIX_LOG_ERROR("Faield to open %s,  error: %s", "SystemInfoHelper.h", "getProcessName", 47, PATH,
                            std::strerror(errno));

@@ -8,12 +8,12 @@
 
 namespace utils {
 
-/// While it lives, no signal is delivered to this thread, and a thread that it starts never gets any. Signals
-/// that the caller has blocked already stay blocked.
+/// While it lives, this thread takes no signals, and a thread that it starts never takes any. Signals that
+/// the caller had already blocked stay blocked.
 class SignalsBlocked {
 public:
-    // Giving back the mask as it was would unblock what sigset_t has no room for: on 32-bit Android that is
-    // every signal from 33 on. So only what was blocked here is unblocked again.
+    // Unblocks only the signals that it has blocked itself. Restoring the old mask would also unblock every
+    // signal that sigset_t has no room for: on 32-bit Android all from 33 on.
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init): sigfillset() does
     SignalsBlocked() {
         sigfillset(&mBlockedHere);
@@ -34,8 +34,8 @@ private:
     sigset_t mBlockedHere;
 };
 
-/// Starts a thread under a name of at most 15 bytes, as debuggers and top show it. The process's signals are
-/// not for it: it takes none. Throws what std::thread throws when there can be none.
+/// Starts a thread with a name of at most 15 bytes, which debuggers and top show. The thread takes none of
+/// the process's signals. Throws what std::thread throws when it cannot start one.
 template <typename Body>
 std::thread startThread(const char* name, Body body) {
     const SignalsBlocked blocked;

@@ -4,24 +4,24 @@
 
 #include <cstdint>
 
-/// Paces the update of figures: counts frames and says when 120 ms have passed. Once a frame the layer calls
-/// incFrameCount() and isUpdateDuration(); on true, mFrameCount frames fell into the last mUpdateDuration
-/// microseconds, and the layer calls resetUpdateDuration() before counting on. Belongs to one thread.
+/// Decides when to update figures: counts frames and reports when 120 ms have passed. Once a frame the layer
+/// calls incFrameCount() and isUpdateDuration(). When that returns true, mFrameCount frames fell into the
+/// last mUpdateDuration microseconds, and the layer calls resetUpdateDuration() before it counts on. For one
+/// thread.
 class KORDANIX_EXPORT UpdateHelper {
 public:
     UpdateHelper();
 
-    /// Back to the state of a new object.
+    /// Returns to the state of a new object.
     void initUpdateHelper();
 
     void incFrameCount();
 
-    /// Whether 120 ms or more have passed since the last true result. The first call only starts the
+    /// Returns whether 120 ms or more have passed since it last returned true. The first call only starts the
     /// interval.
     bool isUpdateDuration();
 
-    /// Clears the count and the duration. The running interval goes on: it is measured from the last true
-    /// result.
+    /// Clears the count and the duration. The running interval still counts from the last true result.
     void resetUpdateDuration();
 
     std::uint32_t mFrameCount = 0;      ///< frames since the last reset

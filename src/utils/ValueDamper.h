@@ -7,14 +7,15 @@
 
 namespace utils {
 
-/// Steadies a noisy reading: the mean of the last mWindowSize + 1 values (of all values while there are
-/// fewer). Belongs to one thread at a time.
+/// Smooths a noisy value: the mean of the last mWindowSize + 1 values (of all values while there are fewer).
+/// One thread at a time.
 class KORDANIX_EXPORT ValueDamper {
 public:
-    /// A span of 10.
+    /// The window size is 10.
     ValueDamper();
 
-    /// A span of its own; 0 keeps exactly the last value. Ends the process if there is no room for the span.
+    /// With a window size of 0 the result is the last value. Ends the process if there is no memory for the
+    /// window.
     explicit ValueDamper(unsigned int windowSize) noexcept;
 
     /// Adds a value clamped to 0..1 (NaN counts as 0) and returns the new mean.
