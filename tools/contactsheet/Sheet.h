@@ -9,9 +9,9 @@
 /// A picture with a line of text below it.
 struct CaptionedPicture {
     software::Image image;
-    std::string caption;  ///< in characters of the overlay's font; others are left out
+    std::string caption;  ///< characters that the overlay's font lacks are dropped
 };
 
-/// The pictures in their own sizes side by side, `columns` (at least 1) in a row. Every cell is as large as
-/// the largest picture.
+/// Puts the pictures side by side at their own sizes, `columns` (at least 1) in a row. Every cell is as large
+/// as the largest picture.
 software::Image makeSheet(const std::vector<CaptionedPicture>& pictures, std::uint32_t columns);

@@ -8,7 +8,7 @@ namespace fontgen {
 namespace {
 
 constexpr std::uint32_t MAX_ATTEMPTS = 2000;
-// A row of height weighs more than any width when the glyphs are put in order; the order is blurred by up to
+// For the order of the glyphs, a row of height weighs more than any width. The order is shuffled by up to
 // MAX_BLUR eighths of a row.
 constexpr std::uint32_t RANK_OF_A_ROW = 64;
 constexpr std::uint32_t MAX_BLUR = 64;
@@ -31,7 +31,7 @@ struct Rect {
     }
 };
 
-// The largest rectangles that are still free; they overlap each other.
+// The largest free rectangles; they may overlap each other.
 class FreeSpace {
 public:
     explicit FreeSpace(const Rect& whole) : mRects{whole} {}
@@ -75,12 +75,12 @@ private:
     std::vector<Rect> mRects;
 };
 
-// How badly a size fits into a free rectangle: the smaller rest first, then the larger one.
+// How badly a size fits into a free rectangle: the smaller remaining side first, then the larger one.
 std::pair<std::uint32_t, std::uint32_t> waste(const Rect& free, std::uint32_t width, std::uint32_t height) {
     return std::minmax({free.width - width, free.height - height});
 }
 
-// Places the glyphs in the order given, each where it fits best.
+// Places the glyphs in the given order, each where it fits best.
 bool placeInOrder(FreeSpace space, const std::vector<Glyph*>& order, std::uint32_t gap) {
     for (Glyph* const glyph : order) {
         const std::uint32_t width = glyph->box.width + gap;
@@ -105,7 +105,7 @@ bool placeInOrder(FreeSpace space, const std::vector<Glyph*>& order, std::uint32
 }  // namespace
 
 bool packGlyphs(std::vector<Glyph>& glyphs, std::uint32_t gap) {
-    // Every box carries the gap at its right and bottom, and so does the bitmap.
+    // Every box includes the gap at its right and bottom, and so does the bitmap.
     FreeSpace space({0, 0, BITMAP_WIDTH + gap, BITMAP_HEIGHT + gap});
     std::vector<Glyph*> waiting;
     for (Glyph& glyph : glyphs) {
@@ -118,8 +118,8 @@ bool packGlyphs(std::vector<Glyph>& glyphs, std::uint32_t gap) {
         }
     }
 
-    // High glyphs go first. Where that leaves no room for the last ones, orders near it do better; the
-    // generator's sequence is fixed, so that the same boxes always end in the same places.
+    // High glyphs go first. If that leaves no room for the last ones, a similar order may do better. The
+    // generator's sequence is fixed, so the same boxes always get the same places.
     std::mt19937 random;
     std::vector<std::pair<std::uint32_t, Glyph*>> ranked;
     std::vector<Glyph*> order(waiting.size());

@@ -5,16 +5,16 @@
 
 namespace fontgen {
 
-/// What the library and the layers count on in the embedded font, whatever face it is made from.
+/// What the library and the layers rely on in the embedded font, whatever face it comes from.
 
 constexpr std::uint32_t BITMAP_WIDTH = 256;
 constexpr std::uint32_t BITMAP_HEIGHT = 247;
 constexpr std::uint32_t LINE_HEIGHT = 61;
 /// Pixels from the top of the line to the baseline.
 constexpr std::uint32_t BASELINE = 49;
-/// Flat capitals stand this many pixels high on the baseline.
+/// The height in pixels of flat capitals above the baseline.
 constexpr std::uint32_t CAPITAL_HEIGHT = 34;
-/// Every digit moves the pen by this much, so that changing figures do not make a text jump.
+/// The advance of every digit, so that a text does not jump when its figures change.
 constexpr std::uint32_t DIGIT_ADVANCE = 26;
 
 /// The 72 characters of the font, in the order of their codes.
@@ -32,7 +32,7 @@ struct GlyphBox {
     std::uint32_t xAdvance = 0;
 };
 
-/// A glyph whose whole record is given; the face's outline is fitted into it.
+/// A glyph with a given record; the face's outline is fitted into it.
 struct FixedGlyph {
     char code = 0;
     GlyphBox box;
@@ -49,13 +49,13 @@ constexpr FixedGlyph FIXED_GLYPHS[] = {
 };
 // clang-format on
 
-/// The square that stands for "@": a colour swatch as high as a capital, at the pen's position so that what
-/// room its advance leaves lies before the word that follows.
+/// The square for "@": a colour swatch as high as a capital. It begins at the pen, so that the rest of its
+/// advance is a gap before the next word.
 constexpr std::uint32_t SWATCH_SIZE = 34;
 constexpr std::uint32_t SWATCH_OFFSET = 0;
 constexpr std::uint32_t SWATCH_ADVANCE = 36;
 
-/// The given box of a character, null for one whose box follows from the face.
+/// The given box of a character; null when the face determines the box.
 inline const GlyphBox* fixedBox(char code) {
     for (const FixedGlyph& glyph : FIXED_GLYPHS) {
         if (glyph.code == code) {

@@ -7,7 +7,7 @@
 
 namespace fontgen {
 
-/// A character's picture and measures. The bitmap position (x, y) is the packer's to fill in.
+/// A character's picture and measures. The packer sets its position (x, y) in the bitmap.
 struct Glyph {
     char code = 0;
     GlyphBox box;

@@ -26,7 +26,7 @@ bool hasInk(const std::vector<std::uint8_t>& coverage, std::size_t first, std::s
     return false;
 }
 
-// Cuts rows and columns without ink off a picture of the whole line and of `width` columns.
+// Removes empty rows and columns from a picture of the whole line, `width` columns wide.
 void trim(Glyph& glyph, std::size_t width) {
     const std::size_t height = LINE_HEIGHT;
     std::size_t left = 0;
@@ -83,7 +83,8 @@ GlyphRenderer::GlyphRenderer(const std::string& faceFile) : mFaceFile(faceFile) 
         mScaleY = CAPITAL_HEIGHT / load('H').vertical.high;
         mScaleX = DIGIT_ADVANCE / load('0').advance;
         mOvershoot = -load('o').vertical.low;
-        // The stem of "I" stands for all strokes: it is a bare one, and exact enough for the tails it keeps.
+        // The stem of "I" gives the width of all strokes: it has no serifs, and is exact enough for keeping
+        // tails.
         mStroke = load('I').horizontal.size();
     } catch (...) {
         FT_Done_Face(mFace);
@@ -140,7 +141,7 @@ Glyph GlyphRenderer::renderOutline(char code) {
     for (int i = 0; i < outline.n_points; ++i) {
         FT_Vector& point = outline.points[i];
         point.x = toSubpixels(mapX(static_cast<double>(point.x) * mScaleX));
-        // The bitmap's lower edge is the line's, below the baseline.
+        // The bitmap's lower edge is the lower edge of the line, below the baseline.
         point.y = toSubpixels(mapY(static_cast<double>(point.y) * mScaleY) + LINE_HEIGHT - BASELINE);
     }
 

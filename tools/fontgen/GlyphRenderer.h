@@ -12,7 +12,8 @@
 namespace fontgen {
 
 /// Draws the font's characters from a scalable face. Throws std::runtime_error, with the face's file in the
-/// message, when the face cannot be read, lacks a character or cannot be brought into a given box.
+/// message, when it cannot read the face, the face lacks a character, or a character cannot fit its given
+/// box.
 class GlyphRenderer {
 public:
     explicit GlyphRenderer(const std::string& faceFile);
@@ -21,7 +22,7 @@ public:
     GlyphRenderer(const GlyphRenderer&) = delete;
     GlyphRenderer& operator=(const GlyphRenderer&) = delete;
 
-    /// All characters in the order of their codes. Each box is the smallest that holds the glyph's ink.
+    /// Renders all characters in the order of their codes. Each box is the smallest around the glyph's ink.
     std::vector<Glyph> render();
 
 private:

@@ -9,11 +9,11 @@
 namespace fontgen {
 namespace {
 
-// Heights above the baseline that "A", "g" and "j" of the given boxes ask of their neighbours.
+// The heights above the baseline that suit the given boxes of "A", "g" and "j".
 constexpr double SMALL_HEIGHT = 26.0;
 constexpr double ASCENDER_HEIGHT = 36.0;
 constexpr double DESCENDER_DEPTH = -9.0;
-// The dot of "j" has to reach into the row above 35 pixels, and "i" must not differ from it.
+// The dot of "j" must reach into the row above 35 pixels, and the dot of "i" must match it.
 constexpr double DOT_HEIGHT = 35.3;
 
 bool isOneOf(std::string_view characters, char code) {
@@ -50,7 +50,7 @@ double AxisMap::operator()(double value) const {
 }
 
 AxisMap fitVertically(char code, const Span& natural, double overshoot, double stroke) {
-    // Dots keep their shape and only come down to the baseline; a comma hangs where it is.
+    // Dots keep their shape and only move down to the baseline; a comma stays where it is.
     if (isOneOf(".:", code)) {
         return AxisMap({{natural.low, 0.0}, {natural.high, natural.size()}});
     }
@@ -59,8 +59,8 @@ AxisMap fitVertically(char code, const Span& natural, double overshoot, double s
     }
     const double top = fittedTop(code, natural.high);
     if (isOneOf("gjpqy", code)) {
-        // What is too long is taken out between the tail's stroke and the baseline; the stroke keeps its
-        // thickness and the bowl sits on the baseline like those of the other letters.
+        // Shortens the tail between its stroke and the baseline; the stroke keeps its thickness, and the bowl
+        // sits on the baseline like those of the other letters.
         return AxisMap({{natural.low, DESCENDER_DEPTH},
                         {natural.low + stroke, DESCENDER_DEPTH + stroke},
                         {-overshoot, 0.0},
@@ -75,7 +75,7 @@ AxisMap fitVertically(char code, const Span& natural, double overshoot, double s
 AxisMap fitHorizontally(char code, const Span& natural) {
     const double width = natural.size();
     if (const GlyphBox* const box = fixedBox(code)) {
-        // Centred ink reaches both outer columns if it is wider than the box without them.
+        // Centred ink touches both outer columns if it is wider than the box without them.
         const double boxWidth = box->width;
         const double fitted = std::clamp(width, boxWidth - 1.75, boxWidth);
         const double left = box->xOffset + (boxWidth - fitted) / 2.0;

@@ -5,7 +5,7 @@
 
 namespace fontgen {
 
-/// Extent of an outline along one axis, in pixels; vertically 0 is the baseline and up is positive.
+/// The extent of an outline along one axis, in pixels; vertically 0 is the baseline and up is positive.
 struct Span {
     double low = 0.0;
     double high = 0.0;
@@ -13,8 +13,8 @@ struct Span {
     double size() const { return high - low; }
 };
 
-/// A piecewise linear map of one axis, given by anchors in rising order; the first and the last piece go
-/// on beyond their ends. Moves an outline's edges onto pixel boundaries without a hinting program.
+/// A piecewise linear map of one axis, given by anchors in rising order; the first and the last piece
+/// continue beyond their ends. Moves an outline's edges onto pixel boundaries without a hinting program.
 class AxisMap {
 public:
     struct Anchor {
@@ -22,7 +22,7 @@ public:
         double to;
     };
 
-    /// At least two anchors, no two with the same `from`.
+    /// Takes at least two anchors, no two with the same `from`.
     explicit AxisMap(std::vector<Anchor> anchors) : mAnchors(std::move(anchors)) {}
 
     double operator()(double value) const;
@@ -31,15 +31,15 @@ private:
     std::vector<Anchor> mAnchors;
 };
 
-/// Vertical map for a character whose outline spans `natural`. The bottom comes to stand on the baseline or
-/// a whole pixel, the top on the height of capitals, small letters or ascenders; round letters lose their
+/// The vertical map for a character whose outline spans `natural`. Moves the bottom to the baseline or to a
+/// whole pixel, the top to the height of capitals, small letters or ascenders; round letters lose their
 /// overshoot. `overshoot` is how far the face's round letters reach below the baseline (pixels, positive),
 /// `stroke` how thick its horizontal strokes are.
 AxisMap fitVertically(char code, const Span& natural, double overshoot, double stroke);
 
-/// Horizontal map: keeps the width, so that stems stay equally thick, and puts the left edge on the pixel
-/// boundary nearest to its natural place, never left of the pen. A character with a given box is centred in
-/// it, squeezed or widened only as far as its ink would otherwise not fill the box.
+/// The horizontal map. Keeps the width, so that stems stay equally thick, and moves the left edge to the
+/// nearest pixel boundary, never left of the pen. Centres a character with a given box in it, and stretches
+/// or squeezes it only as far as needed to fill the box.
 AxisMap fitHorizontally(char code, const Span& natural);
 
 }  // namespace fontgen

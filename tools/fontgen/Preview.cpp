@@ -56,7 +56,7 @@ Picture setLine(const std::vector<Glyph>& glyphs, std::string_view text) {
     return line;
 }
 
-// Mean of the area that a small pixel covers; a source pixel on its rim counts by its share.
+// The mean of the area that a small pixel covers; a source pixel on the rim counts in proportion.
 Picture shrink(const Picture& from, std::size_t height) {
     Picture to(from.width * height / from.height, height);
     const double step = static_cast<double>(from.height) / static_cast<double>(height);

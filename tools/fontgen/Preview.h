@@ -7,8 +7,8 @@
 
 namespace fontgen {
 
-/// Writes a grey PNG to look at: the bitmap, and below it two lines of text set with the glyphs' measures, at
-/// full size and brought down to 17 pixels a line. Throws std::runtime_error when it cannot be written.
+/// Writes a grey PNG for people: the bitmap, and below it two lines of text set with the glyphs' measures, at
+/// full size and reduced to 17 pixels a line. Throws std::runtime_error when it cannot write the file.
 void writePreview(const std::vector<Glyph>& glyphs, const std::string& file);
 
 }  // namespace fontgen

@@ -1,4 +1,4 @@
-// Makes the font that is compiled into the library from a scalable face.
+// Makes the font for the library from a scalable face.
 
 #include "AtlasPacker.h"
 #include "FontRecord.h"
@@ -17,7 +17,7 @@ constexpr int FAILED = 1;
 
 void generate(const std::string& face, const std::string& output, const std::string& preview) {
     std::vector<fontgen::Glyph> glyphs = fontgen::GlyphRenderer(face).render();
-    // A free texel between glyphs keeps a filtering sampler from seeing the neighbour.
+    // One free texel between glyphs keeps the neighbour out of a filtered sample.
     if (!fontgen::packGlyphs(glyphs, 1)) {
         throw std::runtime_error(face + ": the glyphs do not fit into the bitmap");
     }

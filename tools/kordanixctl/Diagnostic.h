@@ -7,13 +7,13 @@
 
 namespace control {
 
-/// Says on `err` what a user should know, as the line "kordanixctl: TEXT".
+/// Tells the user something on `err`, as the line "kordanixctl: TEXT".
 void printDiagnostic(std::string_view text, std::ostream& err);
 
-/// Says why something could not be done, and returns what the verb returns then.
+/// Prints why something failed, and returns what the verb should return.
 ExitCode fail(std::string_view error, std::ostream& err, ExitCode code = FAILURE);
 
-/// Fails unless the error is empty.
+/// Calls fail() unless the error is empty; then returns SUCCESS.
 ExitCode failUnlessEmpty(std::string_view error, std::ostream& err);
 
 }  // namespace control

@@ -1,7 +1,7 @@
 #include <android/log.h>
 
-// Taken in place of the platform's: kordanixctl says itself what goes wrong, and the libraries' messages
-// would only say it twice.
+// Replaces the platform's log: kordanixctl itself says what goes wrong, and the libraries' messages would
+// only repeat it.
 int __android_log_print(int /*prio*/, const char* /*tag*/, const char* /*fmt*/, ...) {
     return 0;
 }

@@ -14,13 +14,13 @@ namespace {
 
 using control::ExitCode;
 
-/// Whether the other end of a pipe has closed: 'kordanixctl list | head -1' has got what it wanted.
+/// Whether the reader has closed the pipe: in 'kordanixctl list | head -1' it has what it wanted.
 bool isReaderGone() {
     pollfd output = {STDOUT_FILENO, POLLOUT, 0};
     return poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
 }
 
-/// The verb's result, unless what it printed did not arrive.
+/// Returns the verb's result, or a failure when its output could not be written.
 ExitCode checkOutput(ExitCode result) {
     std::cout.flush();
     return std::cout || result != control::SUCCESS || isReaderGone()

@@ -4,14 +4,14 @@
 
 namespace control {
 
-/// A property as it is to be written.
+/// A property and the text to write.
 struct Assignment {
     std::string name;  ///< full
     std::string text;
 };
 
 /// Makes an assignment of what somebody typed; with `isForced`, also for a name that the library does not
-/// know. Returns what is wrong with the name or the value, or an empty text.
+/// know. Returns an empty text, or what is wrong with the name or the value.
 std::string readAssignment(const std::string& name, const std::string& value, bool isForced,
                            Assignment& assignment);
 

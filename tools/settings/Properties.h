@@ -3,14 +3,15 @@
 #include <optional>
 #include <string>
 
-/// The properties of this user, as the platform keeps them.
+/// This user's properties, through the platform.
 namespace control {
 
-/// The property's text; nothing when it is not set. A property cannot be taken away again, so that one with
-/// an empty text counts as not set.
+/// Returns the property's text; nothing when it is not set. An empty text counts as not set, since a property
+/// cannot be deleted.
 std::optional<std::string> readProperty(const std::string& name);
 
-/// What the generation property is to be written with, to publish: the number after the one it holds.
+/// Returns the text that the next publication writes to the generation property: the number after the present
+/// one.
 std::string nextGeneration();
 
 /// Publishes what was set. Returns what went wrong, in plain words.

@@ -35,7 +35,7 @@ constexpr Property BACKGROUND[] = {
     {"bg_transparency", PropertyType::OPACITY, 128, "opacity of the background: 0 clear, 255 opaque"},
 };
 
-// Of each widget before its figures, which are in the catalogue.
+// The widgets' own properties. Those of their figures come after them, from the catalogue.
 constexpr Property FPS[] = {
     {"widget_fps", BOOLEAN, ON, "frame-rate widget"},
     {"widget_fps_position", POSITION, 0, "its place"},
@@ -101,7 +101,7 @@ private:
         }
     }
 
-    std::deque<std::string> mColorNames;  // which stay where they are
+    std::deque<std::string> mColorNames;  // a deque, so that the strings never move
 };
 
 const std::vector<Property>& table() {
@@ -113,7 +113,7 @@ std::string_view withoutPrefix(std::string_view name) {
     return name.substr(0, PREFIX.size()) == PREFIX ? name.substr(PREFIX.size()) : name;
 }
 
-/// How many letters must be inserted, removed or exchanged to make one text of the other.
+/// How many letters to insert, remove or exchange to turn one text into the other.
 std::size_t editDistance(std::string_view from, std::string_view to) {
     std::vector<std::size_t> row(to.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
@@ -164,7 +164,7 @@ const Property* findProperty(std::string_view name) {
 
 std::string hintFor(std::string_view name) {
     const std::string_view wanted = withoutPrefix(name);
-    // A quarter of the letters may be wrong, and always two.
+    // Tolerates two wrong letters, or a quarter of the name if that is more.
     std::size_t smallest = std::max<std::size_t>(2, wanted.size() / 4) + 1;
     const Property* nearest = nullptr;
     for (const Property& row : properties()) {

@@ -34,7 +34,7 @@ std::string toUpper(std::string_view text) {
     return upper;
 }
 
-/// The whole text as a number of the given base.
+/// Converts the whole text to a number in the given base.
 std::optional<std::int64_t> wholeNumber(std::string_view text, int base = 10) {
     if (base == 10 && text.size() > 1 && text.front() == '+' && text[1] != '-') {
         text.remove_prefix(1);
@@ -74,7 +74,7 @@ std::optional<std::string> parsePosition(std::string_view typed) {
 
 std::optional<std::string> parseColor(std::string_view typed) {
     if (typed.empty() || typed.front() != '#') {
-        // Both the signed and the unsigned form of the 32 bits are in use.
+        // Accepts the signed and the unsigned form of the 32 bits.
         const auto number = wholeNumber(typed);
         if (!number || *number < std::numeric_limits<std::int32_t>::min() ||
             *number > std::numeric_limits<std::uint32_t>::max()) {
@@ -96,7 +96,7 @@ std::optional<std::string> parseText(std::string_view typed) {
     return fits ? std::optional<std::string>(typed) : std::nullopt;
 }
 
-/// The 32 bits that the library takes from a text; nothing when it takes none.
+/// Returns the 32 bits that the library reads from a text; nothing when it reads none.
 std::optional<std::uint32_t> libraryNumber(const std::string& text) {
     std::intmax_t number = 0;
     if (std::sscanf(text.c_str(), "%jd", &number) != 1) {
@@ -181,7 +181,7 @@ bool isReadable(const Property& property, const std::string& text) {
         case PropertyType::GENERATION:
             return true;
         default:
-            // The library reads what toPropertyText() makes of a number; names and # it does not know.
+            // The library reads numbers as toPropertyText() writes them, but neither names nor #.
             return wholeNumber(trimmed(text)).has_value() && toPropertyText(property.type, text).has_value();
     }
 }

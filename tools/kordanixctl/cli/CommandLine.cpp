@@ -17,7 +17,7 @@ bool hasVerb(const CLI::App& app, const std::string& name) {
     return !app.get_subcommands([&](const CLI::App* verb) { return verb->get_name() == name; }).empty();
 }
 
-/// The words arrive with marks, see markValues(); no option is to keep them. Nor is a flag to take a value.
+/// The words carry marks, see markValues(). Options must remove them, and a flag must not take a value.
 void finishOptions(CLI::App& app) {
     for (CLI::Option* const option : app.get_options()) {
         option->disable_flag_override();
@@ -46,14 +46,14 @@ void setUp(CLI::App& app, Invocation& invocation, const std::vector<std::string>
     addPropertyVerbs(app, invocation);
     addOverlayVerbs(app, invocation);
     addDumpVerbs(app, invocation);
-    setUsage(app, "[OPTIONS] VERB ...");  // now, because verbs begin with the formatter of the whole
+    setUsage(app, "[OPTIONS] VERB ...");  // set last, because a new verb copies the formatter
     finishOptions(app);
     for (CLI::App* const verb : app.get_subcommands([](const CLI::App* /*verb*/) { return true; })) {
         finishOptions(*verb);
     }
 }
 
-/// Replaces the parser's words before and after the part of a message that says what it is about.
+/// Replaces the parser's words before and after the name in a message.
 void reword(std::string& text, std::string_view before, std::string_view after, std::string_view words) {
     const std::size_t begin = text.find(before);
     const std::size_t end = text.size() - std::min(after.size(), text.size());
@@ -63,7 +63,7 @@ void reword(std::string& text, std::string_view before, std::string_view after, 
     }
 }
 
-/// What the parser did not understand, in a sentence with the way to the help.
+/// Says what the parser did not understand, in a sentence that also points to the help.
 std::string describe(const CLI::ParseError& error, const CLI::App& app) {
     const std::vector<const CLI::App*> verbs =
         app.get_subcommands([](const CLI::App* verb) { return verb->parsed(); });
@@ -78,7 +78,7 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app) {
     return text + "; see 'kordanixctl " + verbs.front()->get_name() + " --help'";
 }
 
-/// Settles whose properties and overlays the verb is about.
+/// Chooses the process whose properties and overlay the verb works on.
 ExitCode address(const Invocation& invocation) {
     switch (invocation.address) {
         case Invocation::Address::NONE:
@@ -115,7 +115,7 @@ ExitCode runCommandLine(std::vector<std::string> words) {
     if (verb < words.size() && words[verb] == "run") {
         program = cutProgram(words, verb);
     } else {
-        // So that writes fail with an error, which is said. A program would inherit that from 'run'.
+        // Then a write fails with an error that we report. Not for 'run', whose program would inherit it.
         std::signal(SIGPIPE, SIG_IGN);
         std::signal(SIGXFSZ, SIG_IGN);
     }

@@ -7,7 +7,7 @@
 
 namespace control {
 
-/// Does what the words after the program's name ask for, and says on the standard streams what comes of it.
+/// Executes the words after the program's name, and prints the results on the standard streams.
 ExitCode runCommandLine(std::vector<std::string> words);
 
 }  // namespace control

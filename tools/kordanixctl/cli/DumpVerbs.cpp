@@ -11,7 +11,7 @@ namespace {
 using Convert = ExitCode (*)(const std::string& folder, const std::string& path, std::ostream& out,
                              std::ostream& err);
 
-/// A verb that turns a dump into a file.
+/// Adds a verb that converts a dump to a file.
 void addConversion(CLI::App& app, const char* name, const char* description, const char* file,
                    Convert convert, Invocation& invocation) {
     struct Options {

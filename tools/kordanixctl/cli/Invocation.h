@@ -11,15 +11,15 @@ namespace control {
 
 /// What the command line asks for.
 struct Invocation {
-    /// Whether the verb is about the properties or the overlay of some process.
+    /// Whether the verb works on the properties or the overlay of a process.
     enum class Address {
         REQUIRED,
-        HELPFUL,  ///< it does its best when several could be meant
+        HELPFUL,  ///< when several processes could be meant, it goes on without choosing one
         NONE,
     };
 
     Address address = Address::REQUIRED;
-    std::optional<pid_t> process;      ///< that of --process
+    std::optional<pid_t> process;      ///< the value of --process
     std::function<ExitCode()> action;  ///< what the chosen verb does
 };
 

@@ -14,11 +14,11 @@ namespace control {
 namespace {
 
 struct PictureOptions {
-    std::vector<std::string> words;  ///< the process if it was given, and the file
+    std::vector<std::string> words;  ///< the process, if given, and the file
     double seconds = 5.0;
 };
 
-/// Takes the process out of the words. Returns an empty text, or what is wrong with them.
+/// Removes the process from the words. Returns an empty text, or what is wrong with them.
 std::string takeProcess(std::vector<std::string>& words, std::optional<pid_t>& process) {
     if (words.size() > 2) {
         return "picture takes a process and a file; '" + words[2] + "' is one word too many";

@@ -11,7 +11,7 @@ namespace control {
 
 namespace {
 
-/// Runs a verb that reads properties, if they can be read.
+/// Runs a verb that reads properties, unless they cannot be read.
 ExitCode withProperties(const std::function<ExitCode()>& verb) {
     const ExitCode usable = checkProperties(std::cerr);
     return usable == SUCCESS ? verb() : usable;

@@ -12,7 +12,7 @@ namespace control {
 
 namespace {
 
-/// The parser's own usage line has no room for what repeats or comes in pairs.
+/// The parser's own usage line cannot show words that repeat or come in pairs.
 class UsageFormatter : public CLI::Formatter {
 public:
     explicit UsageFormatter(std::string usage) : mUsage(std::move(usage)) {}
@@ -25,7 +25,7 @@ private:
     std::string mUsage;
 };
 
-/// The whole text as a number of the type.
+/// Converts the whole text to a number of the type.
 template <typename Number>
 bool parse(const std::string& text, Number& number) {
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -46,7 +46,7 @@ CLI::App* addVerb(CLI::App& app, const char* name, const char* description) {
     verb->group("Verbs");
     verb->set_help_flag("-h,--help", "Print this help and exit");
     verb->footer("");
-    verb->fallthrough();  // so that --process may stand after the verb too
+    verb->fallthrough();  // so that --process may also follow the verb
     return verb;
 }
 

@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
-/// The verbs of the command line: their options, their help, and what they call. Each sets the invocation's
-/// action when it was chosen. What the options are read into lives as long as `app`.
+/// The verbs of the command line: their options, their help, and what they call. The chosen verb sets the
+/// invocation's action. The variables that hold option values live as long as `app`.
 namespace control {
 
-/// Adds a verb. Its positionals are named as people shall read them: "FOLDER is required".
+/// Adds a verb. Messages show the names of its positionals: "FOLDER is required".
 CLI::App* addVerb(CLI::App& app, const char* name, const char* description);
 
-/// Replaces the usage line of a help text, "kordanixctl USAGE".
+/// Replaces the usage line of a help text by "kordanixctl USAGE".
 void setUsage(CLI::App& app, const std::string& usage);
 
-// Checks of what an option is given, each with a sentence of its own.
+// Checks of option values; each has its own message.
 CLI::Validator isProcessNumber();
 CLI::Validator isSeconds();
 CLI::Validator isCount();
@@ -26,7 +26,7 @@ void addPropertyVerbs(CLI::App& app, Invocation& invocation);  ///< set, get, li
 void addOverlayVerbs(CLI::App& app, Invocation& invocation);   ///< picture, key, background, doctor
 void addDumpVerbs(CLI::App& app, Invocation& invocation);      ///< report, trace
 
-/// `program`: the program and its arguments, which the parser does not see.
+/// `program` is the program and its arguments, which the parser does not see.
 void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::string>& program);
 
 }  // namespace control

@@ -4,26 +4,26 @@
 #include <string>
 #include <vector>
 
-/// The words of the command line before the parser sees them.
+/// Prepares the words of the command line for the parser.
 namespace control {
 
 inline constexpr const char* PROCESS_OPTION = "--process";
 
-/// Where the verb stands, or the end. Options before it may have a value of their own.
+/// Returns the index of the verb, or the number of words. Options before it may have a value.
 std::size_t findVerb(const std::vector<std::string>& words);
 
-/// Cuts the program and its arguments, which are not the parser's, off the words of 'run'; its verb stands
-/// at `verb`.
+/// Removes the program and its arguments from the words of 'run' and returns them, so that the parser does
+/// not see them. `verb` is the index of the verb.
 std::vector<std::string> cutProgram(std::vector<std::string>& words, std::size_t verb);
 
-/// Writes 'help', 'help VERB' and 'version' as the options that mean the same.
+/// Replaces 'help', 'help VERB' and 'version' by the options that mean the same.
 void replaceHelpVerbs(std::vector<std::string>& words, std::size_t verb);
 
-/// Marks the words that are values though they begin with '-': negative numbers, and all after "--", which
-/// is taken out.
+/// Marks the words that are values even though they begin with '-': negative numbers, and everything after
+/// "--", which it removes.
 void markValues(std::vector<std::string>& words);
 
-/// Takes the marks off a word, or off a text with such words in it.
+/// Removes the marks from a word, or from a text that contains such words.
 std::string unmarked(std::string text);
 
 }  // namespace control

@@ -11,7 +11,7 @@ namespace control {
 
 namespace {
 
-/// Writes a dump to a stream. Returns an empty text, or why nothing was written.
+/// Writes a dump to a stream. Returns an empty text, or why it wrote nothing.
 using DumpWriter = std::string (*)(const dumps::Dump&, std::ostream&);
 
 ExitCode convert(const std::string& folder, const std::string& path, DumpWriter write, std::ostream& out,

@@ -5,9 +5,9 @@
 #include <ostream>
 #include <string>
 
-/// Verbs that turn a frame dump into one file, which they replace, but never with less than all of it. The
-/// folder is that of a dump, or holds some: then the newest of them is taken, and `out` says which. What was
-/// left out of a damaged dump is said on `err`; the file is written all the same.
+/// Verbs that convert a frame dump to a file. They replace an existing file, but only by a complete one. The
+/// folder is a dump's, or contains dumps: then the verb converts the newest and says on `out` which one that
+/// is. When parts of a damaged dump cannot be converted, the verb says so on `err` and still writes the file.
 namespace control {
 
 ExitCode makeTrace(const std::string& folder, const std::string& path, std::ostream& out, std::ostream& err);

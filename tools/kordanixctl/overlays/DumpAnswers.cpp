@@ -21,7 +21,7 @@ using State = platform::DumpNotice::State;
 constexpr std::chrono::seconds PATIENCE(3);
 constexpr useconds_t POLL_PERIOD_US = 10'000;
 
-/// A notice that an ended process left, with the same number as this one, differs at least in its folder.
+/// A notice with the same number that an earlier process left has at least another folder.
 bool isSame(const platform::DumpNotice& a, const platform::DumpNotice& b) {
     return std::tie(a.number, a.state, a.frames, a.folder, a.error) ==
            std::tie(b.number, b.state, b.frames, b.folder, b.error);
@@ -86,7 +86,7 @@ ExitCode DumpAnswers::await(std::vector<pid_t> processes, std::ostream& out, std
     return result;
 }
 
-/// The process's notice if it is another one than before.
+/// The process's notice, if it has changed since the key was pressed.
 std::optional<platform::DumpNotice> DumpAnswers::answer(pid_t process) const {
     const auto notice = platform::readDumpNotice(mDirectory, process);
     const auto& before = mBefore.at(process);

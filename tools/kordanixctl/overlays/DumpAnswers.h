@@ -14,14 +14,14 @@
 
 namespace control {
 
-/// What becomes of dumps after their key was pressed, as the processes tell it.
+/// Collects what processes say about their dumps after somebody pressed the dump key.
 class DumpAnswers {
 public:
-    /// Before the key is pressed.
+    /// Make it before the key is pressed.
     DumpAnswers(std::string directory, const std::vector<pid_t>& processes);
 
-    /// Waits a few seconds at most for these processes' answers, and says what they are. Fails when one has
-    /// none, or a dump could not be written.
+    /// Waits at most a few seconds for these processes' answers, and prints them. Fails when a process gives
+    /// no answer, or could not write its dump.
     ExitCode await(std::vector<pid_t> processes, std::ostream& out, std::ostream& err) const;
 
 private:

@@ -80,7 +80,8 @@ std::string OverlayState::obstacle(pid_t process) const {
     }
     const platform::OverlayNote* const its = note(process);
     const std::string wanted = displayedValue("proc");
-    // Without a name, whoever presents first has the overlay; who cannot show it says why and stays nameless.
+    // Without a name, nobody has claimed the overlay yet. A process that cannot show it never does, but says
+    // why.
     if (wanted.empty() && its != nullptr && !its->reason.empty()) {
         return "does not show the overlay: " + its->reason;
     }
@@ -104,7 +105,7 @@ std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t
     const std::vector<pid_t> listening = platform::listeningProcesses(directory);
     std::vector<pid_t> meant = recipients(directory, process);
     if (meant.empty()) {
-        meant = state.processes();  // one that cannot show it says so without listening
+        meant = state.processes();  // a process that cannot show it leaves a note but does not listen
     }
     std::vector<pid_t> showing;
     std::vector<std::string> obstacles;

@@ -12,31 +12,32 @@
 /// Who shows the overlay, and why others do not.
 namespace control {
 
-/// What the library makes of one of its properties, for people.
+/// Returns one of the library's properties as the library understands it, in a form for people.
 std::string displayedValue(std::string_view shortName);
 
-/// What processes say of their overlays in the folder of a runtime directory, and who has the claim there.
+/// The notes of the processes in a runtime directory, and which process has the claim there.
 class OverlayState {
 public:
     explicit OverlayState(std::string directory);
 
-    /// Those that listen or have left a note, in ascending order; also ones that have ended since.
+    /// The processes that listen or have left a note, in ascending order. Some may have ended since.
     std::vector<pid_t> processes() const;
 
-    /// Whether the process is neither to be seen nor listens.
+    /// Whether /proc does not show the process and it does not listen.
     bool hasEnded(pid_t process) const;
 
     /// The process's name as the library reads it.
     std::string name(pid_t process) const;
 
-    /// What it said itself; null when it said nothing, as a process without one of our layers.
+    /// The process's note; null when it has none, as without one of our layers.
     const platform::OverlayNote* note(pid_t process) const;
 
-    /// Who shows the overlay of a run; nothing while nobody has presented a frame, or it was settled by name.
+    /// The process that shows the overlay of a run; nothing when none has presented a frame yet, or a name
+    /// decides.
     std::optional<pid_t> claimant() const { return mClaimant; }
 
-    /// Why it does not show the overlay, as a sentence's end: "is not the one that shows the overlay ...".
-    /// Empty when it shows it, or nothing is known against it.
+    /// Why the process does not show the overlay, as the end of a sentence: "is not the one that shows the
+    /// overlay ...". Empty when it does, or when we know no reason.
     std::string obstacle(pid_t process) const;
 
 private:
@@ -45,19 +46,19 @@ private:
     std::optional<pid_t> mClaimant;
 };
 
-/// The processes that show the overlay now and can be asked for something: of those that a verb is about (see
-/// recipients()). Empty, with the reason for each of them in `error`, when there is none.
+/// Returns those of a verb's processes (see recipients()) that show the overlay now and can take a request.
+/// When there is none, the list is empty and `error` has the reason for each process.
 std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process,
                                std::string& error);
 
-/// Why a process that showed the overlay takes nothing now, as a sentence's end; empty when nothing is known
-/// against it.
+/// Why a process that showed the overlay takes no request now, as the end of a sentence; empty when we know
+/// no reason.
 std::string findObstacle(const std::string& directory, pid_t process);
 
 /// "process 12 (glxgears)".
 std::string describeProcess(pid_t process, const std::string& name);
 
-/// That no process has the overlay in this runtime directory, and which runs below it have.
+/// Says that no process in this runtime directory has the overlay, and names the runs below it that have.
 std::string nobodyListens(const std::string& directory);
 
 }  // namespace control

@@ -9,8 +9,8 @@ class Image;
 
 namespace control {
 
-/// Reads a picture that a layer wrote for somebody who asked (see ostra/PictureRequest.h), any bytes. False,
-/// with `image` as it was, when it is not exactly such a picture.
+/// Reads a picture that a layer wrote on request (see ostra/PictureRequest.h); accepts any bytes as input.
+/// Returns false and leaves `image` alone when they are not exactly such a picture.
 bool parsePam(std::string_view bytes, software::Image& image);
 
 }  // namespace control

@@ -38,13 +38,13 @@ std::string secondsText(double seconds) {
     return text.str();
 }
 
-/// Why a process that was asked gave no picture, as a sentence's end.
+/// Why the process has sent no picture, as the end of a sentence.
 std::string describeSilence(const std::string& directory, pid_t process, double seconds) {
     const std::string obstacle = findObstacle(directory, process);
     if (!obstacle.empty()) {
         return obstacle;
     }
-    // A layer that says nothing of its overlay is none of those that give pictures.
+    // A layer that writes no notes does not write pictures either.
     const bool isTalkative = OverlayState(directory).note(process) != nullptr;
     return (isTalkative ? "presented no frame in " : "gave no picture in ") + secondsText(seconds) +
            (isTalkative ? "; it may draw only when something changes or its window is seen"

@@ -10,9 +10,8 @@
 
 namespace control {
 
-/// Has a process write its next frame with the overlay and saves it as a PNG file, which replaces what is
-/// there. Without a process, the only one that listens is asked. Fails when none
-/// comes within `seconds`.
+/// Asks a process to write its next frame with the overlay, and saves it as a PNG file, over an existing one.
+/// Without a process, it asks the only one that listens. Fails when no picture comes within `seconds`.
 ExitCode savePicture(std::optional<pid_t> process, const std::string& path, double seconds,
                      std::ostream& err);
 

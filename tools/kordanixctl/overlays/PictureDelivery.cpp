@@ -17,10 +17,10 @@ namespace {
 
 constexpr long POLL_PERIOD_NS = 5'000'000;
 
-/// A picture of the largest surface.
+/// The size of a picture of the largest surface.
 constexpr std::size_t MAX_SIZE = (std::size_t{1} << 30) + 1024;
 
-/// A picture that nobody has fetched for that long is nobody's.
+/// A picture that nobody has fetched for this long is abandoned, and its file is free to take.
 constexpr std::time_t FETCH_SECONDS = 2;
 
 bool isSame(const struct stat& a, const struct stat& b) {
@@ -66,7 +66,7 @@ std::string PictureDelivery::open(Clock::time_point end) {
     }
 }
 
-/// Locks the file, unless somebody else has, or has a picture in it to fetch.
+/// Locks the file, unless somebody else has locked it or has a picture in it to fetch.
 bool PictureDelivery::take() {
     struct stat mine = {};
     struct stat there = {};
@@ -82,7 +82,7 @@ bool PictureDelivery::wait() const {
     const timespec moment = {0, POLL_PERIOD_NS};
     const int signal = sigtimedwait(&mSignals, nullptr, &moment);
     if (signal > 0) {
-        raise(signal);  // taken as soon as it is not held back any more
+        raise(signal);  // takes effect once the signals are unblocked
     }
     return signal <= 0;
 }
@@ -96,7 +96,7 @@ PictureDelivery::State PictureDelivery::state() const {
     if (there.st_size > 0) {
         return State::ARRIVED;
     }
-    // Another empty file is that of somebody who came after ours was taken away.
+    // Another empty file belongs to somebody who came after ours was removed.
     return isSame(mine, there) ? State::AWAITED : State::FAILED;
 }
 

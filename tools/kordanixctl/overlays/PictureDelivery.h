@@ -6,9 +6,9 @@
 
 namespace control {
 
-/// The file that a process is asked to fill with its picture (see ostra/PictureRequest.h), empty at first; it
-/// goes with the object. Meanwhile the signals that usually end a program are held back, so that they leave
-/// nothing behind either.
+/// The file that a process fills with its picture (see ostra/PictureRequest.h). Empty at first; the
+/// destructor removes it. Until then it blocks the signals that usually end a program, so that they leave no
+/// file behind.
 class PictureDelivery {
 public:
     using Clock = std::chrono::steady_clock;
@@ -18,28 +18,28 @@ public:
     PictureDelivery(const PictureDelivery&) = delete;
     PictureDelivery& operator=(const PictureDelivery&) = delete;
 
-    /// Makes the file, or takes over one that an ended program left. While another program waits for a
-    /// picture of the same process, waits for that. Returns an empty text, or why there is no file.
+    /// Creates the file, or takes one that an ended program left. If another program is waiting for a picture
+    /// of the same process, it waits for that one first. Returns an empty text, or why there is no file.
     std::string open(Clock::time_point end);
 
-    /// Sleeps for a moment; false when it is time to end.
+    /// Sleeps for a moment; false when a signal asks this program to end.
     bool wait() const;
 
     enum class State {
         AWAITED,
         ARRIVED,
-        FAILED,  ///< taken away by the process
+        FAILED,  ///< the process removed the file
     };
     State state() const;
 
-    /// The picture's bytes, once it has arrived. Returns an empty text, or why it cannot be read.
+    /// Reads the picture once it has arrived. Returns an empty text, or why it cannot.
     std::string read(std::string& bytes) const;
 
 private:
     bool take();
 
     std::string mPath;
-    int mFile = -1;  ///< of the empty file, locked for as long as somebody waits
+    int mFile = -1;  ///< the empty file, locked while we wait
     sigset_t mSignals = {};
     sigset_t mPrevious = {};
 };

@@ -15,12 +15,13 @@ namespace control {
 
 namespace {
 
-// Android's numbers.
+// Android's key codes.
 constexpr std::int32_t KEYCODE_VOLUME_UP = 24;
 constexpr std::int32_t KEYCODE_VOLUME_DOWN = 25;
 constexpr std::int32_t ACTION_PRESSED = 1;
 
-/// Sends a message and says so. Returns the processes that took it; sets `result` when one did not.
+/// Sends a message and prints that it did. Returns the processes that took it; sets `result` when one did
+/// not.
 std::vector<pid_t> send(const std::string& directory, const std::vector<pid_t>& processes,
                         const platform::ProcessMessage& message, const std::string& what, ExitCode& result,
                         std::ostream& out, std::ostream& err) {

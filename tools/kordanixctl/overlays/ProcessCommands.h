@@ -13,12 +13,11 @@ namespace control {
 
 enum class Key { DUMP, CAPTURE };
 
-/// Presses a key. Of the dump key it is said on `out`, for each process, what became of the dump, which a
-/// process tells within a few seconds. Fails, and says why on `err`, when a process takes no key or nothing
-/// comes of it.
+/// Presses a key. For the dump key it prints on `out` what each process says became of its dump, within a few
+/// seconds. Fails, and says why on `err`, when a process does not take the key or its dump fails.
 ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std::ostream& err);
 
-/// Tells overlays that their application goes to the background.
+/// Tells overlays that their application has gone to the background.
 ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::ostream& err);
 
 }  // namespace control

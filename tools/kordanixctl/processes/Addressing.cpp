@@ -16,13 +16,13 @@ namespace control {
 
 namespace {
 
-/// Empty when somebody may be in the runtime directory; otherwise why nobody is.
+/// Says why nobody can be in the runtime directory; empty when somebody may be.
 std::string emptinessOf(const std::string& directory) {
     return isRunDirectory(directory) && hasRunEnded(directory) ? "the run in " + directory + " has ended"
                                                                : std::string();
 }
 
-/// The runtime directory of a process; empty, with the reason in `error`, when it is not to be had.
+/// Returns the runtime directory of a process; when it is unknown, an empty text with the reason in `error`.
 std::string directoryOf(pid_t process, std::string& error) {
     const std::string who = "process " + std::to_string(process);
     const std::string user = userDirectory(error);
@@ -52,8 +52,8 @@ std::string line(pid_t process) {
     return "\n  " + std::to_string(process) + ' ' + processName(process);
 }
 
-/// The only program that was started with 'run'; nothing when there is none. With several that could be
-/// meant, `error` says which.
+/// Returns the only program that was started with 'run'; nothing when there is none, or when several programs
+/// could be meant; then `error` names them.
 std::optional<Run> onlyRun(const std::string& directory, std::string& error) {
     const std::vector<Run> runs = findRuns(directory);
     const std::vector<pid_t> others = platform::listeningProcesses(directory);
@@ -80,14 +80,14 @@ std::optional<Run> onlyRun(const std::string& directory, std::string& error) {
 ExitCode chooseRuntimeDirectory(std::optional<pid_t> process, std::ostream& err) {
     std::string error;
     std::string directory;
-    // NOLINTNEXTLINE(concurrency-mt-unsafe): nothing changes the environment meanwhile
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): no other thread changes the environment
     const char* const chosen = std::getenv("KORDANIX_RUNTIME_DIR");
     if (process) {
         directory = directoryOf(*process, error);
     } else if (chosen != nullptr && *chosen != '\0') {
         error = emptinessOf(platform::runtimeDirectoryPath());
     } else {
-        std::string ignored;  // the verb will find out itself, and may do without
+        std::string ignored;  // the verb will report it, if it needs the directory
         const std::string user = userDirectory(ignored);
         const std::optional<Run> run = user.empty() ? std::nullopt : onlyRun(user, error);
         directory = run ? run->directory : std::string();

@@ -22,7 +22,7 @@ std::ifstream openFile(pid_t process, const char* name) {
 
 std::string processName(pid_t process) {
     std::ifstream file = openFile(process, "cmdline");
-    // As much as the library reads of its own.
+    // The library reads as much of its own command line.
     std::array<char, 256> text{};
     file.getline(text.data(), text.size());
     const std::string_view name(text.data());
@@ -34,7 +34,7 @@ std::string processName(pid_t process) {
 std::optional<std::uint64_t> startTime(pid_t process) {
     std::string line;
     std::getline(openFile(process, "stat"), line, '\0');
-    // The name in parentheses may itself hold blanks and parentheses.
+    // The name is in parentheses, and may itself contain blanks and parentheses.
     std::istringstream fields(line.substr(std::min(line.rfind(')') + 1, line.size())));
     std::string state;
     std::string field;

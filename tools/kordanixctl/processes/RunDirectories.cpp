@@ -21,7 +21,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The other processes that have each runtime directory in their environment.
+/// Returns, for each runtime directory, the other processes that have it in their environment.
 std::map<std::string, std::vector<pid_t>> processesByDirectory() {
     std::map<std::string, std::vector<pid_t>> directories;
     for (const pid_t process : allProcesses()) {
@@ -36,9 +36,9 @@ std::map<std::string, std::vector<pid_t>> processesByDirectory() {
     return directories;
 }
 
-/// The members of a run: first those with the overlay, then those that inherited its folder's name, then
-/// 'run'. What a process says of itself counts most, as it may hide its environment or be in a namespace
-/// where its number is another.
+/// Returns the members of a run: first the processes with the overlay, then those that inherited the folder's
+/// name, then 'run'. A process's own note comes first, because the process may hide its environment or have
+/// another number in its own namespace.
 std::vector<pid_t> findMembers(const std::string& directory, const std::vector<pid_t>& inheritors) {
     std::vector<pid_t> members;
     const auto add = [&members](pid_t process) {

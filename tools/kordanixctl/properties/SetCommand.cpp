@@ -54,7 +54,7 @@ ExitCode resetProperties(bool keepsControl, std::ostream& err) {
          readInitialProperties(platform::openRuntimeDirectory().path).value_or(std::vector<Assignment>())) {
         beginning[assignment.name] = std::move(assignment.text);
     }
-    // What the process wrote that shows the overlay because it was the first to present a frame.
+    // The process that claimed the overlay wrote its name and API, which a reset restores.
     for (const auto& [name, claimed] : {std::pair{"debug.kordanix.proc", platform::CLAIM_NAME_PROPERTY},
                                         {"debug.kordanix.api", platform::CLAIM_API_PROPERTY}}) {
         if (auto text = readProperty(claimed)) {

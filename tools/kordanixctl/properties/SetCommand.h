@@ -18,15 +18,15 @@ struct SetOptions {
     bool isPublished = true;
 };
 
-/// Writes properties from words that are names and values in turns, then publishes them together. Nothing is
-/// written unless every name and value is right.
+/// Takes alternating names and values, writes the properties and publishes them together. Writes nothing
+/// unless every name and value is valid.
 ExitCode setProperties(const std::vector<std::string>& words, const SetOptions& options, std::ostream& err);
 
-/// Publishes what others have set.
+/// Publishes what others have written.
 ExitCode publishProperties(std::ostream& err);
 
-/// Takes the library's properties back to their defaults, or to what the run began with, and publishes that;
-/// with `keepsControl`, only the settings and not the properties that say where the overlay is shown.
+/// Returns the library's properties to their defaults, or to what the run began with, and publishes them.
+/// With `keepsControl`, only the settings, not the properties that say where the overlay is shown.
 ExitCode resetProperties(bool keepsControl, std::ostream& err);
 
 }  // namespace control

@@ -16,7 +16,7 @@ namespace control {
 
 namespace {
 
-/// What a cell of the table shows for an empty text.
+/// Returns the text of a table cell; an empty text has a stand-in.
 std::string cell(const std::string& text) {
     return text.empty() ? "-" : text;
 }

@@ -24,7 +24,7 @@ struct Write {
     std::string text;
 };
 
-/// What was seen of each property: the serial of its latest write.
+/// The serial of each property's latest write that we have seen.
 using Serials = std::map<std::string, std::uint32_t>;
 
 struct Scan {
@@ -44,7 +44,7 @@ void scanProperty(void* cookie, const char* name, const char* value, std::uint32
     }
 }
 
-/// The writes since the last call, a publication last, as it is meant.
+/// Returns the writes since the last call; a publication comes last, because it follows what it publishes.
 std::vector<Write> takeWrites(Serials& seen) {
     Scan scan = {seen, {}};
     __system_property_foreach(
@@ -74,10 +74,10 @@ void print(const Write& write, std::ostream& out) {
             out << " (\"" << write.text << "\" cannot be read)";
         }
     }
-    out << std::endl;  // whoever reads along must not wait for a full buffer
+    out << std::endl;  // flushed, so that a reader gets each line at once
 }
 
-/// Waits for the next write of any property; false when it is time to end.
+/// Waits for the next write of any property; false when the time is up.
 bool waitForWrite(std::uint32_t& serial, const std::optional<Clock::time_point>& end) {
     if (!end) {
         return __system_property_wait(nullptr, serial, &serial, nullptr);
@@ -95,7 +95,7 @@ bool waitForWrite(std::uint32_t& serial, const std::optional<Clock::time_point>&
 ExitCode watchProperties(const WatchOptions& options, std::ostream& out) {
     std::optional<Clock::time_point> end;
     if (options.seconds) {
-        // A year is as good as any longer time, and does not overflow.
+        // Nobody waits longer than a year, and a year does not overflow.
         constexpr double YEAR = 365.0 * 24.0 * 3600.0;
         const std::chrono::duration<double> time(std::clamp(*options.seconds, 0.0, YEAR));
         end = Clock::now() + std::chrono::duration_cast<Clock::duration>(time);

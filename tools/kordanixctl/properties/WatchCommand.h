@@ -10,12 +10,12 @@
 namespace control {
 
 struct WatchOptions {
-    std::uint64_t count = std::numeric_limits<std::uint64_t>::max();  ///< lines after which to end
-    std::optional<double> seconds;                                    ///< time after which to end
+    std::uint64_t count = std::numeric_limits<std::uint64_t>::max();  ///< ends after this many lines
+    std::optional<double> seconds;                                    ///< ends after this time
 };
 
-/// Prints writes of properties whose names begin as the library's do, a line each, as they happen. Several
-/// writes of one property in quick succession may show as one. Sleeps in between. Ends when `out` fails.
+/// Prints each write of a property whose name begins like the library's, one a line, as it happens. Several
+/// quick writes of one property may show as one. Sleeps in between. Ends when writing to `out` fails.
 ExitCode watchProperties(const WatchOptions& options, std::ostream& out);
 
 }  // namespace control

@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-/// What a run began with, for 'kordanixctl reset' to return to: the file "properties.begin" in its folder.
+/// What a run began with, which 'kordanixctl reset' returns to: the file "properties.begin" in its folder.
 namespace control {
 
-/// Returns what went wrong, or nothing.
+/// Returns what went wrong, or an empty text.
 std::string writeInitialProperties(const std::string& folder, const std::vector<Assignment>& assignments);
 
-/// Nothing when the folder is not that of a run.
+/// Nothing when the folder is not a run's.
 std::optional<std::vector<Assignment>> readInitialProperties(const std::string& folder);
 
 }  // namespace control

@@ -40,7 +40,7 @@ ProgramFile findProgram(const std::string& name) {
     const std::string folders = (variable == nullptr ? defaultPath() : variable) + ':';
     std::size_t begin = 0;
     for (std::size_t end = 0; (end = folders.find(':', begin)) != std::string::npos; begin = end + 1) {
-        // An empty folder is the working directory.
+        // An empty folder means the working directory.
         std::string path = end == begin ? "." : folders.substr(begin, end - begin);
         path.append(1, '/').append(name);
         if (look(path)) {

@@ -14,14 +14,14 @@ struct ProgramFile {
 
 ProgramFile findProgram(const std::string& name);
 
-/// What is known about a program before it starts.
+/// What we can tell about a program before it starts.
 struct ProgramKind {
-    std::string obstacle;       ///< why no overlay can get in: "/bin/x is a 32-bit program"; or empty
-    bool isHarmedByUs = false;  ///< its loader would complain of our library, or end it
+    std::string obstacle;       ///< why we cannot show an overlay: "/bin/x is a 32-bit program"; else empty
+    bool isHarmedByUs = false;  ///< its loader would complain about our library, or end the program
 };
 
-/// Looks at the file of a program that findProgram() found; of a script, at that of its interpreter. Knows
-/// nothing against a file that it cannot read.
+/// Examines the file of a program that findProgram() found, or, for a script, its interpreter's file. Reports
+/// no obstacle for a file that it cannot read.
 ProgramKind inspectProgram(const std::string& path);
 
 }  // namespace control

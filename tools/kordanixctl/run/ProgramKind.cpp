@@ -19,7 +19,7 @@ namespace control {
 namespace {
 
 constexpr const char* SHELL = "/bin/sh";
-/// As the kernel has it.
+/// The kernel's limit.
 constexpr std::size_t SCRIPT_LINE_MAX = 256;
 constexpr int INTERPRETERS_MAX = 5;
 constexpr std::size_t PROGRAM_HEADERS_MAX = 65536;
@@ -35,7 +35,7 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// What there is of so many bytes.
+    /// Reads up to `size` bytes.
     std::string read(std::uint64_t offset, std::size_t size) const {
         std::string bytes(size, '\0');
         const ssize_t count = pread(mFile, bytes.data(), size, static_cast<off_t>(offset));
@@ -60,7 +60,7 @@ std::optional<Elf> readElf(const File& file) {
         return std::nullopt;
     }
     std::memcpy(&header, bytes.data(), bytes.size());
-    // The machine lies at one place in both classes.
+    // e_machine is at the same offset in 32-bit and 64-bit headers.
     Elf elf{header.e_ident[EI_CLASS], header.e_machine, {}};
     if (header.e_phentsize != sizeof(ElfW(Phdr)) ||
         header.e_phnum > PROGRAM_HEADERS_MAX / sizeof(ElfW(Phdr))) {
@@ -77,8 +77,8 @@ std::optional<Elf> readElf(const File& file) {
     return elf;
 }
 
-/// Whether the kernel gives a program of this file rights that this process has not: its dynamic loader then
-/// preloads nothing.
+/// Whether the kernel gives the program rights that this process does not have; then the program's dynamic
+/// loader preloads nothing.
 bool givesRights(const std::string& path) {
     struct stat status = {};
     struct statvfs system = {};
@@ -93,7 +93,7 @@ bool givesRights(const std::string& path) {
            (getuid() != 0 && getxattr(path.c_str(), "security.capability", nullptr, 0) > 0);
 }
 
-/// What the kernel, or execvp(), starts in place of a file that is no ELF program.
+/// Returns what the kernel, or execvp(), starts in place of a file that is not an ELF program.
 std::string interpreterOf(const File& file) {
     const std::string line = file.read(0, SCRIPT_LINE_MAX);
     if (line.compare(0, 2, "#!") != 0) {

@@ -50,7 +50,7 @@ bool isSet(const char* name, const std::vector<Assignment>& assignments) {
                        [&](const Assignment& assignment) { return assignment.name == name; });
 }
 
-/// Turns the overlay on for the program; what was set by hand comes later and so wins.
+/// Turns the overlay on for the program; the user's own assignments come later and so win.
 void addDefaults(bool isClaimed, std::vector<Assignment>& assignments) {
     std::vector<Assignment> all{{"debug.kordanix.status", "true"}};
     if (!isClaimed) {
@@ -60,7 +60,7 @@ void addDefaults(bool isClaimed, std::vector<Assignment>& assignments) {
     assignments = std::move(all);
 }
 
-/// Removes ended runs, but none that a process has in its environment: it may yet show the overlay.
+/// Removes ended runs, except those in some process's environment, which may still show the overlay.
 void removeEndedRuns(const std::string& user) {
     std::set<std::string> used;
     for (const pid_t process : allProcesses()) {
@@ -74,7 +74,7 @@ void removeEndedRuns(const std::string& user) {
     }
 }
 
-/// What the program writes to standard error stays its own.
+/// Sends the layers' log to a file, so that the program's standard error stays its own.
 void keepLog(const std::string& folder) {
     // NOLINTBEGIN(concurrency-mt-unsafe): this process has one thread
     const char* const chosen = std::getenv(LOG_FILE);
@@ -84,7 +84,7 @@ void keepLog(const std::string& folder) {
     // NOLINTEND(concurrency-mt-unsafe)
 }
 
-/// Writes what the run begins with into its folder, which has become this process's runtime directory.
+/// Writes the run's initial properties into its folder, which is now this process's runtime directory.
 ExitCode prepareFolder(const std::string& folder, const std::vector<Assignment>& assignments, bool isClaimed,
                        std::ostream& err) {
     const platform::WriteSignalsBlocked blocked;

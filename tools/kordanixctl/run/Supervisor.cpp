@@ -30,7 +30,7 @@ bool contains(const int (&signals)[SIZE], int signal) {
     return std::find(std::begin(signals), std::end(signals), signal) != std::end(signals);
 }
 
-/// Only returns when it fails, with an error number.
+/// Returns only on failure, with an error number.
 int execute(const std::vector<std::string>& words) {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
@@ -44,7 +44,7 @@ int execute(const std::vector<std::string>& words) {
 
 /// Starts the program. Returns its process, or -1 with errno set.
 pid_t start(const std::vector<std::string>& words, const sigset_t& mask, const struct sigaction& onChild) {
-    int ends[2];  // closed by execvp(), so that nothing comes through them when it succeeds
+    int ends[2];  // a successful execvp() closes them, so the reader gets nothing
     if (pipe2(ends, O_CLOEXEC) != 0) {
         return -1;
     }
@@ -69,7 +69,7 @@ pid_t start(const std::vector<std::string>& words, const sigset_t& mask, const s
     return error == 0 ? child : -1;
 }
 
-/// Waits until the program has ended, with the signals of `set` blocked. Returns its status.
+/// Waits until the program has ended, with the signals of `set` blocked, and returns its status.
 int attend(pid_t program, const sigset_t& set) {
     while (true) {
         const int signal = sigwaitinfo(&set, nullptr);
@@ -84,7 +84,7 @@ int attend(pid_t program, const sigset_t& set) {
             }
             last = status;
         }
-        // The shell takes the terminal back when this process stops, and lets both go on later.
+        // When this process stops, the shell takes the terminal back; later it lets both go on.
         if (WIFSTOPPED(last) && contains(TERMINAL_STOPS, WSTOPSIG(last))) {
             raise(SIGSTOP);
         }
@@ -101,7 +101,7 @@ ProgramEnd superviseProgram(const std::vector<std::string>& words) {
     add(TERMINAL_STOPS, set);
     add(OTHERS, set);
     pthread_sigmask(SIG_BLOCK, &set, &mask);
-    // Were it ignored, there would be no status to wait for.
+    // If SIGCHLD were ignored, there would be no status to wait for.
     struct sigaction onChild = {};
     struct sigaction standard = {};
     standard.sa_handler = SIG_DFL;

@@ -15,7 +15,7 @@ std::string notShownReason(const std::string& folder, const std::string& obstacl
     if (std::any_of(notes.begin(), notes.end(), [](const auto& note) { return note.wasShown; })) {
         return {};
     }
-    // The process that was to show it knows best, else the one that has drawn the most.
+    // Prefers the note of the process that had the claim; else of the one that drew the most frames.
     const pid_t claimant = platform::overlayClaimant(folder).value_or(0);
     const auto best = std::max_element(notes.begin(), notes.end(), [&](const auto& a, const auto& b) {
         return std::make_tuple(a.process == claimant, a.frames) <

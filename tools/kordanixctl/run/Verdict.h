@@ -4,9 +4,8 @@
 
 namespace control {
 
-/// Why no process of an ended run has shown the overlay, as far as that can be known: from what the processes
-/// left in the run's folder, else from `obstacle`, what was known against the program before it started.
-/// Empty when one of them has shown it.
+/// Says why no process of an ended run has shown the overlay. Uses the notes in the run's folder, or else
+/// `obstacle`, what inspectProgram() said before the program started. Empty when a process has shown it.
 std::string notShownReason(const std::string& folder, const std::string& obstacle);
 
 }  // namespace control
