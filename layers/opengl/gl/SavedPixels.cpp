@@ -28,6 +28,9 @@ const Parameter PACKING[] = {
     {PACK_INVERT_MESA, 0, &Features::packInvert},
 };
 
+// Indices mean nothing here, but a shift of theirs sends Mesa's copies down a path that reads too far.
+const GLenum SWITCHES[] = {MAP_COLOR, INDEX_SHIFT, INDEX_OFFSET};
+
 struct Factor {
     GLenum name;
     GLfloat neutral;
@@ -78,9 +81,11 @@ void SavedPixelTransfer::set(const Functions& gl) {
     if (!gl.features.compatibility) {
         return;
     }
-    mMapsColor = getInteger(gl, MAP_COLOR);
-    if (mMapsColor != 0) {
-        gl.pixelTransferi(MAP_COLOR, 0);
+    for (std::size_t i = 0; i < SWITCH_COUNT; ++i) {
+        mSwitches[i] = getInteger(gl, SWITCHES[i]);
+        if (mSwitches[i] != 0) {
+            gl.pixelTransferi(SWITCHES[i], 0);
+        }
     }
     for (std::size_t i = 0; i < COUNT; ++i) {
         gl.getFloatv(FACTORS[i].name, &mValues[i]);
@@ -92,8 +97,10 @@ void SavedPixelTransfer::restore(const Functions& gl) const {
     if (!gl.features.compatibility) {
         return;
     }
-    if (mMapsColor != 0) {
-        gl.pixelTransferi(MAP_COLOR, mMapsColor);
+    for (std::size_t i = 0; i < SWITCH_COUNT; ++i) {
+        if (mSwitches[i] != 0) {
+            gl.pixelTransferi(SWITCHES[i], mSwitches[i]);
+        }
     }
     for (std::size_t i = 0; i < COUNT; ++i) {
         gl.pixelTransferf(FACTORS[i].name, mValues[i]);

@@ -38,9 +38,10 @@ public:
     void restore(const Functions& gl) const;
 
 private:
+    static constexpr std::size_t SWITCH_COUNT = 3;
     static constexpr std::size_t COUNT = 8;
 
-    GLint mMapsColor = 0;
+    std::array<GLint, SWITCH_COUNT> mSwitches = {};
     std::array<GLfloat, COUNT> mValues = {};
 };
 
