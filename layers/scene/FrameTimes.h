@@ -39,9 +39,6 @@ public:
     /// The next frame has nothing to do with the last one.
     void restart() { mHasSwapped = false; }
 
-    /// Forgets all frames.
-    void clear() { mCount = 0; }
-
     /// The GPU's part of a frame, which comes late. Null when the frame is not there, else the frame.
     const FrameTime* setGpu(std::uint32_t name, std::uint64_t nanoseconds);
 

@@ -89,6 +89,15 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
     mMessage->mEnabled = mVertex->mEnabled || mFragment->mEnabled;
 }
 
+bool GpuActivityWidget::isShown() const {
+    // The frame times stand in the same place, and switch that on for themselves.
+    return WidgetView::isShown() && gui::WidgetsSettings::getWidgets().mGpuActivity.enabled();
+}
+
+bool GpuActivityWidget::isShowingPasses() const {
+    return mHasPasses && isShown();
+}
+
 bool GpuActivityWidget::onFrame() {
     const bool isCaptured = mCapture.onFrame();
     if (isCaptured) {
@@ -112,6 +121,7 @@ void GpuActivityWidget::showCapture() {
         mMessage->setText(std::string("Shader activity ") + figures::NOT_AVAILABLE);
     }
     if (mCapture.mFrame.isValid()) {
+        mHasPasses = true;
         mCells->addFrameInfo(mCapture.mFrame);
         mTimeline->addFrameInfo(mCapture.mFrame);
         mCaption->setFrameIdAndDuration(mCapture.mFrame.mFrameId,
@@ -121,13 +131,16 @@ void GpuActivityWidget::showCapture() {
 }
 
 void GpuActivityWidget::draw() {
+    if (!GpuCapture::hasCounters() && !isShowingPasses()) {
+        return;
+    }
     mPanel->draw();
     mCaption->draw();
     if (mCells->mEnabled) {
         mCells->draw();
         mTimeline->draw();
     }
-    if (!mVertex->mEnabled && !mFragment->mEnabled) {
+    if (!GpuCapture::hasCounters() || (!mVertex->mEnabled && !mFragment->mEnabled)) {
         return;
     }
     // One background and grid for both graphs, also while there is nothing to plot.

@@ -19,10 +19,16 @@ class PassTimeline;
 
 /// The captured frame. From top to bottom: the caption with the frame's number and length and the legend,
 /// the passes with their values, the passes on a time line, and the activity of the vertex and, over it,
-/// of the fragment shaders. Render passes and graphs are shown as the settings have them.
+/// of the fragment shaders. Render passes and graphs are shown as the settings have them. On a device without
+/// counters only captured passes are shown.
 class GpuActivityWidget : public WidgetView {
 public:
     GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
+
+    bool isShown() const override;
+
+    /// Whether there are passes in the widget's upper part.
+    bool isShowingPasses() const;
 
     bool onFrame() override;
     void refresh(figures::Metrics& metrics) override;
@@ -37,7 +43,8 @@ private:
     bool isMoving() const;
 
     GpuCapture mCapture;
-    Canvas mCanvas;  // of the last layout
+    bool mHasPasses = false;  // of a captured frame
+    Canvas mCanvas;           // of the last layout
     drawer::RectDrawer* mPanel;
     PassCaption* mCaption;
     PassCellsRow* mCells;

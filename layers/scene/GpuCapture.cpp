@@ -1,6 +1,7 @@
 #include "scene/GpuCapture.h"
 
 #include "core/StateInfo.h"
+#include "utils/SystemInfoHelper.h"
 #include "utils/Time.h"
 
 #include <algorithm>
@@ -20,6 +21,10 @@ constexpr std::uint32_t LONGEST_CAPTURE_MS = 1000;
 
 GpuCapture::GpuCapture(core::RenderingApiType api, RenderPassSource* passes)
     : mFrame(0, {}), mCounters(api), mPasses(passes) {}
+
+bool GpuCapture::hasCounters() {
+    return core::StateInfo::mVendor != utils::Vendor::UNKNOWN;
+}
 
 bool GpuCapture::onFrame() {
     const std::uint32_t now = utils::getUtcTime_usec();

@@ -21,6 +21,9 @@ public:
     /// `passes` may be null, and outlives the capture otherwise.
     GpuCapture(core::RenderingApiType api, RenderPassSource* passes);
 
+    /// Whether the device has counters of the shaders' activity: it is of a kind whose counters are known.
+    static bool hasCounters();
+
     /// Once a frame, after the pre-swap hook. Starts a capture when its key was pressed, and takes over the
     /// results when one has ended: true in that frame.
     bool onFrame();

@@ -4,6 +4,7 @@
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
 #include "scene/FigureWidgets.h"
+#include "scene/FrameTimeWidget.h"
 #include "scene/FrameTimer.h"
 #include "scene/GpuActivityWidget.h"
 #include "scene/ThumbnailWidget.h"
@@ -19,7 +20,11 @@ Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSo
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, FPS_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, CPU_GPU_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, MEMORY_WIDGET));
-    mWidgets.push_back(std::make_unique<GpuActivityWidget>(factory, api, passes));
+    auto activity = std::make_unique<GpuActivityWidget>(factory, api, passes);
+    auto strip = std::make_unique<FrameTimeWidget>(factory, mFrameTimes, *activity);
+    mStrip = strip.get();
+    mWidgets.push_back(std::move(activity));
+    mWidgets.push_back(std::move(strip));
     mWidgets.push_back(std::make_unique<ThumbnailWidget>(factory));
 }
 
@@ -40,6 +45,7 @@ void Scene::layout() {
             widget->collectFigures(wanted);
         }
     }
+    mIsStripShown = mStrip->isShown();
     mIsChanged = true;
     mMetrics.want(wanted);
 }
@@ -67,7 +73,7 @@ void Scene::finishFrame() {
         mMetrics.addFrame(mFrameTimes.ago(0).total);
     }
     if (mTimer != nullptr) {
-        mTimer->beginFrame(mFrameTimes.name(), mMetrics.isGpuTimeWanted());
+        mTimer->beginFrame(mFrameTimes.name(), mIsStripShown || mMetrics.isGpuTimeWanted());
     }
 }
 

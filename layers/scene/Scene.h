@@ -13,6 +13,7 @@
 
 namespace scene {
 
+class FrameTimeWidget;
 class FrameTimer;
 class RenderPassSource;
 
@@ -59,6 +60,8 @@ private:
     UpdateHelper mPacing;
     bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;
+    FrameTimeWidget* mStrip = nullptr;
+    bool mIsStripShown = false;
     std::vector<WidgetView*> mShown;
     std::vector<drawer::Drawer*> mShownDrawers;
 };

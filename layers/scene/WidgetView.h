@@ -27,7 +27,7 @@ public:
 
     /// Whether the settings enable the widget and anchor it somewhere: an enabled widget with an unknown
     /// position is in no row and is not drawn.
-    bool isShown() const;
+    virtual bool isShown() const;
 
     /// After a change of the settings: switches the widget on if figures of its own are.
     virtual void enable() {}

@@ -20,6 +20,7 @@ struct DrawCall {
     glm::vec2 position{};
     glm::vec2 size{};
     glm::vec3 translation{};
+    const drawer::MeshDrawer* mesh = nullptr;  ///< if it was one
 };
 
 /// The calls since the list was last cleared.
@@ -56,6 +57,10 @@ struct RecordingRect : Recording<drawer::RectDrawer> {
 
 struct RecordingMesh : Recording<drawer::MeshDrawer> {
     using Recording::Recording;
+    void draw() override {
+        Recording::draw();
+        drawCalls().back().mesh = this;
+    }
     void clear() override { mVertices.clear(); }
 };
 

@@ -14,9 +14,11 @@
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
 #include "scene/FigureWidgets.h"
+#include "scene/FrameTimer.h"
 #include "scene/GpuCapture.h"
 #include "scene/Overlay.h"
 #include "scene/Style.h"
+#include "utils/SystemInfoHelper.h"
 
 #include <gmock/gmock.h>
 
@@ -182,6 +184,7 @@ protected:
     }
     ~SceneOverlay() override {
         mOverlay.detach();
+        core::StateInfo::mVendor = utils::Vendor::UNKNOWN;
         doubles::releaseWallClock();
     }
 
@@ -233,6 +236,7 @@ TEST_F(SceneOverlay, ShowsNotAvailableForWhatCannotBeRead) {
 // Upright and so narrow that each of them would fill the row.
 TEST_F(SceneOverlay, TheCaptionsTextsStandSideBySide) {
     mFactory.mSize = {60, 740};
+    core::StateInfo::mVendor = utils::Vendor::MALI;  // with counters
     publish({});
     frame();
     const auto& calls = doubles::drawCalls();
@@ -293,6 +297,50 @@ TEST_F(SceneOverlay, TheMeanRateIsFramesByTimeSinceADumpBegan) {
     doubles::companion().keyEvents = {{24, 1}};
     frames(20);
     EXPECT_THAT(drawn(), Contains("Avg 62.5"));
+}
+
+/// A GPU that works 4 ms on each frame, and says so two frames later.
+class SlowTimer : public scene::FrameTimer {
+public:
+    void beginFrame(std::uint32_t frame, bool isTimed) override {
+        mFrame = frame;
+        mIsTimed = isTimed;
+    }
+    bool take(Time& time) override {
+        time = {mFrame - 2, 4000000};
+        return std::exchange(mIsTimed, false);
+    }
+
+private:
+    std::uint32_t mFrame = 0;
+    bool mIsTimed = false;
+};
+
+TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
+    mOverlay.detach();
+    SlowTimer timer;
+    scene::Overlay overlay(mFactory, API, &mPasses, &timer);
+    overlay.attach();
+    publish({{"widget_gpu_activity", "false"}});
+    for (int i = 0; i < 60; ++i) {
+        doubles::advanceWallClock(i == 30 ? 110000 : 6000);
+        overlay.beginFrame();
+        doubles::drawCalls().clear();
+        overlay.draw();
+        doubles::advanceWallClock(10000);
+        overlay.endFrame();
+    }
+    EXPECT_THAT(drawn(), IsSupersetOf({"Frame 16.0ms  99% 120ms  Max 120ms", "25%", "60", "30"}));
+    std::vector<float> tops;
+    for (const doubles::DrawCall& call : doubles::drawCalls()) {
+        if (call.what == "fill" && call.mesh->mVertices.size() > 800) {
+            tops.push_back((1.0F - (call.mesh->mVertices.end() - 2)->y) / 2.0F * 80.0F);
+        }
+    }
+    // In milliseconds, on a scale that ends at 80, above 4 times the median.
+    EXPECT_THAT(tops, testing::Pointwise(testing::FloatNear(0.01F), {16.0F, 6.0F, 2.0F}));
+    overlay.detach();
+    mOverlay.attach();
 }
 
 // Every text stays inside its widget, and no two texts of the overlay lie on each other, save for the legend,

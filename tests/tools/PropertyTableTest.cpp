@@ -5,6 +5,7 @@
 #include "figures/Catalogue.h"
 #include "figures/FigureSettings.h"
 #include "gui/WidgetsSettings.h"
+#include "scene/FrameTimeSettings.h"
 
 #include <gmock/gmock.h>
 #include <sys/system_properties.h>
@@ -69,6 +70,7 @@ TEST(PropertyTable, HasExactlyThePropertiesOfTheLibrary) {
     lookedUp().clear();
     atLoad.erase("ro.product.model");
     WidgetsSettings::getWidgets();
+    scene::frameTimeSettings();
     for (const figures::Figure& figure : figures::catalogue()) {
         if (!figure.isNote()) {
             figures::settingsOf(figure);

@@ -17,6 +17,7 @@ constexpr std::uint32_t ON = 1;
 constexpr std::uint32_t BLACK = 0xFF000000;
 constexpr std::uint32_t BLUE = 0xFF0084FF;
 constexpr std::uint32_t ORANGE = 0xFFFF7200;
+constexpr std::uint32_t DARK_GREEN = 0xFF00B300;
 
 constexpr auto BOOLEAN = PropertyType::BOOLEAN;
 constexpr auto POSITION = PropertyType::POSITION;
@@ -58,6 +59,16 @@ constexpr Property GPU_ACTIVITY[] = {
     {"widget_gpu_activity_thumbnail_position", POSITION, 5, "its place"},
 };
 
+constexpr Property FRAME_TIME[] = {
+    {"widget_frame_time", BOOLEAN, ON, "frame times, where a device has no counters of its GPU's activity"},
+    {"widget_frame_time_swap", BOOLEAN, ON, "their part that is spent in the swap"},
+    {"widget_frame_time_swap_color", COLOR, BLUE, "its colour"},
+    {"widget_frame_time_gpu", BOOLEAN, ON, "their part in which the GPU works"},
+    {"widget_frame_time_gpu_color", COLOR, ORANGE, "its colour"},
+    {"widget_frame_time_cpu", BOOLEAN, ON, "the rest of them"},
+    {"widget_frame_time_cpu_color", COLOR, DARK_GREEN, "its colour"},
+};
+
 constexpr Property MEMORY[] = {
     {"widget_memory", BOOLEAN, OFF, "memory widget"},
     {"widget_memory_position", POSITION, 1, "its place"},
@@ -77,6 +88,7 @@ public:
         add(CPU_GPU);
         addFigures(gui::WidgetType::CPU_GPU);
         add(GPU_ACTIVITY);
+        add(FRAME_TIME);
         add(MEMORY);
         addFigures(gui::WidgetType::MEMORY);
         add(GENERATION);

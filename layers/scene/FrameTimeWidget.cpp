@@ -1,0 +1,295 @@
+#include "scene/FrameTimeWidget.h"
+
+#include "drawers/MeshDrawer.h"
+#include "drawers/RectDrawer.h"
+#include "drawers/TextDrawer.h"
+#include "figures/TextFormat.h"
+#include "gui/LayoutManager.h"
+#include "gui/WidgetsSettings.h"
+#include "scene/FrameTimeSettings.h"
+#include "scene/GpuActivityWidget.h"
+#include "scene/Style.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace scene {
+
+namespace {
+
+using Area = gui::RenderAreaType;
+using Graph = gui::WidgetsSettings::Graph;
+
+constexpr double NS_PER_MS = 1e6;
+
+// Canvas units.
+constexpr float LINE_HEIGHT = 12.0F;
+constexpr float MARGIN = 6.0F;
+constexpr float LEGEND_WIDTH = 42.0F;
+
+/// Bars of whole pixels, about so many.
+constexpr float USUAL_BARS = 250.0F;
+
+/// A longer frame than so many times the median is cut: it must not press all others flat.
+constexpr std::uint64_t LARGEST_SHARE = 4;
+
+/// The latest frames without the GPU's part are left out, up to so many.
+constexpr std::size_t GPU_DELAY = 8;
+
+constexpr float NS_OF_RATE[] = {1e9F / 60.0F, 1e9F / 30.0F};
+constexpr const char* RATE_NAMES[] = {"60", "30"};
+
+constexpr const char* PART_NAMES[] = {"@Swap", "@GPU", "@CPU"};
+
+const Graph& settingsOf(std::size_t part) {
+    const FrameTimeSettings& settings = frameTimeSettings();
+    const Graph* const graphs[] = {&settings.swap, &settings.gpu, &settings.cpu};
+    return *graphs[part];
+}
+
+std::string milliseconds(std::uint64_t nanoseconds) {
+    const double ms = static_cast<double>(nanoseconds) / NS_PER_MS;
+    return figures::formatNumber(ms, ms < 9.995 ? 2 : ms < 99.95 ? 1 : 0, "ms");
+}
+
+/// The next number of the kind 1, 1.5, 2, 3, 4, 6, 8, 10: the scale keeps still while the frames hardly do.
+float roundUp(float value) {
+    const float power = std::pow(10.0F, std::floor(std::log10(value)));
+    for (const float step : {1.0F, 1.5F, 2.0F, 3.0F, 4.0F, 6.0F, 8.0F}) {
+        if (value <= step * power) {
+            return step * power;
+        }
+    }
+    return 10.0F * power;
+}
+
+void setRect(drawer::Drawer& drawer, float x, float y, float width, float height) {
+    drawer.mPosition = {x, y};
+    drawer.mSize = {width, height};
+}
+
+}  // namespace
+
+FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& times,
+                                 const GpuActivityWidget& activity)
+    : WidgetView(gui::WidgetType::GPU_ACTIVITY),
+      mTimes(times),
+      mActivity(activity),
+      mCanvas(factory.getSurfaceSize()),
+      mGround(&place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE)) {
+    const auto addText = [&](const char* text, gui::TextGravity gravity) {
+        drawer::TextDrawer& drawer = place(factory.createText(), Area::GPU_ACTIVITY_WHOLE);
+        drawer.setText(text);
+        drawer.setTextGravity(gravity);
+        return &drawer;
+    };
+    for (std::size_t i = 0; i < PARTS; ++i) {
+        mParts[i].area = &place(factory.createMesh(Topology::TRIANGLE_STRIP), Area::GPU_ACTIVITY_WHOLE);
+        mParts[i].legend = addText(PART_NAMES[i], gui::TextGravity::RIGHT);
+    }
+    for (std::size_t i = 0; i < RATES; ++i) {
+        mLines[i].line = &place(factory.createMesh(Topology::LINES), Area::GPU_ACTIVITY_WHOLE);
+        mLines[i].line->mVertices = {{-1.0F, 0.0F}, {1.0F, 0.0F}};
+        mLines[i].label = addText(RATE_NAMES[i], gui::TextGravity::LEFT);
+    }
+    mBackdrop = &place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE);
+    mText = addText("", gui::TextGravity::LEFT);
+    mSorted.reserve(FrameTimes::HISTORY);
+    frameTimeSettings();
+}
+
+bool FrameTimeWidget::isShown() const {
+    return frameTimeSettings().isOn.getValue() && !GpuCapture::hasCounters() && WidgetView::isShown();
+}
+
+void FrameTimeWidget::enable() {
+    if (frameTimeSettings().isOn.getValue() && !GpuCapture::hasCounters()) {
+        widget().mEnabled = true;
+    }
+}
+
+void FrameTimeWidget::applySettings(const Canvas& canvas) {
+    mCanvas = canvas;
+    mIsBand = mActivity.isShowingPasses();
+    mGround->mColor = mIsBand ? noColor() : backgroundColor();
+    mBackdrop->mColor = backdropColor();
+    mBackdrop->mEnabled = mIsBand;
+    mText->setTextColor(plainTextColor());
+    setTextHeight(*mText, NOTE_TEXT_HEIGHT, canvas);
+    for (std::size_t i = 0; i < PARTS; ++i) {
+        const Graph& graph = settingsOf(i);
+        mParts[i].area->mColor = graph.getTextColor();
+        mParts[i].legend->mEnabled = graph.mEnabled.getValue();
+        mParts[i].legend->setTextColor(graph.getTextColor());
+        setTextHeight(*mParts[i].legend, NOTE_TEXT_HEIGHT, canvas);
+    }
+    for (const RateLine& rate : mLines) {
+        rate.line->mColor = gridColor();
+        rate.label->setTextColor(plainTextColor());
+        setTextHeight(*rate.label, NOTE_TEXT_HEIGHT, canvas);
+    }
+    placeBars(canvas);
+    setTexts();
+}
+
+/// The texts' line and the bars, and how many of those.
+void FrameTimeWidget::placeBars(const Canvas& canvas) {
+    const glm::vec2 unit = 1.0F / canvas.units;
+    const gui::RenderArea band = gui::LayoutManager::getInstance()->getRenderArea(Area::GPU_ACTIVITY_BAND);
+    const glm::vec2 position = mGround->mPosition + (mIsBand ? glm::vec2(band.x, band.y) : glm::vec2(0.0F));
+    const glm::vec2 size = mIsBand ? glm::vec2(band.width, band.height) : mGround->mSize;
+    const float line = LINE_HEIGHT * unit.y;
+    const float margin = MARGIN * unit.x;
+    setRect(*mText, position.x + margin, position.y, size.x - 2.0F * margin, line);
+    float right = position.x + size.x - margin;
+    for (const Part& part : mParts) {
+        right -= LEGEND_WIDTH * unit.x;
+        setRect(*part.legend, right, position.y, LEGEND_WIDTH * unit.x, line);
+    }
+    mText->mSize.x = right - mText->mPosition.x;
+
+    const float top = mIsBand ? 0.0F : line;
+    const float pixels = size.x * canvas.pixels.x;
+    const float barPixels = std::max(std::ceil(pixels / USUAL_BARS), 1.0F);
+    mBars = static_cast<std::size_t>(std::clamp(std::floor(pixels / barPixels), 1.0F, USUAL_BARS));
+    const float width = 2.0F * barPixels / std::max(pixels, 1.0F);
+    for (const Part& part : mParts) {
+        setRect(*part.area, position.x, position.y + top, size.x, size.y - top);
+        part.area->mVertices.clear();
+        for (std::size_t i = 0; i < mBars; ++i) {
+            const float left = 1.0F - static_cast<float>(mBars - i) * width;
+            part.area->mVertices.insert(
+                part.area->mVertices.end(),
+                {{left, 1.0F}, {left, 1.0F}, {left + width, 1.0F}, {left + width, 1.0F}});
+        }
+    }
+    for (const RateLine& rate : mLines) {
+        setRect(*rate.line, position.x, position.y + top, size.x, size.y - top);
+    }
+    mTopNs = 0.0F;
+}
+
+bool FrameTimeWidget::onFrame() {
+    if (mIsBand == mActivity.isShowingPasses()) {
+        return false;
+    }
+    layout(mCanvas);
+    return true;
+}
+
+void FrameTimeWidget::setBar(std::size_t bar, const FrameTime& frame) {
+    // What the GPU works on during the swap is the GPU's: the rest of the swap is spent waiting for the
+    // screen, or for the frames before.
+    const std::uint64_t gpu =
+        std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(frame.gpu, 0)), frame.total);
+    const std::uint64_t swap = std::min(frame.swap, frame.total - gpu);
+    const std::uint64_t lengths[PARTS] = {swap, gpu, frame.total - swap - gpu};
+    std::uint64_t end = 0;
+    for (std::size_t i = PARTS; i-- > 0;) {
+        end += mParts[i].legend->mEnabled ? lengths[i] : 0;
+        const float height = std::min(static_cast<float>(end) / mTopNs, 1.0F);
+        gui::Vertex* const vertices = &mParts[i].area->mVertices[4 * bar];
+        vertices[0].y = vertices[2].y = 1.0F - 2.0F * height;
+    }
+}
+
+void FrameTimeWidget::refresh(figures::Metrics&) {
+    const std::size_t known = mTimes.size();
+    std::size_t first = 0;
+    while (first < std::min(known, GPU_DELAY) && mTimes.ago(first).gpu == FrameTime::NOT_MEASURED) {
+        ++first;
+    }
+    if (first == std::min(known, GPU_DELAY)) {
+        first = 0;
+    }
+    const std::size_t bars = std::min(mBars, known - first);
+    mSorted.clear();
+    for (std::size_t i = 0; i < bars; ++i) {
+        mSorted.push_back(mTimes.ago(first + i).total);
+    }
+    setTexts();
+    if (mTopNs == 0.0F) {
+        return;
+    }
+    for (std::size_t i = 0; i < bars; ++i) {
+        setBar(mBars - 1 - i, mTimes.ago(first + i));
+    }
+    placeLines();
+}
+
+/// The figures of mSorted, and the scale that suits them.
+void FrameTimeWidget::setTexts() {
+    const auto at = [this](std::size_t index) {
+        const auto place = mSorted.begin() + static_cast<std::ptrdiff_t>(index);
+        std::nth_element(mSorted.begin(), place, mSorted.end());
+        return *place;
+    };
+    mTopNs = 0.0F;
+    if (mSorted.empty()) {
+        return;
+    }
+    const std::size_t count = mSorted.size();
+    const std::uint64_t median = at(count / 2);
+    const std::uint64_t slow = at((count * 99 + 99) / 100 - 1);
+    const std::uint64_t longest = *std::max_element(mSorted.begin(), mSorted.end());
+    setScale(median, longest);
+    mText->setText("Frame " + milliseconds(median) + "  99% " + milliseconds(slow) + "  Max " +
+                   milliseconds(longest));
+    const glm::vec2 size = measureText(*mText, mCanvas);
+    setRect(*mBackdrop, mText->mPosition.x, mText->mPosition.y + 0.5F * (mText->mSize.y - size.y), size.x,
+            size.y);
+    inset(*mBackdrop, {-0.5F * MARGIN, 0.0F}, mCanvas);
+}
+
+void FrameTimeWidget::setScale(std::uint64_t median, std::uint64_t longest) {
+    const auto highest = static_cast<float>(std::min(longest, LARGEST_SHARE * median));
+    mTopNs = highest > 0.0F ? roundUp(highest) : 0.0F;
+}
+
+void FrameTimeWidget::placeLines() {
+    for (std::size_t i = 0; i < RATES; ++i) {
+        const RateLine& rate = mLines[i];
+        const float height = NS_OF_RATE[i] / mTopNs;
+        rate.line->mEnabled = height < 1.0F;
+        const float y = 1.0F - 2.0F * height;
+        for (gui::Vertex& vertex : rate.line->mVertices) {
+            vertex.y = y;
+        }
+        // The label stands on its line, if there is room.
+        const drawer::MeshDrawer& bars = *rate.line;
+        const float label = NOTE_TEXT_HEIGHT / mCanvas.units.y;
+        const float lineY = bars.mPosition.y + bars.mSize.y * (1.0F - height);
+        setRect(*rate.label, bars.mPosition.x + 0.5F * MARGIN / mCanvas.units.x, lineY - label,
+                LEGEND_WIDTH / mCanvas.units.x, label);
+        rate.label->mEnabled = rate.line->mEnabled && !mIsBand && lineY - label >= bars.mPosition.y;
+    }
+}
+
+void FrameTimeWidget::draw() {
+    mGround->draw();
+    if (mTopNs > 0.0F) {
+        for (const Part& part : mParts) {
+            part.area->draw();
+        }
+        for (const RateLine& rate : mLines) {
+            if (rate.line->mEnabled) {
+                rate.line->draw();
+            }
+            if (rate.label->mEnabled) {
+                rate.label->draw();
+            }
+        }
+    }
+    if (mBackdrop->mEnabled && mTopNs > 0.0F) {
+        mBackdrop->draw();
+    }
+    mText->draw();
+    for (const Part& part : mParts) {
+        if (part.legend->mEnabled) {
+            part.legend->draw();
+        }
+    }
+}
+
+}  // namespace scene
