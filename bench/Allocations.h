@@ -2,10 +2,10 @@
 
 #include <cstddef>
 
-/// Counts the allocations of this thread: the executable's own operator new.
+/// Counts the allocations of this thread by replacing the executable's operator new.
 namespace bench {
 
-/// Allocations of the calling thread since it started.
+/// The number of allocations since the calling thread started.
 std::size_t allocations();
 
 }  // namespace bench

@@ -6,10 +6,10 @@
 
 namespace bench {
 
-/// Runs `body` once an iteration and reports how often it allocated, as the mean of the iterations.
+/// Runs `body` in every iteration and reports its allocations, as the mean over the iterations.
 template <typename Body>
 void countedLoop(benchmark::State& state, Body&& body) {
-    body();  // warm
+    body();  // warm-up
     std::size_t allocated = 0;
     for (auto _ : state) {
         const std::size_t before = allocations();

@@ -32,8 +32,8 @@ gui::FrameData makeFrame(unsigned id) {
     return frame;
 }
 
-/// What the post-swap hook does while a dump runs: a record through every drawer and on to the companion
-/// library, which writes real files meanwhile. A frame of 20 passes is in every record.
+/// What the post-swap hook does while a dump runs: it fills a record through every drawer and hands it to the
+/// companion library, which really writes the files. Every record has a frame of 20 passes.
 void DumpRecord(benchmark::State& state) {
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() / ("kordanix-bench-dump-" + std::to_string(getpid()));
@@ -60,7 +60,7 @@ void DumpRecord(benchmark::State& state) {
     Ostra::startDumping(gui::gWidgetsMeta);
     core::StateInfo::mIsDumpingEnabled = true;
     bench::countedLoop(state, [&] {
-        row.mLastDumpedFrameId = 0;  // the row's passes are new again
+        row.mLastDumpedFrameId = 0;  // makes the row's passes new again
         core::StateInfo::onPostSwapBuffers(drawers);
     });
     core::StateInfo::mIsDumpingEnabled = false;
@@ -72,7 +72,7 @@ void DumpRecord(benchmark::State& state) {
     std::filesystem::remove_all(folder, error);
 }
 
-// As many as may wait for the disk: none is dropped, which would cost less.
+// As many as can wait for the disk: none is dropped, which would be cheaper.
 BENCHMARK(DumpRecord)->Iterations(500);
 
 }  // namespace

@@ -18,7 +18,7 @@ namespace {
 
 constexpr auto API = static_cast<core::RenderingApiType>(0);
 
-/// The three widgets of graphs and texts with everything in them switched on, and the others off.
+/// Shows the three widgets with graphs and texts, with everything in them switched on, and hides the others.
 void showFiguresOnly() {
     gui::WidgetsSettings::Widgets& widgets = gui::WidgetsSettings::getWidgets();
     for (SysProp<bool>* const property : {&widgets.mFps.mWidget, &widgets.mCpuGpu.mWidget,
@@ -35,7 +35,7 @@ void FullFrame(benchmark::State& state) {
     bench::NullFactory factory;
     scene::Scene scene(factory, API, nullptr, nullptr);
     scene.layout();
-    // A graph is drawn from its first sample on, and not every figure can be read on every machine.
+    // A graph is drawn only once it has a sample, and not every machine can read every figure.
     for (drawer::Drawer* const drawer : scene.drawers()) {
         if (auto* const graph = dynamic_cast<drawer::GraphicDrawer*>(drawer)) {
             for (int i = 1; i <= 100; ++i) {
@@ -47,7 +47,7 @@ void FullFrame(benchmark::State& state) {
     factory.drawn = {};
     scene.draw();
     const bench::NullFactory::Drawn drawn = factory.drawn;
-    // One graph of the frame rate, three of CPU and GPU, five of memory; a text each and two more.
+    // One graph of the frame rate, three of CPU and GPU, five of memory; a text for each and two more.
     if (drawn.meshes < 18 || drawn.texts < 11 || drawn.glyphs < 40) {
         state.SkipWithError("not everything is drawn");
         return;
@@ -70,7 +70,7 @@ std::vector<std::unique_ptr<drawer::GraphicDrawer>> makeGraphs(bench::NullFactor
     return graphs;
 }
 
-/// The graphs alone, each with its own background and grid, and a new value in each.
+/// Only the graphs, each with its own background and grid, and a new value in each.
 void FullFrameGraphs(benchmark::State& state) {
     bench::NullFactory factory;
     const auto graphs = makeGraphs(factory, 9);

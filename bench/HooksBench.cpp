@@ -14,9 +14,9 @@ namespace {
 
 constexpr auto API = static_cast<core::RenderingApiType>(0);
 
-/// Decides the overlay's switch for this process without touching the machine's properties.
+/// Switches the overlay for this process without touching the machine's properties.
 void showOverlay(bool isShown) {
-    core::StateInfo::isOverlayEnabled(API);  // the one reading of the properties is over
+    core::StateInfo::isOverlayEnabled(API);  // its first call reads the properties, and no later one does
     core::StateInfo::mStatusProp.mValue = isShown;
     core::StateInfo::mRenderApiProp.mValue = static_cast<int>(API);
     core::StateInfo::mDebugProcessNameProp.parseAndSetValue(utils::getProcessName().c_str());

@@ -13,8 +13,8 @@
 
 namespace bench {
 
-/// Primitives that draw nothing, on a surface of 1480 by 720 pixels. They count what they are given, so that
-/// a benchmark can tell that the whole overlay went through them.
+/// Primitives that draw nothing, on a surface of 1480 by 720 pixels. They count their calls, so that a
+/// benchmark can check that the whole overlay was drawn.
 class NullFactory : public scene::PrimitiveFactory {
 public:
     struct Drawn {

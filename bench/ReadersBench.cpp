@@ -13,7 +13,7 @@ namespace {
 
 using core::StateInfo;
 
-/// What the kernel takes for the file: the least that any reader can cost.
+/// The kernel's cost of reading the file: no reader can be cheaper.
 void bareRead(benchmark::State& state, const std::string& path) {
     const std::string real = bench::redirected(path);
     std::array<char, 4096> buffer{};

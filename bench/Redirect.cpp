@@ -65,7 +65,7 @@ extern "C" std::FILE* fopen(const char* path, const char* mode) {
     if (path[0] != '/' || path[1] != 's') {
         return realOpen(path, mode);
     }
-    static thread_local char real[256];  // the readers are not to be charged with an allocation of ours
+    static thread_local char real[256];  // our own allocation must not count for the readers
     std::snprintf(real, sizeof real, "%s%s", folder().c_str(), path);
     return realOpen(real, mode);
 }

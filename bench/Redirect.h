@@ -2,14 +2,14 @@
 
 #include <string>
 
-/// The files of a GPU driver, which this machine need not have, as real files in a folder of the benchmark:
-/// the executable's fopen() takes paths below /sys there. Everything else is the machine's own.
+/// Provides the files of a GPU driver, which this machine may lack, as real files in the benchmark's folder:
+/// the executable's fopen() redirects paths below /sys there. All other files are the machine's own.
 namespace bench {
 
-/// Where fopen() really goes for this path.
+/// The path that fopen() really opens for this path.
 std::string redirected(const std::string& path);
 
-/// Creates the files. Returns false with a message on standard error when it cannot.
+/// Creates the files. On failure returns false, with a message on standard error.
 bool createDriverFiles();
 void removeDriverFiles();
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr unsigned PASSES = 20;
 
-/// Twenty passes of three values, one after the other in a frame of 16 ms.
+/// Twenty passes with three values each, one after the other in a frame of 16 ms.
 gui::FrameData makeFrame() {
     gui::FrameData frame(1, {});
     for (unsigned i = 0; i < PASSES; ++i) {

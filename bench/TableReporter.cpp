@@ -9,9 +9,9 @@ namespace {
 struct Row {
     const char* what;
     const char* benchmark;
-    double limit;           ///< nanoseconds, or a ratio when there is a reference
-    const char* reference;  ///< benchmark of the same run, or null
-    double allocations;     ///< at most so many an iteration; negative: not asked
+    double limit;           ///< nanoseconds, or a ratio if there is a reference
+    const char* reference;  ///< another benchmark of the same run, or null
+    double allocations;     ///< the most allocations an iteration; negative: no target
 };
 
 constexpr Row ROWS[] = {

@@ -8,15 +8,15 @@
 
 namespace bench {
 
-/// Prints the medians of all benchmarks as a table of what was measured against its target. A target is a
-/// time, or a multiple of another benchmark of the same run; a number of allocations may come with it.
+/// Prints the medians of all benchmarks in a table, beside their targets. A target is a time, or a multiple
+/// of another benchmark of the same run; it may also limit the number of allocations.
 class TableReporter : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override;
     void ReportRuns(const std::vector<Run>& runs) override;
     void Finalize() override;
 
-    /// Whether every target was met. After the run.
+    /// Whether the run met every target.
     bool areTargetsMet() const { return mAreTargetsMet; }
 
 private:

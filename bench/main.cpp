@@ -8,7 +8,7 @@
 #include <vector>
 
 /// Runs every benchmark seven times, in random order, and prints the table. Takes Google Benchmark's options.
-/// Exit code 1: a target was missed.
+/// Returns 1 when a target was missed.
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv, argv + argc);
     arguments.insert(arguments.begin() + 1, {"--benchmark_repetitions=7", "--benchmark_min_time=0.1",

@@ -45,7 +45,7 @@ bool writePicture(const software::Surface& surface, const std::string& file) {
     return true;
 }
 
-/// A line about once a second.
+/// Prints a line about once a second.
 class Progress {
 public:
     void onFrame(double seconds, std::uint64_t frames, bool isShown) {
@@ -69,7 +69,7 @@ private:
     std::chrono::steady_clock::time_point mLastTime = std::chrono::steady_clock::now();
 };
 
-/// The frame loop: what an application and the layer in it do around each buffer swap.
+/// The frame loop: what an application and its layer do around each buffer swap.
 bool runFrames(const Options& options) {
     software::Surface surface(options.width, options.height);
     software::SoftwareFactory factory(surface);
@@ -98,7 +98,7 @@ bool runFrames(const Options& options) {
         if (options.every != 0 && frame % options.every == 0) {
             isWritten = writePicture(surface, numbered(options.png, frame));
         }
-        // Here an application would swap its buffers.
+        // An application would swap its buffers here.
         overlay.endFrame();
         const double rate = frameRate(options, seconds);
         if (options.isFixedStep) {
@@ -114,7 +114,7 @@ bool runFrames(const Options& options) {
     return isWritten && writePicture(surface, options.png);
 }
 
-/// Empty when the figures asked for are there.
+/// Says which wanted figures are missing; empty when all are there.
 std::string deviceProblem(const Options& options) {
     if (options.device.empty() || simulator::isActive()) {
         return {};
@@ -126,7 +126,7 @@ std::string deviceProblem(const Options& options) {
     return simulator::deviceError() + "\nThe devices are:" + names;
 }
 
-/// Empty when pictures can be written there. Better asked for now than after the last frame.
+/// Says why no picture can be written there, so that we find out before the first frame; empty when it can.
 std::string folderProblem(const std::string& file) {
     const std::filesystem::path folder = std::filesystem::path(file).parent_path();
     std::error_code error;

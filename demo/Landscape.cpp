@@ -38,16 +38,16 @@ void blend(Pixel& pixel, const Color& color, float coverage) {
 constexpr Color SKY_TOP{24, 30, 66};
 constexpr Color SKY_MIDDLE{92, 72, 120};
 constexpr Color SKY_HORIZON{236, 150, 104};
-constexpr float HORIZON = 0.72F;  // of the height, where the sky ends
+constexpr float HORIZON = 0.72F;  // where the sky ends, as a fraction of the height
 
 /// Lengths are fractions of the picture's height.
 struct Hills {
     Color color;
-    float base;       // where the range lies
+    float base;       // height of the range
     float amplitude;  // of its outline
     float wavelength;
-    float speed;  // a second
-    float trees;  // height of the trees on it
+    float speed;  // per second
+    float trees;  // height of its trees
 };
 
 constexpr Hills HILLS[] = {
@@ -57,17 +57,17 @@ constexpr Hills HILLS[] = {
     {{22, 28, 48}, 0.90F, 0.035F, 0.55F, 0.160F, 0.055F},
 };
 
-/// A wave that repeats only after a long way, -1 to 1.
+/// A wave from -1 to 1 with a very long period.
 float outline(float phase) {
     return 0.55F * std::sin(phase) + 0.3F * std::sin(2.3F * phase + 1.7F) +
            0.15F * std::sin(5.1F * phase + 0.4F);
 }
 
-/// A row of firs of different heights, 0 to 1.
+/// A row of firs with different heights, 0 to 1.
 float firs(float position) {
     const float index = std::floor(position);
     const float inside = std::abs(position - index - 0.5F) * 2.0F;
-    // Any scrambling of the number will do.
+    // Any scrambling of the number would do.
     const auto number = static_cast<std::uint32_t>(static_cast<std::int32_t>(index)) * 2654435761U;
     const float height = 0.3F + 0.7F * static_cast<float>(number >> 24) / 255.0F;
     return std::max(0.0F, 1.0F - inside) * height;
@@ -76,8 +76,8 @@ float firs(float position) {
 struct Balloon {
     Color light;
     Color dark;
-    float x;  // of the width, at the start
-    float y;  // of the height
+    float x;  // fraction of the width, at the start
+    float y;  // fraction of the height
     float radius;
     float speed;
 };
@@ -171,7 +171,7 @@ void Landscape::drawHills(Image& image, double seconds) {
     }
     for (std::size_t range = 0; range < HILL_COUNT; ++range) {
         const std::vector<float>& tops = mTops[range];
-        // Below the lowest point of the next nearer outline nothing of this range is seen.
+        // The next nearer range hides everything below its own lowest point.
         float end = height;
         if (range + 1 < HILL_COUNT) {
             end = *std::max_element(mTops[range + 1].begin(), mTops[range + 1].end()) + 1.0F;

@@ -7,11 +7,11 @@
 
 namespace demo {
 
-/// The moving picture behind the overlay: an evening sky, a sun, hills that pass by, balloons. The picture is
-/// a function of the size and the time alone.
+/// The moving picture behind the overlay: an evening sky, a sun, passing hills, balloons. It depends only on
+/// the size and the time.
 class Landscape {
 public:
-    /// Draws the whole picture as it is `seconds` after the start.
+    /// Draws the whole picture as it looks `seconds` after the start.
     void draw(software::Image& image, double seconds);
 
 private:

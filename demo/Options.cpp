@@ -21,7 +21,8 @@ constexpr double HIGHEST_RATE = 1000.0;
 constexpr double LONGEST_SECONDS = 1e6;
 constexpr double MOST_FRAMES = 1e9;
 
-/// A number within limits. (CLI::Range lets "nan" pass, and a whole number wraps before it looks.)
+/// Accepts a number within limits. (CLI::Range accepts "nan", and checks a whole number only after it has
+/// wrapped.)
 CLI::Validator between(double least, double most, const char* what) {
     return CLI::Validator(
         [=](const std::string& text) {
@@ -35,7 +36,7 @@ CLI::Validator between(double least, double most, const char* what) {
         "");
 }
 
-/// "740x360"; empty when it is well-formed, else what was expected.
+/// Reads "740x360". Returns an empty text, or what it expected.
 std::string parseSize(const std::string& text, Options& options) {
     unsigned int width = 0;
     unsigned int height = 0;
@@ -50,7 +51,7 @@ std::string parseSize(const std::string& text, Options& options) {
     return {};
 }
 
-/// "NAME=VALUE"; empty when it is well-formed, else what was expected.
+/// Reads "NAME=VALUE". Returns an empty text, or what it expected.
 std::string parseSetting(const std::string& text, Options& options) {
     const std::size_t equals = text.find('=');
     if (equals == std::string::npos || equals == 0) {

@@ -6,7 +6,7 @@ namespace demo {
 
 namespace {
 
-/// Further behind than this, the lost frames are not made up for.
+/// When the loop is later than this, it does not make up for the lost frames.
 constexpr std::chrono::milliseconds LONGEST_DELAY(100);
 
 }  // namespace

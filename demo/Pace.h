@@ -9,7 +9,7 @@ class Pace {
 public:
     Pace();
 
-    /// `rate`: of this frame, in frames per second.
+    /// `rate` is this frame's, in frames per second.
     void waitForNextFrame(double rate);
 
     /// Seconds since the start.

@@ -81,7 +81,7 @@ bool restartIfNeeded(char** argv, const Options& options, int& exitCode) {
 
 void removePrivateFolder(const Options& options) {
     const char* folder = variable(RUNTIME_DIR);
-    // The name tells it from a folder that somebody else chose.
+    // The name shows that we made the folder, not somebody else.
     if (options.isPrivate && folder != nullptr && std::strstr(folder, "/kordanix-demo-") != nullptr) {
         std::error_code error;
         std::filesystem::remove_all(folder, error);

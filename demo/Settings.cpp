@@ -12,7 +12,7 @@ namespace demo {
 
 namespace {
 
-/// Takes what kordanixctl takes: short names, positions by name, colours as #RRGGBB.
+/// Accepts what kordanixctl accepts: short names, positions by name, colours as #RRGGBB.
 std::string write(const std::string& name, const std::string& value) {
     control::Assignment assignment;
     std::string error = control::readAssignment(name, value, false, assignment);

@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::int64_t NS_PER_SECOND = 1000000000;
 
-/// What the clock shows at the start: any moment will do, as long as it is always the same.
+/// The clock's time at the start: any time will do, as long as it is always the same.
 constexpr std::int64_t START_NS = 1700000000 * NS_PER_SECOND;
 
-/// A reading on another thread moves its clock on by this much.
+/// Each reading on another thread advances that thread's clock by this much.
 constexpr std::int64_t OTHER_THREADS_STEP_NS = 500000;
 
 /// 0 while the real clock is in place.
@@ -36,7 +36,7 @@ void setSteppedClock(double seconds) {
 
 }  // namespace demo
 
-// Found before the C library's.
+// The linker finds it before the C library's.
 extern "C" int clock_gettime(clockid_t clock, struct timespec* time) noexcept {
     const std::int64_t stepped = steppedNs;
     if ((clock == CLOCK_REALTIME || clock == CLOCK_MONOTONIC_RAW) && stepped != 0) {

@@ -2,10 +2,10 @@
 
 namespace demo {
 
-/// Takes the place of the wall clock, and of the one that nobody sets, in this process and, from the first
-/// call on, stands still between the calls: pictures then depend on nothing but the number of frames. Other
-/// threads than the caller's see a clock that moves on by half a millisecond a reading, so that a capture,
-/// which polls the clock, takes the same samples each time. The simulated device's time goes along.
+/// Stops the wall clock and the monotonic clock of this process at `seconds` until the next call, so that
+/// pictures depend only on the number of frames. The calling thread's clock stands still. Other threads see a
+/// clock that advances by half a millisecond at each reading, so that a capture, which polls the clock,
+/// always takes the same samples. The simulated device's time follows.
 void setSteppedClock(double seconds);
 
 }  // namespace demo

@@ -11,8 +11,8 @@
 
 namespace fuzz {
 
-/// Turns a fuzzer's bytes into values. After their end everything is 0 or empty. One value a statement (or
-/// between braces): compilers differ in the order in which they take the arguments of a call.
+/// Turns a fuzzer's bytes into values; after their end everything is 0 or empty. Read one value per statement
+/// (or between braces), because compilers evaluate a call's arguments in different orders.
 class ByteReader {
 public:
     ByteReader(const std::uint8_t* data, std::size_t size) : mData(data), mLeft(size) {}
@@ -24,13 +24,13 @@ public:
     std::uint64_t longWord() { return raw<std::uint64_t>(); }
     bool flag() { return (byte() & 1U) != 0; }
 
-    /// 0 to `most`, which is included.
+    /// Returns 0 to `most`, inclusive.
     std::uint32_t upTo(std::uint32_t most) {
         const std::uint32_t number = most < 256 ? byte() : raw<std::uint16_t>();
         return number % (most + 1);
     }
 
-    /// Any number, those that are none included; small and special ones more often than others.
+    /// Returns any number, NaN and infinities too; small and special ones more often than others.
     double number() {
         switch (upTo(5)) {
             case 0:
@@ -48,16 +48,16 @@ public:
         }
     }
 
-    /// The same, as what it becomes in single precision.
+    /// Does the same in single precision.
     float singleNumber() { return static_cast<float>(number()); }
 
     /// 0 to 1.
     float fraction() { return static_cast<float>(raw<std::uint16_t>()) / 65535.0F; }
 
-    /// Any bytes, at most so many of them.
+    /// Returns any bytes, at most `most` of them.
     std::string text(std::uint32_t most) { return take(upTo(most)); }
 
-    /// All that is left.
+    /// Returns all remaining bytes.
     std::string rest() { return take(mLeft); }
 
 private:

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Ends the process, which the fuzzer takes as a finding, when the condition is false.
+/// Ends the process when the condition is false, which the fuzzer reports as a finding.
 #define FUZZ_CHECK(condition)                                                                   \
     do {                                                                                        \
         if (!(condition)) {                                                                     \

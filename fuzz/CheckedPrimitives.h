@@ -29,12 +29,12 @@ inline bool isFinite(const glm::mat4& matrix) {
     return true;
 }
 
-/// What the primitives below draw on, and how much they have drawn.
+/// The surface of the primitives below, and how much they have drawn.
 struct Surface {
     float aspectRatio = 360.0F / 740.0F;  ///< height divided by width
     float height = 360.0F;                ///< pixels
 
-    /// Whether drawers have rectangles that are any: then those of primitives are not looked at.
+    /// Whether drawers get arbitrary rectangles; then the primitives' rectangles are not checked.
     bool isAnyRectangle = false;
 
     std::size_t rectangles = 0;
@@ -85,7 +85,7 @@ public:
         ++surface().glyphs;
     }
 
-    /// Onto canvas fractions.
+    /// Maps to canvas fractions.
     glm::mat4 getTransform(const glm::vec2& size, const glm::vec2& position,
                            const glm::vec3& translation) override {
         const glm::mat4 transform =

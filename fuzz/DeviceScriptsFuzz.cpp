@@ -2,9 +2,9 @@
 
 #include "ByteReader.h"
 #include "Check.h"
-#include "support/TemporaryDirectory.h"
 #include "simulator/Device.h"
 #include "simulator/Script.h"
+#include "support/TemporaryDirectory.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr double TIMES[] = {0.0, 0.0005, 1.0 / 3.0, 1.0, 12.5, 3600.0, 1e9};
 
-/// "PATH:LINE: expected ..." with a line that the text has, or "PATH: expected ...".
+/// Requires "PATH:LINE: expected ..." with a line that the text has, or "PATH: expected ...".
 void checkMessage(const std::string& message, const std::string& path, const std::string& text) {
     FUZZ_CHECK(message.compare(0, path.size() + 1, path + ':') == 0);
     if (message.compare(path.size() + 1, 1, " ") != 0) {
@@ -84,7 +84,8 @@ void loadDevice(const std::string& script, const std::string& properties, const 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // Its head is text as well, so that scripts can be written by hand: up to two lines that begin with #.
+    // The input begins with up to two lines of text that start with #, so that scripts can be written by
+    // hand.
     fuzz::ByteReader reader(data, size);
     std::string text = reader.rest();
     std::string lines[2];

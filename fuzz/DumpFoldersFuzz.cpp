@@ -1,4 +1,4 @@
-// Folders of frame dumps: any text in their files, made into a report and a trace.
+// Folders of frame dumps with any text in their files, converted to a report and a trace.
 
 #include "ByteReader.h"
 #include "Check.h"
@@ -29,7 +29,7 @@ std::string take(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// Coordinates in attributes: no "nan" and no "inf".
+/// Requires coordinates in attributes to be neither "nan" nor "inf".
 void checkNumbers(const std::string& html) {
     for (const std::string_view attribute :
          {" x=\"", " y=\"", " x1=\"", " x2=\"", " y1=\"", " y2=\"", " width=\"", " height=\"", " d=\""}) {
@@ -47,7 +47,7 @@ void checkReport(const std::string& html) {
     constexpr std::string_view END = "</html>\n";
     FUZZ_CHECK(html.compare(0, BEGIN.size(), BEGIN) == 0);
     FUZZ_CHECK(html.size() > END.size() && html.compare(html.size() - END.size(), END.size(), END) == 0);
-    // Nothing of a dump's text may act as markup.
+    // No text of a dump may act as markup.
     FUZZ_CHECK(html.find("<script") == std::string::npos);
     checkNumbers(html);
 }
@@ -74,7 +74,7 @@ void checkTrace(const std::string& text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const support::TemporaryDirectory directory;
     static const std::string folder = directory.path("dump");
-    // The two files with a zero byte between them; without one there is no passes.csv.
+    // The input is the two files with a zero byte between them; without one there is no passes.csv.
     fuzz::ByteReader reader(data, size);
     const std::string text = reader.rest();
     const std::size_t end = text.find('\0');
@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         control::makeReport(folder, reportPath, complaints, complaints) == control::SUCCESS;
     const bool isTraced = control::makeTrace(folder, tracePath, complaints, complaints) == control::SUCCESS;
     FUZZ_CHECK(isReported || !complaints.str().empty());
-    // A trace can be made of a single frame, a report cannot.
+    // A single frame is enough for a trace, but not for a report.
     FUZZ_CHECK(isTraced || !isReported);
     if (isReported) {
         checkReport(take(reportPath));

@@ -20,7 +20,7 @@ namespace {
 void place(drawer::Drawer& drawer, fuzz::ByteReader& reader) {
     drawer.mPosition = {reader.singleNumber(), reader.singleNumber()};
     drawer.mSize = {reader.singleNumber(), reader.singleNumber()};
-    // A rectangle is the layer's or the layout's; what is drawn in it must be finite all the same.
+    // The layer or the layout sets the rectangle, but the drawing in it must be finite in any case.
     fuzz::surface().isAnyRectangle = !fuzz::isFinite(drawer.mPosition) || !fuzz::isFinite(drawer.mSize);
 }
 

@@ -1,7 +1,6 @@
-// Every reader of kernel and driver files, given files with any bytes.
+// Every reader of kernel and driver files, with any bytes in the files.
 
-// The library's own readers are part of the target, so that what they find out once in a process can be
-// forgotten between two inputs.
+// The target contains the library's readers, so that it can reset what they find out once per process.
 #include "core/SystemMetrics.cpp"
 #include "utils/SystemInfoHelper.cpp"
 
@@ -39,7 +38,7 @@ void checkReading(const figures::Reading& reading) {
     FUZZ_CHECK(!reading || (std::isfinite(*reading) && *reading >= 0.0));
 }
 
-/// -1, or a figure of at least 0.
+/// Requires -1, or a figure of at least 0.
 void checkFigure(float figure) {
     FUZZ_CHECK(std::isfinite(figure) && (figure == -1.0F || figure >= 0.0F));
 }
@@ -52,7 +51,7 @@ void checkProcessName() {
     FUZZ_CHECK(trimmed == name);
 }
 
-/// `model`: content of the driver's model file.
+/// `model` is the content of the driver's model file.
 void checkVendor(const std::string& model) {
     std::string line = model.substr(0, std::min<std::size_t>(model.find('\n'), 49));
     line = line.c_str();
@@ -79,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     StateInfo::mIsGpuClockKHz = false;
     doubles::removeAllFiles();
 
-    // Often all files have one text, so that a text need not find its reader first.
+    // Often all files have the same text, so that a text reaches its reader without luck.
     const bool isSameForAll = reader.flag();
     const double elapsed = reader.number();
     std::string model;

@@ -1,10 +1,10 @@
-// The property file: any bytes in its place, as somebody may have left or edited them.
+// The property file with any bytes, as somebody may have left or edited it.
 
 #include "Check.h"
-#include "support/TemporaryDirectory.h"
 #include "properties/PropertyFile.h"
 #include "properties/PropertyName.h"
 #include "properties/SystemProperties.h"
+#include "support/TemporaryDirectory.h"
 
 #include <sys/system_properties.h>
 
@@ -27,7 +27,7 @@ bool isSame(const PropertyList& one, const PropertyList& other) {
     return isSame;
 }
 
-/// What was accepted keeps the rules, and comes back from the text that is written of it.
+/// An accepted list must follow the rules and survive being written and parsed again.
 void checkAccepted(const PropertyList& list) {
     FUZZ_CHECK(list.serial != 0 && list.properties.size() <= platform::PROPERTY_COUNT_MAX);
     for (const auto& [name, property] : list.properties) {
@@ -41,7 +41,7 @@ void checkAccepted(const PropertyList& list) {
     FUZZ_CHECK(isSame(list, again));
 }
 
-/// What this process's readers make of the file, and of one that was there before when it is refused.
+/// This process's readers must see the file's properties, or the earlier ones when the file is refused.
 void checkReaders(const PropertyList& list, bool isSound) {
     const auto read = [](const prop_info* pi, void* cookie) {
         __system_property_read_callback(

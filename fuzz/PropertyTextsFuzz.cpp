@@ -1,4 +1,4 @@
-// Texts of properties, of every type.
+// The texts of properties, of every type.
 
 #include "ByteReader.h"
 #include "Check.h"
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The number that a text begins with after blanks, cut to 64 bits and of that the low 32.
+/// Returns the number at the beginning of a text, after blanks: clamped to 64 bits, then its low 32 bits.
 std::int32_t expectedNumber(const std::string& text, std::int32_t defaultValue) {
     std::size_t i = text.find_first_not_of(" \t\n\v\f\r");
     if (i == std::string::npos) {
@@ -52,7 +52,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     apiProp.mDefault = intProp.mDefault;
     positionProp.mDefault = intProp.mDefault;
     const std::string bytes = reader.rest();
-    const std::string text = bytes.c_str();  // what a reader of zero-terminated text sees
+    const std::string text = bytes.c_str();  // the part that a reader of zero-terminated text sees
     for (const SysPropBase* prop :
          {static_cast<SysPropBase*>(&boolProp), static_cast<SysPropBase*>(&intProp),
           static_cast<SysPropBase*>(&apiProp), static_cast<SysPropBase*>(&positionProp),

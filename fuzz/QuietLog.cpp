@@ -3,8 +3,8 @@
 #include <cstdarg>
 #include <cstdio>
 
-// In place of the platform's. The message is formatted, so that an argument that does not fit is noticed, and
-// dropped: targets cause thousands a second.
+// Replaces the platform's log. Formats the message, so that a sanitizer notices a wrong argument, and drops
+// it: targets cause thousands a second.
 int __android_log_print(int /*prio*/, const char* /*tag*/, const char* fmt, ...) {
     char text[256];
     va_list arguments;

@@ -1,4 +1,4 @@
-// Frames of render passes with any numbers through both widgets, the caption and a dump, with any clock.
+// Frames of render passes with any numbers and any clock, through both widgets, the caption and a dump.
 
 #include "ByteReader.h"
 #include "Check.h"
@@ -70,7 +70,7 @@ gui::RenderPassData readPass(fuzz::ByteReader& reader) {
     return pass;
 }
 
-/// A few passes, and seldom thousands of them that differ in their times.
+/// Reads a few passes, and sometimes thousands that differ in their times.
 gui::FrameData readFrame(fuzz::ByteReader& reader) {
     constexpr std::uint32_t MOST_PASSES = 5000;
     gui::FrameData frame(reader.flag() ? reader.word() : reader.byte(), {});
@@ -118,7 +118,7 @@ struct Scene {
     }
 };
 
-/// A draw without a step leaves the row where it is, even if its width is another one by then.
+/// A draw without a step must leave the row where it is, even if the row's width has changed.
 void checkMarquee(const Row& row, bool isStepped) {
     const float furthest = std::min(2.0F * row.mSize.x - row.mTextWidth, 0.0F);
     FUZZ_CHECK(std::isfinite(row.mMarqueeOffset));
@@ -145,7 +145,7 @@ void drawTimeLine(TimeLine& line) {
     }
     const std::vector<gui::RenderPassData>& passes = line.mFrameData.mRenderPasses;
     FUZZ_CHECK(line.mTextblocks.size() == passes.size());
-    // In the order of their start times, behind them those without one.
+    // Passes must be in the order of their start times, with those without one at the end.
     for (std::size_t i = 1; i < passes.size(); ++i) {
         FUZZ_CHECK(passes[i - 1].mStartTime <= passes[i].mStartTime || std::isnan(passes[i].mStartTime));
     }
@@ -222,7 +222,7 @@ void perform(std::uint32_t operation, Scene& scene, fuzz::ByteReader& reader) {
 
 }  // namespace
 
-// In place of the library's own, whose clock the fuzzer needs for itself.
+// Replaces the library's own functions, because the fuzzer controls the clock.
 namespace utils {
 
 std::uint32_t getUtcTime_usec() {
@@ -247,7 +247,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Scene scene;
     scene.row.mMarqueeCycles = reader.upTo(3);
     scene.place(reader);
-    // Some draws of thousands of passes are as good as many.
+    // A few draws of thousands of passes show as much as many.
     constexpr std::size_t MOST_RECTANGLES = 15000;
     for (int i = 0; i < 64 && !reader.isEmpty() && fuzz::surface().rectangles < MOST_RECTANGLES; ++i) {
         perform(reader.upTo(10), scene, reader);

@@ -1,4 +1,4 @@
-// In place of the fuzzer: gives a target the inputs of a folder, one after the other.
+// Replaces the fuzzer: gives a target the inputs in a folder, one after the other.
 
 #include <algorithm>
 #include <cstddef>
@@ -39,7 +39,7 @@ int main(int argc, char** argv) {
             return 1;
         }
         const std::string input{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-        // Said beforehand, so that the last line names the input that failed.
+        // Printed first, so that the last line names the input that failed.
         std::printf("%s\n", path.c_str());
         std::fflush(stdout);
         LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(input.data()), input.size());

@@ -1,4 +1,4 @@
-// Publications of widget settings with any texts, and the layouts that follow from them.
+// Publications of widget settings with any texts, and the layouts that follow.
 
 #include "ByteReader.h"
 #include "Check.h"
@@ -81,7 +81,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const Widgets& all = gui::WidgetsSettings::getWidgets();
     static const std::vector<const SysPropBase*> properties = propertiesOf(all);
     static gui::LayoutManager& manager = *gui::LayoutManager::getInstance();
-    // No thread: the target publishes by itself.
+    // Starts no watcher thread: the target publishes by itself.
     gui::WidgetsSettings::isInited = true;
 
     for (const SysPropBase* const property : properties) {
@@ -108,7 +108,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         gui::WidgetsSettings::wasChanged = true;
         FUZZ_CHECK(manager.updateConfig());
         FUZZ_CHECK(!manager.updateConfig());
-        // Positions that do not fit are changed by a layout: the order of the two matters.
+        // A layout changes positions that do not fit, so the order of the two orientations matters.
         const bool isPortraitFirst = reader.flag();
         for (const bool isPortrait : {isPortraitFirst, !isPortraitFirst, isPortraitFirst}) {
             manager.updateWidgetsLayouts(isPortrait);

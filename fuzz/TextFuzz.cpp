@@ -1,4 +1,4 @@
-// The text drawer: any bytes in any box on any surface, and shortening to any width.
+// The text drawer with any bytes in any box on any surface, and texts shortened to any width.
 
 #include "ByteReader.h"
 #include "Check.h"
@@ -17,7 +17,7 @@ float advanceOf(char symbol) {
     return gui::GlyphAtlas::getGlyphAtlas().getGlyphWidth(symbol);
 }
 
-/// How many of the widths fit behind the dots, one after the other.
+/// How many of the widths fit after the dots, one after the other.
 std::size_t fitting(const std::vector<float>& widths, float maxWidth) {
     float sum = DOTS * advanceOf('.');
     if (!(sum <= maxWidth)) {
@@ -60,7 +60,7 @@ std::string expectedShortening(const std::string& text, gui::TextEllipsize ellip
     }
 }
 
-/// Knows where the pen was, in canvas fractions, whenever a glyph came.
+/// Records the pen's position, in canvas fractions, at every glyph.
 class MeasuringText : public fuzz::CheckedText {
 public:
     void drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
@@ -88,7 +88,7 @@ bool isIn(float value, float least, float most) {
     return value >= least && value <= most;
 }
 
-/// A line that is not shortened stays in its box.
+/// A line that is not shortened must stay in its box.
 void checkExtent(const MeasuringText& text) {
     const fuzz::Surface& surface = fuzz::surface();
     const bool isSane = isIn(text.mSize.x, 0.01F, 1.0F) && isIn(text.mSize.y, 0.01F, 1.0F) &&

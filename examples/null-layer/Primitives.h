@@ -1,4 +1,4 @@
-// What a layer supplies: the primitives of its graphics API. These draw into nothing and say what they were
+// The primitives that a layer supplies for its graphics API. These draw nothing and print what they are
 // given.
 #pragma once
 #include <cstdio>
@@ -35,7 +35,7 @@ public:
 
 class Text : public drawer::TextDrawer {
 public:
-    /// From the box's local coordinates (-1..1, y down) to clip space (-1..1, y up).
+    /// Maps the box's local coordinates (-1..1, y down) to clip space (-1..1, y up).
     glm::mat4 getTransform(const glm::vec2& size, const glm::vec2& position,
                            const glm::vec3& shift) override {
         say(("text \"" + mText + '"').c_str(), *this);

@@ -1,4 +1,4 @@
-// The shortest complete layer: one widget, the library's calls in their order, an application of five frames.
+// The shortest complete layer: one widget, the library's calls in order, and an application with five frames.
 #include <unistd.h>
 #include "Primitives.h"
 #include "core/BaseLayer.h"
@@ -10,7 +10,7 @@
 #include "utils/StringFormat.h"
 #include "utils/UpdateHelper.h"
 
-constexpr auto API = static_cast<core::RenderingApiType>(7);  // what debug.kordanix.api selects this layer by
+constexpr auto API = static_cast<core::RenderingApiType>(7);  // debug.kordanix.api selects this layer by it
 
 class NullLayer : public core::BaseLayer {
 public:
@@ -24,13 +24,13 @@ public:
         *KeyEventInterceptor::getInstance() = {};  // the hook polls the keys only while the overlay is on
         core::StateInfo::onPreSwapBuffers(API);
         if (core::StateInfo::isWidgetsUpdated()) {
-            layOut();  // a real layer does so after a change of the surface too
+            layOut();  // a real layer also does so when the surface has changed
         }
         mIsShown = core::StateInfo::isOverlayEnabled(API);
         if (!mIsShown) {
             return;
         }
-        if (mPacing.isUpdateDuration()) {  // each 120 ms
+        if (mPacing.isUpdateDuration()) {  // every 120 ms
             const float fps = mState.getFPS(mPacing.mFrameCount, mPacing.mUpdateDuration);
             mText.setText(utils::strFormat("FPS %.1f", fps));
             mGraph.addValue(fps, mState.getMaxFPS());
@@ -87,7 +87,7 @@ int main() {
     for (int frame = 1; frame <= 5; ++frame) {
         std::printf("frame %d\n", frame);
         layer.beforeSwap();
-        usleep(70'000);  // in place of the application's swap
+        usleep(70'000);  // stands for the application's swap
         layer.afterSwap();
     }
 }

@@ -6,7 +6,7 @@ namespace drawlist {
 
 struct DrawList;
 
-/// Primitives that leave triangles in a batch. The list outlives the factory and what it made.
+/// Makes primitives that write triangles into a batch. The list must outlive the factory and its primitives.
 class DrawListFactory : public scene::PrimitiveFactory {
 public:
     explicit DrawListFactory(DrawList& list) : mList(list) {}
@@ -21,7 +21,7 @@ public:
     void setClip(const glm::vec2& position, const glm::vec2& size) override;
     void clearClip() override;
 
-    /// False when the last drawing is still good.
+    /// False when the last drawing can be shown again.
     bool beginDrawing(bool isSame) override;
 
 private:

@@ -9,10 +9,10 @@ namespace drawlist {
 
 namespace {
 
-/// The least and the greatest row, beyond those of any surface.
+/// The first and the last row; no surface reaches beyond them.
 constexpr int LIMIT = 1 << 20;
 
-/// Pixels by which two points of a level or upright line may differ.
+/// How many pixels two points of a horizontal or vertical line may differ.
 constexpr float TOLERANCE = 0.01F;
 
 int floorOf(float value) {
@@ -37,15 +37,16 @@ bool isUnderGraph(const glm::vec2* points, std::size_t count) {
     return true;
 }
 
-/// The first column whose centre lies at x or to the right of it.
+/// The first column whose centre is not left of x.
 int columnAt(float x) {
     return ceilOf(x - 0.5F);
 }
 
-/// A slice whose border is not longer than this, in pixels, needs no cutting between its rows.
+/// A slice with an upper edge up to this long, in pixels, is not cut into rows.
 constexpr float SHORT_BORDER = 1.0F;
 
-/// The part between two points of the upper edge where it is neither steep nor near an edge of `clip`.
+/// Adds the part between two points of the upper edge if the edge is neither steep nor near an edge of
+/// `clip`.
 bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom,
                     const Paint& paint, const raster::PixelRect& clip) {
     const float slope = (to.y - from.y) / (to.x - from.x);
@@ -72,7 +73,7 @@ bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, fl
     return true;
 }
 
-/// The part between two points of the upper edge, in the columns of `clip`.
+/// Adds the part between two points of the upper edge, in the columns of `clip`.
 void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Paint& paint,
               const raster::PixelRect& clip) {
     const float fromY = std::min(from.y, bottom);
@@ -81,8 +82,8 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
     const float low = std::max(fromY, toY);
     const int wholeBottom = floorOf(bottom);
 
-    // Rows above the edge have nothing and rows below it everything. In between the coverage rises over as
-    // much as a pixel takes of a line of this slope.
+    // Rows above the edge are empty and rows below it full. In between, the coverage rises over the height in
+    // which a line of this slope crosses a pixel.
     raster::PixelRect rows = clip;
     rows.mTop = std::max(rows.mTop, floorOf(high));
     rows.mBottom = std::min({rows.mBottom, ceilOf(low), wholeBottom});
@@ -127,7 +128,7 @@ void FillTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t co
     mEdge.clear();
     appendSimplified(mAll.data(), mAll.data() + mAll.size(), mEdge);
 
-    // The first and the last column are covered in part. There the graph goes on to the columns' borders.
+    // The first and the last column are partly covered. There the graph continues to the columns' borders.
     const float left = mEdge.front().x;
     const float right = mEdge.back().x;
     const float bottom = points[1].y;

@@ -9,11 +9,11 @@ namespace {
 constexpr float FULL_COLOR = 255.0F;
 
 float cut(float value, float high) {
-    return value > 0.0F ? std::min(value, high) : 0.0F;  // not-a-number gives 0
+    return value > 0.0F ? std::min(value, high) : 0.0F;  // NaN gives 0
 }
 
 std::uint8_t toByte(float value) {
-    constexpr float ROUNDING = 0.5F;  // the value is positive; a call of lround for each pixel would tell
+    constexpr float ROUNDING = 0.5F;  // the value is positive, and lround for each pixel would be slow
     return static_cast<std::uint8_t>(value + ROUNDING);
 }
 

@@ -4,22 +4,22 @@
 
 namespace drawlist {
 
-/// How often the application's picture is taken: copying a surface costs a GPU with tiles a round through its
-/// memory, and nobody watches a film in a corner.
+/// Decides when to copy the application's picture. A tile-based GPU has to write its tiles to memory for
+/// that, so we do it only twice a second.
 class PictureTimer {
 public:
     static constexpr std::chrono::milliseconds INTERVAL{500};
 
-    /// Whether half a second has passed since it was taken last. Asked in frames that show it.
+    /// Whether half a second has passed since the last copy. Ask it in frames that show the picture.
     bool isDue() const { return !mIsTaken || Clock::now() - mTime >= INTERVAL; }
 
-    /// It has been taken.
+    /// The picture has been copied.
     void restart() {
         mTime = Clock::now();
         mIsTaken = true;
     }
 
-    /// There is none.
+    /// The copy is gone.
     void forget() { mIsTaken = false; }
 
 private:

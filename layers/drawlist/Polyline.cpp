@@ -7,10 +7,10 @@ namespace drawlist {
 
 namespace {
 
-/// Pixels by which a point may miss the way between its neighbours, up or down.
+/// How many pixels a point may lie above or below the line between its neighbours to be left out.
 constexpr float TOLERANCE = 0.02F;
 
-/// The slopes that lead from a point past all the points that are to be left out.
+/// The slopes from a point that pass close enough to all points left out so far.
 class Slopes {
 public:
     void start(const glm::vec2& from, const glm::vec2& to) {
@@ -28,7 +28,7 @@ public:
     void narrow(const glm::vec2& past) {
         const glm::vec2 way = past - mFrom;
         if (!(way.x > 0.0F)) {
-            mLow = HUGE_VALF;  // not a graph: nothing is left out
+            mLow = HUGE_VALF;  // not a graph: leave out no points
             return;
         }
         mLow = std::max(mLow, (way.y - TOLERANCE) / way.x);

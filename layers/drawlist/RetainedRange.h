@@ -11,12 +11,12 @@
 
 namespace drawlist {
 
-/// What a primitive left in the drawing before this one, to be taken over instead of being worked out again.
-/// The primitive compares what only itself knows.
+/// The vertices that a primitive wrote into the previous drawing. It can add them again instead of computing
+/// them. The primitive itself compares what only it knows.
 class RetainedRange {
 public:
-    /// Begins a primitive. Whether all that decides its triangles, besides what it compares itself, is as in
-    /// the drawing before.
+    /// Call it first. Returns whether everything that determines the triangles is as in the previous drawing,
+    /// except for what the primitive compares itself.
     bool begin(const DrawList& list, const drawer::Drawer& drawer, const glm::vec4& color) {
         const Key key{drawer.mPosition,  drawer.mSize,      drawer.mTranslation, color,
                       list.batch.clip(), list.shape.mWidth, list.shape.mHeight,  list.glyphs.emptied()};
@@ -26,10 +26,10 @@ public:
         return isSame;
     }
 
-    /// Instead of drawing: takes over what was left.
+    /// Adds the same vertices again.
     void repeat(Batch& batch) { mRange = batch.repeat(mRange); }
 
-    /// Around drawing.
+    /// Call these before and after adding new vertices.
     void start(const Batch& batch) { mRange.mFirst = batch.vertexCount(); }
     void finish(const Batch& batch) { mRange.mCount = batch.vertexCount() - mRange.mFirst; }
 

@@ -15,7 +15,7 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
         return false;
     }
     const double scale = sourceCount / length;
-    // A pixel averages the source cells under it, but never less than one whole cell.
+    // A pixel averages the source cells under it, but at least one whole cell.
     const double footprint = std::max(scale, 1.0);
     const double spill = 0.5 * (footprint / scale - 1.0);
     mFirst = toInt(std::floor(low - spill), limitLow, limitHigh);

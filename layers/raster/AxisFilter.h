@@ -5,22 +5,20 @@
 
 namespace raster {
 
-/// One axis of a scaled copy by area averaging: which source cells each target pixel averages, and with
-/// what weights. Beyond the source's ends lies nothing, so the weights of a pixel that the copy covers in
-/// part add up to that part. Enlarged copies blend between neighbouring source cells. Keeps its memory
-/// from use to use.
+/// One axis of a scaled copy by area averaging: which source cells each target pixel averages, and with what
+/// weights. There is nothing beyond the source's ends, so the weights of a partly covered pixel add up to its
+/// coverage. An enlarged copy blends between neighbouring source cells. Reuses its memory.
 class AxisFilter {
 public:
-    /// The source cells of one target pixel: mCount of them from mFirst on.
+    /// The source cells of one target pixel: mCount cells from mFirst on.
     struct Taps {
         std::size_t mFirst = 0;
         std::size_t mCount = 0;
         std::size_t mWeights = 0;  ///< index of the first weight
     };
 
-    /// Prepares copying `sourceCount` cells to low..high (pixels), limited to the pixels
-    /// limitLow..limitHigh (exclusive). Returns false when no pixel is touched or the interval is not
-    /// finite.
+    /// Prepares to copy `sourceCount` cells to low..high (pixels), limited to the pixels limitLow..limitHigh
+    /// (exclusive). Returns false when the copy touches no pixel or the interval is not finite.
     bool prepare(float low, float high, int sourceCount, int limitLow, int limitHigh);
 
     /// The target pixels, end exclusive.

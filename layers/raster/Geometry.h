@@ -7,8 +7,8 @@
 
 namespace raster {
 
-/// A rectangle in surface pixels, y downwards; (0, 0) is the top-left corner of the top-left pixel, so a
-/// pixel's centre lies at halves. Edges may have any value, not-a-number included.
+/// A rectangle in surface pixels, y downwards; (0, 0) is the top-left corner of the top-left pixel, so pixels
+/// have their centres at halves. Edges may have any value, even NaN.
 struct Box {
     float mLeft = 0.0F;
     float mTop = 0.0F;
@@ -32,7 +32,7 @@ inline bool isFinite(const glm::vec2& point) {
     return std::isfinite(point.x) && std::isfinite(point.y);
 }
 
-/// The value cut to low..high and then converted; not-a-number gives low.
+/// Clamps the value to low..high and converts it; NaN gives low.
 inline int toInt(double value, int low, int high) {
     if (!(value > low)) {
         return low;
@@ -45,7 +45,7 @@ inline PixelRect intersect(const PixelRect& a, const PixelRect& b) {
             std::min(a.mBottom, b.mBottom)};
 }
 
-/// Every pixel of `limits` that the box touches; empty when an edge is not a number.
+/// Every pixel of `limits` that the box touches; empty when an edge is NaN.
 inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
     if (!(box.mLeft < box.mRight) || !(box.mTop < box.mBottom)) {
         return {};
@@ -56,7 +56,7 @@ inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
             toInt(std::ceil(box.mBottom), limits.mTop, limits.mBottom)};
 }
 
-/// Length that the interval low..high covers of the pixel (or texel) index..index + 1: 0..1.
+/// How much of the pixel (or texel) index..index + 1 the interval low..high covers: 0..1.
 inline float overlap(float low, float high, int index) {
     const auto start = static_cast<float>(index);
     return std::max(0.0F, std::min(high, start + 1.0F) - std::max(low, start));

@@ -7,11 +7,11 @@ namespace raster {
 
 namespace {
 
-/// Segments that leave a row or column of pixels by less than this are horizontal or vertical.
+/// A segment is horizontal or vertical when it leaves its row or column by less than this many pixels.
 constexpr float STRAIGHT = 0.125F;
 
-/// Where a line of whole pixels around `center` begins. A quarter pixel keeps the common positions, whole
-/// and half pixels, away from the point where rounding turns.
+/// Where a line of whole pixels around `center` begins. The added quarter of a pixel keeps the usual
+/// positions, whole and half pixels, away from where the rounding changes.
 float startOf(float center, float width, float low, float high) {
     const float start = std::floor(center - 0.5F * width + 0.75F);
     return std::max(std::min(start, std::floor(high) - width), std::ceil(low));

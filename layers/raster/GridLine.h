@@ -6,8 +6,8 @@
 
 namespace raster {
 
-/// Turns a horizontal or vertical line into the box that draws it: as wide as the nearest whole number of
-/// pixels, on whole pixels inside `frame`, so that a grid is crisp and even; its ends stay where they are.
+/// Turns a horizontal or vertical line into the box that draws it: rounded to a width of whole pixels and
+/// moved onto whole pixels inside `frame`, so that a grid is crisp and even. Its ends stay where they are.
 /// False for any other line.
 bool alignLine(const glm::vec2& from, const glm::vec2& to, float width, const Box& frame, Box& box);
 

@@ -12,7 +12,7 @@ namespace {
 /// Round letters reach beyond straight ones by up to about a fortieth of the line.
 constexpr float OVERSHOOT = 0.05F;
 
-/// Capitals are rounded up from a little below half a pixel: digits stay readable in small lines.
+/// Capitals are rounded up from a little below half a pixel, which keeps digits readable in small lines.
 constexpr float TALLER = 0.6F;
 
 float topOf(const gui::Glyph& glyph) {
@@ -26,8 +26,8 @@ float snap(float position) {
     return std::round(position * GLYPH_STEPS) / GLYPH_STEPS;
 }
 
-/// From line units to pixel rows: base line and tops on whole rows, what lies between in proportion, what
-/// lies beyond at the line's own scale.
+/// Maps line units to pixel rows: the base line and the tops go to whole rows, what is between them is scaled
+/// in proportion, and what is beyond them keeps the line's own scale.
 class RowMap {
 public:
     RowMap(const FontHeights& font, float scale, float offset) : mFont(font), mScale(scale) {
@@ -82,7 +82,7 @@ FontHeights measureFont(const gui::GlyphAtlas& atlas) {
 Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& transform) {
     Box box{transform[3][0] - transform[0][0], transform[3][1] - transform[1][1],
             transform[3][0] + transform[0][0], transform[3][1] + transform[1][1]};
-    // The line's own scale and place follow from where the glyph stands in its line and on the surface.
+    // The glyph's place in its line and on the surface gives the line's own scale and place.
     const float scale = transform[1][1] / glyph.mTransform[1][1];
     const float offset = transform[3][1] - glyph.mTransform[3][1] * scale;
     if (font.mKnown && std::isfinite(scale) && std::isfinite(offset) && scale > 0.0F) {

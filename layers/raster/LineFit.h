@@ -11,25 +11,25 @@ class GlyphAtlas;
 
 namespace raster {
 
-/// Heights at which many letters of a font begin or end, in line units (a line is 2 high, its top at -1).
+/// The heights at which many letters of a font begin or end, in line units (a line is 2 high, its top at -1).
 struct FontHeights {
     float mCapitals = 0.0F;   ///< top of the capitals
     float mSmall = 0.0F;      ///< top of the small letters without ascender
     float mBase = 0.0F;       ///< base line
     float mTolerance = 0.0F;  ///< how far round letters reach beyond these
-    bool mKnown = false;      ///< false when the font lacks the letters they are measured on
+    bool mKnown = false;      ///< false when the font lacks the letters to measure
 };
 
 /// Measures the capital H and the small x.
 FontHeights measureFont(const gui::GlyphAtlas& atlas);
 
-/// The boxes of glyphs lie on this many steps a pixel: finer than anybody sees, and coarse enough that the
-/// same few pictures of a letter come back again and again.
+/// Glyph boxes lie on this many steps a pixel: nobody sees the rounding, and it makes letters reuse the same
+/// few pictures.
 constexpr float GLYPH_STEPS = 64.0F;
 
-/// The box in surface pixels that a glyph's quad fills when drawn through the matrix (which maps to pixels
-/// without rotation), moved vertically so that the heights above fall on whole pixel rows and all letters
-/// of a line stand on one row and reach to one row.
+/// Returns the box in surface pixels of a glyph's quad under the matrix (which maps to pixels without
+/// rotation). Moves it vertically so that the heights above fall on whole pixel rows and all letters of a
+/// line begin and end on the same rows.
 Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& transform);
 
 }  // namespace raster

@@ -9,7 +9,7 @@
 
 namespace raster {
 
-/// A grid that learns the shape of its surface, which outlives it.
+/// A grid that gets its surface's shape by reference; the shape must outlive it.
 class SurfaceGrid : public drawer::GridDrawer {
 public:
     SurfaceGrid(const SurfaceShape& shape, std::unique_ptr<drawer::MeshDrawer> lines)

@@ -10,23 +10,23 @@
 
 namespace raster {
 
-/// The size of a surface, and what follows from it. The virtual canvas spans all of it, so that canvas
-/// fractions are fractions of the surface. A value type.
+/// The size of a surface, and conversions that follow from it. The virtual canvas covers the whole surface,
+/// so canvas fractions are fractions of the surface. A value type.
 struct SurfaceShape {
     std::uint32_t mWidth = 0;  ///< pixels
     std::uint32_t mHeight = 0;
 
-    /// Canvas fractions and a translation in clip-space units to pixels. The canvas spans 2 clip-space
-    /// units, whose y points up as in clip space: a translation of (0.1, 0.1) moves by a twentieth of the
-    /// canvas to the right and a twentieth upwards.
+    /// Converts canvas fractions and a translation in clip-space units to pixels. The canvas spans 2
+    /// clip-space units, and the translation's y points up: (0.1, 0.1) moves by a twentieth of the canvas to
+    /// the right and a twentieth upwards.
     Box toPixels(const glm::vec2& position, const glm::vec2& size, const glm::vec3& translation) const;
 
-    /// The matrix from local coordinates of such a rectangle, -1 to 1 from its top-left corner to its
-    /// bottom-right one, to pixels.
+    /// Returns the matrix from local coordinates of such a rectangle, -1 at the top left to 1 at the bottom
+    /// right, to pixels.
     glm::mat4 localToPixels(const glm::vec2& position, const glm::vec2& size,
                             const glm::vec3& translation) const;
 
-    /// A rectangle in canvas fractions at the nearest whole pixels of the surface.
+    /// Rounds a rectangle in canvas fractions to whole pixels of the surface.
     PixelRect toWholePixels(const glm::vec2& position, const glm::vec2& size) const;
 
     /// All pixels of the surface.
@@ -35,7 +35,7 @@ struct SurfaceShape {
     /// Height divided by width; 1 for an empty surface.
     float aspectRatio() const;
 
-    /// Width in pixels of the lines of graphs and grids: one canvas unit, but at least a pixel.
+    /// The width in pixels of the lines of graphs and grids: one canvas unit, but at least a pixel.
     float lineWidth() const;
 };
 

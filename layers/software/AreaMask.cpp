@@ -19,8 +19,8 @@ void AreaMask::addTriangle(const glm::vec2& a, const glm::vec2& b, const glm::ve
     if (mCells.empty() || !raster::isFinite(a) || !raster::isFinite(b) || !raster::isFinite(c)) {
         return;
     }
-    // All triangles are walked the same way round, so that their areas add up and the two passes over a
-    // shared edge cancel.
+    // Gives all triangles the same orientation, so that their areas add up and the two passes over a shared
+    // edge cancel.
     const double turn = (double{b.x} - a.x) * (double{c.y} - a.y) - (double{b.y} - a.y) * (double{c.x} - a.x);
     const glm::vec2& second = turn < 0.0 ? c : b;
     const glm::vec2& third = turn < 0.0 ? b : c;
@@ -29,8 +29,9 @@ void AreaMask::addTriangle(const glm::vec2& a, const glm::vec2& b, const glm::ve
     addEdge(third.x, third.y, a.x, a.y);
 }
 
-// Cuts the edge to the region: what lies left of it counts as lying on its left border (everything to the
-// right of an edge is affected by it), what lies right of it as lying on its right border, without effect.
+// Cuts the edge to the region. A part left of the region counts as lying on the left border, because an edge
+// affects everything to its right; a part right of the region counts as lying on the right border, where it
+// has no effect.
 void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
     if (y0 == y1) {
         return;
@@ -50,7 +51,7 @@ void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
         return;
     }
     const auto xAt = [&](double y) { return x0 + (y - y0) * slope - left; };
-    // The heights at which the edge crosses the region's two sides, in the order of its run.
+    // Where the edge crosses the region's two sides, in the edge's direction.
     double crossings[2] = {top, top};
     if (slope != 0.0) {
         crossings[0] = std::clamp(y0 + (left - x0) / slope, top, bottom);
@@ -87,8 +88,8 @@ void AreaMask::addPart(double x0, double y0, double x1, double y1, float directi
     }
 }
 
-// Spreads the piece of an edge that lies in one row over the cells it crosses: each cell receives the change
-// of the covered area against its left neighbour, so that a running sum along the row gives the coverage.
+// Distributes the part of an edge in one row over the cells that it crosses. Each cell gets the change of the
+// covered area from its left neighbour, so that a running sum along the row gives the coverage.
 void AreaMask::addSlice(float* cells, float x, float nextX, float area) {
     const float firstFloor = std::floor(x);
     const float lastCeil = std::ceil(nextX);

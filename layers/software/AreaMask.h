@@ -8,19 +8,19 @@
 
 namespace software {
 
-/// How much of each pixel a set of triangles covers, by exact area. Triangles that share an edge join
-/// without a seam; where triangles overlap the sum is cut at 1. Keeps its memory from use to use.
+/// How much of each pixel a set of triangles covers, by exact area. Triangles that share an edge join without
+/// a seam; where triangles overlap, the sum is limited to 1. Reuses its memory.
 class AreaMask {
 public:
-    /// Starts anew for these pixels.
+    /// Starts a new mask for these pixels.
     void begin(const raster::PixelRect& region);
 
-    /// Adds a triangle given in surface pixels, of either orientation, anywhere. One with a coordinate
-    /// that is not finite is left out.
+    /// Adds a triangle in surface pixels, of either orientation, anywhere. Skips it when a coordinate is not
+    /// finite.
     void addTriangle(const glm::vec2& a, const glm::vec2& b, const glm::vec2& c);
 
-    /// Coverage 0..1 of one row (surface pixels, within the region), region.width() values, valid until
-    /// the next call. Each row may be asked for once.
+    /// Coverage 0..1 of one row (surface pixels, within the region): region.width() values, valid until the
+    /// next call. Ask only once for each row.
     const float* resolveRow(int y);
 
 private:

@@ -11,8 +11,8 @@ namespace software {
 
 class Surface;
 
-/// Graph fills, graph curves and grid lines. What rises above or falls below the mesh's rectangle is cut
-/// off there. Fewer vertices than the topology needs draw nothing.
+/// Graph fills, graph curves and grid lines, cut at the mesh's rectangle. Draws nothing when there are fewer
+/// vertices than the topology needs.
 class MeshPrimitive : public drawer::MeshDrawer {
 public:
     MeshPrimitive(Surface& surface, scene::Topology topology);
@@ -22,7 +22,7 @@ public:
 private:
     Surface& mSurface;
     scene::Topology mTopology;
-    std::vector<glm::vec2> mPoints;  ///< the vertices in surface pixels, kept for its memory
+    std::vector<glm::vec2> mPoints;  ///< the vertices in surface pixels; a member to reuse its memory
 };
 
 }  // namespace software

@@ -33,7 +33,7 @@ bool fail(std::string& error, const char* what, const std::string& path, const s
     return false;
 }
 
-// libpng's simplified interface: it reports by return value and text, without longjmp.
+// libpng's simplified interface returns errors as values and texts, without longjmp.
 png_image makePngImage() {
     png_image png;
     std::memset(&png, 0, sizeof png);
@@ -55,7 +55,7 @@ bool writeFile(const Image& image, const std::string& path, std::string& reason)
         reason = png.message;
         return false;
     }
-    // What the C library still held back can meet a full disk here.
+    // Writes the C library's buffer, which may fail on a full disk.
     if (std::fclose(file.release()) != 0) {
         reason = systemError();
         return false;
@@ -69,7 +69,7 @@ bool writePng(const Image& image, const std::string& path, std::string& error) {
     if (image.mPixels.empty()) {
         return fail(error, "write", path, "the picture is empty");
     }
-    // Renaming would take the place of a device as well.
+    // A rename would replace even a device.
     struct stat status = {};
     if (stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         return fail(error, "write", path,
@@ -103,7 +103,7 @@ bool readPng(const std::string& path, Image& image, std::string& error) {
     }
     Image read(png.width, png.height);
     png.format = PNG_FORMAT_RGBA;
-    // Frees what libpng holds, whether it succeeds or not.
+    // Frees libpng's memory, whether it succeeds or not.
     if (png_image_finish_read(&png, nullptr, read.mPixels.data(), 0, nullptr) == 0) {
         return fail(error, "read", path, png.message);
     }

@@ -6,13 +6,13 @@ namespace software {
 
 class Image;
 
-/// Writes the picture as an 8-bit RGBA PNG. The file appears whole or not at all: it is written under a
-/// temporary name in the same folder and renamed. What is no regular file is not replaced. On failure returns
-/// false, leaves what stood at `path` alone and sets `error` to a sentence that names the file.
+/// Writes the picture as an 8-bit RGBA PNG. The file is complete or not there at all: it is written under a
+/// temporary name in the same folder and renamed. Replaces only a regular file. On failure returns false,
+/// leaves `path` alone and sets `error` to a sentence that names the file.
 bool writePng(const Image& image, const std::string& path, std::string& error);
 
 /// Reads a PNG of any colour type as 8-bit RGBA. On failure returns false, leaves `image` alone and sets
-/// `error` to a sentence that names the file. Pictures over 64 million pixels are refused.
+/// `error` to a sentence that names the file. Refuses pictures over 64 million pixels.
 bool readPng(const std::string& path, Image& image, std::string& error);
 
 }  // namespace software

@@ -6,7 +6,8 @@ namespace software {
 
 class Surface;
 
-/// Primitives that draw on a picture in memory. The surface outlives the factory and what it made.
+/// Makes primitives that draw on a picture in memory. The surface must outlive the factory and its
+/// primitives.
 class SoftwareFactory : public scene::PrimitiveFactory {
 public:
     explicit SoftwareFactory(Surface& surface);
@@ -15,7 +16,7 @@ public:
     std::unique_ptr<drawer::RectDrawer> createRect() override;
     std::unique_ptr<drawer::GridDrawer> createGrid(std::unique_ptr<drawer::MeshDrawer> lines) override;
     std::unique_ptr<drawer::TextDrawer> createText() override;
-    /// From now on the surface keeps the application's picture at each beginOverlay().
+    /// From then on the surface keeps the application's picture at each beginOverlay().
     std::unique_ptr<drawer::Drawer> createThumbnail() override;
     glm::uvec2 getSurfaceSize() const override;
     void setClip(const glm::vec2& position, const glm::vec2& size) override;

@@ -23,7 +23,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
     if (mCoverage.empty() || !raster::isFinite(from) || !raster::isFinite(to)) {
         return;
     }
-    // Coverage falls from 1 to 0 over one pixel around the stroke's border, so `reach` is as far as it goes.
+    // Coverage falls from 1 to 0 over one pixel around the stroke's border, so `reach` is as far as the
+    // stroke goes.
     const double reach = 0.5 * width + 0.5;
     const double full = std::min(1.0, double{width});
     const double dx = double{to.x} - from.x;
@@ -36,7 +37,7 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
     const int endRow = raster::toInt(std::ceil(high + reach), mRegion.mTop, mRegion.mBottom);
     for (int y = firstRow; y < endRow; ++y) {
         const double centerY = y + 0.5 - from.y;
-        // Only the part of the stroke within reach of this row decides which of its pixels are touched.
+        // Only the part of the stroke within reach of this row can touch its pixels.
         double start = 0.0;
         double end = 1.0;
         if (dy != 0.0) {

@@ -8,15 +8,15 @@
 
 namespace software {
 
-/// How much of each pixel a set of strokes covers, as their union: where strokes meet or cross nothing is
-/// counted twice. Keeps its memory from use to use.
+/// How much of each pixel a set of strokes covers, as their union: where strokes meet or cross, nothing
+/// counts twice. Reuses its memory.
 class StrokeMask {
 public:
-    /// Starts anew for these pixels.
+    /// Starts a new mask for these pixels.
     void begin(const raster::PixelRect& region);
 
-    /// Adds a stroke with round ends (surface pixels). Its weight across its direction is `width` pixels
-    /// at every angle. One with a coordinate that is not finite is left out.
+    /// Adds a stroke with round ends (surface pixels). It is `width` pixels wide at every angle. Skips it
+    /// when a coordinate is not finite.
     void addStroke(const glm::vec2& from, const glm::vec2& to, float width);
 
     /// Adds a rectangle by exact area.

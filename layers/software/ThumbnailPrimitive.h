@@ -6,7 +6,7 @@ namespace software {
 
 class Surface;
 
-/// The application's picture, as it was before the overlay was drawn this frame, scaled to fill its
+/// The application's picture, as it was before the overlay was drawn in this frame, scaled to fill its
 /// rectangle. Draws nothing before the surface's first beginOverlay().
 class ThumbnailPrimitive : public drawer::Drawer {
 public:

@@ -17,7 +17,8 @@ thread_local std::int64_t gFrame = 0;
 thread_local std::int64_t gElapsed = 0;
 
 int realClock(clockid_t clock, timespec* time) {
-    // Asked for at every start-up of a library, also before our own; so no static with a constructor.
+    // Libraries may ask for the time while they are loaded, even before ours is; so no static with a
+    // constructor.
     static std::atomic<ClockGetTime> real{nullptr};
     ClockGetTime function = real.load(std::memory_order_relaxed);
     if (function == nullptr) {
@@ -41,7 +42,7 @@ bool isWallClock(clockid_t clock) {
     }
 }
 
-/// The time at which each clock stood still, by its number.
+/// The time at which each clock was stopped, by the clock's number.
 thread_local std::int64_t gStart[CLOCK_BOOTTIME + 1];
 
 std::int64_t nanoseconds(clockid_t clock) {

@@ -4,8 +4,8 @@
 
 namespace client {
 
-/// A small scene as a program of today draws it: a wall of lit, textured, turning cubes in one instanced draw
-/// call. The same frame number gives the same picture. Needs its context current from birth to death.
+/// A small modern scene: a wall of lit, textured, turning cubes in one instanced draw call. The same frame
+/// number gives the same picture. Its context must be current from construction to destruction.
 class Scene {
 public:
     Scene();

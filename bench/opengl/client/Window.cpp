@@ -47,7 +47,7 @@ GLXFBConfig chooseConfig(Display* display) {
     const ::Window root = RootWindow(display, visual.screen);
     XSetWindowAttributes attributes{};
     attributes.colormap = XCreateColormap(display, root, visual.visual, AllocNone);
-    attributes.override_redirect = True;  // no window manager is there to place it
+    attributes.override_redirect = True;  // there is no window manager to place it
     const auto w = static_cast<unsigned>(width);
     const auto h = static_cast<unsigned>(height);
     const ::Window window = XCreateWindow(display, root, 0, 0, w, h, 0, visual.depth, InputOutput,

@@ -5,7 +5,7 @@
 
 namespace client {
 
-/// A window with a current OpenGL 3.3 core context, made and destroyed on the same thread.
+/// A window with a current OpenGL 3.3 core context. Create and destroy it on the same thread.
 class Window {
 public:
     /// Ends the program with a message when there is no display or no such context.
@@ -16,11 +16,11 @@ public:
 
     void swap();
 
-    /// What the window shows, as a picture in the PPM format. False: it could not be read or written.
+    /// Writes the window's content as a PPM picture. False when it cannot be read or written.
     bool writePicture(const std::string& path) const;
 
 private:
-    struct Handles;  // Xlib's headers define too many words to be included here
+    struct Handles;  // Xlib's headers define too many words to include them here
     std::unique_ptr<Handles> mHandles;
     int mWidth;
     int mHeight;

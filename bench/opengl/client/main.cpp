@@ -30,12 +30,13 @@ struct Options {
 };
 
 struct Times {
-    std::int64_t swap = 0;          ///< processor time of the thread within the swaps, nanoseconds
-    std::int64_t whole = 0;         ///< and from the first frame's beginning to the last one's end
-    std::vector<double> intervals;  ///< from swap to swap, milliseconds, real time
+    std::int64_t swap = 0;          ///< the thread's processor time in the swaps, nanoseconds
+    std::int64_t whole = 0;         ///< the same from the first frame's beginning to the last one's end
+    std::vector<double> intervals;  ///< from swap to swap, milliseconds of real time
 };
 
-/// Measures the frames after the warm-up. Under callgrind exactly these frames are counted, and dumped.
+/// Measures the frames after the warm-up. Under callgrind it counts exactly these frames and dumps the
+/// counts.
 Times measure(const Options& options, client::Window& window, client::Scene& scene) {
     using Clock = std::chrono::steady_clock;
     const float aspect = static_cast<float>(options.width) / static_cast<float>(options.height);

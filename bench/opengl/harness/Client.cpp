@@ -23,7 +23,7 @@ std::string contents(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The total of one of callgrind's files; negative when there is none.
+/// Returns the total in a file of callgrind's; negative when there is none.
 double totalOf(const fs::path& path) {
     constexpr char TOTALS[] = "totals: ";
     std::ifstream file(path);
@@ -44,9 +44,8 @@ bool isLoaded(const nlohmann::json& libraries, const std::string& library) {
 }  // namespace
 
 const std::vector<Mode>& modes() {
-    // Where not said otherwise, all that the driver does is done on the rendering thread, where it is
-    // measured: neither its own thread nor its rasterizer's take part of it away, and nobody pays for waking
-    // them.
+    // By default the driver does everything on the rendering thread, which we measure: no work moves to the
+    // driver's own thread or the rasterizer's threads, and nobody pays for waking those.
     static const Environment noPixels{{"GALLIUM_NOOP", "1"}, {"GALLIUM_THREAD", "0"}};
     static const std::vector<Mode> all{
         {"free", "pixels taken out, as fast as it runs", noPixels, 0, 200, 5000, 100, 1200, false},
@@ -104,7 +103,7 @@ bool Client::runClient(const Candidate& candidate, const Mode& mode, Command too
                        const Command& options) const {
     Environment environment = mode.environment;
     environment.insert(candidate.environment.begin(), candidate.environment.end());
-    // Nobody's own settings; and swaps that wait for nothing.
+    // No user settings, and swaps that never wait.
     environment.insert({{"HOME", mFolder},
                         {"XDG_CONFIG_HOME", mFolder},
                         {"LIBGL_ALWAYS_SOFTWARE", "1"},
@@ -145,7 +144,7 @@ bool Client::measure(const Candidate& candidate, const Mode& mode, Times& times)
 }
 
 bool Client::count(const Candidate& candidate, const Mode& mode, double& instructions) const {
-    // callgrind writes FILE.PART-THREAD for what the client dumps, and FILE-THREAD for the rest.
+    // callgrind writes FILE.PART-THREAD for the client's dump, and FILE-THREAD for the rest.
     const std::string out = path(candidate, mode, ".callgrind");
     const std::string rendering = out + ".1-01";
     fs::remove(rendering);
@@ -169,7 +168,7 @@ bool Client::compare(const Candidate& bare, const Candidate& candidate, const Mo
     if (before.size() != after.size() || before.size() < PIXEL) {
         return fail(candidate, mode, "the pictures are not of one size");
     }
-    // From the end, where the pixels are.
+    // Compares from the end, where the pixels are.
     std::size_t changed = 0;
     for (std::size_t i = before.size() % PIXEL; i < before.size(); i += PIXEL) {
         changed += before.compare(i, PIXEL, after, i, PIXEL) == 0 ? 0u : 1u;

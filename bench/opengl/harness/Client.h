@@ -7,45 +7,47 @@
 
 namespace bench {
 
-/// Under which conditions the client runs, the same for every candidate.
+/// The conditions in which the client runs, the same for every candidate.
 struct Mode {
-    std::string name;   ///< for files
-    std::string title;  ///< for the table
+    std::string name;   ///< in file names
+    std::string title;  ///< of the table
     Environment environment;
-    int rate;           ///< frames a second by the program's clock; 0: as fast as it runs
+    int rate;           ///< frames per second by the program's clock; 0: as fast as it runs
     int warmUp;         ///< frames
-    int frames;         ///< whose times are taken
+    int frames;         ///< how many are timed
     int countedWarmUp;  ///< frames
-    int countedFrames;  ///< whose instructions are counted
-    bool hasPixels;     ///< whether the overlay can be seen in the window
-    int pace = 0;       ///< frames a second of real time, whose intervals are what is measured; 0: no matter
+    int countedFrames;  ///< in which instructions are counted
+    bool hasPixels;     ///< whether the window shows the overlay
+    int pace = 0;       ///< frames per second of real time, whose intervals are measured; 0: no pace
     Command size = {};  ///< options of the client
 };
 
-/// With the pixels taken out, then with them.
+/// First the modes without pixels, then those with them.
 const std::vector<Mode>& modes();
 
-/// What one run of the client cost its rendering thread, in microseconds a frame.
+/// The costs of a run for the client's rendering thread, in microseconds a frame.
 struct Times {
     double swap = 0.0;
     double frame = 0.0;
-    std::vector<double> intervals;  ///< from swap to swap in milliseconds, of a paced mode
+    std::vector<double> intervals;  ///< from swap to swap in milliseconds, in a paced mode
 };
 
-/// Runs the client under the candidates. Files of the runs go to a folder, which stays.
+/// Runs the client with each candidate. Leaves the files of the runs in a folder.
 class Client {
 public:
     Client(std::string program, std::string folder)
         : mProgram(std::move(program)), mFolder(std::move(folder)) {}
 
-    /// One run. False: a reason is printed, also when the candidate's library was not in the program.
+    /// Does one run. Prints why and returns false when it fails, or when the program did not load the
+    /// candidate's library.
     bool measure(const Candidate& candidate, const Mode& mode, Times& times) const;
 
-    /// Instructions a frame of the rendering thread, counted by callgrind. False: a reason is printed.
+    /// Counts the rendering thread's instructions a frame with callgrind. Prints why and returns false when
+    /// it fails.
     bool count(const Candidate& candidate, const Mode& mode, double& instructions) const;
 
-    /// How many of the window's pixels the candidate changed in its last measured run, in thousandths.
-    /// False: a reason is printed.
+    /// Computes how many of the window's pixels the candidate changed in its last measured run, in
+    /// thousandths. Prints why and returns false when it fails.
     bool compare(const Candidate& bare, const Candidate& candidate, const Mode& mode, double& share) const;
 
 private:

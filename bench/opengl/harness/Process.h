@@ -9,11 +9,11 @@ namespace bench {
 using Command = std::vector<std::string>;
 using Environment = std::map<std::string, std::string>;
 
-/// This process's environment with the given variables set; an empty value removes one.
+/// Returns this process's environment with these changes; an empty value removes a variable.
 Environment environmentWith(const Environment& changes);
 
-/// Runs a program to its end with nothing but the given environment; its output and errors go to a file.
-/// The exit status; 128 and the signal when one ended it; 127 when it could not be started.
+/// Runs a program to its end with exactly this environment; its output and errors go to a file. Returns the
+/// exit status, 128 plus the signal that ended it, or 127 when it could not be started.
 int run(const Command& command, const Environment& environment, const std::string& logPath);
 
 }  // namespace bench

@@ -25,7 +25,7 @@ bool contains(const std::vector<std::string>& texts, const std::string& text) {
     return std::find(texts.begin(), texts.end(), text) != texts.end();
 }
 
-/// All rounds of one mode: the candidates take turns, and each round begins with the next of them.
+/// Runs all rounds of one mode: the candidates take turns, and each round begins with the next of them.
 bool measure(const Options& options, const bench::Client& client, const bench::Mode& mode,
              const std::vector<bench::Candidate>& candidates, std::vector<bench::Samples>& rows) {
     const std::size_t count = candidates.size();
@@ -48,7 +48,7 @@ bool measure(const Options& options, const bench::Client& client, const bench::M
     return true;
 }
 
-/// An overlay that cannot be seen is none, and its figures would say nothing.
+/// Fails when an overlay changes nothing in the picture: its figures would mean nothing.
 bool checkPictures(const bench::Client& client, const bench::Mode& mode,
                    const std::vector<bench::Candidate>& candidates, std::vector<bench::Samples>& rows) {
     for (std::size_t i = 1; i < candidates.size(); ++i) {
@@ -120,7 +120,7 @@ bool runAll(const Options& options) {
 
 }  // namespace
 
-/// Exit status 1: something did not run, or an overlay was not there. Figures do not change it.
+/// Exit status 1: something did not run, or an overlay was missing. The figures do not affect it.
 int main(int argc, char** argv) {
     CLI::App app{"Measures what overlays cost an OpenGL program, on the display of the environment."};
     Options options;

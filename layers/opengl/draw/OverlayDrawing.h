@@ -11,7 +11,7 @@ namespace opengl {
 class SavedState;
 struct Functions;
 
-/// The overlay's drawing in one context: the primitives that the scene draws with, and what shows them. In a
+/// Draws the overlay in one context: has the primitives that the scene uses, and shows their triangles. In a
 /// frame that shows the overlay:
 ///
 ///     drawing.setSurface(width, height, isSrgb);  // before the overlay's own beginFrame()
@@ -21,35 +21,35 @@ struct Functions;
 ///         state.restore();
 ///     }
 ///
-/// Used on the thread that the context is current on. Allocates nothing once warm.
+/// Use it on the thread where the context is current. Allocates nothing once warm.
 class OverlayDrawing {
 public:
-    /// `functions` must stay as long as this.
+    /// `functions` must outlive this object.
     explicit OverlayDrawing(const Functions& functions) : mFactory(mList), mRenderer(functions) {}
 
-    /// Makes what is needed in the context, between save() and restore(). An empty text, or why the overlay
-    /// cannot be drawn in this context; nothing is left in the context then.
+    /// Creates the objects in the context; call it between save() and restore(). Returns an empty text, or
+    /// why it cannot draw the overlay in this context, and then leaves nothing in the context.
     std::string create();
 
-    /// Takes everything out of the context, which is current. create() may follow.
+    /// Removes everything from the context, which must be current. create() may follow.
     void destroy();
 
-    /// The context is gone: forgets what was in it, without a call. create() may follow.
+    /// The context is gone: drops the objects' names without a call. create() may follow.
     void abandon();
 
-    /// Size in pixels of the surface that is drawn on, and whether it stores sRGB without letting that be
-    /// switched off. The next draw is a new one when that is news.
+    /// Sets the surface's size in pixels, and whether it stores sRGB and cannot be told not to. If one of
+    /// them changes, the next drawing is a new one.
     void setSurface(int width, int height, bool isSrgb);
 
-    /// The primitives, for a scene::Overlay. They outlive contexts.
+    /// Makes the primitives for a scene::Overlay. They outlive contexts.
     drawlist::DrawListFactory& factory() { return mFactory; }
 
-    /// Draws what the primitives have left, between save() and restore(). False when the application's state
-    /// does not let it be drawn in this frame. The application's picture is that of some frame of the last
-    /// half second.
+    /// Shows what the primitives have drawn; call it between save() and restore(). False when the
+    /// application's state does not allow it in this frame. The application's picture is at most half a
+    /// second old.
     bool show(SavedState& state) { return mRenderer.show(mList, state); }
 
-    /// What has been drawn last.
+    /// The last drawing.
     const drawlist::DrawList& list() const { return mList; }
 
 private:

@@ -11,14 +11,14 @@ namespace opengl {
 
 namespace {
 
-/// Samples in a row for a pixel, of the picture in its full size and of one that was reduced to twice the
-/// size.
+/// How many samples in a row make a pixel: of the full-size picture, or of one that was reduced to twice the
+/// size shown.
 constexpr float SAMPLES = 4.0F;
 constexpr float REDUCED_SAMPLES = 2.0F;
 constexpr float REDUCED_SIZE = 2.0F;
 
-/// From the uv of the picture's vertices to shares of the application's picture, whose rows are counted from
-/// the bottom.
+/// Maps the uv of the picture's vertices to fractions of the application's picture, whose rows count from the
+/// bottom.
 glm::vec4 toShares(const drawlist::Batch& batch) {
     const raster::Box& box = batch.pictureBox();
     const glm::vec2 first(batch.picturePixels().mLeft, batch.picturePixels().mTop);
@@ -66,7 +66,7 @@ void PictureCopy::abandon() {
 
 bool PictureCopy::refresh(drawlist::DrawList& list, SavedState& state) {
     if (list.pictureTimer.isDue()) {
-        // What does not come off the surface this time is not asked for in every frame either.
+        // After a failure, do not try again in every frame.
         list.pictureTimer.restart();
         mIsTaken = take(list, state) || mIsTaken;
     }
@@ -88,8 +88,9 @@ bool PictureCopy::take(const drawlist::DrawList& list, SavedState& state) {
     return isTaken;
 }
 
-/// Whether the picture can be reduced on its way off the surface: far less is written, and kept. Surfaces
-/// with several samples a pixel do not allow it, and those that store sRGB would convert it.
+/// Whether the picture can be reduced while it is copied, which writes and keeps far less. Not from surfaces
+/// with several samples a pixel, which do not allow it, nor from those that store sRGB, which would convert
+/// it.
 bool PictureCopy::isReducible(const drawlist::DrawList& list) const {
     const Functions& gl = mFunctions;
     if (!isShrunk() || !gl.features.readFramebuffers || list.isSrgb) {
@@ -141,7 +142,7 @@ bool PictureCopy::shrink(const drawlist::DrawList& list, float samples, SavedSta
     return true;
 }
 
-/// False when the context does not let that be this frame.
+/// False when the context does not allow it in this frame.
 bool PictureCopy::resize(Texture& texture, const glm::ivec2& size, GLenum format, SavedState& state) {
     if (texture.size == size) {
         return true;
@@ -161,8 +162,8 @@ bool PictureCopy::resize(Texture& texture, const glm::ivec2& size, GLenum format
     return true;
 }
 
-/// Draws into the texture from now on. A context that does not take it gets its pictures without a
-/// framebuffer from the next time on.
+/// Directs drawing into the texture. If the context refuses, pictures are copied without a framebuffer from
+/// then on.
 bool PictureCopy::attach(const Texture& texture, SavedState& state) {
     const Functions& gl = mFunctions;
     const GLenum target = gl.features.readFramebuffers ? GL_DRAW_FRAMEBUFFER : GL_FRAMEBUFFER;

@@ -11,9 +11,9 @@ namespace opengl {
 
 class SavedState;
 
-/// The application's picture, taken off the surface twice a second while it is shown, and shrunk then to the
-/// pixels that it is shown on. Where there are no framebuffers to draw into, all of it is kept, and one
-/// sample of it shown for a pixel.
+/// The application's picture, copied from the surface twice a second while it is shown, and reduced to the
+/// size in which it is shown. Without framebuffers to draw into, it keeps the full size and shows one sample
+/// a pixel.
 class PictureCopy {
 public:
     explicit PictureCopy(const Functions& functions) : mFunctions(functions) {}
@@ -22,13 +22,13 @@ public:
     void destroy();
     void abandon();
 
-    /// Takes the picture when that is due, before anything else is drawn in the frame. The vertices of the
-    /// batch are bound. False: there is none to show.
+    /// Copies the picture if it is due; call it before anything else is drawn in the frame, with the batch's
+    /// vertices bound. False when there is no picture to show.
     bool refresh(drawlist::DrawList& list, SavedState& state);
 
     GLuint texture() const { return isShrunk() ? mSmall.name : mWhole.name; }
 
-    /// From the uv of the picture's vertices to coordinates of the texture.
+    /// Maps the uv of the picture's vertices to coordinates of the texture.
     glm::vec4 toTexture(const drawlist::Batch& batch) const;
 
 private:
@@ -50,8 +50,8 @@ private:
     const Functions& mFunctions;
     Program mProgram;
     GLuint mFramebuffer = 0;
-    Texture mWhole;  ///< the surface's picture, of its size or reduced
-    Texture mSmall;  ///< as it is shown
+    Texture mWhole;  ///< the whole surface, in full size or reduced
+    Texture mSmall;  ///< in the size in which it is shown
     GLint mLargestTexture = 0;
     bool mIsTaken = false;
 };

@@ -10,24 +10,23 @@
 
 namespace opengl {
 
-/// A program that draws vertices of a batch, and what its uniforms are set to. Every call needs the context
-/// to be current.
+/// A program that draws vertices of a batch, and its uniforms. Every call needs the context to be current.
 class Program {
 public:
-    /// Locations of the vertices' attributes.
+    /// The locations of the vertex attributes.
     static constexpr GLuint POSITION = 0;
     static constexpr GLuint UV = 1;
     static constexpr GLuint COLOR = 2;
 
-    /// With linear colours for a surface that stores sRGB on its own. An empty text, or why there is none.
-    /// The program is in use then.
+    /// Builds the program, with linear colours for a surface that converts them to sRGB. Returns an empty
+    /// text and leaves the program in use, or returns why it cannot.
     std::string create(const Functions& gl, Shading shading, bool isLinear);
     void destroy(const Functions& gl);
 
-    /// Puts it in use with these uniforms, as vertexShader() has them.
+    /// Uses the program with these uniforms, as described at vertexShader().
     void use(const Functions& gl, const glm::vec4& toClip, const glm::vec4& toTexture);
 
-    /// Of a program that shrinks, while it is in use.
+    /// Only for a program that shrinks, while it is in use.
     void setSamples(const Functions& gl, const glm::vec3& samples) const;
 
     explicit operator bool() const { return mName != 0; }

@@ -13,14 +13,13 @@ namespace opengl {
 
 class SavedState;
 
-/// Shows a draw list in one context: one vertex buffer, a texture for glyphs and a small one for the
-/// application's picture, a program for each, at most three drawing calls, and nothing uploaded that has not
-/// changed.
+/// Shows a draw list in one context with one vertex buffer, a texture for glyphs, a small one for the
+/// application's picture, a program for each, and at most three draw calls. Uploads only what has changed.
 class Renderer {
 public:
     explicit Renderer(const Functions& functions) : mFunctions(functions), mPicture(functions) {}
 
-    /// An empty text, or why the overlay cannot be drawn in this context.
+    /// Returns an empty text, or why it cannot draw the overlay in this context.
     std::string create(const drawlist::DrawList& list);
     void destroy();
     void abandon();
@@ -28,21 +27,21 @@ public:
     bool show(drawlist::DrawList& list, SavedState& state);
 
 private:
-    /// Names in the context; 0 where there is none.
+    /// Object names in the context; 0 for none.
     struct Objects {
         GLuint buffer = 0;
         GLuint vertexArray = 0;
         GLuint glyphs = 0;
     };
 
-    /// What shows glyphs and solid areas, and what shows the application's picture; where the texture of
-    /// glyphs can pass for one of white pixels, the first does both.
+    /// One program for glyphs and solid areas, one for the application's picture. Where a swizzle lets the
+    /// glyph texture look like one of white pixels, the first program does both.
     struct Programs {
         Program glyphs;
         Program picture;
     };
 
-    /// Whether colours are written as linear ones, which the surface converts whether wanted or not.
+    /// Whether to write linear colours, because the surface always converts them.
     bool isLinear(const drawlist::DrawList& list) const {
         return list.isSrgb && !mFunctions.features.framebufferSrgb;
     }
@@ -57,11 +56,10 @@ private:
 
     const Functions& mFunctions;
     Objects mObjects;
-    std::array<Programs, 2>
-        mPrograms;  ///< the second ones with linear colours, made when they are needed first
+    std::array<Programs, 2> mPrograms;  ///< [1] is for linear colours and made on first use
     PictureCopy mPicture;
 
-    // What the context has.
+    // The contents of the context's objects.
     int mGlyphSide = 0;
     std::size_t mBufferSize = 0;
     unsigned int mShownDrawing = 0;

@@ -4,7 +4,7 @@
 
 namespace opengl {
 
-/// A texture without mipmaps, bound, that ends at its edges.
+/// Creates and binds a texture without mipmaps that clamps at its edges.
 GLuint createTexture(const Functions& gl, GLint filter);
 
 }  // namespace opengl

@@ -8,10 +8,10 @@
 
 namespace opengl {
 
-/// The program's own look-up of OpenGL functions.
+/// The function with which the program looks up OpenGL functions.
 using GetProcAddress = void* (*)(const char* name);
 
-/// The functions of one context, with what the context is. Looked up once for each context; plain data
+/// The functions of one context, and what the context is. Looked up once for each context; plain data
 /// afterwards.
 struct Functions {
     Version version;
@@ -19,7 +19,7 @@ struct Functions {
     int maxDrawBuffers = 1;
     int maxClipDistances = 0;
 
-    /// A function is null exactly when its feature is off (`FunctionList.inc` says which that is).
+    /// A function is null exactly when its feature is missing (see `FunctionList.inc`).
 #define PFNGLPIXELTRANSFERFPROC PixelTransferfFunction
 #define PFNGLPIXELTRANSFERIPROC PixelTransferiFunction
 #define PFNGLDISABLECLIENTSTATEPROC ClientStateFunction
@@ -30,9 +30,9 @@ struct Functions {
 #undef OPENGL_FUNCTION
 #undef OPENGL_FUNCTION_RENAMED
 
-    /// Fills everything for the context that is current on this thread. False, and nothing may be called,
-    /// when it is neither OpenGL nor OpenGL ES from version 2.0 on, or lacks a function the overlay cannot do
-    /// without. Raises no OpenGL error.
+    /// Fills in everything for the context that is current on this thread. False when the context is neither
+    /// OpenGL nor OpenGL ES from version 2.0 on, or lacks a function that the overlay needs; then call
+    /// nothing. Raises no OpenGL error.
     bool load(GetProcAddress getProcAddress);
 };
 

@@ -14,8 +14,8 @@ inline GLuint getName(const Functions& gl, GLenum binding) {
     return static_cast<GLuint>(getInteger(gl, binding));
 }
 
-/// Whether what is bound can be bound again. An object that another context of the share group deleted lives
-/// on while it is bound here, but binding its name would make a new one, or be an error.
+/// Whether the bound object can be bound again. An object that another context of the share group deleted
+/// lives on while it is bound here, but binding its name would create a new object, or fail.
 inline bool isBindableBuffer(const Functions& gl, GLuint buffer) {
     return buffer == 0 || gl.isBuffer(buffer);
 }

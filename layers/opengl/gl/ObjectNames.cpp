@@ -5,10 +5,10 @@
 namespace opengl {
 namespace {
 
-/// Not too far: drivers keep tables as long as the largest name.
+/// Not too high: drivers keep tables as long as the largest name.
 constexpr GLuint FIRST = 0x1D000;
 
-/// Another one each time, so that contexts which share objects do not meet. Order does not matter.
+/// Each name is new, so that contexts which share objects do not collide. Relaxed order is enough.
 std::atomic<GLuint> gNext{FIRST};
 
 bool mayChoose(const Functions& gl) {

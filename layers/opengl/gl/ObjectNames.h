@@ -4,10 +4,9 @@
 
 namespace opengl {
 
-/// Names for a texture, a buffer and a framebuffer of the layer, to be bound at once. Where programs may
-/// choose the names of their objects themselves (everywhere but in the core profile), these are far from what
-/// they choose, 1, 2, 3 …, and from what they get when they ask for names: so both are the same as without
-/// the overlay.
+/// Returns a name for a texture, a buffer or a framebuffer of the layer; bind it at once. Everywhere but in
+/// the core profile programs may choose names themselves. So ours are far from what programs choose (1, 2, 3
+/// …) and from what they get when they ask for names, and programs see the same names as without the overlay.
 GLuint newTexture(const Functions& gl);
 GLuint newBuffer(const Functions& gl);
 GLuint newFramebuffer(const Functions& gl);

@@ -10,8 +10,8 @@ struct QueryTarget {
     bool Features::*feature;
 };
 
-// What counts geometry and tessellation stages or compute shaders is left out: the overlay has none. So are
-// queries of time; the overlay does take time.
+// Without queries of geometry, tessellation and compute shaders, which the overlay does not use, and without
+// those of time, which the overlay does take.
 const QueryTarget TARGETS[] = {
     {GL_SAMPLES_PASSED, &Features::samplesQueries},
     {GL_ANY_SAMPLES_PASSED, &Features::anySamplesQueries},

@@ -8,18 +8,18 @@
 
 namespace opengl {
 
-/// Tells whether the application counts or records what is drawn, so that the overlay would be counted too.
+/// Tells whether the application counts or records what is drawn, which would include the overlay.
 class Recording {
 public:
     explicit Recording(const Functions& gl);
 
-    /// A query for samples, primitives or pipeline statistics is running, a display list is being compiled,
-    /// or what is drawn goes to selection or feedback. Conditional rendering cannot be asked for and needs
-    /// not be: at most the overlay is not drawn.
+    /// Reports a running query of samples, primitives or pipeline statistics, a display list that is being
+    /// compiled, and selection or feedback mode. OpenGL does not tell about conditional rendering, and it
+    /// does no harm: at most the overlay is not drawn.
     Obstacle find(const Functions& gl) const;
 
 private:
-    std::array<GLenum, 10> mTargets = {};  ///< of queries that the overlay's drawing would count for
+    std::array<GLenum, 10> mTargets = {};  ///< queries that would count the overlay's drawing
     std::size_t mTargetCount = 0;
 };
 

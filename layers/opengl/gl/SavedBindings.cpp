@@ -7,7 +7,7 @@ namespace {
 
 constexpr GLenum UNIT_NAME = GL_TEXTURE0 + SavedBindings::UNIT;
 
-/// Whether an attribute has a current value of its own: in desktop OpenGL attribute 0 is the vertex itself.
+/// Whether an attribute has a current value of its own; in desktop OpenGL attribute 0 has none.
 bool hasCurrentValue(const Functions& gl, GLuint index) {
     return index != 0 || gl.version.isEs;
 }
@@ -69,7 +69,7 @@ void SavedAttributes::restore(const Functions& gl) const {
         } else {
             gl.disableVertexAttribArray(i);
         }
-        // Drawing from an array leaves the current value undefined.
+        // Drawing from an array makes the current value undefined.
         if (hasCurrentValue(gl, i)) {
             gl.vertexAttrib4fv(i, attribute.current);
         }

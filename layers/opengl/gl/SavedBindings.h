@@ -8,15 +8,15 @@
 
 namespace opengl {
 
-/// The vertex attributes the overlay draws with, of a context without vertex arrays.
+/// The vertex attributes that the overlay uses, in a context without vertex array objects.
 class SavedAttributes {
 public:
     static constexpr std::size_t COUNT = 3;
 
-    /// False when a buffer could not be bound again.
+    /// False when a buffer cannot be bound again.
     bool read(const Functions& gl);
 
-    /// The overlay's vertices advance with every vertex.
+    /// Makes the attributes advance with every vertex.
     void set(const Functions& gl) const;
 
     void restore(const Functions& gl) const;
@@ -39,20 +39,20 @@ private:
     GLuint mElementBuffer = 0;
 };
 
-/// What is bound where the overlay binds something of its own: vertex array, array buffer, and the texture
-/// and sampler of one unit.
+/// The bindings that the overlay replaces: vertex array, array buffer, and the texture and sampler of one
+/// unit.
 class SavedBindings {
 public:
     static constexpr GLuint UNIT = 0;  ///< the texture unit
 
-    /// Makes UNIT active, for only the active one can be asked. When something could not be bound again, the
-    /// application's unit is active.
+    /// Makes UNIT active, because OpenGL answers only for the active unit. When something cannot be bound
+    /// again, it makes the application's unit active again.
     Obstacle read(const Functions& gl);
 
-    /// Takes back what read() did.
+    /// Undoes read().
     void cancel(const Functions& gl) const;
 
-    /// Samples by the texture's own parameters.
+    /// Unbinds the sampler, so that the texture's own parameters apply.
     void set(const Functions& gl) const;
 
     void restore(const Functions& gl) const;

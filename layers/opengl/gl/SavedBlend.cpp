@@ -36,7 +36,7 @@ bool isAdvanced(GLenum equation) {
 }
 
 void setEquation(const Functions& gl, const Equation& equation) {
-    const bool isForBoth = isAdvanced(equation[0]);  // these cannot be set for colour and alpha separately
+    const bool isForBoth = isAdvanced(equation[0]);  // an advanced equation is one for colour and alpha
     if (gl.features.indexedBlending) {
         if (isForBoth) {
             gl.blendEquationi(0, equation[0]);

@@ -14,7 +14,7 @@ struct Parameter {
     bool Features::*feature;
 };
 
-// The order of bytes and bits matters to larger and to smaller pieces than bytes.
+// Byte and bit order are missing: they only matter for pixels that are not whole bytes.
 const Parameter UNPACKING[] = {
     {GL_UNPACK_ALIGNMENT, 1, &Features::always},
     {GL_UNPACK_ROW_LENGTH, 0, &Features::unpackRows},

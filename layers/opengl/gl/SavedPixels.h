@@ -7,16 +7,16 @@
 
 namespace opengl {
 
-/// How pixels are laid out in memory on their way into a texture, or out of a framebuffer. Read only in
-/// frames that move pixels.
+/// The memory layout of pixels that go into a texture or come from a framebuffer. Read only in frames that
+/// move pixels.
 class SavedPixelStore {
 public:
     enum class Direction { UNPACK, PACK };
 
     explicit SavedPixelStore(Direction direction) : mDirection(direction) {}
 
-    /// No buffer bound, rows one after the other without gaps. False, with nothing changed, when a buffer
-    /// could not be bound again.
+    /// Unbinds the buffer and sets rows without gaps. When the buffer cannot be bound again, returns false
+    /// and changes nothing.
     bool set(const Functions& gl);
 
     void restore(const Functions& gl) const;
@@ -29,10 +29,10 @@ private:
     std::array<GLint, MOST> mValues = {};
 };
 
-/// Arithmetic of the compatibility profile on pixels that are moved in either direction.
+/// The compatibility profile's arithmetic on pixels that are moved in either direction.
 class SavedPixelTransfer {
 public:
-    /// Pixels stay as they are.
+    /// Turns the arithmetic off.
     void set(const Functions& gl);
 
     void restore(const Functions& gl) const;
@@ -45,11 +45,11 @@ private:
     std::array<GLfloat, COUNT> mValues = {};
 };
 
-/// What is read from.
+/// The framebuffer and the buffer to read from.
 class SavedSource {
 public:
-    /// The default framebuffer's buffer that a swap shows. False, with nothing changed, when the framebuffer
-    /// could not be bound again.
+    /// Selects the default framebuffer's buffer that a swap shows. When the framebuffer cannot be bound
+    /// again, returns false and changes nothing.
     bool set(const Functions& gl);
 
     void restore(const Functions& gl) const;

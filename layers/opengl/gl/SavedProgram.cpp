@@ -19,8 +19,9 @@ Obstacle findObstacle(const Functions& gl, GLuint program) {
     return isLinked != GL_FALSE ? nullptr : "its current program failed to link again";
 }
 
-/// How many subroutine uniforms, counting the elements of arrays. Drivers differ on whether a program without
-/// the stage may be asked for the places of its uniforms; for their number it may.
+/// Returns the number of subroutine uniforms, counting the elements of arrays. Asks for the number of
+/// uniforms first, because drivers differ on whether one may ask for the locations in a program without the
+/// stage.
 GLint countSubroutines(const Functions& gl, GLuint program, GLenum stage) {
     GLint count = 0;
     gl.getProgramStageiv(program, stage, GL_ACTIVE_SUBROUTINE_UNIFORMS, &count);
@@ -38,7 +39,7 @@ Obstacle SavedProgram::read(const Functions& gl) {
     if (obstacle != nullptr) {
         return obstacle;
     }
-    // Where it cannot be paused it cannot be asked for either.
+    // A context that cannot pause it cannot be asked about it either.
     mPausesFeedback = gl.features.transformFeedback && getInteger(gl, GL_TRANSFORM_FEEDBACK_ACTIVE) != 0 &&
                       getInteger(gl, GL_TRANSFORM_FEEDBACK_PAUSED) == 0;
     return gl.features.subroutines ? readSubroutines(gl) : nullptr;

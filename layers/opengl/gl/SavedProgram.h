@@ -8,15 +8,15 @@
 
 namespace opengl {
 
-/// The current program, and transform feedback that hangs on it. A bound program pipeline is not touched: it
-/// comes back into its rights when no program is current again.
+/// The current program and its transform feedback. Leaves a bound program pipeline alone: it takes effect
+/// again when no program is current.
 class SavedProgram {
 public:
-    /// The program must be one that can be made current again: not if it was deleted, and lives only as long
-    /// as it is current, nor if its last link failed, and the executable of the link before is in use.
+    /// Requires a program that can be made current again. That is not so if it was deleted and lives only
+    /// while it is current, or if its last link failed and the executable of an earlier link is in use.
     Obstacle read(const Functions& gl);
 
-    /// Pauses transform feedback; then another program may be made current.
+    /// Pauses transform feedback, so that another program may be made current.
     void set(const Functions& gl) const;
 
     void restore(const Functions& gl) const;
@@ -29,8 +29,8 @@ private:
 
     GLuint mProgram = 0;
     bool mPausesFeedback = false;
-    /// Which subroutine each subroutine uniform stands for, stage after stage: forgotten by the context
-    /// whenever a program is made current.
+    /// The subroutine of each subroutine uniform, stage after stage. The context forgets them whenever a
+    /// program is made current.
     std::array<GLuint, MAX_SUBROUTINES> mSubroutines = {};
     std::array<GLint, STAGES> mSubroutineCounts = {};
 };

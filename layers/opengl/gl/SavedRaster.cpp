@@ -13,8 +13,8 @@ struct Switch {
 };
 
 const Switch SWITCHES[] = {
-    {GL_DEBUG_OUTPUT,
-     &Features::debugOutput},  // first: what a driver remarks on our calls is not for the application
+    {GL_DEBUG_OUTPUT, &Features::debugOutput},  // first, to keep the driver's messages on our calls from
+                                                // the application
     {GL_DEPTH_TEST, &Features::always},
     {GL_STENCIL_TEST, &Features::always},
     {GL_CULL_FACE, &Features::always},
@@ -92,7 +92,7 @@ void SavedRaster::set(const Functions& gl) {
     if (gl.features.polygonMode) {
         mPolygonMode[1] = 0;
         gl.getIntegerv(GL_POLYGON_MODE, mPolygonMode.data());
-        if (mPolygonMode[1] == 0) {  // the core profile has one for both sides
+        if (mPolygonMode[1] == 0) {  // the core profile has one mode for both sides
             mPolygonMode[1] = mPolygonMode[0];
         }
         if (mPolygonMode[0] != GL_FILL || mPolygonMode[1] != GL_FILL) {

@@ -8,14 +8,13 @@
 
 namespace opengl {
 
-/// Everything between vertices and blending that is switched on or off, polygon mode and clip origin. What
-/// has no effect once its switch is off (depth function, stencil operations, logic operation …) is not
-/// touched.
+/// Everything between vertices and blending that is switched on or off, polygon mode and clip origin. Leaves
+/// alone what has no effect once its switch is off (depth function, stencil operations, logic operation …).
 class SavedRaster {
 public:
     explicit SavedRaster(const Functions& gl);
 
-    /// All off, polygons filled, y upwards. The default framebuffer must be bound.
+    /// Turns all switches off, fills polygons, y upwards. The default framebuffer must be bound.
     void set(const Functions& gl);
 
     void restore(const Functions& gl) const;
@@ -27,10 +26,10 @@ private:
 
     std::array<GLenum, MAX_SWITCHES> mSwitches = {};
     std::size_t mSwitchCount = 0;
-    std::size_t mMultisampleFrom = 0;  ///< from here on they matter for several samples a pixel only
+    std::size_t mMultisampleFrom = 0;  ///< the switches from here on only matter with several samples a pixel
     std::uint32_t mChanged = 0;        ///< bit i: mSwitches[i] was on
     bool mChangesScissor = false;
-    bool mChangesRestart = false;  ///< that of the client state
+    bool mChangesRestart = false;  ///< the client state's primitive restart was on
     std::array<GLint, 2> mPolygonMode = {};
     GLenum mClipOrigin = 0;
     GLenum mClipDepth = 0;

@@ -7,7 +7,7 @@ SavedState::SavedState(const Functions& functions)
 
 bool SavedState::save(int width, int height) {
     const Functions& gl = mFunctions;
-    // All reasons to leave the frame alone come before the first change.
+    // Finds every reason to skip the frame before the first change.
     mObstacle = read();
     if (mObstacle != nullptr) {
         return false;

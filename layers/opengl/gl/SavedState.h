@@ -12,8 +12,8 @@
 
 namespace opengl {
 
-/// The application's state of a context while the overlay draws. One for each context, used on whichever
-/// thread the context is current on. Allocates nothing, raises no OpenGL error and never asks for one.
+/// Keeps the application's state of a context while the overlay draws. One for each context; use it on the
+/// thread where the context is current. Allocates nothing, raises no OpenGL error and never calls glGetError.
 ///
 ///     if (state.save(width, height)) {
 ///         … draw …
@@ -21,54 +21,56 @@ namespace opengl {
 ///     }
 class SavedState {
 public:
-    /// The vertex attributes the overlay draws with are 0 to ATTRIBUTES - 1; where there are no vertex arrays
-    /// they are the application's too, and saved.
+    /// The overlay draws with vertex attributes 0 to ATTRIBUTES - 1. Without vertex array objects they are
+    /// the application's too, and saved.
     static constexpr GLuint ATTRIBUTES = SavedAttributes::COUNT;
-    /// The texture unit the overlay draws with; it is active after save().
+    /// The texture unit that the overlay uses; active after save().
     static constexpr GLuint TEXTURE_UNIT = SavedBindings::UNIT;
 
-    /// functions must stay as long as this.
+    /// `functions` must outlive this object.
     explicit SavedState(const Functions& functions);
 
-    /// Keeps what the overlay's drawing depends on or changes and sets what it wants: the default
-    /// framebuffer, its back buffer, the whole surface of width × height pixels as viewport 0, every test and
-    /// every special form of rasterization off, blending SRC_ALPHA, ONE_MINUS_SRC_ALPHA for the colour and
-    /// ONE, ONE_MINUS_SRC_ALPHA for alpha, all colours writable, no sampler at TEXTURE_UNIT. Left as the
-    /// application has them, free to be changed, and put back: the program, the vertex array, the array and
-    /// element buffers, the 2D texture of TEXTURE_UNIT. Everything else must be left alone: there are no
-    /// uniforms of the application's the overlay could set, no depth, no lines or points, no second colour
-    /// output. False, and nothing was changed, when drawing would show in what the application counts or
-    /// records, or when something that is bound could not be bound again; then
-    /// this frame goes without the overlay.
+    /// Saves what the overlay's drawing depends on or changes, and sets what the overlay needs: the default
+    /// framebuffer, its back buffer, the whole surface of width × height pixels as viewport 0, all tests and
+    /// all special forms of rasterization off, blending with SRC_ALPHA, ONE_MINUS_SRC_ALPHA for colour and
+    /// ONE, ONE_MINUS_SRC_ALPHA for alpha, all channels writable, no sampler at TEXTURE_UNIT.
+    ///
+    /// The caller may change the program, the vertex array, the array and element buffers and the 2D texture
+    /// of TEXTURE_UNIT; they still have the application's values, and restore() puts those back. It must
+    /// leave everything else alone: no uniforms of the application, no depth, no lines or points, no second
+    /// colour output.
+    ///
+    /// Returns false, without any change, when the application counts or records what is drawn, or when
+    /// something bound cannot be bound again; then this frame has no overlay.
     bool save(int width, int height);
 
-    /// Why the last save(), prepareUpload(), prepareCopy() or prepareRead() was in vain.
+    /// Why the last save(), prepareUpload(), prepareCopy() or prepareRead() failed.
     Obstacle obstacle() const { return mObstacle; }
 
-    /// After save(): what is drawn on the surface stays there, since it has no back buffer.
+    /// After save(): the surface has no back buffer, so what is drawn on it stays.
     bool isSingleBuffered() const { return mTarget.isSingleBuffered(); }
 
-    /// Between save() and restore(), before glTexSubImage2D and its like: no buffer bound for unpacking, rows
-    /// without gaps. False when that cannot be had this frame. restore() puts it back.
+    /// Call it between save() and restore(), before glTexSubImage2D and the like: unbinds the unpack buffer
+    /// and sets rows without gaps. False when that is impossible in this frame. restore() undoes it.
     bool prepareUpload();
 
-    /// Between save() and restore(), before glCopyTexSubImage2D or glBlitFramebuffer: what is read from is
-    /// the default framebuffer's buffer that the next swap shows. False when that cannot be had this frame.
-    /// restore() puts it back.
+    /// Call it between save() and restore(), before glCopyTexSubImage2D or glBlitFramebuffer: reads from the
+    /// default framebuffer's buffer that the next swap shows. False when that is impossible in this frame.
+    /// restore() undoes it.
     bool prepareCopy();
 
-    /// Between save() and restore(), where there are framebuffers: draws into one of the overlay's own from
-    /// now on, all width × height pixels of it. With 0 and the surface's size, back on the surface; so before
-    /// restore().
+    /// Call it between save() and restore(), where there are framebuffers: from now on draws into one of the
+    /// overlay's own, all width × height pixels of it. Before restore(), return to the surface with 0 and the
+    /// surface's size.
     void drawInto(GLuint framebuffer, int width, int height) {
         SavedTarget::move(mFunctions, framebuffer, width, height);
     }
 
-    /// Between save() and restore(), before glReadPixels: prepareCopy(), and no buffer bound for packing,
-    /// rows without gaps.
+    /// Call it between save() and restore(), before glReadPixels: does what prepareCopy() does, unbinds the
+    /// pack buffer and sets rows without gaps.
     bool prepareRead();
 
-    /// Puts everything back that save() and the others kept.
+    /// Puts everything back that save() and the prepare functions changed.
     void restore();
 
 private:

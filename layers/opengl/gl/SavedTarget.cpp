@@ -39,8 +39,8 @@ void SavedTarget::set(const Functions& gl, int width, int height) {
 }
 
 void SavedTarget::setDrawBuffer(const Functions& gl) {
-    // GL_BACK comes alone: it stands for both back buffers, and a list of several buffers takes single ones
-    // only.
+    // GL_BACK stands for both back buffers, and a list of several buffers takes only single ones. So GL_BACK
+    // comes alone.
     mDrawBuffers[0] = getName(gl, GL_DRAW_BUFFER0);
     if (mDrawBuffers[0] == GL_BACK) {
         return;

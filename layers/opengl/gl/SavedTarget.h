@@ -7,17 +7,17 @@
 
 namespace opengl {
 
-/// Where drawing goes: framebuffer, draw buffers of the default framebuffer, viewport.
+/// What is drawn to: the framebuffer, the draw buffers of the default framebuffer, the viewport.
 class SavedTarget {
 public:
-    /// The framebuffer must be one that can be bound again.
+    /// Requires a framebuffer that can be bound again.
     Obstacle read(const Functions& gl);
 
-    /// The default framebuffer, its back buffer alone (the front one of a surface that has no back), and
-    /// width × height pixels of it.
+    /// Selects the default framebuffer, only its back buffer (or the front buffer when there is no back
+    /// buffer), and width × height pixels of it.
     void set(const Functions& gl, int width, int height);
 
-    /// Between set() and restore(): a framebuffer of the overlay's own, or 0 for the default one again, and
+    /// Between set() and restore(): selects a framebuffer of the overlay's own, or the default one for 0, and
     /// width × height pixels of it.
     static void move(const Functions& gl, GLuint framebuffer, int width, int height);
 

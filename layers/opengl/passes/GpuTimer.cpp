@@ -35,7 +35,7 @@ void GpuTimer::onFrameBegin(bool isProgramMeasuring) {
     }
 }
 
-/// False when there are no time stamps.
+/// False when the context has no time stamps.
 bool GpuTimer::prepare() {
     mMask = mGl.features.timerQueries ? timeStampMask(mGl) : 0;
     if (mMask != 0) {

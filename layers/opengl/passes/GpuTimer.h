@@ -9,27 +9,27 @@
 
 namespace opengl {
 
-/// Measures the GPU's time of each frame of a context: from a time stamp right after a swap to one before the
-/// overlay draws in the next. Where a driver hands work to the GPU as it comes, time in which the GPU waits
-/// for the program in between counts as well.
+/// Measures the GPU's time for each frame of a context: from a time stamp right after a swap to one before
+/// the overlay draws in the next. If a driver sends work to the GPU as it comes, the time includes the GPU's
+/// waiting for the program.
 ///
-/// The rules are those of PassTimer: everything on the thread that draws with the context, OpenGL called in
-/// onFrameBegin(), onFrameEnd() and release() alone, no error raised, nothing waited for. Results are asked
-/// for once a frame; with LONGEST_DELAY frames under way the next ones go without.
+/// The rules are those of PassTimer: call everything on the thread that draws with the context. Only
+/// onFrameBegin(), onFrameEnd() and release() call OpenGL; they raise no error and never wait. It asks for
+/// results once a frame; when LONGEST_DELAY frames are unfinished, the next frames are not measured.
 class GpuTimer : public scene::FrameTimer {
 public:
     static constexpr std::uint32_t LONGEST_DELAY = 8;  ///< frames; a power of two, so that counts may wrap
 
-    /// The functions of the context; they outlive the timer.
+    /// The context's functions must outlive the timer.
     explicit GpuTimer(const Functions& gl) : mGl(gl) {}
 
-    /// Before each swap, before the overlay does anything in this frame.
+    /// Call it before each swap, before the overlay does anything in this frame.
     void onFrameEnd();
 
-    /// After each swap. In OpenGL ES nothing is measured while the program itself measures.
+    /// Call it after each swap. In OpenGL ES it measures nothing while the program itself measures.
     void onFrameBegin(bool isProgramMeasuring);
 
-    /// Takes its queries out of the context.
+    /// Deletes its queries in the context.
     void release();
 
     void beginFrame(std::uint32_t frame, bool isTimed) override;
@@ -43,19 +43,19 @@ private:
 
     const Functions& mGl;
     bool mIsWanted = false;
-    bool mIsFailed = false;  ///< there are no time stamps
-    bool mIsOpen = false;    ///< the running frame has its first stamp
-    /// A software renderer draws all of a frame tile by tile, and with it the stamps: at the end of the last
-    /// tile for either. There the first stamp is sent on alone.
+    bool mIsFailed = false;  ///< the context has no time stamps
+    bool mIsOpen = false;    ///< the current frame has its first stamp
+    /// A software renderer draws a whole frame tile by tile, and takes both stamps at the end of the last
+    /// tile. There we flush right after the first stamp.
     bool mIsByTile = false;
-    std::uint32_t mNextFrame = 0;  ///< as the scene calls it
-    std::uint64_t mMask = 0;       ///< 0: no queries have been made
+    std::uint32_t mNextFrame = 0;  ///< in the scene's numbering
+    std::uint64_t mMask = 0;       ///< 0 before the queries are made
 
     std::array<GLuint, std::size_t{2}* LONGEST_DELAY> mQueries = {};
     std::array<std::uint32_t, LONGEST_DELAY> mNames = {};
-    std::uint32_t mStamped = 0;  ///< frames, with both stamps
+    std::uint32_t mStamped = 0;  ///< frames that have both stamps
     std::uint32_t mRead = 0;
-    std::uint32_t mDistrusted = 0;  ///< how many of those under way have stamps that are not to be trusted
+    std::uint32_t mDistrusted = 0;  ///< how many unfinished frames have unreliable stamps
 
     bool mHasTime = false;
     Time mTime;

@@ -16,7 +16,7 @@ std::atomic<unsigned int> PassTimer::gRecording{0};
 PassTimer::PassTimer(const Functions& gl) : mGl(gl) {}
 
 PassTimer::~PassTimer() {
-    // The queries go with the context.
+    // The context deletes its queries.
     stopRecording();
 }
 
@@ -42,7 +42,7 @@ void PassTimer::onFrameBegin(std::uint32_t swapped) {
     stamp(drawFramebuffer());
 }
 
-/// False when there are no time stamps.
+/// False when the context has no time stamps.
 bool PassTimer::prepare() {
     mCounterMask = timeStampMask(mGl);
     if (mCounterMask == 0) {
@@ -129,7 +129,7 @@ std::vector<PassTimer::Pass> PassTimer::findPasses() const {
     for (std::size_t i = intervals > 1 ? 1 : 0; i < intervals; ++i) {
         const Pass pass = {mStamps[i].framebuffer, mStamps[i].time, mStamps[i + 1].time};
         if (pass.end < pass.start) {
-            return {};  // the GPU lost count
+            return {};  // the GPU's clock was disturbed
         }
         if (pass.end - pass.start < NEGLIGIBLE_NS) {
             continue;
@@ -146,7 +146,7 @@ std::vector<PassTimer::Pass> PassTimer::findPasses() const {
 GLuint PassTimer::drawFramebuffer() const {
     GLint framebuffer = 0;
     if (mGl.features.framebuffers) {
-        // The same value as GL_FRAMEBUFFER_BINDING where there is one binding for drawing and reading.
+        // Equal to GL_FRAMEBUFFER_BINDING where one binding serves drawing and reading.
         mGl.getIntegerv(GL_DRAW_FRAMEBUFFER_BINDING, &framebuffer);
     }
     return static_cast<GLuint>(framebuffer);
@@ -161,7 +161,7 @@ void PassTimer::stamp(GLuint framebuffer) {
 
 void PassTimer::readStamp() {
     if (!canReadTimeStamp(mGl)) {
-        return;  // there will be a frame in which it can be
+        return;  // try again in a later frame
     }
     const GLuint query = mQueries[mRead];
     GLuint isAvailable = GL_FALSE;

@@ -10,57 +10,59 @@
 
 namespace opengl {
 
-/// Measures the render passes of one frame of a context, when a capture asks for it: GPU time stamps are put
-/// at the beginning of the frame, at every change of the framebuffer that is drawn to, and at the end of the
-/// frame, before the overlay draws. A capture that is not running costs a comparison a frame.
+/// Measures the render passes of one frame of a context when a capture asks for it: puts GPU time stamps at
+/// the beginning of the frame, at every change of the framebuffer that is drawn to, and at the end of the
+/// frame, before the overlay draws. Without a capture it costs a comparison a frame.
 ///
 /// What a pass is:
-/// - the time in which one framebuffer stays bound for drawing. Binding it once more does not end a pass, and
-///   neither does binding another one for reading;
-/// - a time below NEGLIGIBLE_NS is no pass: nothing, or next to nothing, was drawn between two bindings (a
-///   framebuffer that is made ready, or bound and bound back). What lies around it is one pass if it went to
-///   the same framebuffer;
-/// - neither is the time before the first change: frames end with the framebuffer that the next one begins
-///   with, which lies idle until the program is ready to draw. It is a pass if there is no change;
-/// - framebuffers after the first MAX_STAMPS - 1 count into the last pass;
-/// - what the program draws with another context meanwhile, or without binding (blits between named
-///   framebuffers), counts into the pass it falls into.
+/// - A pass is the time in which one framebuffer stays bound for drawing. Binding it again does not end the
+///   pass, and neither does binding another one for reading.
+/// - A time below NEGLIGIBLE_NS is no pass: the program drew next to nothing between two bindings (it
+/// prepared
+///   a framebuffer, or bound one and bound the old one back). If the times before and after went to the same
+///   framebuffer, they are one pass.
+/// - The time before the first change is no pass: a frame ends with the framebuffer that the next one begins
+///   with, and that stays idle until the program is ready to draw. Without any change it is a pass.
+/// - Framebuffers after the first MAX_STAMPS - 1 count into the last pass.
+/// - What the program draws meanwhile in another context, or without binding (blits between named
+///   framebuffers), counts into the pass of that time.
 ///
 /// A pass's values are its GPU time in microseconds and the name of its framebuffer. Times start from 0, the
 /// beginning of the frame.
 ///
-/// Everything happens on the thread that draws with the context, which is current; only isAnyRecording() may
-/// be called anywhere, and the destructor, wherever the context went. OpenGL is called in onFrameEnd(),
-/// onFrameBegin(), onFramebufferBound() and release() alone; a capture only asks and is answered. No
-/// operation raises an OpenGL error, waits for the GPU, or touches a query of the program's; in OpenGL ES the
-/// flag of time stamps that are not to be trusted (GL_GPU_DISJOINT_EXT) is read twice a capture, which
-/// clears it for the program too.
+/// Call everything on the thread that draws with the context, while it is current. Only isAnyRecording() may
+/// be called anywhere, and so may the destructor, whatever became of the context. Only onFrameEnd(),
+/// onFrameBegin(), onFramebufferBound() and release() call OpenGL; a capture just asks and gets the answer
+/// later. No operation raises an OpenGL error, waits for the GPU, or touches a query of the program's. In
+/// OpenGL ES a capture reads the flag of unreliable time stamps (GL_GPU_DISJOINT_EXT) twice, which clears it
+/// for the program too.
 class PassTimer : public scene::RenderPassSource {
 public:
     static constexpr std::size_t MAX_STAMPS = 256;  ///< the last one is the frame's end
     static constexpr std::uint64_t NEGLIGIBLE_NS = 2000;
 
-    /// The functions of the context; they outlive the timer.
+    /// The context's functions must outlive the timer.
     explicit PassTimer(const Functions& gl);
     ~PassTimer() override;
     PassTimer(const PassTimer&) = delete;
     PassTimer& operator=(const PassTimer&) = delete;
 
-    /// Before each swap, before the overlay does anything in this frame. Reads a time stamp a frame at most.
+    /// Call it before each swap, before the overlay does anything in this frame. Reads at most one time stamp
+    /// a frame.
     void onFrameEnd();
 
-    /// After each swap, with the number of the frame that was swapped.
+    /// Call it after each swap, with the number of the frame that was swapped.
     void onFrameBegin(std::uint32_t swapped);
 
-    /// After a framebuffer was bound, in any manner, with any result. Only when this timer's context is
-    /// current; does nothing unless it is recording on this very thread.
+    /// Call it after every attempt to bind a framebuffer, while this timer's context is current. Does nothing
+    /// unless this very thread is recording.
     void onFramebufferBound();
 
-    /// Whether some timer of the process records a frame, so that bindings have to be reported. Relaxed
-    /// order: a thread always sees its own.
+    /// Whether a timer of the process is recording, so that bindings have to be reported. Relaxed order: a
+    /// thread always sees its own changes.
     static bool isAnyRecording() { return gRecording.load(std::memory_order_relaxed) != 0; }
 
-    /// Takes its queries out of the context.
+    /// Deletes its queries in the context.
     void release();
 
     void startCapture() override;
@@ -71,16 +73,16 @@ public:
 private:
     enum class State {
         IDLE,
-        ARMED,      ///< the next frame is to be recorded
-        RECORDING,  ///< in that frame
-        READING,    ///< the time stamps come in
-        READY,      ///< all of them are here
-        FAILED      ///< there are none
+        ARMED,      ///< it will record the next frame
+        RECORDING,  ///< it is recording this frame
+        READING,    ///< it is waiting for the time stamps
+        READY,      ///< it has all time stamps
+        FAILED      ///< there are no time stamps
     };
 
     struct Stamp {
-        GLuint framebuffer;  ///< bound for drawing from here on
-        std::uint64_t time;  ///< nanoseconds since the first; not before it has been read
+        GLuint framebuffer;  ///< bound for drawing from this stamp on
+        std::uint64_t time;  ///< nanoseconds since the first stamp; 0 until read
     };
 
     struct Pass {
@@ -103,11 +105,11 @@ private:
     const Functions& mGl;
     State mState = State::IDLE;
     std::thread::id mThread;
-    std::vector<GLuint> mQueries;  ///< of a capture; deleted in the first frame after it
+    std::vector<GLuint> mQueries;  ///< a capture's; the first frame after it deletes them
     std::vector<Stamp> mStamps;
-    std::size_t mRead = 0;           ///< stamps whose time is known
+    std::size_t mRead = 0;           ///< how many stamps have been read
     std::uint64_t mCounterMask = 0;  ///< time stamps count modulo this + 1
-    std::uint64_t mFirst = 0;        ///< the first stamp as the GPU gave it
+    std::uint64_t mFirst = 0;        ///< the first stamp, as the GPU gave it
     std::uint32_t mFrameNumber = 0;
     bool mIsNumbered = true;  ///< false from the end of the recorded frame until its swap
 };

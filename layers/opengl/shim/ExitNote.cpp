@@ -1,5 +1,6 @@
-// A program whose swaps never came here leaves a note in its run's folder, in the form of
-// platform/runs/OverlayNote.cpp: its launcher cannot see whether it uses OpenGL at all.
+// If a program never called a swap that we saw, it leaves a note in its run's folder, in the form of
+// platform/runs/OverlayNote.cpp. Without the note the launcher could not tell whether the program uses OpenGL
+// at all.
 
 #include <errno.h>
 #include <fcntl.h>
@@ -32,7 +33,7 @@ int isOpenGl(dl_phdr_info* library, std::size_t, void*) {
     return 0;
 }
 
-/// Opens a file of the user's own that is neither a link nor anything to wait for.
+/// Opens a regular file of this user, never a link, and never waits.
 int openFile(int folder, const char* name, int flags) {
     const int file = openat(folder, name, flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
     struct stat status = {};
@@ -43,7 +44,7 @@ int openFile(int folder, const char* name, int flags) {
     return file;
 }
 
-/// The program's name in one line; bytes that would not be plain there are left out.
+/// Reads the program's name into one line, without bytes that would need escaping.
 void readName(char* name, std::size_t size) {
     const int file = open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC);
     const ssize_t length = file >= 0 ? read(file, name, size - 1) : 0;
@@ -101,7 +102,7 @@ void write(int folder) {
     const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
     if (folder >= 0) {
         if (isRun(folder)) {
-            // A file-size limit is no reason to end by a signal.
+            // A file-size limit must not kill the program here.
             sigset_t limit;
             sigset_t previous;
             sigset_t pending;

@@ -13,7 +13,7 @@ const char* const HOOK_NAMES[HOOKS] = {
 };
 
 Hook findHook(const char* name) {
-    // Programs look up thousands of names; two letters tell most of them.
+    // Programs look up thousands of names; two letters decide most of them.
     if ((name[0] == 'e' && name[1] == 'g') || (name[0] == 'g' && name[1] == 'l')) {
         for (std::size_t i = 0; i < HOOKS; ++i) {
             if (strcmp(name, HOOK_NAMES[i]) == 0) {

@@ -7,7 +7,7 @@
 
 namespace opengl {
 
-/// Every function that the shim takes the place of, with its way of doing so (`Wrappers.cpp`).
+/// Every function that the shim replaces, with the class that wraps it (`Wrappers.cpp`).
 #define OPENGL_HOOKS(HOOK)                           \
     HOOK(eglSwapBuffers, EglSwap)                    \
     HOOK(eglSwapBuffersWithDamageKHR, EglDamageSwap) \
@@ -35,22 +35,22 @@ enum class Hook : unsigned char {
 
 constexpr std::size_t HOOKS = static_cast<std::size_t>(Hook::COUNT);
 
-/// Slot 0 is the exported function, which programs are linked to. Each of the others stands for one real
-/// function that was looked up; libraries have functions of the same name that are not the same.
+/// Slot 0 is the exported function that programs are linked to. Each other slot stands for a real function
+/// that somebody looked up; different libraries have different functions of the same name.
 constexpr std::size_t SLOTS = 4;
 
-/// One of the real functions. Written once each, with release order.
+/// A real function. Each member is written once, with release order.
 struct Slot {
     std::atomic<void*> real{nullptr};
-    std::atomic<LookUp> lookUp{nullptr};  ///< what returned it, if anything did
+    std::atomic<LookUp> lookUp{nullptr};  ///< the function that returned it, if any
 };
 
 extern Slot gSlots[HOOKS][SLOTS];
 
-/// The wrapper over each slot.
+/// The wrapper of each slot.
 extern void* const WRAPPERS[HOOKS][SLOTS];
 
-/// Hook::COUNT when there is none.
+/// Returns Hook::COUNT when the name is not hooked.
 Hook findHook(const char* name);
 
 extern const char* const HOOK_NAMES[HOOKS];

@@ -25,9 +25,9 @@ std::atomic<const LayerCalls*> gLayer{nullptr};
 std::atomic<bool> gHasSwapped{false};
 ShimCalls gShimCalls{nullptr, &gFramebufferListener, &gSurfaceChanges, &gIsMeasuring};
 
-/// As the log of the host writes it: this is the one message that there is no library for.
+/// Writes in the form of the host's log, because without the layer there is no library for that.
 void logError(const char* message) {
-    const char* const level = getenv("KORDANIX_LOG");  // NOLINT(concurrency-mt-unsafe): as the log does
+    const char* const level = getenv("KORDANIX_LOG");  // the log does the same NOLINT(concurrency-mt-unsafe)
     if (level == nullptr || strchr("fFsS", level[0]) == nullptr || level[0] == '\0') {
         dprintf(STDERR_FILENO, "E/Kordanix(%5d): LayerLoader.cpp:%s(%d) The layer cannot be loaded: %s\n",
                 static_cast<int>(getpid()), "load", __LINE__, message == nullptr ? "" : message);

@@ -4,14 +4,14 @@
 
 namespace opengl {
 
-/// The layer, loaded by the first call from the shim's own folder. Null for good when that failed, which is
-/// logged once. Any thread; others wait for the first one.
+/// The first call loads the layer from the shim's own folder; other threads wait for it. If that fails, it
+/// logs the failure once and always returns null. Any thread.
 const LayerCalls* loadLayer();
 
-/// The layer if it has been loaded. Never waits.
+/// Returns the layer if it has been loaded. Never waits.
 const LayerCalls* loadedLayer();
 
-/// Whether loadLayer() was ever called, which a swap does.
+/// Whether the program has swapped: the first swap calls loadLayer().
 bool hasSwapped();
 
 extern std::atomic<FramebufferListener> gFramebufferListener;

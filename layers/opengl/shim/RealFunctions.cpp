@@ -9,8 +9,8 @@ namespace opengl {
 
 namespace {
 
-/// Functions that callers of an exported function reach when the program as a whole has none: each library
-/// that was loaded for itself has its own.
+/// The functions that callers of an exported function reach when the program as a whole has none: each
+/// library that somebody opened separately has its own.
 struct CallersFunction {
     std::atomic<const void*> caller{nullptr};
     std::atomic<void*> real{nullptr};
@@ -21,8 +21,8 @@ CallersFunction gCallers[HOOKS][CALLERS];
 
 std::atomic<FindSymbol> gFindSymbol{nullptr};
 
-/// The library that has the code or data at `address`, as a handle that is never given back: what has been
-/// called may be called again.
+/// Returns a handle of the library with the code or data at `address`. Nobody ever closes it, since the
+/// library's functions may be called again.
 void* libraryOf(const void* address) {
     Dl_info info;
     if (dladdr(address, &info) == 0 || info.dli_fname == nullptr) {
@@ -39,8 +39,8 @@ void* findIn(void* library, Hook hook) {
     return found == exportedFunction(hook) ? nullptr : found;
 }
 
-/// The next function of that name after the shim's. Not by a tail call, which would make it the next one
-/// after whoever called.
+/// Finds the next function of that name after the shim's. Not by a tail call: RTLD_NEXT would then start
+/// after our caller.
 void* findNext(Hook hook) {
     void* const found = realFindSymbol()(RTLD_NEXT, HOOK_NAMES[static_cast<std::size_t>(hook)]);
     asm volatile("" ::: "memory");
@@ -51,8 +51,8 @@ void* findByCaller(Hook hook, const void* caller) {
     if (void* const found = findIn(libraryOf(caller), hook)) {
         return found;
     }
-    // The caller may have been left by a jump, and then is not who it seems. It may be one of the libraries
-    // whose functions are known, or one of those that are usual.
+    // A tail call hides who the caller really is. It may be one of the libraries whose functions we know, or
+    // one of the usual ones.
     for (const auto& slots : gSlots) {
         for (const Slot& slot : slots) {
             const void* const real = slot.real.load(std::memory_order_acquire);
@@ -122,7 +122,7 @@ void* wrap(Hook hook, void* real, LookUp lookUp) {
     const auto index = static_cast<std::size_t>(hook);
     for (const void* wrapper : WRAPPERS[index]) {
         if (wrapper == real) {
-            return real;  // a look-up function that looks up by another one
+            return real;  // a look-up function that calls another one
         }
     }
     for (std::size_t i = 1; i < SLOTS; ++i) {
@@ -148,7 +148,7 @@ bool isMissingAfter(const void* caller, Hook hook) {
         dladdr1(&gSlots, &info, &shimsMap, RTLD_DL_LINKMAP) == 0) {
         return false;
     }
-    // What the program starts with is listed in the order in which it is searched.
+    // The list begins with what the program started with, in the order of the search.
     for (const link_map* map = static_cast<link_map*>(shimsMap)->l_prev; map != nullptr; map = map->l_prev) {
         if (map == callersMap) {
             return true;
@@ -161,7 +161,7 @@ void* findHooked(Hook hook, void* handle, const void* caller) {
     const char* const name = HOOK_NAMES[static_cast<std::size_t>(hook)];
     void* const real = realFindSymbol()(handle, name);
     if (real == nullptr || real != exportedFunction(hook)) {
-        // By RTLD_DEFAULT, what the program or a library loaded before the shim has put in front of it.
+        // RTLD_DEFAULT may find a function that the program or a library before the shim provides.
         return real == nullptr || handle == RTLD_DEFAULT ? real : wrap(hook, real, nullptr);
     }
     if (findNext(hook) != nullptr) {
@@ -172,7 +172,7 @@ void* findHooked(Hook hook, void* handle, const void* caller) {
             return wrap(hook, callers, nullptr);
         }
     }
-    return findNext(hook);  // nothing, and dlerror() says what
+    return findNext(hook);  // returns null, and dlerror() says why
 }
 
 void* wrapLookedUp(const char* name, void* found, LookUp lookUp) {
@@ -183,7 +183,7 @@ void* wrapLookedUp(const char* name, void* found, LookUp lookUp) {
     if (found != exportedFunction(hook)) {
         return wrap(hook, found, lookUp);
     }
-    // The library refers to its own function by name, and was given the exported one.
+    // The library looked up its own function by name and got the exported one.
     void* const real = findIn(libraryOf(reinterpret_cast<void*>(lookUp)), hook);
     return real != nullptr ? wrap(hook, real, lookUp) : found;
 }

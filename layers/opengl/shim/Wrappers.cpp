@@ -12,12 +12,12 @@ namespace opengl {
 
 namespace {
 
-/// How deep this thread is in hooked functions. What one of them calls passes straight through.
+/// How many hooked functions this thread is in. Calls from inside one of them pass straight through.
 [[gnu::tls_model("initial-exec")]] thread_local int gDepth = 0;
 
-/// A real function and what returned it.
+/// A real function and the one that returned it.
 struct Real {
-    void* function;  ///< null only for the exported functions of a program that has no such function
+    void* function;  ///< null only for an exported function that the program does not have
     const Slot& slot;
 };
 
@@ -31,7 +31,7 @@ Real findReal(const void* caller) {
     return {function, slot};
 }
 
-/// Programs that measure with OpenGL ES's timer queries look these up: their flag must not be cleared.
+/// A program that measures with OpenGL ES's timer queries looks these up; we must not clear its flag.
 void noteTimerQueries(const char* name) {
     constexpr const char* NAMES[] = {"glQueryCounterEXT", "glBeginQueryEXT", "glGetQueryObjectui64vEXT",
                                      "glGetQueryObjecti64vEXT"};
@@ -45,7 +45,7 @@ void noteTimerQueries(const char* name) {
     }
 }
 
-/// What goes on around a swap, in the outermost of nested ones.
+/// Calls the layer around a swap; of nested swaps only around the outermost.
 class Frame {
 public:
     [[gnu::noinline]] Frame(Real real, WindowSystem windowSystem, void* display, std::uintptr_t surface) {
@@ -103,7 +103,7 @@ struct EglDamageSwap {
         if (real.function == nullptr) {
             return 0;
         }
-        // The overlay is in the picture too, wherever it is: no rectangles stand for the whole surface.
+        // The overlay may be outside the program's rectangles; none means the whole surface.
         const bool isWhole = frame.hasDrawn();
         return reinterpret_cast<Type*>(real.function)(display, surface, isWhole ? nullptr : rects,
                                                       isWhole ? 0 : count);
@@ -145,9 +145,9 @@ struct AnyLookUp {
     }
 };
 
-/// Around the real call: before it, so that nobody finds what a new context of the same handle must not have,
-/// and after it, for a swap in between on another thread. Without a context or a display nothing is
-/// destroyed.
+/// Tells the layer before the real call, so that a new context with the same handle finds nothing of the old
+/// one, and again after it, in case another thread swapped in between. Without a context or a display the
+/// call destroys nothing.
 class Destruction {
 public:
     [[gnu::noinline]] Destruction(WindowSystem windowSystem, void* display, void* context)
@@ -228,7 +228,7 @@ struct FramebufferBind {
     }
 };
 
-/// The function of one slot, with the signature of what it stands for.
+/// The wrapper function of one slot, with the signature of the real function.
 template <Hook HOOK, typename Way, std::size_t SLOT, typename Type = typename Way::Type>
 struct Wrapper;
 
@@ -243,7 +243,7 @@ struct Wrapper<HOOK, Way, SLOT, Result(Arguments...)> {
 
 }  // namespace opengl
 
-// The exported functions, with parameters as the calling convention sees them.
+// The exported functions, with parameters in the form of the calling convention.
 #define OPENGL_EXPORT extern "C" [[gnu::visibility("default")]]
 #define OPENGL_RUN(name, Way, ...) \
     opengl::Way::run(opengl::findReal<opengl::Hook::name, 0>(__builtin_return_address(0)), __VA_ARGS__)
@@ -315,8 +315,8 @@ OPENGL_EXPORT void glBindFramebufferOES(unsigned int target, unsigned int frameb
     OPENGL_RUN(glBindFramebufferOES, FramebufferBind, target, framebuffer);
 }
 
-/// Callers are known by the return address, so every other name is passed on by a jump (the build asks for it
-/// with -foptimize-sibling-calls).
+/// dlsym recognises callers by the return address. So we pass every other name on by a jump (the build sets
+/// -foptimize-sibling-calls).
 OPENGL_EXPORT void* dlsym(void* __restrict handle, const char* __restrict name) noexcept {
     opengl::noteTimerQueries(name);
     const opengl::Hook hook = opengl::findHook(name);
