@@ -13,13 +13,6 @@ program=$PWD/build/release/bin/kordanix-soak
 
 folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
-mkdir -m 700 "$folder/run" "$folder/dumps"
-export KORDANIX_RUNTIME_DIR=$folder/run KORDANIX_DEVICE=adreno-c32
-unset KORDANIX_DUMP_DIR
+export KORDANIX_RUNTIME_DIR=$folder
 echo "Running for ${1:-600} seconds"
-# Under the name that the settings are for.
-(cd "$folder/dumps" && exec -a fault-host "$program" "${1:-600}") 2>"$folder/log" || {
-    code=$?
-    tail -20 "$folder/log" >&2
-    exit $code
-}
+"$program" "${1:-600}"

@@ -1,14 +1,22 @@
-// The process that the tests of faults are hard on: an application that draws frames with the overlay, tells
-// of them in shared memory and does what it finds there.
+// The process that the tests of faults and the soak are hard on: an application that draws frames with the
+// overlay, tells of them in shared memory and does what it finds there. Pixels are drawn for the soak alone.
 
-#include "NullFactory.h"
 #include "core/KeyEventInterceptor.h"
 #include "core/StateInfo.h"
 #include "core/SysPropWatcher.h"
-#include "doubles/FixedPasses.h"
 #include "faults/HostShared.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/Overlay.h"
+
+#ifdef DRAWS_PIXELS
+#include "DevicePasses.h"
+#include "Landscape.h"
+#include "software/SoftwareFactory.h"
+#include "software/Surface.h"
+#else
+#include "NullFactory.h"
+#include "doubles/FixedPasses.h"
+#endif
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -40,17 +48,51 @@ using faults::End;
 using faults::HostShared;
 using faults::Order;
 
+#ifdef DRAWS_PIXELS
+constexpr std::pair<std::uint32_t, std::uint32_t> SIZES[] = {{740, 360}, {360, 740}, {1480, 720}, {370, 180},
+                                                             {180, 370}, {320, 240}, {64, 64}};
+
+/// The demo's picture and the overlay in it, as fast as it can be.
+struct Stage {
+    static constexpr std::chrono::milliseconds PAUSE{0};
+
+    void paint(unsigned size, long frame) {
+        const auto& [width, height] = SIZES[size % std::size(SIZES)];
+        if (surface.mImage.mWidth != width || surface.mImage.mHeight != height) {
+            surface.resize(width, height);
+        }
+        landscape.draw(surface.mImage, static_cast<double>(frame) / 60.0);
+        surface.beginOverlay();
+    }
+
+    software::Surface surface{740, 360};
+    software::SoftwareFactory factory{surface};
+    demo::DevicePasses passes;
+    demo::Landscape landscape;
+};
+#else
+struct Stage {
+    /// Faster than any screen, but not so fast that frames of a dump have to be left out.
+    static constexpr std::chrono::milliseconds PAUSE{1};
+
+    void paint(unsigned /*size*/, long /*frame*/) {}
+
+    bench::NullFactory factory;
+    doubles::FixedPasses passes{20, {1, 100, 7}};
+};
+#endif
+
 struct Application {
     Application() { makeLayer(); }
 
     void makeLayer() {
         layer.reset();
-        layer = std::make_unique<scene::Overlay>(factory, static_cast<core::RenderingApiType>(0), &passes);
+        layer = std::make_unique<scene::Overlay>(stage.factory, static_cast<core::RenderingApiType>(0),
+                                                 &stage.passes);
         layer->attach();
     }
 
-    bench::NullFactory factory;
-    doubles::FixedPasses passes{20, {1, 100, 7}};
+    Stage stage;
     std::unique_ptr<scene::Overlay> layer;
 };
 
@@ -77,6 +119,7 @@ void noteDump(bool wasDumping, bool isToggled) {
 void frame() {
     static auto& text = SysPropWatcher::createSysProp<std::string>("debug.fault.text", {});
     scene::Overlay& layer = *application->layer;
+    application->stage.paint(shared->size, shared->frames);
     layer.beginFrame();
     layer.draw();
     const bool wasDumping = core::StateInfo::isDumpingEnabled();
@@ -141,8 +184,7 @@ int endAs(End end) {
         }).detach();
         for (;;) {
             frame();
-            // Faster than any screen, but not so fast that frames of the dump have to be left out.
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            std::this_thread::sleep_for(Stage::PAUSE);
         }
     }
     switch (end) {
@@ -198,6 +240,6 @@ int main() {
         if (end != End::NONE) {
             return endAs(end);
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(Stage::PAUSE);
     }
 }

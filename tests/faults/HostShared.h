@@ -33,9 +33,10 @@ struct HostShared {
     std::array<Dump, MAX_DUMPS> dumps;
 
     // Of the test.
-    std::atomic<int> stallMs;   ///< lets so many milliseconds go by without a frame
-    std::atomic<int> reattach;  ///< detaches and attaches the layer that often, with frames in between
-    std::atomic<int> renew;     ///< the same with a layer that is destroyed and made again
+    std::atomic<unsigned> size;  ///< which of its sizes the surface has
+    std::atomic<int> stallMs;    ///< lets so many milliseconds go by without a frame
+    std::atomic<int> reattach;   ///< detaches and attaches the layer that often, with frames in between
+    std::atomic<int> renew;      ///< the same with a layer that is destroyed and made again
     std::atomic<Order> order;
     std::atomic<End> end;
 };
