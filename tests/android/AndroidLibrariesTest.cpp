@@ -7,13 +7,10 @@
 #include <android/log.h>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <ostra/Ostra.h>
 
 #include <filesystem>
 #include <fstream>
-#include <string>
-#include <vector>
 
 namespace {
 

@@ -10,10 +10,8 @@
 
 #include <gmock/gmock.h>
 
-#include <string>
 #include <system_error>
 #include <thread>
-#include <vector>
 
 // Of AskingCounters.cpp.
 namespace core {

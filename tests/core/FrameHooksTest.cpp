@@ -11,8 +11,6 @@
 
 #include <gmock/gmock.h>
 
-#include <vector>
-
 namespace {
 
 using core::StateInfo;

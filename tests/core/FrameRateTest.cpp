@@ -2,11 +2,9 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <cmath>
 #include <random>
 #include <thread>
-#include <vector>
 
 namespace {
 

@@ -8,9 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <mutex>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 

@@ -10,7 +10,6 @@
 #include <atomic>
 #include <chrono>
 #include <new>
-#include <string>
 #include <thread>
 
 namespace {
@@ -99,23 +98,6 @@ TEST(Watcher, PublishesBatchesToListenersAfterReReading) {
     EXPECT_TRUE(support::waitUntil([] { return greedy.value == 6; }))
         << "a text without memory is read again";
     EXPECT_EQ(order.find('?'), std::string::npos);
-}
-
-TEST(Watcher, PropertiesMayBeReadWhileTheyChange) {
-    SysProp<int>& number = SysPropWatcher::createSysProp<int>("debug.kordanix.n", 0);
-    SysProp<std::string>& text = SysPropWatcher::createSysProp<std::string>("debug.kordanix.s", "a");
-    std::atomic<bool> isDone{false};
-    std::thread writer([&] {
-        for (int i = 0; i < 2000; ++i) {
-            doubles::set({{"n", i % 2 == 0 ? "11" : "22"}, {"s", std::string(i % 2 == 0 ? 1 : 80, 'a')}});
-        }
-        isDone = true;
-    });
-    while (!isDone) {
-        EXPECT_THAT(number.getValue(), testing::AnyOf(0, 11, 22));
-        EXPECT_THAT(text.getValue(), testing::AnyOf("a", std::string(80, 'a')));
-    }
-    writer.join();
 }
 
 }  // namespace

@@ -14,8 +14,6 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
-#include <utility>
 
 // What the library learns once per process (clock unit, vendor, device model) is fresh in each case when
 // every case has a process of its own, as CTest runs them.

@@ -1,45 +1,56 @@
 #include "dumps/DumpReader.h"
-#include "support/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 #include <thread>
-#include <tuple>
-#include <vector>
 
 namespace {
 
 using namespace std::chrono_literals;
 using testing::AllOf;
+using testing::ContainsRegex;
 using testing::Each;
 using testing::Ge;
+using testing::HasSubstr;
 using testing::Le;
 
-int control(std::vector<std::string> arguments) {
+support::Outcome control(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), KORDANIXCTL);
-    return support::run(arguments).status;
+    return support::run(arguments);
 }
 
-// A dump and a capture asked for from outside hold what the device's script says was on the screen.
+support::Outcome press(const char* key) {
+    return control({"key", key});
+}
+
+// A dump and a capture asked for from outside hold what the device's script says was on the screen, and
+// whoever asked is told what becomes of them.
 TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
     const support::TemporaryDirectory folder;
     setenv("KORDANIX_RUNTIME_DIR", folder.path().c_str(), 1);
     setenv("KORDANIX_DUMP_DIR", folder.path("dump").c_str(), 1);
-    support::ChildProcess demo({KORDANIX_DEMO, "--device", "mali-b31", "--size", "200x100", "--seconds", "4",
+    support::ChildProcess demo({KORDANIX_DEMO, "--device", "mali-b31", "--size", "200x100", "--seconds", "5",
                                 "--set", "devmode=true", "--set", "widget_memory=true", "--set",
                                 "widget_cpu_gpu_gpu_freq=true", "--png", folder.path("picture.png")});
-    ASSERT_TRUE(support::waitUntil([] { return control({"key", "capture"}) == 0; }));
+    ASSERT_TRUE(support::waitUntil([] { return press("capture").status == 0; }));
     std::this_thread::sleep_for(500ms);  // the first figures are there
-    ASSERT_EQ(control({"key", "dump"}), 0);
+    ASSERT_TRUE(folder.shell("touch dump"));
+    const support::Outcome failed = press("dump");
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_THAT(failed.err, HasSubstr(" failed: "));
+    EXPECT_THAT(press("dump").err, HasSubstr("this press ended the one that had failed"));
+    ASSERT_TRUE(folder.shell("rm dump"));
+    EXPECT_THAT(press("dump").out, HasSubstr(" dumps into " + folder.path("dump/kordanix-demo-")));
     std::this_thread::sleep_for(1s);
-    EXPECT_EQ(control({"key", "capture"}), 0);
+    EXPECT_EQ(press("capture").status, 0);
     std::this_thread::sleep_for(500ms);
-    EXPECT_EQ(control({"key", "dump"}), 0);
+    EXPECT_THAT(press("dump").out,
+                ContainsRegex(" has ended its dump: [0-9]+ frames in .*/dump/kordanix-demo-"));
     EXPECT_EQ(demo.wait(), 0);
 
     dumps::Dump dump;
@@ -66,8 +77,8 @@ TEST(DeveloperMode, ADumpOfTheRunningDemoHoldsWhatItShowed) {
         EXPECT_GT(pass.durationMs, 0.0);
         EXPECT_LE(pass.durationMs, dump.frames[pass.frame].passFrameMs + 0.001);
     }
-    EXPECT_EQ(control({"trace", dumped, folder.path("trace.json")}), 0);
-    EXPECT_EQ(control({"report", dumped, folder.path("report.html")}), 0);
+    EXPECT_EQ(control({"trace", dumped, folder.path("trace.json")}).status, 0);
+    EXPECT_EQ(control({"report", dumped, folder.path("report.html")}).status, 0);
 }
 
 TEST(Options, NumbersThatMeanNothingAreRefused) {

@@ -6,11 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <limits>
-#include <memory>
-#include <tuple>
-#include <vector>
-
 namespace {
 
 using core::ShaderActivity;

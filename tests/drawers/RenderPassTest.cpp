@@ -9,10 +9,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-#include <tuple>
-#include <vector>
-
 namespace {
 
 using testing::ElementsAre;

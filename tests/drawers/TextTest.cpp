@@ -6,10 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
 namespace {
 
 using doubles::RecordingText;

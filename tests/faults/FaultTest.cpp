@@ -3,7 +3,6 @@
 #include "ostra/ProcessSocket.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>

@@ -8,11 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include <functional>
-#include <string>
 #include <system_error>
-#include <utility>
-#include <vector>
 
 namespace {
 

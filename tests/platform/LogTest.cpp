@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <functional>
 
 #include "support/ChildProcess.h"
 #include "support/TemporaryDirectory.h"

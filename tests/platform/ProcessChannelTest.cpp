@@ -12,13 +12,11 @@
 #include <android/log.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <ostra/Ostra.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 
-#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <numeric>

@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <tuple>
-
 #include "doubles/Emulator.h"
 #include "properties/PropertyWriter.h"
 #include "properties/SystemProperties.h"

@@ -3,7 +3,6 @@
 #include <sys/system_properties.h>
 #include <sys/time.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <csignal>

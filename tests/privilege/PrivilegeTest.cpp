@@ -1,16 +1,11 @@
-#include "support/TemporaryDirectory.h"
 #include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 #include <fnmatch.h>
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <fstream>
-#include <map>
 #include <regex>
-#include <set>
-#include <string>
-#include <vector>
 
 namespace {
 

@@ -55,6 +55,9 @@ int main(int argc, char** argv) {
         return 2;
     }
     faults::FaultHost host("adreno-c32");
+    if (!host.waitForFrames(100)) {
+        return 2;
+    }
     faults::HostShared& shared = host.shared();
     std::map<std::string, std::size_t> counts;
     std::mt19937 random(20);

@@ -12,8 +12,6 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <memory>
-#include <sstream>
 
 namespace control {
 namespace {

@@ -4,9 +4,7 @@
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <functional>
 #include <random>
-#include <sstream>
 #include <thread>
 
 #include "RunFixture.h"
@@ -154,50 +152,6 @@ TEST_F(OverlayCommandsTest, APictureThatCannotBeHadIsExplained) {
     stopped.kill(SIGSTOP);
     ASSERT_TRUE(support::waitUntil([&] { return isStopped(stopped.id()); }));
     EXPECT_THAT(picture(path, stopped.id()), HasSubstr("is stopped"));
-}
-
-/// Takes the keys as the library does in its frames.
-class DumpingOverlay {
-public:
-    void operator()() {
-        for (const Ostra::KeyEvent& key : Ostra::receiveKeyEvents()) {
-            EXPECT_EQ(key.action, 1);
-            mCaptures += key.keyCode == 25 ? 1 : 0;
-            if (key.keyCode == 24) {
-                mIsDumping = !mIsDumping;
-                mIsDumping ? Ostra::startDumping({}) : Ostra::finishDumping();
-            }
-        }
-    }
-
-    int captures() const { return mCaptures; }
-
-private:
-    bool mIsDumping = false;
-    int mCaptures = 0;
-};
-
-TEST_F(OverlayCommandsTest, KeysSayWhatBecomesOfThem) {
-    const std::string folder = mHome.path("dumps");
-    DumpingOverlay overlay;
-    const auto pressDump = [&] {
-        return whilePresenting(std::ref(overlay), [&] { return pressKey(Key::DUMP, {}, mOut, mErr); });
-    };
-    ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", folder.c_str(), 1), 0);
-    EXPECT_EQ(pressDump(), SUCCESS) << mErr.str();
-    EXPECT_THAT(mOut.str(), HasSubstr(" dumps into " + folder + "/control_tests-"));
-    EXPECT_EQ(pressDump(), SUCCESS) << mErr.str();
-    EXPECT_THAT(mOut.str(), HasSubstr(" has ended its dump: 0 frames in " + folder + "/control_tests-"));
-    ASSERT_EQ(setenv("KORDANIX_DUMP_DIR", "/dev/null", 1), 0);
-    EXPECT_EQ(pressDump(), FAILURE) << mOut.str();
-    EXPECT_THAT(mErr.str(), HasSubstr(" failed: "));
-    EXPECT_THAT(press(Key::DUMP), HasSubstr("this press ended the one that had failed"));
-    EXPECT_EQ(unsetenv("KORDANIX_DUMP_DIR"), 0);
-    EXPECT_EQ(pressKey(Key::CAPTURE, std::nullopt, mOut, mErr), SUCCESS) << mErr.str();
-    EXPECT_TRUE(support::waitUntil([&] {
-        overlay();
-        return overlay.captures() == 1;
-    }));
 }
 
 TEST_F(OverlayCommandsTest, KeysThatDoNothingAreExplained) {

@@ -10,9 +10,6 @@
 #include <gmock/gmock.h>
 #include <sys/system_properties.h>
 
-#include <map>
-#include <string>
-
 /// Every property exists, so that the library reads it; what it would be read into is kept instead.
 struct prop_info {
     std::string name;

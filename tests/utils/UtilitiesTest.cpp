@@ -6,10 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <string>
-#include <utility>
-
 namespace {
 
 TEST(Clock, AnUpdateIsDueEvery120Milliseconds) {

@@ -2,9 +2,6 @@
 #include <stdlib.h>
 
 #include <regex>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "support/ChildProcess.h"
 

@@ -1,6 +1,6 @@
 // A plain program in a window: what it does is told by words such as surface=pixmap frames=100.
 //   window=egl|glx  api=es|gl|core  surface=window|pbuffer|single|preserved|pixmap  size=640x480
-//   frames=60  pause=0 (milliseconds a frame)  state=none|deleted-program|query|list
+//   frames=60  pause=0 (milliseconds a frame)  state=none|query|list
 // A surface that keeps its picture is cleared once and then swapped again and again; how many of its pixels
 // have changed in the end is printed. All others are cleared in every frame.
 
@@ -70,20 +70,7 @@ std::function<void()> openEgl(const Options& options) {
 }
 
 void setState(const std::string& state) {
-    if (state == "deleted-program") {
-        const GLuint program = CALL(PFNGLCREATEPROGRAMPROC, glCreateProgram)();
-        const auto attach = [program](GLenum type, const char* source) {
-            const GLuint shader = CALL(PFNGLCREATESHADERPROC, glCreateShader)(type);
-            CALL(PFNGLSHADERSOURCEPROC, glShaderSource)(shader, 1, &source, nullptr);
-            CALL(PFNGLCOMPILESHADERPROC, glCompileShader)(shader);
-            CALL(PFNGLATTACHSHADERPROC, glAttachShader)(program, shader);
-        };
-        attach(GL_VERTEX_SHADER, "void main() { gl_Position = vec4(0.0); }");
-        attach(GL_FRAGMENT_SHADER, "void main() { gl_FragColor = vec4(1.0); }");
-        CALL(PFNGLLINKPROGRAMPROC, glLinkProgram)(program);
-        CALL(PFNGLUSEPROGRAMPROC, glUseProgram)(program);
-        CALL(PFNGLDELETEPROGRAMPROC, glDeleteProgram)(program);
-    } else if (state == "query") {
+    if (state == "query") {
         GLuint query = 0;
         CALL(PFNGLGENQUERIESPROC, glGenQueries)(1, &query);
         CALL(PFNGLBEGINQUERYPROC, glBeginQuery)(GL_SAMPLES_PASSED, query);

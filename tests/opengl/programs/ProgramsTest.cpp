@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <glm/vector_relational.hpp>
 #include <regex>
 
@@ -155,7 +154,6 @@ TEST(RealPrograms, AreLeftAloneForAReasonThatIsTold) {
         {"window=glx surface=pbuffer", "it swaps a pbuffer"},
         {"window=glx surface=pixmap", "it swaps a pixmap"},
         {"window=glx surface=single", "has a single buffer"},
-        {"state=deleted-program", "its current program was deleted"},
         {"state=list api=gl", "a display list is being compiled"},
         {"size=1x1", "only one pixel"},
         {"frames=0; ulimit -f 0; exec 2>/dev/null", "kordanixctl: the overlay was not shown"},

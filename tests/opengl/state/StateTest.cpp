@@ -1,8 +1,6 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <sstream>
 
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
