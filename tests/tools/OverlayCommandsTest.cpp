@@ -3,13 +3,9 @@
 
 #include <atomic>
 #include <csignal>
-#include <cstdio>
-#include <random>
-#include <thread>
 
 #include "RunFixture.h"
 #include "ostra/DumpNotice.h"
-#include "ostra/PictureRequest.h"
 #include "overlays/Pam.h"
 #include "overlays/PictureCommand.h"
 #include "overlays/ProcessCommands.h"
@@ -18,7 +14,6 @@
 #include "properties/SetCommand.h"
 #include "runs/OverlayNote.h"
 #include "software/Image.h"
-#include "software/Png.h"
 
 namespace control {
 namespace {
@@ -48,23 +43,6 @@ protected:
         platform::writeOverlayNote({getpid(), processName(getpid()), 0, true, 1, reason});
     }
 
-    /// Does what a layer does in its frames for as long as the command runs.
-    ExitCode whilePresenting(const std::function<void()>& present, const std::function<ExitCode()>& command) {
-        mOut.str({});
-        mErr.str({});
-        std::atomic<bool> hasEnded{false};
-        std::thread presenter([&] {
-            while (!hasEnded) {
-                present();
-                std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        });
-        const ExitCode result = command();
-        hasEnded = true;
-        presenter.join();
-        return result;
-    }
-
     /// Presents nothing. Returns the error.
     std::string picture(const std::string& path, std::optional<pid_t> process = std::nullopt) {
         mErr.str({});
@@ -83,42 +61,6 @@ protected:
     std::ostringstream mOut;
     std::ostringstream mErr;
 };
-
-/// One of noise, so that it is large also when it is compressed.
-void writePicture() {
-    if (const auto path = platform::takePictureRequest()) {
-        std::ofstream file(*path + ".part");
-        file << "P7\nWIDTH 32\nHEIGHT 32\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n";
-        std::minstd_rand noise;
-        for (int i = 0; i < 32 * 32 * 4; ++i) {
-            file.put(static_cast<char>(noise() >> 8U));
-        }
-        file.close();
-        std::rename((*path + ".part").c_str(), path->c_str());
-    }
-}
-
-TEST_F(OverlayCommandsTest, APictureIsTheNextFrame) {
-    const std::string path = mHome.path("frame.PNG");
-    const std::string file = platform::picturePath(platform::openRuntimeDirectory().path, getpid());
-    std::ofstream(file).flush();  // as a kordanixctl that was killed leaves it
-    EXPECT_EQ(whilePresenting(writePicture, [&] { return savePicture(getpid(), path, 20.0, mErr); }), SUCCESS)
-        << mErr.str();
-    software::Image image;
-    std::string error;
-    ASSERT_TRUE(software::readPng(path, image, error)) << error;
-    EXPECT_EQ(image.mWidth, 32U);
-    EXPECT_FALSE(std::filesystem::exists(file));
-
-    // A limit on files ends with a word, not with a signal.
-    support::Outcome limited;
-    whilePresenting(writePicture, [&] {
-        limited = run("ulimit -f 1; exec $CTL picture limited.png");
-        return SUCCESS;
-    });
-    EXPECT_EQ(limited.status, FAILURE);
-    EXPECT_THAT(limited.err, HasSubstr("cannot write limited.png"));
-}
 
 TEST(Pam, OnlyAWholePictureIsRead) {
     const std::string whole =

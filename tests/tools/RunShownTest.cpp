@@ -4,8 +4,10 @@
 
 #include "RunFixture.h"
 #include "opengl/context/VirtualDisplay.h"
+#include "ostra/PictureRequest.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
+#include "software/Png.h"
 
 namespace control {
 namespace {
@@ -77,6 +79,26 @@ TEST_F(RunShown, TheSecondProcessOfARunIsKnown) {
     program.kill(SIGTERM);
     EXPECT_EQ(program.wait(), -SIGTERM);
     run("kill " + std::to_string(notes[0].process) + ' ' + std::to_string(notes[1].process));
+}
+
+TEST_F(RunShown, APictureIsTheNextFrame) {
+    const support::ChildProcess program(
+        {KORDANIXCTL, "run", "sh", "-c", "echo $$; exec $CLIENT pause=10 frames=2000"});
+    ASSERT_TRUE(support::waitUntil([&] { return program.output().find('\n') != std::string::npos; }));
+    const std::string folder = fs::directory_iterator(mHome.path("kordanix"))->path();
+    ASSERT_TRUE(support::waitUntil([&] { return !platform::readOverlayNotes(folder).empty(); }));
+    const std::string request = platform::picturePath(folder, std::stoi(program.output()));
+    std::ofstream(request).flush();  // as a kordanixctl that was killed leaves it
+    const support::Outcome outcome = run("$CTL picture frame.PNG");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    software::Image image;
+    std::string error;
+    ASSERT_TRUE(software::readPng(mHome.path("frame.PNG"), image, error)) << error;
+    EXPECT_TRUE(image.mWidth == 640 && image.mHeight == 480);
+    EXPECT_FALSE(fs::exists(request));
+    const support::Outcome limited = run("ulimit -f 1; exec $CTL picture limited.png");
+    EXPECT_EQ(limited.status, 1) << "with a word, not with a signal";
+    EXPECT_THAT(limited.err, HasSubstr("cannot write limited.png"));
 }
 
 }  // namespace
