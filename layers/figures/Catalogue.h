@@ -30,6 +30,14 @@ enum class Source {
     GPU_MEMORY_TEXTURE,
     SYSTEM_MEMORY_FREE,
     SYSTEM_MEMORY_USED,
+    CPU_LOAD_SYSTEM,
+    CPU_LOAD_CORE,
+    CPU_CLOCK,
+    GPU_LOAD_PROCESS,
+    GPU_POWER,
+    GPU_FAN,
+    GPU_MEMORY_DEVICE,
+    GPU_MEMORY_CAPACITY,
     COUNT
 };
 
@@ -71,7 +79,7 @@ struct Figure {
 
     struct Origin {
         Source source;
-        const char* file;      ///< null: the frames alone
+        const char* file;      ///< that the library reads; null: the frames alone, or the machine's own files
         const char* expected;  ///< what the file must hold
     } origin;
 

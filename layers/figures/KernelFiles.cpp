@@ -1,9 +1,15 @@
 #include "figures/KernelFiles.h"
 
 #include "core/StateInfo.h"
+#include "figures/sources/KernelText.h"
+
+#include <linux/magic.h>
+#include <sys/vfs.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
+#include <string_view>
 
 namespace figures {
 
@@ -20,17 +26,18 @@ struct FileText {
     std::string_view view() const { return {reinterpret_cast<const char*>(bytes), size}; }
 
     Reading orReason(Reading found) const { return found ? found : Reading(reason); }
-};
 
-Reason reasonOf(int error) {
-    return error == EACCES || error == EPERM ? Reason::NOT_ALLOWED : Reason::NO_FILE;
-}
+    Reading kilobytes(std::string_view name) const {
+        const auto found = sources::kilobytes(view(), name);
+        return found ? Reading(*found) : Reading(reason);
+    }
+};
 
 /// Leaves the text empty when the file cannot be opened.
 void readFile(const char* path, FileText& text) {
     FILE* file = core::StateInfo::file_open(path, "r");
     if (file == nullptr) {
-        text.reason = reasonOf(errno);
+        text.reason = sources::reasonOf(errno);
         return;
     }
     text.size = static_cast<unsigned int>(core::StateInfo::file_read(file, text.bytes, BUFFER_SIZE));
@@ -40,11 +47,24 @@ void readFile(const char* path, FileText& text) {
 Reading readNumber(const char* path) {
     FileText text;
     readFile(path, text);
-    return text.orReason(leadingNumber(text.view()));
+    std::string_view rest = sources::trimmed(text.view());
+    const auto number = sources::takeNumber(rest);
+    return text.orReason(number ? Reading(static_cast<double>(*number)) : Reason::MALFORMED);
 }
 
-bool isDigit(char symbol) {
-    return symbol >= '0' && symbol <= '9';
+/// Whether there is such a file of the process and it does not lie in the kernel's own file system. Files of
+/// the machine may lie elsewhere in a container.
+bool isOfSomebodyElse(const char* path) {
+    FILE* file = core::StateInfo::file_open(path, "r");
+    if (file == nullptr) {
+        return false;
+    }
+    struct statfs status = {};
+    const int descriptor = fileno(file);  // -1 for a text in memory
+    const bool isKernels =
+        descriptor >= 0 && fstatfs(descriptor, &status) == 0 && status.f_type == PROC_SUPER_MAGIC;
+    core::StateInfo::file_close(file);
+    return !isKernels;
 }
 
 }  // namespace
@@ -55,55 +75,25 @@ Reason whyUnreadable(const char* path) {
     return text.reason;
 }
 
-Reading leadingNumber(std::string_view text) {
-    std::size_t i = text.find_first_not_of(" \t\n");
-    if (i == std::string_view::npos || !isDigit(text[i])) {
-        return Reason::MALFORMED;
-    }
-    double number = 0.0;
-    for (; i < text.size() && isDigit(text[i]); ++i) {
-        number = number * 10.0 + (text[i] - '0');
-    }
-    // No kernel writes a number beyond 64 bits; without this limit a long run of digits is infinite.
-    constexpr double LIMIT = 18446744073709551616.0;                        // 2^64
-    return number <= LIMIT ? Reading(number) : Reading(Reason::MALFORMED);  // 2^64 - 1 is rounded to it
-}
-
-Reading lastNumberOfRanges(std::string_view text) {
-    const std::size_t separator = text.find_last_of("-,");
-    return leadingNumber(separator == std::string_view::npos ? text : text.substr(separator + 1));
-}
-
-Reading findKilobytes(std::string_view text, std::string_view name) {
-    while (!text.empty()) {
-        const std::string_view line = text.substr(0, text.find('\n'));
-        if (line.size() > name.size() && line.substr(0, name.size()) == name && line[name.size()] == ':') {
-            const Reading kilobytes = leadingNumber(line.substr(name.size() + 1));
-            return kilobytes ? Reading(*kilobytes * 1024.0) : kilobytes;
-        }
-        text.remove_prefix(line.size() < text.size() ? line.size() + 1 : text.size());
-    }
-    return Reason::MALFORMED;
+bool isServedOtherFiles() {
+    return isOfSomebodyElse("/proc/self/cmdline") || isOfSomebodyElse("/proc/self/stat");
 }
 
 SystemMemory readSystemMemory() {
     FileText text;
     readFile("/proc/meminfo", text);
-    const auto find = [&text](std::string_view name) {
-        return text.orReason(findKilobytes(text.view(), name));
-    };
-    const Reading total = find("MemTotal");
-    const Reading free = find("MemFree");
-    const Reading cached = find("Cached");
+    const Reading total = text.kilobytes("MemTotal");
+    const Reading free = text.kilobytes("MemFree");
+    const Reading cached = text.kilobytes("Cached");
     const bool hasAll = total && free && cached && *total >= *free + *cached;
-    return {total, find("MemAvailable"),
+    return {total, text.kilobytes("MemAvailable"),
             text.orReason(hasAll ? Reading(*total - *free - *cached) : Reading())};
 }
 
 Reading readProportionalSetSize() {
     FileText text;
     readFile("/proc/self/smaps_rollup", text);
-    return text.orReason(findKilobytes(text.view(), "Pss"));
+    return text.kilobytes("Pss");
 }
 
 Reading readGpuMemoryTotal() {
@@ -121,8 +111,8 @@ Reading readGpuMemoryTexture() {
 Reading readProcessorCount() {
     FileText text;
     readFile("/sys/devices/system/cpu/possible", text);
-    const Reading last = lastNumberOfRanges(text.view());
-    return last ? Reading(*last + 1.0) : last;
+    const std::uint64_t count = sources::countRanges(sources::trimmed(text.view()));
+    return text.orReason(count > 0 ? Reading(static_cast<double>(count)) : Reading());
 }
 
 }  // namespace figures

@@ -2,12 +2,11 @@
 
 #include "figures/Reading.h"
 
-#include <string_view>
-
 namespace figures {
 
-/// The files behind the figures that the library has no reader for. Every call opens, reads and closes its
-/// file; a reading without a value says why.
+/// The files behind the figures that the library has no reader for, by way of the library, so that a
+/// simulated device is asked where there is one. Every call opens, reads and closes its file; a reading
+/// without a value says why.
 
 /// Memory of the whole system from "/proc/meminfo", in bytes.
 struct SystemMemory {
@@ -34,16 +33,11 @@ Reading readGpuMemoryTexture();
 /// "/sys/devices/system/cpu/possible".
 Reading readProcessorCount();
 
-/// The number of the line "NAME: NUMBER kB" of a kernel text, in bytes; the first such line counts.
-Reading findKilobytes(std::string_view text, std::string_view name);
+/// Whether the library is served other files than the kernel's own, such as those of a simulated device:
+/// then nothing is to be taken from this machine.
+bool isServedOtherFiles();
 
 /// Why a file whose reader gave nothing could not be read.
 Reason whyUnreadable(const char* path);
-
-/// The unsigned decimal number that a text begins with, after blanks; empty when it has more than 64 bits.
-Reading leadingNumber(std::string_view text);
-
-/// The last number of a kernel's list of ranges, such as 7 of "0-3,6-7".
-Reading lastNumberOfRanges(std::string_view text);
 
 }  // namespace figures

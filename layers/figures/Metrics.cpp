@@ -11,7 +11,9 @@ namespace figures {
 
 namespace {
 
-/// How often the slow figures are read.
+using sources::Id;
+
+/// How often the library's slow reader is asked.
 constexpr double SLOW_PERIOD_US = 1000000.0;
 
 /// The CPU load is the mean of one reading more than this.
@@ -55,36 +57,55 @@ const Metrics::Reader Metrics::READERS[] = {
     {&Metrics::averageFps, nullptr},
     {&Metrics::low1Fps, nullptr},
     {&Metrics::low01Fps, nullptr},
-    {&Metrics::cpuLoad, &Metrics::percentTop},
-    {&Metrics::gpuClock, &Metrics::gpuMaxClock},
-    {&Metrics::gpuLoad, &Metrics::percentTop},
-    {&Metrics::cpuTemperature, nullptr},
-    {&Metrics::gpuTemperature, nullptr},
-    {&Metrics::gpuMaxClock, nullptr},
-    {&Metrics::pss, &Metrics::processMemoryTop},
-    {&Metrics::gpuMemoryTotal, &Metrics::processMemoryTop},
-    {&Metrics::gpuMemorySurface, &Metrics::processMemoryTop},
-    {&Metrics::gpuMemoryTexture, &Metrics::processMemoryTop},
-    {&Metrics::systemMemoryFree, &Metrics::systemMemoryTotal},
-    {&Metrics::systemMemoryUsed, nullptr},
+    {&Metrics::cpuLoad, &Metrics::percentTop, Id::CPU_LOAD_PROCESS},
+    {&Metrics::gpuClock, &Metrics::gpuClockTop, Id::GPU_CLOCK, true},
+    {&Metrics::gpuLoad, &Metrics::percentTop, Id::GPU_LOAD_DEVICE, true},
+    {&Metrics::cpuTemperature, nullptr, Id::CPU_TEMPERATURE},
+    {&Metrics::gpuTemperature, nullptr, Id::GPU_TEMPERATURE, true},
+    {&Metrics::gpuMaxClock, nullptr, Id::GPU_CLOCK_MAX, true},
+    {&Metrics::pss, &Metrics::processMemoryTop, Id::MEMORY_PROCESS},
+    {&Metrics::gpuMemoryTotal, &Metrics::processMemoryTop, Id::GPU_MEMORY_PROCESS, true},
+    {&Metrics::gpuMemorySurface, &Metrics::processMemoryTop, Id::COUNT, true},
+    {&Metrics::gpuMemoryTexture, &Metrics::processMemoryTop, Id::COUNT, true},
+    {&Metrics::systemMemoryFree, &Metrics::systemMemoryTotal, Id::MEMORY_FREE},
+    {&Metrics::systemMemoryUsed, nullptr, Id::MEMORY_USED},
+    {nullptr, nullptr, Id::CPU_LOAD_SYSTEM},
+    {nullptr, nullptr, Id::CPU_LOAD_CORE},
+    {nullptr, nullptr, Id::CPU_CLOCK},
+    {nullptr, nullptr, Id::GPU_LOAD_PROCESS},
+    {nullptr, nullptr, Id::GPU_POWER},
+    {nullptr, nullptr, Id::GPU_FAN},
+    {nullptr, nullptr, Id::GPU_MEMORY_DEVICE},
+    {nullptr, nullptr, Id::GPU_MEMORY_TOTAL},
 };
 
-Metrics::Metrics() : mState(makeState()), mCpuDamper(CPU_DAMPER_SPAN), mPss(readProportionalSetSize) {}
+Metrics::Metrics(bool isMachineRead)
+    : mState(makeState()),
+      mCpuDamper(CPU_DAMPER_SPAN),
+      mIsMachineRead(isMachineRead),
+      mHasGpuFiles(access("/sys/kernel/gpu", F_OK) == 0) {}
 
 void Metrics::want(const FigureSet& wanted) {
     mWanted = wanted;
-    bool isSlowWanted = false;
+    if (!mIsMachineRead) {
+        return;
+    }
+    sources::Wanted machine;
     for (const Figure& figure : catalogue()) {
-        isSlowWanted = isSlowWanted || (wanted[indexOf(figure)] && figure.origin.source == Source::PSS);
+        const Id id = READERS[static_cast<std::size_t>(figure.origin.source)].machine;
+        if (wanted[indexOf(figure)] && id != Id::COUNT) {
+            machine.set(static_cast<std::size_t>(id));
+        }
     }
-    if (isSlowWanted && !mIsSlowWanted) {
-        mPss.start();
-        mPss.request();
-        mSinceSlowRequestUs = 0.0;
-    } else if (!isSlowWanted) {
-        mPss.stop();
-    }
-    mIsSlowWanted = isSlowWanted;
+    const auto add = [&machine](Id id, Id other) {
+        if (machine[static_cast<std::size_t>(id)]) {
+            machine.set(static_cast<std::size_t>(other));
+        }
+    };
+    add(Id::GPU_LOAD_DEVICE, Id::GPU_LOAD_PROCESS);  // which stands in
+    add(Id::GPU_CLOCK, Id::GPU_CLOCK_MAX);           // tops of graphs
+    add(Id::MEMORY_FREE, Id::MEMORY_USED);
+    mMachine.want(machine);
 }
 
 void Metrics::addFrame(std::uint64_t nanoseconds) {
@@ -108,23 +129,47 @@ void Metrics::refresh(std::uint32_t frames, double elapsedUs) {
     mFrames.refresh();
     mHighestFps = std::max(mHighestFps, mFrames.current().value_or(0.0));
     mSinceCpuLoadUs += elapsedUs;
+    mSincePssUs += elapsedUs;
     mSystemMemory.reset();
     mIsGpuTimeWanted = false;
     for (const Figure& figure : catalogue()) {
-        Reading& reading = mReadings[indexOf(figure)];
-        reading = mWanted[indexOf(figure)]
-                      ? (this->*READERS[static_cast<std::size_t>(figure.origin.source)].read)()
-                      : Reading();
+        mReadings[indexOf(figure)] = mWanted[indexOf(figure)]
+                                         ? read(READERS[static_cast<std::size_t>(figure.origin.source)])
+                                         : Reading();
     }
     mGpuNanoseconds = 0;
     mGpuFrameNanoseconds = 0;
-    // Asked for after the last one was taken: which value a refresh shows must not depend on a race.
-    mSinceSlowRequestUs += elapsedUs;
-    if (mIsSlowWanted && mSinceSlowRequestUs >= SLOW_PERIOD_US) {
-        mSinceSlowRequestUs = 0.0;
-        mPss.start();  // if the process had no thread to spare before
-        mPss.request();
+    if (mIsMachineRead) {
+        mMachine.onFrames(elapsedUs);
     }
+}
+
+Reading Metrics::read(const Reader& reader) {
+    const bool hasMachine = reader.machine != Id::COUNT && mIsMachineRead;
+    Reading reading = Reason::NO_FILE;
+    if (reader.read != nullptr && (!mIsMachineRead || (reader.isOfGpuFiles ? mHasGpuFiles : !hasMachine))) {
+        reading = (this->*reader.read)();
+    }
+    if (!reading && hasMachine) {
+        reading = machineValue(reader.machine);
+    }
+    if (reader.read == &Metrics::gpuLoad) {
+        mIsGpuTimeWanted = !reading;
+        return reading ? reading : gpuTimeShare();
+    }
+    return reader.top == &Metrics::processMemoryTop ? keepPeak(reading) : reading;
+}
+
+Reading Metrics::machineValue(sources::Id id) const {
+    Reading reading = mMachine.value(id);
+    if (id == Id::GPU_LOAD_DEVICE && !reading) {
+        const Reading ofProcess = mMachine.value(Id::GPU_LOAD_PROCESS);
+        return ofProcess ? ofProcess : reading;
+    }
+    if (id == Id::GPU_FAN && mMachine.isFanInPercent()) {
+        reading.setSuffix("%");
+    }
+    return reading;
 }
 
 void Metrics::restart() {
@@ -190,17 +235,23 @@ Reading Metrics::gpuTemperature() {
 }
 
 Reading Metrics::gpuLoad() {
-    const Reading load = fromReader(core::StateInfo::getGPUUsage());
-    mIsGpuTimeWanted = !load;
-    if (load || mGpuFrameNanoseconds == 0) {
-        return load;
+    return fromReader(core::StateInfo::getGPUUsage());
+}
+
+Reading Metrics::gpuTimeShare() const {
+    if (mGpuFrameNanoseconds == 0) {
+        return {};
     }
     const double share = static_cast<double>(mGpuNanoseconds) / static_cast<double>(mGpuFrameNanoseconds);
-    return 100.0 * std::min(share, 1.0);
+    return std::min(100.0 * share, 100.0);
 }
 
 Reading Metrics::gpuClock() {
     return fromReader(core::StateInfo::getGPUClock());
+}
+
+Reading Metrics::gpuClockTop() {
+    return read(READERS[static_cast<std::size_t>(Source::GPU_MAX_CLOCK)]);
 }
 
 Reading Metrics::gpuMaxClock() {
@@ -208,19 +259,23 @@ Reading Metrics::gpuMaxClock() {
 }
 
 Reading Metrics::pss() {
-    return keepPeak(mPss.latest());
+    if (!mPss || mSincePssUs >= SLOW_PERIOD_US) {
+        mPss = readProportionalSetSize();
+        mSincePssUs = 0.0;
+    }
+    return mPss;
 }
 
 Reading Metrics::gpuMemoryTotal() {
-    return keepPeak(readGpuMemoryTotal());
+    return readGpuMemoryTotal();
 }
 
 Reading Metrics::gpuMemorySurface() {
-    return keepPeak(readGpuMemorySurface());
+    return readGpuMemorySurface();
 }
 
 Reading Metrics::gpuMemoryTexture() {
-    return keepPeak(readGpuMemoryTexture());
+    return readGpuMemoryTexture();
 }
 
 Reading Metrics::processMemoryTop() {
@@ -243,11 +298,18 @@ Reading Metrics::systemMemoryUsed() {
 }
 
 Reading Metrics::systemMemoryTotal() {
+    if (mIsMachineRead) {
+        const Reading used = mMachine.value(Id::MEMORY_USED);
+        const Reading available = mMachine.value(Id::MEMORY_FREE);
+        return used && available ? Reading(*used + *available) : Reading();
+    }
     return systemMemory().total;
 }
 
 void Metrics::settle() {
-    mPss.settle();
+    if (mIsMachineRead) {
+        mMachine.settle();
+    }
 }
 
 Reading Metrics::keepPeak(Reading bytes) {

@@ -4,8 +4,8 @@
 #include "figures/Catalogue.h"
 #include "figures/FrameStatistics.h"
 #include "figures/KernelFiles.h"
+#include "figures/MachineReader.h"
 #include "figures/Reading.h"
-#include "figures/SlowReader.h"
 #include "utils/ValueDamper.h"
 
 #include <array>
@@ -14,13 +14,19 @@
 
 namespace figures {
 
-/// The values of the figures of the catalogue. A refresh reads all that are wanted; until the next one the
+/// The values of the figures of the catalogue. A refresh takes all that are wanted; until the next one the
 /// answers stay as they are. What is not wanted costs nothing. Rendering thread only.
+///
+/// What lies below /sys/kernel/gpu the library's own readers are asked for first, and for everything where a
+/// simulated device is served. The rest is the machine's, as a helper thread reads it.
 class Metrics {
 public:
-    Metrics();
+    Metrics() : Metrics(!isServedOtherFiles()) {}
 
-    /// From the next refresh on. Starts or ends the thread that the slow figures need.
+    /// `isMachineRead`: whether anybody but the library's own readers is asked.
+    explicit Metrics(bool isMachineRead);
+
+    /// From the next refresh on. Starts or ends the thread that reads the machine's figures.
     void want(const FigureSet& wanted);
 
     /// A frame took this long. The start of a dump resets the statistics.
@@ -46,17 +52,26 @@ public:
     /// The value at the top of the figure's graph; empty: the largest value so far.
     Reading top(const Figure& figure);
 
-    /// Waits until the slow figures that were asked for are there, for the next refresh.
+    /// The GPU that the process works with where the machine has several; else empty.
+    const char* gpuName() const { return mMachine.gpuName(); }
+
+    /// Waits until the machine's figures have been read, for the next refresh.
     void settle();
 
 private:
     struct Reader {
-        Reading (Metrics::*read)();
-        Reading (Metrics::*top)();  ///< of the graph's scale; null: the largest value so far
+        Reading (Metrics::*read)();                ///< the library's; null: it has none
+        Reading (Metrics::*top)();                 ///< of the graph's scale; null: the largest value so far
+        sources::Id machine = sources::Id::COUNT;  ///< COUNT: the machine has none
+        bool isOfGpuFiles = false;                 ///< whether `read` looks below /sys/kernel/gpu
     };
     static const Reader READERS[static_cast<std::size_t>(Source::COUNT)];
 
-    // The sources, called once a refresh. A negative or infinite number, one with all bits set
+    Reading read(const Reader& reader);
+    Reading machineValue(sources::Id id) const;
+    Reading gpuTimeShare() const;
+
+    // The library's sources, called once a refresh. A negative or infinite number, one with all bits set
     // and what is no number at all give an empty reading.
 
     /// See FrameStatistics.
@@ -96,6 +111,7 @@ private:
     /// The device's cap of the frame rate, or the highest rate so far if that is higher.
     Reading maxFps();
     Reading percentTop();
+    Reading gpuClockTop();
     /// For all memory of the process: a quarter more than the largest value of one of its figures.
     Reading processMemoryTop();
     Reading systemMemoryTotal();
@@ -115,11 +131,13 @@ private:
     bool mIsGpuTimeWanted = false;
     double mSinceCpuLoadUs = 0.0;
     utils::ValueDamper mCpuDamper;
-    double mSinceSlowRequestUs = 0.0;
-    bool mIsSlowWanted = false;
+    double mSincePssUs = 0.0;
+    Reading mPss;
     Reading mProcessMemoryPeak;
     std::optional<SystemMemory> mSystemMemory;  // of this refresh, once somebody has asked
-    SlowReader mPss;                            // the last member: its thread is the first to go
+    bool mIsMachineRead;
+    bool mHasGpuFiles;
+    MachineReader mMachine;
 };
 
 }  // namespace figures

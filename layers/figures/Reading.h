@@ -1,14 +1,10 @@
 #pragma once
 
+#include "figures/sources/Value.h"
+
 namespace figures {
 
-/// Why a figure has no value.
-enum class Reason {
-    NOT_READ,     ///< nobody has asked yet, or its reader does not say
-    NO_FILE,      ///< there is no such file
-    NOT_ALLOWED,  ///< this user may not read it
-    MALFORMED     ///< the file holds something else
-};
+using sources::Reason;
 
 /// The value of a figure in the unit that its reader documents, or the reason why there is none.
 class Reading {
@@ -23,10 +19,16 @@ public:
     double value_or(double other) const { return mHasValue ? mValue : other; }
     Reason reason() const { return mReason; }
 
+    /// What is written after the value where it differs from the figure's usual one; else null. A text that
+    /// is never destroyed.
+    const char* suffix() const { return mSuffix; }
+    void setSuffix(const char* suffix) { mSuffix = suffix; }
+
 private:
     double mValue = 0.0;
     bool mHasValue = false;
     Reason mReason = Reason::NOT_READ;
+    const char* mSuffix = nullptr;
 };
 
 /// The same value, or no value for the same reason.

@@ -19,7 +19,8 @@ constexpr double GIGABYTE = 1024.0 * MEGABYTE;
 std::string format(const Figure& figure, const Reading& reading) {
     return figure.format.kind == Kind::MEMORY
                ? formatBytes(reading)
-               : formatNumber(reading, figure.format.decimals, figure.format.suffix);
+               : formatNumber(reading, figure.format.decimals,
+                              reading.suffix() != nullptr ? reading.suffix() : figure.format.suffix);
 }
 
 std::string formatNumber(const Reading& reading, int decimals, const char* suffix) {

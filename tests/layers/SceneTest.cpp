@@ -7,9 +7,10 @@
 #include "doubles/RecordingFactory.h"
 #include "doubles/Settings.h"
 #include "figures/KernelFiles.h"
+#include "figures/MachineReader.h"
 #include "figures/Metrics.h"
-#include "figures/SlowReader.h"
 #include "figures/TextFormat.h"
+#include "figures/sources/KernelText.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
@@ -22,9 +23,11 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <limits>
-#include <new>
 #include <string>
 #include <thread>
 #include <utility>
@@ -62,37 +65,43 @@ TEST(TextFormat, KeepsFiguresShortAndInTheFont) {
 }
 
 TEST(KernelFiles, AreReadUpToWhatDoesNotParse) {
-    const figures::Reading NONE = figures::Reason::MALFORMED;
-    const std::tuple<const char*, figures::Reading, figures::Reading> texts[] = {
-        {"  7", 7.0, 7.0},
-        {"", NONE, NONE},
-        {"\n", NONE, NONE},
-        {"-3", NONE, 3.0},
-        {"0-3,6-7\n", 0.0, 7.0},
-        {"18446744073709551615", 18446744073709551615.0, 18446744073709551615.0},
-        {"20000000000000000000", NONE, NONE}};
-    for (const auto& [text, leading, lastOfRanges] : texts) {
-        EXPECT_EQ(figures::leadingNumber(text), leading) << text;
-        EXPECT_EQ(figures::lastNumberOfRanges(text), lastOfRanges) << text;
+    using figures::Reason;
+    const std::pair<const char*, figures::Reading> texts[] = {
+        {"  7", 7.0},
+        {"", Reason::MALFORMED},
+        {"\n", Reason::MALFORMED},
+        {"-3", Reason::MALFORMED},
+        {"18446744073709551615", 18446744073709551615.0},
+        {"20000000000000000000", Reason::MALFORMED}};
+    for (const auto& [text, expected] : texts) {
+        doubles::setFile("/sys/kernel/gpu/gpu_mem_total", text);
+        EXPECT_EQ(figures::readGpuMemoryTotal(), expected) << text;
     }
-    EXPECT_FALSE(figures::findKilobytes("Pss:", "Pss"));
+    EXPECT_EQ(sources::countRanges("0-3,6-7"), 6U);
     doubles::setFile("/proc/self/smaps_rollup", "Rss: 9 kB\nPss_Dirty: 5 kB\nPss:      1234 kB\nPss: 7 kB\n");
     EXPECT_EQ(figures::readProportionalSetSize(), figures::Reading(1234.0 * 1024.0));
-    EXPECT_EQ(figures::readGpuMemoryTotal().reason(), figures::Reason::NO_FILE);
-    EXPECT_EQ(figures::whyUnreadable("/proc/self/smaps_rollup"), figures::Reason::MALFORMED);
+    EXPECT_EQ(figures::readGpuMemorySurface().reason(), Reason::NO_FILE);
+    EXPECT_EQ(figures::whyUnreadable("/proc/self/smaps_rollup"), Reason::MALFORMED);
 }
 
-TEST(SlowReader, SurvivesAReadingThatFails) {
-    figures::SlowReader reader([]() -> figures::Reading {
-        static int readings = 0;
-        return ++readings == 1 ? throw std::bad_alloc() : readings;
-    });
-    reader.start();
-    for (const bool isRead : {false, true}) {
-        reader.request();
+// A forked child has no thread, and must neither wait for one nor go without.
+TEST(MachineReader, ReadsThisProcessAndItsChildOnAThreadOfTheirOwn) {
+    const sources::Wanted memory(1U << static_cast<unsigned>(sources::Id::MEMORY_PROCESS));
+    figures::MachineReader reader;
+    const auto isRead = [&] {
+        reader.want(memory);
         reader.settle();
-        EXPECT_EQ(static_cast<bool>(reader.latest()), isRead);
+        return reader.value(sources::Id::MEMORY_PROCESS).value_or(0.0) > 0.0 &&
+               !reader.value(sources::Id::MEMORY_FREE);
+    };
+    EXPECT_TRUE(isRead());
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(isRead() ? 0 : 1);
     }
+    int status = -1;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
 }
 
 /// Frames of these lengths in microseconds, and so many of each.
@@ -175,8 +184,6 @@ class SceneOverlay : public testing::Test {
 protected:
     SceneOverlay() : mOverlay(mFactory, API, &mPasses) {
         doubles::resetCompanion();
-        doubles::removeAllFiles();
-        doubles::setFile("/proc/self/cmdline", "app");
         doubles::setWallClock(1795555555000000);
         doubles::setDefaults();
         doubles::set({{"status", "true"}, {"proc", "app"}, {"devmode", "true"}});
@@ -212,6 +219,12 @@ protected:
 
     static std::vector<std::string> drawn() { return doubles::drawnNames(); }
 
+    struct Files {
+        Files() {
+            doubles::removeAllFiles();
+            doubles::setFile("/proc/self/cmdline", "app");
+        }
+    } mFiles;  // the device is known before the overlay is made
     doubles::RecordingFactory mFactory;
     OnePass mPasses;
     scene::Overlay mOverlay;

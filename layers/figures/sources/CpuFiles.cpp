@@ -19,58 +19,17 @@ constexpr const char* MEMINFO = "/proc/meminfo";
 constexpr const char* CPU_FOLDER = "/sys/devices/system/cpu";
 constexpr double PERCENT = 100.0;
 constexpr double MHZ_PER_KHZ = 1e-3;
-constexpr double BYTES_PER_KB = 1024.0;
 /// The fields of a process's stat after the name in brackets; the times are the 14th and 15th of the whole.
 constexpr int FIELDS_BEFORE_TIMES = 11;
-
-/// How many numbers a list of ranges such as "0-3,6-7" has.
-std::uint64_t countRanges(std::string_view text) {
-    std::uint64_t count = 0;
-    while (const auto first = takeNumber(text)) {
-        std::uint64_t last = *first;
-        if (!text.empty() && text.front() == '-') {
-            text.remove_prefix(1);
-            last = takeNumber(text).value_or(*first);
-        }
-        count += last >= *first && last - *first < 65536 ? last - *first + 1 : 0;
-        if (text.empty() || text.front() != ',') {
-            break;
-        }
-        text.remove_prefix(1);
-    }
-    return count;
-}
 
 /// Of what counters that may step back have gained.
 double gain(std::uint64_t now, std::uint64_t before) {
     return now > before ? static_cast<double>(now - before) : 0.0;
 }
 
-/// "NAME:   NUMBER kB" in bytes.
-std::optional<double> kilobytes(std::string_view text, std::string_view name) {
-    while (const auto line = takeLine(text)) {
-        if (line->substr(0, name.size()) == name && line->size() > name.size() &&
-            (*line)[name.size()] == ':') {
-            std::string_view rest = line->substr(name.size() + 1);
-            const auto number = takeNumber(rest);
-            return number ? std::optional(static_cast<double>(*number) * BYTES_PER_KB) : std::nullopt;
-        }
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 CpuFiles::CpuFiles(const FileTree& tree, std::string process) : mTree(tree), mProcess(std::move(process)) {}
-
-void CpuFiles::readLoads(double now, bool isProcessWanted, bool isMachineWanted) {
-    if (isMachineWanted) {
-        readMachine();
-    }
-    if (isProcessWanted && !mProcess.empty()) {
-        readProcess(now);
-    }
-}
 
 void CpuFiles::readMachine() {
     const FileText file = mTree.read(STAT);
@@ -124,6 +83,9 @@ std::uint64_t CpuFiles::onlineProcessors() const {
 }
 
 void CpuFiles::readProcess(double now) {
+    if (mProcess.empty()) {
+        return;
+    }
     const std::string path = mProcess + "/stat";
     const FileText file = mTree.read(path);
     if (file.error != 0) {

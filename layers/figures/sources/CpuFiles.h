@@ -17,8 +17,9 @@ public:
     /// `process` is "/proc/self" or "/proc/PID"; empty when no process is meant.
     CpuFiles(const FileTree& tree, std::string process);
 
-    /// Reads what loads are made of. `now` is in seconds, on a clock that does not jump.
-    void readLoads(double now, bool isProcessWanted, bool isMachineWanted);
+    /// Read what loads are made of. `now` is in seconds, on a clock that does not jump.
+    void readProcess(double now);
+    void readMachine();
 
     Value processLoad() const { return mProcessLoad; }  ///< percent of all processors that are online
     Value systemLoad() const { return mSystemLoad; }    ///< percent of all processors
@@ -39,8 +40,6 @@ private:
         std::uint64_t idle = 0;
     };
 
-    void readMachine();
-    void readProcess(double now);
     std::uint64_t onlineProcessors() const;
     Value meminfo(const char* first, const char* subtracted) const;
 

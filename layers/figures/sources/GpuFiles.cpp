@@ -37,11 +37,14 @@ std::optional<double> largestOf(std::string_view text) {
 
 void GpuFiles::begin(const GpuDevice& device, double now) {
     if (device.folder != mDevice.folder || device.card != mDevice.card) {
+        mLast.clear();
         mCurrent.clear();
     }
     mDevice = device;
     mNow = now;
     mIsAsleep = isAsleep(mTree, device);
+    // What is not asked for in every reading keeps its last one.
+    mCurrent.merge(mLast);
     mLast = std::move(mCurrent);
     mCurrent.clear();
 }

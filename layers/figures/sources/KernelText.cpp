@@ -8,6 +8,7 @@ namespace sources {
 namespace {
 
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
+constexpr double BYTES_PER_KB = 1024.0;
 
 }  // namespace
 
@@ -44,6 +45,35 @@ std::optional<std::string_view> takeLine(std::string_view& text) {
     const std::string_view line = text.substr(0, text.find('\n'));
     text.remove_prefix(std::min(line.size() + 1, text.size()));
     return line;
+}
+
+std::optional<double> kilobytes(std::string_view text, std::string_view name) {
+    while (const auto line = takeLine(text)) {
+        if (line->substr(0, name.size()) == name && line->size() > name.size() &&
+            (*line)[name.size()] == ':') {
+            std::string_view rest = line->substr(name.size() + 1);
+            const auto number = takeNumber(rest);
+            return number ? std::optional(static_cast<double>(*number) * BYTES_PER_KB) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+std::uint64_t countRanges(std::string_view text) {
+    std::uint64_t count = 0;
+    while (const auto first = takeNumber(text)) {
+        std::uint64_t last = *first;
+        if (!text.empty() && text.front() == '-') {
+            text.remove_prefix(1);
+            last = takeNumber(text).value_or(*first);
+        }
+        count += last >= *first && last - *first < 65536 ? last - *first + 1 : 0;
+        if (text.empty() || text.front() != ',') {
+            break;
+        }
+        text.remove_prefix(1);
+    }
+    return count;
 }
 
 std::string readWord(const FileTree& tree, const std::string& path) {

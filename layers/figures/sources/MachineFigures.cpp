@@ -1,6 +1,9 @@
 #include "figures/sources/MachineFigures.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace sources {
@@ -10,24 +13,25 @@ namespace {
 struct Row {
     const char* name;
     const char* unit;
+    double period = 1.0;  ///< seconds between two readings, at least, for whoever is sparing
 };
 
 constexpr std::array<Row, FIGURES> ROWS = {{
-    {"cpu.load.process", "percent"},
-    {"cpu.load.system", "percent"},
-    {"cpu.load.core", "percent"},
+    {"cpu.load.process", "percent", 0.0},
+    {"cpu.load.system", "percent", 0.0},
+    {"cpu.load.core", "percent", 0.0},
     {"cpu.clock", "MHz"},
     {"cpu.temperature", "celsius"},
-    {"gpu.load.process", "percent"},
-    {"gpu.load.device", "percent"},
-    {"gpu.clock", "MHz"},
-    {"gpu.clock.max", "MHz"},
+    {"gpu.load.process", "percent", 0.0},
+    {"gpu.load.device", "percent", 0.0},
+    {"gpu.clock", "MHz", 0.0},
+    {"gpu.clock.max", "MHz", 30.0},
     {"gpu.temperature", "celsius"},
-    {"gpu.memory.process", "bytes"},
+    {"gpu.memory.process", "bytes", 2.0},
     {"gpu.memory.device", "bytes"},
-    {"gpu.memory.total", "bytes"},
+    {"gpu.memory.total", "bytes", 10.0},
     {"gpu.power", "watts"},
-    {"gpu.fan", "rpm"},
+    {"gpu.fan", "rpm", 4.0},
     {"memory.process", "bytes"},
     {"memory.used", "bytes"},
     {"memory.free", "bytes"},
@@ -35,11 +39,31 @@ constexpr std::array<Row, FIGURES> ROWS = {{
 
 constexpr const char* NVIDIA = "nvidia";
 
+// Seconds.
+constexpr double LONG_READING = 0.005;
+constexpr double PERIOD_OF_SLOW = 2.0;
+constexpr double PERIOD_OF_UNREADABLE = 5.0;
+constexpr double PERIOD_OF_LOOKING = 10.0;
+constexpr double PERIOD_OF_LOOKING_IN_VAIN = 2.0;
+/// Readings come at about the time they are due.
+constexpr double TOLERANCE = 0.1;
+
+double secondsSinceStart() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+/// Whether there is no hope for the next moments.
+bool isUnreadable(Reason reason) {
+    return reason == Reason::NO_FILE || reason == Reason::NOT_ALLOWED || reason == Reason::NOT_SUPPORTED ||
+           reason == Reason::SWITCHED_OFF;
+}
+
 std::string processFolder(const FileTree& tree, pid_t process) {
     if (process == 0) {
         return {};
     }
-    return tree.isLive() ? "/proc/" + std::to_string(process) : "/proc/self";
+    const bool isOther = tree.isLive() && process != getpid();
+    return isOther ? "/proc/" + std::to_string(process) : "/proc/self";
 }
 
 }  // namespace
@@ -78,34 +102,95 @@ void MachineFigures::read(double now, const Wanted& wanted) {
     if (!isGpuWanted) {
         return;
     }
-    if (mClients) {
-        mClients->read(now);
-    }
-    locate();
-    readGpuOfProcess();
-    readGpu(now, wanted);
-    if (mGpu.driver == NVIDIA) {
-        readNvidia(wanted);
+    lookForDevice(now);
+    if (mGpu.driver == NVIDIA && isAsleep(mTree, mGpu)) {
+        for (auto i = static_cast<std::size_t>(Id::GPU_LOAD_PROCESS);
+             i <= static_cast<std::size_t>(Id::GPU_FAN); ++i) {
+            mValues[i] = Value::none(Reason::ASLEEP, mGpu.folder + "/power/runtime_status");
+        }
+    } else if (hasNvidiaLibrary()) {
+        readNvidia(now, wanted);
+    } else {
+        readGpu(now, wanted);
     }
 }
 
+template <typename Read>
+void MachineFigures::pace(Pace& pace, double period, double now, const Read& read) {
+    if (!mIsSparing) {
+        read();
+        return;
+    }
+    if (now + TOLERANCE < pace.due) {
+        return;
+    }
+    const double start = secondsSinceStart();
+    const Reason reason = read();
+    pace.slowReadings = secondsSinceStart() - start > LONG_READING ? pace.slowReadings + 1 : 0;
+    if (pace.slowReadings >= 2) {
+        period = std::max(period, PERIOD_OF_SLOW);
+    }
+    if (isUnreadable(reason)) {
+        period = std::max(period, PERIOD_OF_UNREADABLE);
+    }
+    pace.due = now + period;
+}
+
+template <typename Read>
+void MachineFigures::take(Id id, double now, const Read& read) {
+    const auto index = static_cast<std::size_t>(id);
+    pace(mPaces[index], ROWS[index].period, now, [&] {
+        at(id) = read();
+        return at(id).reason;
+    });
+}
+
 void MachineFigures::readCpu(double now, const Wanted& wanted) {
-    const auto isWanted = [&](Id id) { return wanted.test(static_cast<std::size_t>(id)); };
-    mCpu.readLoads(now, isWanted(Id::CPU_LOAD_PROCESS),
-                   isWanted(Id::CPU_LOAD_SYSTEM) || isWanted(Id::CPU_LOAD_CORE));
-    at(Id::CPU_LOAD_PROCESS) = mCpu.processLoad();
-    at(Id::CPU_LOAD_SYSTEM) = mCpu.systemLoad();
-    at(Id::CPU_LOAD_CORE) = mCpu.coreLoad();
-    const auto take = [&](Id id, Value (CpuFiles::*get)() const) {
-        if (isWanted(id)) {
-            at(id) = (mCpu.*get)();
+    const auto ask = [&](Id id, const auto& read) {
+        if (wanted.test(static_cast<std::size_t>(id))) {
+            take(id, now, read);
         }
     };
-    take(Id::CPU_CLOCK, &CpuFiles::clock);
-    take(Id::CPU_TEMPERATURE, &CpuFiles::temperature);
-    take(Id::MEMORY_PROCESS, &CpuFiles::processMemory);
-    take(Id::MEMORY_USED, &CpuFiles::usedMemory);
-    take(Id::MEMORY_FREE, &CpuFiles::availableMemory);
+    ask(Id::CPU_LOAD_PROCESS, [&] {
+        mCpu.readProcess(now);
+        return mCpu.processLoad();
+    });
+    if (wanted.test(static_cast<std::size_t>(Id::CPU_LOAD_SYSTEM)) ||
+        wanted.test(static_cast<std::size_t>(Id::CPU_LOAD_CORE))) {
+        take(Id::CPU_LOAD_SYSTEM, now, [&] {
+            mCpu.readMachine();
+            return mCpu.systemLoad();
+        });
+        at(Id::CPU_LOAD_CORE) = mCpu.coreLoad();
+    }
+    ask(Id::CPU_CLOCK, [&] { return mCpu.clock(); });
+    ask(Id::CPU_TEMPERATURE, [&] { return mCpu.temperature(); });
+    ask(Id::MEMORY_PROCESS, [&] { return mCpu.processMemory(); });
+    ask(Id::MEMORY_USED, [&] { return mCpu.usedMemory(); });
+    ask(Id::MEMORY_FREE, [&] { return mCpu.availableMemory(); });
+}
+
+/// Reads the process's clients, and finds the device that they name.
+void MachineFigures::lookForDevice(double now) {
+    if (mIsSparing && !mGpu.isKnown() && now < mLookAgain) {
+        return;
+    }
+    pace(mClientsPace, 0.0, now, [&] {
+        if (mClients) {
+            mClients->read(now);
+        }
+        const bool isSame = mLocatedClient && mClients && mClients->device() &&
+                            mLocatedClient->isSameDevice(*mClients->device());
+        if (!mIsSparing || !isSame || now >= mLookAgain) {
+            locate();
+            mLocatedClient = mClients ? mClients->device() : std::nullopt;
+            mLookAgain = now + (mGpu.isKnown() ? PERIOD_OF_LOOKING : PERIOD_OF_LOOKING_IN_VAIN);
+        }
+        if (!hasNvidiaLibrary()) {
+            readGpuOfProcess();
+        }
+        return Reason::NONE;
+    });
 }
 
 /// The process's device; without a process the machine's, in a recorded folder also when no file names one.
@@ -139,59 +224,57 @@ void MachineFigures::readGpuOfProcess() {
 }
 
 void MachineFigures::readGpu(double now, const Wanted& wanted) {
-    const auto take = [&](Id id, Value (GpuFiles::*get)()) {
+    const auto ask = [&](Id id, Value (GpuFiles::*get)()) {
         if (wanted.test(static_cast<std::size_t>(id))) {
-            at(id) = mGpu.isKnown() ? (mFiles.*get)() : Value::none(Reason::NO_DEVICE);
+            take(id, now, [&] { return mGpu.isKnown() ? (mFiles.*get)() : Value::none(Reason::NO_DEVICE); });
+        }
+    };
+    const auto askClock = [&](Id id, Value (GpuFiles::*get)(), Value (GpuClients::*other)() const) {
+        if (wanted.test(static_cast<std::size_t>(id))) {
+            take(id, now, [&] {
+                Value value = mGpu.isKnown() ? (mFiles.*get)() : Value::none(Reason::NO_DEVICE);
+                return mClients && mClients->device() ? firstOf(std::move(value), ((*mClients).*other)())
+                                                      : value;
+            });
         }
     };
     mFiles.begin(mGpu, now);
-    take(Id::GPU_LOAD_DEVICE, &GpuFiles::load);
-    take(Id::GPU_CLOCK, &GpuFiles::clock);
-    take(Id::GPU_CLOCK_MAX, &GpuFiles::maxClock);
-    take(Id::GPU_TEMPERATURE, &GpuFiles::temperature);
-    take(Id::GPU_MEMORY_DEVICE, &GpuFiles::memoryUsed);
-    take(Id::GPU_MEMORY_TOTAL, &GpuFiles::memoryTotal);
-    take(Id::GPU_POWER, &GpuFiles::power);
-    take(Id::GPU_FAN, &GpuFiles::fan);
-    if (mClients && mClients->device()) {
-        at(Id::GPU_CLOCK) = firstOf(std::move(at(Id::GPU_CLOCK)), mClients->clock());
-        at(Id::GPU_CLOCK_MAX) = firstOf(std::move(at(Id::GPU_CLOCK_MAX)), mClients->maxClock());
-    }
+    ask(Id::GPU_LOAD_DEVICE, &GpuFiles::load);
+    askClock(Id::GPU_CLOCK, &GpuFiles::clock, &GpuClients::clock);
+    askClock(Id::GPU_CLOCK_MAX, &GpuFiles::maxClock, &GpuClients::maxClock);
+    ask(Id::GPU_TEMPERATURE, &GpuFiles::temperature);
+    ask(Id::GPU_MEMORY_DEVICE, &GpuFiles::memoryUsed);
+    ask(Id::GPU_MEMORY_TOTAL, &GpuFiles::memoryTotal);
+    ask(Id::GPU_POWER, &GpuFiles::power);
+    ask(Id::GPU_FAN, &GpuFiles::fan);
 }
 
 /// Asked only of a device that is awake and that this process works with: an open library keeps a laptop's
 /// second GPU from sleeping.
-void MachineFigures::readNvidia(const Wanted& wanted) {
-    if (isAsleep(mTree, mGpu)) {
-        for (const Id id : {Id::GPU_LOAD_PROCESS, Id::GPU_LOAD_DEVICE, Id::GPU_CLOCK, Id::GPU_CLOCK_MAX,
-                            Id::GPU_TEMPERATURE, Id::GPU_MEMORY_PROCESS, Id::GPU_MEMORY_DEVICE,
-                            Id::GPU_MEMORY_TOTAL, Id::GPU_POWER, Id::GPU_FAN}) {
-            at(id) = Value::none(Reason::ASLEEP, mGpu.folder + "/power/runtime_status");
-        }
-        return;
-    }
-    if (!mTree.isLive() || !mClients || !mClients->nvidiaDevice()) {
-        return;
-    }
+bool MachineFigures::hasNvidiaLibrary() const {
+    return mGpu.driver == NVIDIA && mTree.isLive() && mClients && mClients->nvidiaDevice();
+}
+
+void MachineFigures::readNvidia(double now, const Wanted& wanted) {
     if (mNvidia == nullptr) {
         mNvidia = std::make_unique<NvidiaLibrary>(mGpu.pciDevice, *mClients->nvidiaDevice());
     }
-    const auto take = [&](Id id, auto get) {
+    const auto ask = [&](Id id, const auto& read) {
         if (wanted.test(static_cast<std::size_t>(id))) {
-            at(id) = get();
+            take(id, now, read);
         }
     };
     NvidiaLibrary& library = *mNvidia;
-    take(Id::GPU_LOAD_PROCESS, [&] { return library.processLoad(mProcess); });
-    take(Id::GPU_LOAD_DEVICE, [&] { return library.load(); });
-    take(Id::GPU_CLOCK, [&] { return library.clock(); });
-    take(Id::GPU_CLOCK_MAX, [&] { return library.maxClock(); });
-    take(Id::GPU_TEMPERATURE, [&] { return library.temperature(); });
-    take(Id::GPU_MEMORY_PROCESS, [&] { return library.processMemory(mProcess); });
-    take(Id::GPU_MEMORY_DEVICE, [&] { return library.memoryUsed(); });
-    take(Id::GPU_MEMORY_TOTAL, [&] { return library.memoryTotal(); });
-    take(Id::GPU_POWER, [&] { return library.power(); });
-    take(Id::GPU_FAN, [&] { return library.fan(); });
+    ask(Id::GPU_LOAD_PROCESS, [&] { return library.processLoad(mProcess); });
+    ask(Id::GPU_LOAD_DEVICE, [&] { return library.load(); });
+    ask(Id::GPU_CLOCK, [&] { return library.clock(); });
+    ask(Id::GPU_CLOCK_MAX, [&] { return library.maxClock(); });
+    ask(Id::GPU_TEMPERATURE, [&] { return library.temperature(); });
+    ask(Id::GPU_MEMORY_PROCESS, [&] { return library.processMemory(mProcess); });
+    ask(Id::GPU_MEMORY_DEVICE, [&] { return library.memoryUsed(); });
+    ask(Id::GPU_MEMORY_TOTAL, [&] { return library.memoryTotal(); });
+    ask(Id::GPU_POWER, [&] { return library.power(); });
+    ask(Id::GPU_FAN, [&] { return library.fan(); });
 }
 
 std::string MachineFigures::advice(Id id) const {

@@ -59,6 +59,10 @@ public:
     /// another machine any number stands for the process whose files are in it.
     MachineFigures(const FileTree& tree, pid_t process);
 
+    /// From now on reads as a guest in the process: most figures once a second instead of every time, what
+    /// cannot be read and what took long twice seldom, and looks for the device anew only now and then.
+    void beSparing() { mIsSparing = true; }
+
     /// Takes a reading of the figures that are wanted; `now` in seconds, on a clock that does not jump. Rates
     /// have values from the second reading on.
     void read(double now, const Wanted& wanted = Wanted().set());
@@ -75,12 +79,26 @@ public:
     std::string advice(Id id) const;
 
 private:
+    struct Pace {
+        double due = 0.0;
+        int slowReadings = 0;  ///< in a row
+    };
+
     Value& at(Id id) { return mValues[static_cast<std::size_t>(id)]; }
+
+    /// Reads, but what is not due yet. `read` answers with the reason why there is no value.
+    template <typename Read>
+    void pace(Pace& pace, double period, double now, const Read& read);
+    template <typename Read>
+    void take(Id id, double now, const Read& read);
+
     void readCpu(double now, const Wanted& wanted);
+    void lookForDevice(double now);
     void locate();
     void readGpuOfProcess();
+    bool hasNvidiaLibrary() const;
     void readGpu(double now, const Wanted& wanted);
-    void readNvidia(const Wanted& wanted);
+    void readNvidia(double now, const Wanted& wanted);
 
     const FileTree& mTree;
     pid_t mProcess;
@@ -90,6 +108,11 @@ private:
     GpuDevice mGpu;
     std::unique_ptr<NvidiaLibrary> mNvidia;
     std::array<Value, FIGURES> mValues;
+    std::array<Pace, FIGURES> mPaces;
+    Pace mClientsPace;
+    bool mIsSparing = false;
+    std::optional<GpuName> mLocatedClient;
+    double mLookAgain = 0.0;  ///< for the device
 };
 
 }  // namespace sources

@@ -30,6 +30,8 @@ const char* describe(Reason reason) {
     switch (reason) {
         case Reason::NONE:
             return "";
+        case Reason::NOT_READ:
+            return "it has not been read yet";
         case Reason::NO_FILE:
             return "there is no such file";
         case Reason::NOT_ALLOWED:

@@ -9,6 +9,7 @@ namespace sources {
 /// Why a figure has no value.
 enum class Reason {
     NONE,           ///< it has one
+    NOT_READ,       ///< nobody has asked yet, or its reader does not say
     NO_FILE,        ///< there is no such file on this machine
     NOT_ALLOWED,    ///< this user may not read it
     ASLEEP,         ///< the device sleeps, and is not woken for a figure

@@ -136,9 +136,15 @@ void addAdvice(const MetricCheck& check, std::vector<Advice>& advices) {
 void describeMetrics(std::ostream& out) {
     constexpr int NAME_WIDTH = 38;
     constexpr int PATH_WIDTH = 39;
-    out << "\nWhat can be measured here:\n" << std::left;
+    const std::vector<MetricCheck> checks = checkMetrics();
+    if (checks.empty()) {
+        return;
+    }
+    out << "\nWhat the GPU's driver tells below /sys/kernel/gpu, which the overlay shows before anything "
+           "else:\n"
+        << std::left;
     std::vector<Advice> advices;
-    for (const MetricCheck& check : checkMetrics()) {
+    for (const MetricCheck& check : checks) {
         out << "  " << std::setw(NAME_WIDTH) << check.metric << std::setw(PATH_WIDTH) << check.path;
         if (check.error.empty()) {
             out << check.value << '\n';

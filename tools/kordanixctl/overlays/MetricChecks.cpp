@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <system_error>
@@ -29,53 +28,22 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 constexpr std::string_view GPU_CLOCK = "/sys/kernel/gpu/gpu_clock";
 constexpr const char* GPU_TABLE = "/sys/kernel/gpu/gpu_freq_table";
 
-/// The figures of this process, read until there is a load.
-class Samples {
-public:
-    Samples() {
-        using Clock = std::chrono::steady_clock;
-        constexpr std::chrono::milliseconds PATIENCE(200);
-        mMetrics.want(figures::FigureSet().set());
-        mMetrics.settle();
-        // A load lies between two readings, and the times of a process as young as this one begin with no
-        // whole tick, which the library takes for a first reading.
-        const Clock::time_point end = Clock::now() + PATIENCE;
-        do {
-            mMetrics.refresh(0, 1000.0);
-        } while (!hasLoad() && Clock::now() < end);
-    }
-
-    const figures::Reading& reading(const figures::Figure& figure) const { return mMetrics.reading(figure); }
-
-private:
-    bool hasLoad() const {
-        const figures::FigureRows rows = figures::catalogue();
-        return std::all_of(rows.begin(), rows.end(), [this](const figures::Figure& figure) {
-            return figure.origin.file == nullptr || figure.format.kind != figures::Kind::RATE ||
-                   mMetrics.reading(figure);
-        });
-    }
-
-    figures::Metrics mMetrics;
-};
-
 std::string valueText(const figures::Figure& figure, const figures::Reading& reading) {
     if (!reading) {
         return {};
-    }
-    if (figure.format.kind == figures::Kind::RATE) {
-        return "readable";  // the rate is this program's own
     }
     const std::string unit = figure.format.unit;
     const bool isShownWithUnit = figure.format.kind == figures::Kind::MEMORY || *figure.format.suffix != '\0';
     return figures::format(figure, reading) + (isShownWithUnit ? "" : ' ' + unit);
 }
 
-bool isBelow(std::string_view path, std::string_view folder) {
-    return path.substr(0, folder.size()) == folder;
+bool isGpuFile(const figures::Figure& figure) {
+    constexpr std::string_view FOLDER = "/sys/kernel/gpu/";
+    return figure.origin.file != nullptr &&
+           std::string_view(figure.origin.file).substr(0, FOLDER.size()) == FOLDER;
 }
 
-std::string adviceFor(std::string_view path, int error) {
+std::string adviceFor(int error) {
     if (error == EACCES || error == EPERM) {
         return "This user may not read the file: run the application as one who may, or let root permit it "
                "(chmod a+r).";
@@ -83,15 +51,8 @@ std::string adviceFor(std::string_view path, int error) {
     if (error != ENOENT && error != ENOTDIR) {
         return "The file is there but cannot be opened; the kernel's log may say more.";
     }
-    if (isBelow(path, "/sys/kernel/gpu/")) {
-        return "This machine's kernel has no such GPU files. The overlay shows N/A; a simulated device has "
-               "them all ('kordanix-demo --device NAME').";
-    }
-    if (isBelow(path, "/sys/class/thermal/")) {
-        return "The kernel knows no thermal zone, which is usual in virtual machines. The overlay shows N/A.";
-    }
-    return "The kernel does not offer the file, or the file system it is in is not mounted. The overlay "
-           "shows N/A.";
+    return "This kernel has some of such files, but not this one; a simulated device has them all "
+           "('kordanix-demo --device NAME').";
 }
 
 /// The beginning of a file in printable characters.
@@ -107,12 +68,13 @@ std::string beginningOf(std::FILE* file) {
 
 /// `value` is empty when there is none; `expected` says what the file must hold.
 MetricCheck check(std::string_view name, const char* path, std::string value, std::string_view expected) {
-    MetricCheck result = {name, path, {}, {}, {}};
+    MetricCheck result = {name, path, {}, {}, {}, false};
     const File file(StateInfo::file_open(path, "r"));
     if (!file) {
         const int error = errno;
+        result.isMissing = error == ENOENT || error == ENOTDIR;
         result.error = std::generic_category().message(error);
-        result.advice = adviceFor(path, error);
+        result.advice = adviceFor(error);
     } else if (!value.empty()) {
         result.value = std::move(value);
     } else if (std::string_view(path) == GPU_CLOCK && !StateInfo::checkGPUClockUnit()) {
@@ -121,8 +83,8 @@ MetricCheck check(std::string_view name, const char* path, std::string value, st
             std::string("Without ") + GPU_TABLE + " the clock's unit is not known; mend that first.";
     } else {
         result.error = "begins with \"" + beginningOf(file.get()) + "\"";
-        result.advice = "Expected " + std::string(expected) +
-                        "; this kernel or driver writes something else. The overlay shows N/A.";
+        result.advice =
+            "Expected " + std::string(expected) + "; this kernel or driver writes something else.";
     }
     return result;
 }
@@ -135,17 +97,24 @@ std::string gpuMaker() {
 }  // namespace
 
 std::vector<MetricCheck> checkMetrics() {
-    std::vector<MetricCheck> checks;
-    const Samples samples;
-    checks.push_back(
-        check("GPU model", "/sys/kernel/gpu/gpu_model", gpuMaker(), "a text with Mali or Adreno in it"));
+    figures::FigureSet wanted;
     for (const figures::Figure& figure : figures::catalogue()) {
-        if (figure.origin.file != nullptr) {
+        wanted[indexOf(figure)] = isGpuFile(figure);
+    }
+    figures::Metrics metrics(false);
+    metrics.want(wanted);
+    metrics.refresh(0, 1000.0);
+    std::vector<MetricCheck> checks = {
+        check("GPU model", "/sys/kernel/gpu/gpu_model", gpuMaker(), "a text with Mali or Adreno in it")};
+    for (const figures::Figure& figure : figures::catalogue()) {
+        if (isGpuFile(figure)) {
             checks.push_back(check(figure.name, figure.origin.file,
-                                   valueText(figure, samples.reading(figure)), figure.origin.expected));
+                                   valueText(figure, metrics.reading(figure)), figure.origin.expected));
         }
     }
-    return checks;
+    const bool hasSome =
+        std::any_of(checks.begin(), checks.end(), [](const MetricCheck& each) { return !each.isMissing; });
+    return hasSome ? checks : std::vector<MetricCheck>();
 }
 
 }  // namespace control
