@@ -2,6 +2,7 @@
 
 #include "utils/Thread.h"
 
+#include <pthread.h>
 #include <unistd.h>
 
 #include <array>
@@ -28,6 +29,15 @@ constexpr char THREAD_NAME[] = "kordanix-figure";  // 15 bytes at most
 constexpr auto PERIOD = 500ms;
 constexpr auto LONGEST_SETTLING = 3s;
 constexpr double START_PERIOD_US = 1000000.0;
+
+/// How often this process was forked off since the library was loaded; relaxed.
+std::atomic<unsigned int> forks{0};
+
+void watchForks() {
+    static const int isWatching =
+        pthread_atfork(nullptr, nullptr, [] { forks.fetch_add(1, std::memory_order_relaxed); });
+    static_cast<void>(isWatching);
+}
 
 double now() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
@@ -116,28 +126,30 @@ void MachineReader::Shared::run() {
     isRunning = false;
 }
 
-MachineReader::MachineReader() : mShared(std::make_shared<Shared>()) {}
+MachineReader::MachineReader() : mShared(std::make_shared<Shared>()) {
+    watchForks();
+    mForks = forks.load(std::memory_order_relaxed);
+}
 
 MachineReader::~MachineReader() {
     want({});
 }
 
-void MachineReader::leaveIfForked() {
-    if (mProcess == 0 || mProcess == getpid()) {
-        return;
-    }
-    // The mutex may be held for ever by a thread that is not here: all of it stays as it is.
-    static_cast<void>(new std::shared_ptr<Shared>(std::move(mShared)));
-    mShared = std::make_shared<Shared>();
-    mProcess = 0;
+bool MachineReader::isForked() const {
+    return mForks != forks.load(std::memory_order_relaxed);
 }
 
 void MachineReader::want(const sources::Wanted& wanted) {
-    leaveIfForked();
+    if (isForked()) {
+        // The mutex may be held for ever by a thread that is not here: all of it stays as it is.
+        static_cast<void>(new std::shared_ptr<Shared>(std::move(mShared)));
+        mShared = std::make_shared<Shared>();
+        mForks = forks.load(std::memory_order_relaxed);
+    }
     mWanted = wanted;
-    mIsStartOpen = false;
     {
         const std::lock_guard<std::mutex> lock(mShared->mutex);
+        mShared->isUrgent = (wanted & ~mShared->wanted).any();
         mShared->wanted = wanted;
         mIsStartOpen = wanted.any() && !mShared->isRunning;
     }
@@ -157,7 +169,6 @@ void MachineReader::start() {
     mShared->isRunning = true;  // nobody else is there to see it
     try {
         utils::startThread(THREAD_NAME, [shared = mShared] { shared->run(); }).detach();
-        mProcess = getpid();
         mIsStartOpen = false;
     } catch (const std::exception&) {
         // No thread or no memory: the figures stay empty until a later frame succeeds.
@@ -168,13 +179,9 @@ void MachineReader::start() {
 void MachineReader::onFrames(double elapsedUs) {
     mShared->frames.fetch_add(1, std::memory_order_relaxed);
     mSinceStartUs += elapsedUs;
-    if (mSinceStartUs < START_PERIOD_US) {
-        return;
-    }
-    mSinceStartUs = 0.0;
-    if (mProcess != 0 && mProcess != getpid()) {
+    if (isForked()) {
         want(mWanted);
-    } else if (mIsStartOpen) {
+    } else if (mIsStartOpen && mSinceStartUs >= START_PERIOD_US) {
         start();
     }
 }
@@ -195,7 +202,7 @@ const char* MachineReader::gpuName() const {
 
 void MachineReader::settle() {
     std::unique_lock<std::mutex> lock(mShared->mutex);
-    if (!mShared->isRunning || mProcess != getpid()) {
+    if (!mShared->isRunning) {
         return;
     }
     mShared->isUrgent = true;

@@ -3,8 +3,6 @@
 #include "figures/Reading.h"
 #include "figures/sources/MachineFigures.h"
 
-#include <sys/types.h>
-
 #include <cstdint>
 #include <memory>
 
@@ -52,13 +50,13 @@ private:
     struct Shared;
 
     void start();
-    void leaveIfForked();
+    bool isForked() const;
 
     std::shared_ptr<Shared> mShared;
     sources::Wanted mWanted;
     double mSinceStartUs = 0.0;
     bool mIsStartOpen = false;  // a thread is wanted and could not be had
-    pid_t mProcess = 0;         // the one whose thread it is
+    unsigned int mForks = 0;    // before the thread was started
 };
 
 }  // namespace figures

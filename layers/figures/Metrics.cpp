@@ -79,13 +79,16 @@ const Metrics::Reader Metrics::READERS[] = {
     {nullptr, nullptr, Id::GPU_MEMORY_TOTAL},
 };
 
-Metrics::Metrics(bool isMachineRead)
+Metrics::Metrics(Sources sources)
     : mState(makeState()),
       mCpuDamper(CPU_DAMPER_SPAN),
-      mIsMachineRead(isMachineRead),
+      mSources(sources),
       mHasGpuFiles(access("/sys/kernel/gpu", F_OK) == 0) {}
 
 void Metrics::want(const FigureSet& wanted) {
+    if (mWanted.none() && wanted.any()) {
+        mIsMachineRead = mSources == Sources::ALL && !isServedOtherFiles();
+    }
     mWanted = wanted;
     if (!mIsMachineRead) {
         return;

@@ -21,10 +21,10 @@ namespace figures {
 /// simulated device is served. The rest is the machine's, as a helper thread reads it.
 class Metrics {
 public:
-    Metrics() : Metrics(!isServedOtherFiles()) {}
+    /// Who may be asked.
+    enum class Sources { ALL, LIBRARY };
 
-    /// `isMachineRead`: whether anybody but the library's own readers is asked.
-    explicit Metrics(bool isMachineRead);
+    explicit Metrics(Sources sources = Sources::ALL);
 
     /// From the next refresh on. Starts or ends the thread that reads the machine's figures.
     void want(const FigureSet& wanted);
@@ -135,7 +135,8 @@ private:
     Reading mPss;
     Reading mProcessMemoryPeak;
     std::optional<SystemMemory> mSystemMemory;  // of this refresh, once somebody has asked
-    bool mIsMachineRead;
+    Sources mSources;
+    bool mIsMachineRead = false;  // known once figures are wanted
     bool mHasGpuFiles;
     MachineReader mMachine;
 };

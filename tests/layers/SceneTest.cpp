@@ -184,6 +184,8 @@ class SceneOverlay : public testing::Test {
 protected:
     SceneOverlay() : mOverlay(mFactory, API, &mPasses) {
         doubles::resetCompanion();
+        doubles::removeAllFiles();
+        doubles::setFile("/proc/self/cmdline", "app");
         doubles::setWallClock(1795555555000000);
         doubles::setDefaults();
         doubles::set({{"status", "true"}, {"proc", "app"}, {"devmode", "true"}});
@@ -219,12 +221,6 @@ protected:
 
     static std::vector<std::string> drawn() { return doubles::drawnNames(); }
 
-    struct Files {
-        Files() {
-            doubles::removeAllFiles();
-            doubles::setFile("/proc/self/cmdline", "app");
-        }
-    } mFiles;  // the device is known before the overlay is made
     doubles::RecordingFactory mFactory;
     OnePass mPasses;
     scene::Overlay mOverlay;

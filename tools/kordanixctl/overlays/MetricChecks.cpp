@@ -101,7 +101,7 @@ std::vector<MetricCheck> checkMetrics() {
     for (const figures::Figure& figure : figures::catalogue()) {
         wanted[indexOf(figure)] = isGpuFile(figure);
     }
-    figures::Metrics metrics(false);
+    figures::Metrics metrics(figures::Metrics::Sources::LIBRARY);
     metrics.want(wanted);
     metrics.refresh(0, 1000.0);
     std::vector<MetricCheck> checks = {
