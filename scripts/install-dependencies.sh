@@ -3,9 +3,11 @@
 # are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|arm]...   (default: build)
 set -euo pipefail
 
-build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev)
+build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev
+       libvulkan-dev glslang-tools)
 test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind
       libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils glmark2-x11 glmark2-es2-x11
+      mesa-vulkan-drivers vulkan-tools vulkan-validationlayers
       libsdl2-tests libx11-dev pkg-config strace locales
       android-libutils-dev android-liblog-dev)
 bench=(libbenchmark-dev)

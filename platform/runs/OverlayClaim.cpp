@@ -136,9 +136,29 @@ Claim claimIn(const std::string& directory, const std::string& processName, cons
     return writer.commit().empty() ? Claim::OWN : failed(writer);
 }
 
+/// The API that this process shows its overlay with, above the number of the process: a forked child begins
+/// anew. Relaxed order: nothing else hangs on it.
+std::atomic<std::uint64_t> gApi = 0;
+
+/// Whether the API is the one of this process, which the first one to ask becomes.
+bool takeProcess(std::int32_t api) {
+    const auto process = static_cast<std::uint32_t>(getpid());
+    const std::uint64_t wanted = std::uint64_t{static_cast<std::uint32_t>(api)} << 32U | process;
+    std::uint64_t current = gApi.load(std::memory_order_relaxed);
+    while (static_cast<std::uint32_t>(current) != process) {
+        if (gApi.compare_exchange_weak(current, wanted, std::memory_order_relaxed)) {
+            return true;
+        }
+    }
+    return current == wanted;
+}
+
 }  // namespace
 
 Claim claimOverlay(const std::string& processName, std::int32_t api) {
+    if (!takeProcess(api)) {
+        return Claim::OTHER_API;
+    }
     const int callersErrno = errno;
     std::string error;
     const std::string* const directory = ownRuntimeDirectory(error);

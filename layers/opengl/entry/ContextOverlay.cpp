@@ -10,8 +10,9 @@
 #include <vector>
 
 #include "core/StateInfo.h"
+#include "entry/OverlaySwitch.h"
+#include "entry/PictureFile.h"
 #include "opengl/entry/LayerApi.h"
-#include "opengl/entry/PictureFile.h"
 #include "ostra/PictureRequest.h"
 #include "utils/Log.h"
 
@@ -30,16 +31,6 @@ public:
 private:
     SavedState& mState;
 };
-
-Obstacle whyIsOff() {
-    if (!core::StateInfo::mStatusProp.getValue()) {
-        return "it is switched off (debug.kordanix.status)";
-    }
-    if (core::StateInfo::mRenderApiProp.getValue() != LAYER_API) {
-        return "another graphics API is selected (debug.kordanix.api)";
-    }
-    return "another process is selected (debug.kordanix.proc)";
-}
 
 }  // namespace
 
@@ -130,11 +121,10 @@ void ContextOverlay::release() {
 
 /// The library's part.
 Obstacle ContextOverlay::beginFrame(bool isLookedAt) {
-    constexpr Obstacle TOO_SMALL = "its window has only one pixel, or one row or column of them";
     const std::lock_guard<std::mutex> lock(mShared.mutex);
     if (!mShared.right.isGranted()) {
         // Launchers have windows of a single pixel, which are not to be taken for the program.
-        const Obstacle refusal = mSurface.size.isDrawable() ? mShared.right.ask() : TOO_SMALL;
+        const Obstacle refusal = mSurface.size.isDrawable() ? mShared.right.ask() : entry::TOO_SMALL;
         if (refusal != nullptr) {
             return refusal;
         }
@@ -143,13 +133,13 @@ Obstacle ContextOverlay::beginFrame(bool isLookedAt) {
     mOverlay.attach();
     mOverlay.beginFrame();
     if (!mOverlay.isShown()) {
-        return whyIsOff();
+        return entry::whyIsOff(LAYER_API);
     }
     if (!isLookedAt) {
         return "it has just been switched on";
     }
     if (!mSurface.size.isDrawable()) {
-        return TOO_SMALL;
+        return entry::TOO_SMALL;
     }
     mOverlay.draw();
     return nullptr;
@@ -207,7 +197,7 @@ void ContextOverlay::takePicture() {
         std::vector<std::uint8_t> pixels(static_cast<std::size_t>(size.width) *
                                          static_cast<std::size_t>(size.height) * CHANNELS);
         mFunctions.readPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE, pixels.data());
-        error = writePicture(path, size, pixels);
+        error = entry::writePicture(path, size, entry::RowOrder::BOTTOM_FIRST, pixels);
     } catch (const std::bad_alloc&) {
         unlink(path.c_str());
     }

@@ -5,7 +5,8 @@
 #include <string>
 
 #include "opengl/draw/OverlayDrawing.h"
-#include "opengl/entry/OverlayRight.h"
+#include "entry/OverlayRight.h"
+#include "opengl/entry/LayerApi.h"
 #include "opengl/entry/SurfaceSizeCache.h"
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/SavedState.h"
@@ -24,7 +25,7 @@ public:
 /// What the overlays of a process share. The library works for one context at a time.
 struct Shared {
     std::mutex mutex;  ///< around the library's work and the right; no call to OpenGL is made under it
-    OverlayRight right;
+    entry::OverlayRight right{LAYER_API};
 };
 
 /// The overlay in one context of the program. Made and used on the thread that the context is current on.

@@ -5,7 +5,7 @@
 #include <exception>
 #include <limits>
 
-#include "opengl/entry/FrameClock.h"
+#include "entry/FrameClock.h"
 #include "opengl/passes/PassTimer.h"
 #include "ostra/PerProcess.h"
 #include "utils/Log.h"
@@ -164,7 +164,7 @@ Layer::Context* Layer::use(const Swap& swap, Obstacle& obstacle) {
         const std::lock_guard<std::mutex> lock(mShared.mutex);
         for (const std::unique_ptr<Context>& each : mContexts) {
             if (each->context == current && each->display == swap.display && !each->isForgotten) {
-                each->isInUse = each->overlay != nullptr || nowMs() >= each->triedAt;
+                each->isInUse = each->overlay != nullptr || entry::nowMs() >= each->triedAt;
                 obstacle = each->failure.data();
                 return each->isInUse ? each.get() : nullptr;
             }
@@ -191,7 +191,7 @@ void Layer::endUse(Context& context) {
 }
 
 void Layer::fail(Context& context, const char* reason, bool isFinal) {
-    const std::int64_t now = nowMs();
+    const std::int64_t now = entry::nowMs();
     context.failures = now - context.failedAt < FORGIVEN_MS ? context.failures + 1 : 1;
     context.failedAt = now;
     const bool isOver = isFinal || context.failures > RETRIES;

@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "opengl/entry/ContextOverlay.h"
-#include "opengl/entry/StatusNote.h"
+#include "entry/StatusNote.h"
+#include "opengl/entry/LayerApi.h"
 #include "opengl/entry/WindowLibrary.h"
 #include "opengl/shim/LayerCalls.h"
 
@@ -53,7 +54,7 @@ private:
     static void updateListener();
 
     Shared mShared;  ///< its mutex guards what follows as well
-    StatusNote mStatus;
+    entry::StatusNote mStatus{LAYER_API};
     std::vector<Obstacle> mLogged;  ///< of surfaces
     std::vector<std::unique_ptr<WindowLibrary>> mLibraries;
     std::vector<std::unique_ptr<Context>> mContexts;

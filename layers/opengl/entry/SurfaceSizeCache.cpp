@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "opengl/entry/FrameClock.h"
+#include "entry/FrameClock.h"
 
 namespace opengl {
 
@@ -14,7 +14,7 @@ constexpr std::int64_t PERIOD_MS = 250;
 
 const SurfaceSizeCache::Answer& SurfaceSizeCache::look(const WindowLibrary& library, const Swap& swap,
                                                        const Signs& signs, bool isSrgbWanted) {
-    const std::int64_t now = nowMs();
+    const std::int64_t now = entry::nowMs();
     auto known = std::find_if(mKnown.begin(), mKnown.end(),
                               [&](const Known& each) { return each.surface == swap.surface; });
     if (known != mKnown.end() && known->signs == signs && now - known->time < PERIOD_MS) {

@@ -2,22 +2,14 @@
 
 #include <cstdint>
 
+#include "entry/SurfaceSize.h"
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/Obstacle.h"
 #include "opengl/shim/LayerCalls.h"
 
 namespace opengl {
 
-/// Width and height in pixels.
-struct SurfaceSize {
-    int width = 0;
-    int height = 0;
-
-    /// There is something to draw on: programs keep windows of a single pixel that nobody sees.
-    bool isDrawable() const { return width > 1 && height > 1; }
-    bool operator==(const SurfaceSize& other) const { return width == other.width && height == other.height; }
-    bool operator!=(const SurfaceSize& other) const { return !(*this == other); }
-};
+using entry::SurfaceSize;
 
 /// The EGL or GLX library that a real swap function belongs to; a process may have several. Looked up once,
 /// constant afterwards, so any thread may ask; the answers are about the calling thread.

@@ -15,7 +15,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr WayIn WAYS_IN[] = {
-    {"OpenGL or OpenGL ES", "LD_PRELOAD", "libkordanix-preload.so", ':', true, true},
+    {"OpenGL or OpenGL ES", "LD_PRELOAD", "libkordanix-preload.so", ':', true, true, false, "", ""},
+    // Vulkan's loader looks for implicit layers in the folders of this variable before the user's own ones.
+    {"Vulkan", "XDG_CONFIG_DIRS", "kordanix", ':', false, false, true, "/etc/xdg", "KORDANIX"},
 };
 
 /// Whether the dynamic loader would take a part of the path for something else.
@@ -71,13 +73,19 @@ std::string openWaysIn() {
     for (const WayIn& way : WAYS_IN) {
         std::string error;
         const std::string path = findFile(way.file, error);
+        if (path.empty() && way.isOptional) {
+            continue;
+        }
         error = error.empty() ? pathError(way, path) : error;
         if (!error.empty()) {
             return error;
         }
-        const char* const others = std::getenv(way.variable);  // NOLINT(concurrency-mt-unsafe): one thread
-        variables.emplace_back(way.variable,
-                               others == nullptr || others[0] == '\0' ? path : path + way.separator + others);
+        const char* const set = std::getenv(way.variable);  // NOLINT(concurrency-mt-unsafe): one thread
+        const std::string others = set == nullptr || set[0] == '\0' ? way.unset : set;
+        variables.emplace_back(way.variable, others.empty() ? path : path + way.separator + others);
+        if (way.enabling[0] != '\0') {
+            variables.emplace_back(way.enabling, "1");
+        }
     }
     for (const auto& [name, value] : variables) {
         setenv(name, value.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): one thread

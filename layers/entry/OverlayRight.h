@@ -4,14 +4,18 @@
 #include <cstdint>
 #include <limits>
 
-#include "opengl/entry/FrameClock.h"
-#include "opengl/gl/Obstacle.h"
+#include "core/RenderingApiType.h"
+#include "entry/FrameClock.h"
+#include "entry/Obstacle.h"
 
-namespace opengl {
+namespace entry {
 
-/// Whether this process shows the overlay: in a run, the first process that presents a frame does.
+/// Whether the layer of an API shows the overlay in this process: in a run, the first process that presents a
+/// frame does, and in a process the API that it presents with first.
 class OverlayRight {
 public:
+    explicit OverlayRight(core::RenderingApiType api) : mApi(api) {}
+
     /// Before the process's first frame hook, and in each frame until it has been granted: null then. Some
     /// file operations. One thread at a time, as for isGranted().
     Obstacle ask();
@@ -19,13 +23,14 @@ public:
     /// For good.
     bool isGranted() const { return mIsGranted; }
 
-    /// Another process has it, and may still have it: for two seconds after each answer. Any thread; relaxed
+    /// Another process or API has it, and may still have it: for two seconds after each answer. Any thread; relaxed
     /// order, since nothing else hangs on it.
     bool isRefused() const { return nowMs() < mRefusedUntil.load(std::memory_order_relaxed); }
 
 private:
+    core::RenderingApiType mApi;
     bool mIsGranted = false;
     std::atomic<std::int64_t> mRefusedUntil{std::numeric_limits<std::int64_t>::min()};
 };
 
-}  // namespace opengl
+}  // namespace entry

@@ -1,15 +1,14 @@
-#include "opengl/entry/StatusNote.h"
+#include "entry/StatusNote.h"
 
 #include <unistd.h>
 
 #include <algorithm>
 
-#include "opengl/entry/FrameClock.h"
-#include "opengl/entry/LayerApi.h"
+#include "entry/FrameClock.h"
 #include "runs/OverlayNote.h"
 #include "utils/SystemInfoHelper.h"
 
-namespace opengl {
+namespace entry {
 
 namespace {
 
@@ -49,8 +48,8 @@ void StatusNote::tell() {
     mHasTold = true;
     mToldReason = mReason;
     mToldAt = nowMs();
-    platform::writeOverlayNote({getpid(), utils::getProcessName(), static_cast<std::int32_t>(LAYER_API),
+    platform::writeOverlayNote({getpid(), utils::getProcessName(), static_cast<std::int32_t>(mApi),
                                 mWasShown, mFrames, mReason});
 }
 
-}  // namespace opengl
+}  // namespace entry

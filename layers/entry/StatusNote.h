@@ -3,15 +3,18 @@
 #include <cstdint>
 #include <string>
 
-#include "opengl/gl/Obstacle.h"
+#include "core/RenderingApiType.h"
+#include "entry/Obstacle.h"
 
-namespace opengl {
+namespace entry {
 
 /// Leaves a note on whether the overlay is shown in this process, and why not (runs/OverlayNote.h): when it
 /// is shown first, and when a reason has held for HELD_FRAMES; at most once a second. One thread at a time.
 class StatusNote {
 public:
     static constexpr unsigned int HELD_FRAMES = 10;
+
+    explicit StatusNote(core::RenderingApiType api) : mApi(api) {}
 
     /// After each swap: why it went without the overlay; null when it had it. Writes and allocates nothing
     /// while that stays the same.
@@ -24,6 +27,7 @@ private:
     bool isTold() const { return mHasTold && mToldReason == mReason; }
     void tell();
 
+    core::RenderingApiType mApi;
     std::uint64_t mFrames = 0;
     unsigned int mMissed = 0;  ///< swaps since the last one with the overlay, up to HELD_FRAMES
     bool mWasShown = false;
@@ -33,4 +37,4 @@ private:
     std::int64_t mToldAt = 0;  ///< in milliseconds
 };
 
-}  // namespace opengl
+}  // namespace entry

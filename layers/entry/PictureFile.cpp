@@ -1,4 +1,4 @@
-#include "opengl/entry/PictureFile.h"
+#include "entry/PictureFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -9,7 +9,7 @@
 
 #include "io/PlainFile.h"
 
-namespace opengl {
+namespace entry {
 
 namespace {
 
@@ -42,9 +42,11 @@ int writeNew(const std::string& path, std::string_view header, std::string_view 
 
 }  // namespace
 
-std::string writePicture(const std::string& path, const SurfaceSize& size,
+std::string writePicture(const std::string& path, const SurfaceSize& size, RowOrder order,
                          std::vector<std::uint8_t>& pixels) {
-    flipVertically(pixels, static_cast<std::size_t>(size.width) * CHANNELS);
+    if (order == RowOrder::BOTTOM_FIRST) {
+        flipVertically(pixels, static_cast<std::size_t>(size.width) * CHANNELS);
+    }
     for (std::size_t i = CHANNELS - 1; i < pixels.size(); i += CHANNELS) {
         pixels[i] = OPAQUE;
     }
@@ -63,4 +65,4 @@ std::string writePicture(const std::string& path, const SurfaceSize& size,
     return error == 0 ? std::string() : path + ": " + std::generic_category().message(error);
 }
 
-}  // namespace opengl
+}  // namespace entry

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace opengl {
+namespace entry {
 
 /// Milliseconds of a clock that is cheap to read and only counts on.
 inline std::int64_t nowMs() {
@@ -13,4 +13,4 @@ inline std::int64_t nowMs() {
     return std::int64_t{time.tv_sec} * 1000 + time.tv_nsec / 1000000;
 }
 
-}  // namespace opengl
+}  // namespace entry

@@ -1,10 +1,10 @@
-#include "opengl/entry/OverlayRight.h"
+#include "entry/OverlayRight.h"
 
-#include "opengl/entry/LayerApi.h"
+#include "core/StateInfo.h"
 #include "runs/OverlayClaim.h"
 #include "utils/SystemInfoHelper.h"
 
-namespace opengl {
+namespace entry {
 
 namespace {
 
@@ -14,12 +14,15 @@ constexpr std::int64_t REFUSED_MS = 2000;
 }  // namespace
 
 Obstacle OverlayRight::ask() {
-    switch (platform::claimOverlay(utils::getProcessName(), static_cast<std::int32_t>(LAYER_API))) {
+    switch (platform::claimOverlay(utils::getProcessName(), static_cast<std::int32_t>(mApi))) {
         case platform::Claim::FOREIGN:
             mRefusedUntil.store(nowMs() + REFUSED_MS, std::memory_order_relaxed);
             return "another process of the run was the first to present a frame";
         case platform::Claim::BUSY:
             return "somebody is writing properties";
+        case platform::Claim::OTHER_API:
+            mRefusedUntil.store(nowMs() + REFUSED_MS, std::memory_order_relaxed);
+            return "another graphics API of this process was the first to present a frame";
         case platform::Claim::OWN:
         case platform::Claim::NONE:
             break;
@@ -28,4 +31,4 @@ Obstacle OverlayRight::ask() {
     return nullptr;
 }
 
-}  // namespace opengl
+}  // namespace entry

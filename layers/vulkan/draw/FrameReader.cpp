@@ -1,0 +1,96 @@
+#include "vulkan/draw/FrameReader.h"
+
+#include <unistd.h>
+
+#include <new>
+
+#include "entry/PictureFile.h"
+#include "utils/Log.h"
+#include "vulkan/draw/ColorEncoding.h"
+
+namespace vulkan {
+
+namespace {
+
+constexpr std::size_t CHANNELS = 4;
+
+constexpr ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_WRITE_BIT,
+                              VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL};
+constexpr ImageUse COPIED = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_READ_BIT,
+                             VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL};
+
+}  // namespace
+
+FrameReader::FrameReader(const Gpu& gpu, const SwapchainImages& swapchain)
+    : mGpu(gpu),
+      mSize(swapchain.size),
+      mFormat(encodingOf(swapchain.format, swapchain.colorSpace) == ColorEncoding::AS_SRGB ||
+                      encodingOf(swapchain.format, swapchain.colorSpace) == ColorEncoding::PQ
+                  ? VK_FORMAT_R8G8B8A8_UNORM
+                  : VK_FORMAT_R8G8B8A8_SRGB),
+      mObstacle(!swapchain.isReadable ? "the surface does not let its images be read"
+                : !gpu.has(swapchain.format, VK_FORMAT_FEATURE_BLIT_SRC_BIT) ||
+                        !gpu.has(mFormat, VK_FORMAT_FEATURE_BLIT_DST_BIT)
+                    ? "images of the surface's format cannot be converted"
+                    : nullptr),
+      mBuffer(gpu, VK_BUFFER_USAGE_TRANSFER_DST_BIT) {}
+
+void FrameReader::read(const std::string& path, VkImage image, VkCommandBuffer commands, SubmissionRing& ring) {
+    mPath = path;
+    if (!mImage) {
+        mImage.emplace(mGpu, mFormat, mSize, VK_IMAGE_USAGE_TRANSFER_SRC_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT);
+    }
+    mBuffer.reserve(CHANNELS * mSize.width * mSize.height);
+    move(mGpu, commands, mImage->handle(), {VK_PIPELINE_STAGE_TRANSFER_BIT, 0, VK_IMAGE_LAYOUT_UNDEFINED},
+         WRITTEN);
+    const VkOffset3D end = {static_cast<std::int32_t>(mSize.width), static_cast<std::int32_t>(mSize.height), 1};
+    VkImageBlit blit = {};
+    blit.srcSubresource = WHOLE_LAYER;
+    blit.srcOffsets[1] = end;
+    blit.dstSubresource = WHOLE_LAYER;
+    blit.dstOffsets[1] = end;
+    mGpu.vk.CmdBlitImage(commands, image, COPIED.layout, mImage->handle(), WRITTEN.layout, 1, &blit,
+                         VK_FILTER_NEAREST);
+    move(mGpu, commands, mImage->handle(), WRITTEN, COPIED);
+    VkBufferImageCopy copy = {};
+    copy.imageSubresource = WHOLE_LAYER;
+    copy.imageExtent = {mSize.width, mSize.height, 1};
+    mGpu.vk.CmdCopyImageToBuffer(commands, mImage->handle(), COPIED.layout, mBuffer.handle(), 1, &copy);
+    auto barrier = infoOf<VkBufferMemoryBarrier>(VK_STRUCTURE_TYPE_BUFFER_MEMORY_BARRIER);
+    barrier.srcAccessMask = VK_ACCESS_TRANSFER_WRITE_BIT;
+    barrier.dstAccessMask = VK_ACCESS_HOST_READ_BIT;
+    barrier.srcQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED;
+    barrier.dstQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED;
+    barrier.buffer = mBuffer.handle();
+    barrier.size = VK_WHOLE_SIZE;
+    mGpu.vk.CmdPipelineBarrier(commands, VK_PIPELINE_STAGE_TRANSFER_BIT, VK_PIPELINE_STAGE_HOST_BIT, 0, 0,
+                               nullptr, 1, &barrier, 0, nullptr);
+    mSubmission = ring.current();
+}
+
+void FrameReader::advance(SubmissionRing& ring) {
+    if (!isBusy() || !ring.isDone(mSubmission)) {
+        return;
+    }
+    mSubmission = 0;
+    std::string error = "there is no memory for it";
+    try {
+        std::vector<std::uint8_t> pixels(mBuffer.bytes(), mBuffer.bytes() + CHANNELS * mSize.width * mSize.height);
+        error = entry::writePicture(mPath, {static_cast<int>(mSize.width), static_cast<int>(mSize.height)},
+                                    entry::RowOrder::TOP_FIRST, pixels);
+    } catch (const std::bad_alloc&) {
+        unlink(mPath.c_str());
+    }
+    if (!error.empty()) {
+        KORDANIX_LOG_ERROR("no picture could be written: %s", KORDANIX_LOG_HERE, error.c_str());
+    }
+}
+
+void FrameReader::abandon() {
+    if (isBusy()) {
+        mSubmission = 0;
+        unlink(mPath.c_str());
+    }
+}
+
+}  // namespace vulkan

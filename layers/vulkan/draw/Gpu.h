@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+
+#include "vulkan/api/Functions.h"
+
+namespace vulkan {
+
+/// What drawing needs to know of a device of the application. Constant once made; any thread.
+struct Gpu {
+    VkDevice device = VK_NULL_HANDLE;
+    VkPhysicalDevice physicalDevice = VK_NULL_HANDLE;
+    const InstanceFunctions* instance = nullptr;
+    DeviceFunctions vk;
+    VkPhysicalDeviceMemoryProperties memory = {};
+
+    /// Makes a command buffer that this layer allocated one of the loader's objects.
+    PFN_vkSetDeviceLoaderData setLoaderData = nullptr;
+
+    /// Whether images of a format, in optimal tiling, have these features.
+    bool has(VkFormat format, VkFormatFeatureFlags features) const {
+        VkFormatProperties properties = {};
+        instance->GetPhysicalDeviceFormatProperties(physicalDevice, format, &properties);
+        return (properties.optimalTilingFeatures & features) == features;
+    }
+};
+
+}  // namespace vulkan

@@ -1,0 +1,170 @@
+#include "vulkan/draw/Renderer.h"
+
+namespace vulkan {
+
+namespace {
+
+constexpr VkPipelineStageFlags OUTPUT = VK_PIPELINE_STAGE_COLOR_ATTACHMENT_OUTPUT_BIT;
+constexpr VkPipelineStageFlags TRANSFER = VK_PIPELINE_STAGE_TRANSFER_BIT;
+constexpr VkAccessFlags DRAWING = VK_ACCESS_COLOR_ATTACHMENT_READ_BIT | VK_ACCESS_COLOR_ATTACHMENT_WRITE_BIT;
+
+constexpr ImageUse COPIED = {TRANSFER, VK_ACCESS_TRANSFER_READ_BIT, VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL};
+constexpr ImageUse DRAWN = {OUTPUT, DRAWING, VK_IMAGE_LAYOUT_PRESENT_SRC_KHR};
+constexpr ImageUse PRESENTED = {VK_PIPELINE_STAGE_BOTTOM_OF_PIPE_BIT, 0, VK_IMAGE_LAYOUT_PRESENT_SRC_KHR};
+
+}  // namespace
+
+Renderer::Renderer(const Gpu& gpu, Pipelines& pipelines, const SwapchainImages& swapchain,
+                   std::uint32_t queueFamily, int side)
+    : mGpu(gpu),
+      mPipelines(pipelines),
+      mSwapchain(swapchain),
+      mPipeline(pipelines.find(swapchain.format, encodingOf(swapchain.format, swapchain.colorSpace))),
+      mTargets(gpu, swapchain, mPipeline.renderPass),
+      mRing(gpu, queueFamily),
+      mVertices(gpu),
+      mGlyphs(gpu, side),
+      mGlyphSide(side),
+      mThumbnail(gpu, swapchain),
+      mReader(gpu, swapchain) {
+    createSet();
+}
+
+Renderer::~Renderer() {
+    mReader.abandon();
+    mGpu.vk.DestroyDescriptorPool(mGpu.device, mSetPool, nullptr);
+}
+
+void Renderer::createSet() {
+    const VkDescriptorPoolSize size = {VK_DESCRIPTOR_TYPE_COMBINED_IMAGE_SAMPLER, 2};
+    auto pool = infoOf<VkDescriptorPoolCreateInfo>(VK_STRUCTURE_TYPE_DESCRIPTOR_POOL_CREATE_INFO);
+    pool.maxSets = 1;
+    pool.poolSizeCount = 1;
+    pool.pPoolSizes = &size;
+    check(mGpu.vk.CreateDescriptorPool(mGpu.device, &pool, nullptr, &mSetPool), "vkCreateDescriptorPool");
+    const VkDescriptorSetLayout layout = mPipelines.setLayout();
+    auto info = infoOf<VkDescriptorSetAllocateInfo>(VK_STRUCTURE_TYPE_DESCRIPTOR_SET_ALLOCATE_INFO);
+    info.descriptorPool = mSetPool;
+    info.descriptorSetCount = 1;
+    info.pSetLayouts = &layout;
+    const VkResult result = mGpu.vk.AllocateDescriptorSets(mGpu.device, &info, &mSet);
+    if (result != VK_SUCCESS) {
+        mGpu.vk.DestroyDescriptorPool(mGpu.device, mSetPool, nullptr);
+        check(result, "vkAllocateDescriptorSets");
+    }
+    const std::array<VkDescriptorImageInfo, 2> images = {
+        {{VK_NULL_HANDLE, mGlyphs.view(), VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL},
+         {VK_NULL_HANDLE, mThumbnail.view(), VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL}}};
+    auto write = infoOf<VkWriteDescriptorSet>(VK_STRUCTURE_TYPE_WRITE_DESCRIPTOR_SET);
+    write.dstSet = mSet;
+    write.descriptorType = VK_DESCRIPTOR_TYPE_COMBINED_IMAGE_SAMPLER;
+    std::array<VkWriteDescriptorSet, 2> writes = {write, write};
+    for (std::uint32_t i = 0; i < writes.size(); ++i) {
+        writes[i].dstBinding = i;
+        writes[i].descriptorCount = 1;
+        writes[i].pImageInfo = &images[i];
+    }
+    mGpu.vk.UpdateDescriptorSets(mGpu.device, writes.size(), writes.data(), 0, nullptr);
+}
+
+entry::Obstacle Renderer::show(drawlist::DrawList& list, const Frame& frame, VkSemaphore& drawn) {
+    if (frame.queue != mQueue && !mRing.isIdle()) {
+        return "its presents change from queue to queue";
+    }
+    VkCommandBuffer commands = mRing.begin();
+    if (commands == VK_NULL_HANDLE) {
+        return "the GPU is too far behind";
+    }
+    mQueue = frame.queue;
+    const bool isThumbnailTaken = frame.hasOverlay && mThumbnail.isDue(list);
+    if (frame.waitCount == 0) {
+        // Nothing but the order of submissions stands between the application's drawing and this.
+        auto barrier = infoOf<VkMemoryBarrier>(VK_STRUCTURE_TYPE_MEMORY_BARRIER);
+        barrier.srcAccessMask = VK_ACCESS_MEMORY_WRITE_BIT;
+        barrier.dstAccessMask = DRAWING | VK_ACCESS_TRANSFER_READ_BIT;
+        mGpu.vk.CmdPipelineBarrier(commands, VK_PIPELINE_STAGE_ALL_COMMANDS_BIT, OUTPUT | TRANSFER, 0, 1,
+                                   &barrier, 0, nullptr, 0, nullptr);
+    }
+    record(list, frame, isThumbnailTaken, commands);
+    drawn = submit(frame, isThumbnailTaken || !frame.picture.empty());
+    return nullptr;
+}
+
+void Renderer::record(drawlist::DrawList& list, const Frame& frame, bool isThumbnailTaken,
+                      VkCommandBuffer commands) {
+    VkImage image = mSwapchain.images[frame.image];
+    // The semaphores are waited for in these stages.
+    constexpr ImageUse ACQUIRED = {OUTPUT | TRANSFER, 0, VK_IMAGE_LAYOUT_PRESENT_SRC_KHR};
+    if (frame.hasOverlay) {
+        mThumbnail.prepare(commands);
+        if (isThumbnailTaken) {
+            move(mGpu, commands, image, ACQUIRED, COPIED);
+            mThumbnail.take(list, image, commands);
+            move(mGpu, commands, image, COPIED, DRAWN);
+        }
+        mGlyphs.update(list.glyphs, commands, mRing);
+        VkBuffer vertices = list.batch.vertexCount() != 0 ? mVertices.use(list, mRing) : VK_NULL_HANDLE;
+        for (VkFramebuffer framebuffer : mTargets.framebuffers(frame.image)) {
+            auto info = infoOf<VkRenderPassBeginInfo>(VK_STRUCTURE_TYPE_RENDER_PASS_BEGIN_INFO);
+            info.renderPass = mPipeline.renderPass;
+            info.framebuffer = framebuffer;
+            info.renderArea = {{0, 0}, mSwapchain.size};
+            mGpu.vk.CmdBeginRenderPass(commands, &info, VK_SUBPASS_CONTENTS_INLINE);
+            if (vertices != VK_NULL_HANDLE) {
+                recordDraws(list, commands, vertices);
+            }
+            mGpu.vk.CmdEndRenderPass(commands);
+        }
+    }
+    if (!frame.picture.empty()) {
+        move(mGpu, commands, image, frame.hasOverlay ? DRAWN : ACQUIRED, COPIED);
+        mReader.read(frame.picture, image, commands, mRing);
+        move(mGpu, commands, image, COPIED, PRESENTED);
+    }
+}
+
+void Renderer::recordDraws(const drawlist::DrawList& list, VkCommandBuffer commands, VkBuffer vertices) {
+    const DeviceFunctions& vk = mGpu.vk;
+    const auto width = static_cast<float>(mSwapchain.size.width);
+    const auto height = static_cast<float>(mSwapchain.size.height);
+    const VkViewport viewport = {0.0F, 0.0F, width, height, 0.0F, 1.0F};
+    const VkRect2D scissor = {{0, 0}, mSwapchain.size};
+    constexpr VkDeviceSize FROM_THE_START = 0;
+    vk.CmdBindPipeline(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, mPipeline.pipeline);
+    vk.CmdSetViewport(commands, 0, 1, &viewport);
+    vk.CmdSetScissor(commands, 0, 1, &scissor);
+    vk.CmdBindDescriptorSets(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, mPipelines.layout(), 0, 1, &mSet, 0,
+                             nullptr);
+    vk.CmdBindVertexBuffers(commands, 0, 1, &vertices, &FROM_THE_START);
+    for (const drawlist::Draw& draw : list.draws()) {
+        if (draw.vertices.mCount == 0 || (draw.isPicture && !mThumbnail.isTaken())) {
+            continue;
+        }
+        const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
+        const glm::vec4 toTexture = draw.isPicture ? mThumbnail.toTexture(list.batch)
+                                                   : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
+        const Places places = {{2.0F / width, 2.0F / height, -1.0F, -1.0F},
+                               {toTexture.x, toTexture.y, toTexture.z, toTexture.w},
+                               draw.isPicture ? 1U : 0U};
+        vk.CmdPushConstants(commands, mPipelines.layout(),
+                            VK_SHADER_STAGE_VERTEX_BIT | VK_SHADER_STAGE_FRAGMENT_BIT, 0, sizeof(places),
+                            &places);
+        vk.CmdDraw(commands, static_cast<std::uint32_t>(draw.vertices.mCount), 1,
+                   static_cast<std::uint32_t>(draw.vertices.mFirst), 0);
+    }
+}
+
+VkSemaphore Renderer::submit(const Frame& frame, bool isCopied) {
+    VkSemaphore drawn = mTargets.semaphore(frame.image);
+    mStages.assign(frame.waitCount, isCopied ? OUTPUT | TRANSFER : OUTPUT);
+    auto info = infoOf<VkSubmitInfo>(VK_STRUCTURE_TYPE_SUBMIT_INFO);
+    info.waitSemaphoreCount = frame.waitCount;
+    info.pWaitSemaphores = frame.waits;
+    info.pWaitDstStageMask = mStages.data();
+    info.signalSemaphoreCount = 1;
+    info.pSignalSemaphores = &drawn;
+    mRing.submit(frame.queue, info);
+    return drawn;
+}
+
+}  // namespace vulkan

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "entry/Obstacle.h"
+#include "vulkan/draw/Pipelines.h"
+#include "vulkan/draw/Renderer.h"
+#include "vulkan/draw/RetiredSemaphores.h"
+#include "vulkan/entry/ObjectMap.h"
+
+namespace vulkan {
+
+/// An instance of the application.
+struct Instance {
+    VkInstance handle;
+    InstanceFunctions functions;
+    bool isComplete;  ///< with all functions that the layer needs
+};
+
+/// A swapchain of the application. Used by the thread that presents or destroys it.
+struct Swapchain {
+    VkSwapchainKHR handle = VK_NULL_HANDLE;
+    SwapchainImages images;
+    entry::Obstacle obstacle = nullptr;  ///< why it is left alone
+    std::unique_ptr<Renderer> renderer;  ///< made when there is something to show
+    std::uint32_t family = 0;            ///< of the queues that the renderer works for
+};
+
+/// A device of the application. Any thread.
+class Device {
+public:
+    /// `family` of a queue that is no queue of the device's.
+    static constexpr std::uint32_t NO_FAMILY = ~0U;
+
+    /// `isComplete`: with all functions that the layer needs.
+    Device(const Instance& instance, const Gpu& gpu, bool isComplete);
+
+    /// Before the device is destroyed: takes out what the layer made in it.
+    ~Device();
+    Device(const Device&) = delete;
+    Device& operator=(const Device&) = delete;
+
+    const Gpu& gpu() const { return mGpu; }
+
+    void addQueue(VkQueue queue, std::uint32_t family);
+    std::uint32_t familyOf(VkQueue queue) const;
+    bool canDraw(std::uint32_t family) const;
+
+    /// The application's function, for which uses are added that drawing needs and the surface allows. `made`
+    /// is what the layer knows of the new swapchain; null after a failure.
+    VkResult createSwapchain(const VkSwapchainCreateInfoKHR& info, const VkAllocationCallbacks* allocator,
+                             VkSwapchainKHR* handle, Swapchain*& made);
+    void destroySwapchain(VkSwapchainKHR handle, const VkAllocationCallbacks* allocator);
+    Swapchain* findSwapchain(VkSwapchainKHR handle) const { return mSwapchains.find(handle); }
+
+    /// The swapchain's renderer for queues of a family. Throws Failure.
+    Renderer& renderer(Swapchain& swapchain, std::uint32_t family, drawlist::DrawList& list);
+
+    /// After each submission of the renderer's.
+    void onSubmitted(Renderer& renderer) { mRetired.onSubmitted(renderer.queue(), renderer.ring()); }
+
+private:
+    void release(Swapchain& swapchain);
+    entry::Obstacle findObstacle(const VkSwapchainCreateInfoKHR& info) const;
+    VkImageUsageFlags possibleUses(const VkSwapchainCreateInfoKHR& info) const;
+    void readImages(Swapchain& swapchain) const;
+
+    const Instance& mInstance;
+    const Gpu mGpu;
+    const bool mIsComplete;
+    std::vector<VkQueueFamilyProperties> mFamilies;
+    std::optional<Pipelines> mPipelines;
+    RetiredSemaphores mRetired;
+    ObjectMap<VkQueue, std::uint32_t> mQueues;
+    ObjectMap<VkSwapchainKHR, Swapchain> mSwapchains;
+};
+
+}  // namespace vulkan

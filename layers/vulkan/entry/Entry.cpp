@@ -1,0 +1,283 @@
+// What Vulkan's loader calls. Dispatchable handles begin with a pointer of the loader's, which the objects made
+// from an instance, or from a device, share: it tells whose a handle is.
+
+#include <cstring>
+#include <exception>
+#include <memory>
+#include <new>
+
+#include "ostra/PerProcess.h"
+#include "utils/Log.h"
+#include "vulkan/entry/Layer.h"
+
+namespace vulkan {
+
+namespace {
+
+using Key = void*;
+
+template <typename Handle>
+Key keyOf(Handle handle) {
+    return *reinterpret_cast<Key*>(handle);
+}
+
+/// Never destroyed: programs call Vulkan until their last moment.
+ObjectMap<Key, Instance>& instances() {
+    static auto* const all = new ObjectMap<Key, Instance>;
+    return *all;
+}
+
+ObjectMap<Key, Device>& devices() {
+    static auto* const all = new ObjectMap<Key, Device>;
+    return *all;
+}
+
+/// The loader's structure of a type in a chain; of those that come twice, the one that says `function`.
+template <typename Info>
+Info* findLink(const void* chain, VkStructureType type, VkLayerFunction function) {
+    for (const auto* each = static_cast<const VkBaseInStructure*>(chain); each != nullptr;
+         each = each->pNext) {
+        if (each->sType == type) {
+            const auto* const info = reinterpret_cast<const Info*>(each);
+            if (info->function == function) {
+                return const_cast<Info*>(info);  // NOLINT: the loader wants it advanced
+            }
+        }
+    }
+    return nullptr;
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL createInstance(const VkInstanceCreateInfo* info,
+                                              const VkAllocationCallbacks* allocator, VkInstance* instance) {
+    auto* const link = findLink<VkLayerInstanceCreateInfo>(
+        info->pNext, VK_STRUCTURE_TYPE_LOADER_INSTANCE_CREATE_INFO, VK_LAYER_LINK_INFO);
+    if (link == nullptr || link->u.pLayerInfo == nullptr) {
+        return VK_ERROR_INITIALIZATION_FAILED;
+    }
+    const PFN_vkGetInstanceProcAddr lookUp = link->u.pLayerInfo->pfnNextGetInstanceProcAddr;
+    link->u.pLayerInfo = link->u.pLayerInfo->pNext;
+    const auto create = reinterpret_cast<PFN_vkCreateInstance>(lookUp(VK_NULL_HANDLE, "vkCreateInstance"));
+    if (create == nullptr) {
+        return VK_ERROR_INITIALIZATION_FAILED;
+    }
+    const VkResult result = create(info, allocator, instance);
+    if (result != VK_SUCCESS) {
+        return result;
+    }
+    InstanceFunctions functions;
+    const bool isComplete = functions.load(*instance, lookUp);
+    try {
+        instances().insert(keyOf(*instance),
+                           std::make_unique<Instance>(Instance{*instance, functions, isComplete}));
+    } catch (const std::bad_alloc&) {
+        // Without a record nothing could be passed on.
+        if (functions.DestroyInstance != nullptr) {
+            functions.DestroyInstance(*instance, allocator);
+        }
+        return VK_ERROR_OUT_OF_HOST_MEMORY;
+    }
+    return result;
+}
+
+VKAPI_ATTR void VKAPI_CALL destroyInstance(VkInstance instance, const VkAllocationCallbacks* allocator) {
+    if (instance == VK_NULL_HANDLE) {
+        return;
+    }
+    const Key key = keyOf(instance);
+    if (const Instance* const found = instances().find(key)) {
+        const PFN_vkDestroyInstance destroy = found->functions.DestroyInstance;
+        // The loader may give the next instance the same key at once.
+        const std::unique_ptr<Instance> gone = instances().remove(key);
+        destroy(instance, allocator);
+    }
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, const VkDeviceCreateInfo* info,
+                                            const VkAllocationCallbacks* allocator, VkDevice* device) {
+    auto* const link = findLink<VkLayerDeviceCreateInfo>(
+        info->pNext, VK_STRUCTURE_TYPE_LOADER_DEVICE_CREATE_INFO, VK_LAYER_LINK_INFO);
+    const auto* const callback = findLink<VkLayerDeviceCreateInfo>(
+        info->pNext, VK_STRUCTURE_TYPE_LOADER_DEVICE_CREATE_INFO, VK_LOADER_DATA_CALLBACK);
+    const Instance* const instance = instances().find(keyOf(physicalDevice));
+    if (link == nullptr || link->u.pLayerInfo == nullptr || instance == nullptr) {
+        return VK_ERROR_INITIALIZATION_FAILED;
+    }
+    const PFN_vkGetInstanceProcAddr instanceLookUp = link->u.pLayerInfo->pfnNextGetInstanceProcAddr;
+    const PFN_vkGetDeviceProcAddr lookUp = link->u.pLayerInfo->pfnNextGetDeviceProcAddr;
+    link->u.pLayerInfo = link->u.pLayerInfo->pNext;
+    const auto create =
+        reinterpret_cast<PFN_vkCreateDevice>(instanceLookUp(instance->handle, "vkCreateDevice"));
+    if (create == nullptr) {
+        return VK_ERROR_INITIALIZATION_FAILED;
+    }
+    const VkResult result = create(physicalDevice, info, allocator, device);
+    if (result != VK_SUCCESS) {
+        return result;
+    }
+    Gpu gpu;
+    gpu.device = *device;
+    gpu.physicalDevice = physicalDevice;
+    gpu.instance = &instance->functions;
+    const bool isComplete = gpu.vk.load(*device, lookUp);
+    gpu.setLoaderData = callback == nullptr ? nullptr : callback->u.pfnSetDeviceLoaderData;
+    if (instance->functions.GetPhysicalDeviceMemoryProperties != nullptr) {
+        instance->functions.GetPhysicalDeviceMemoryProperties(physicalDevice, &gpu.memory);
+    }
+    try {
+        devices().insert(keyOf(*device), std::make_unique<Device>(*instance, gpu, isComplete));
+    } catch (const std::bad_alloc&) {
+        if (gpu.vk.DestroyDevice != nullptr) {
+            gpu.vk.DestroyDevice(*device, allocator);
+        }
+        return VK_ERROR_OUT_OF_HOST_MEMORY;
+    }
+    return result;
+}
+
+VKAPI_ATTR void VKAPI_CALL destroyDevice(VkDevice device, const VkAllocationCallbacks* allocator) {
+    if (device == VK_NULL_HANDLE) {
+        return;
+    }
+    if (std::unique_ptr<Device> gone = devices().remove(keyOf(device))) {
+        const PFN_vkDestroyDevice destroy = gone->gpu().vk.DestroyDevice;
+        gone.reset();
+        destroy(device, allocator);
+    }
+}
+
+VKAPI_ATTR void VKAPI_CALL getDeviceQueue(VkDevice device, std::uint32_t family, std::uint32_t index,
+                                          VkQueue* queue) {
+    Device& record = *devices().find(keyOf(device));
+    record.gpu().vk.GetDeviceQueue(device, family, index, queue);
+    try {
+        record.addQueue(*queue, family);
+    } catch (const std::bad_alloc&) {
+        // What is presented on it is passed through.
+    }
+}
+
+VKAPI_ATTR void VKAPI_CALL getDeviceQueue2(VkDevice device, const VkDeviceQueueInfo2* info, VkQueue* queue) {
+    Device& record = *devices().find(keyOf(device));
+    record.gpu().vk.GetDeviceQueue2(device, info, queue);
+    try {
+        record.addQueue(*queue, info->queueFamilyIndex);
+    } catch (const std::bad_alloc&) {
+        // What is presented on it is passed through.
+    }
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL createSwapchain(VkDevice device, const VkSwapchainCreateInfoKHR* info,
+                                               const VkAllocationCallbacks* allocator,
+                                               VkSwapchainKHR* swapchain) {
+    Device& record = *devices().find(keyOf(device));
+    Swapchain* made = nullptr;
+    const VkResult result = record.createSwapchain(*info, allocator, swapchain, made);
+    Layer* const layer = platform::PerProcess<Layer>::find();
+    const Swapchain* const last =
+        info->oldSwapchain == VK_NULL_HANDLE ? nullptr : record.findSwapchain(info->oldSwapchain);
+    if (layer != nullptr && last != nullptr && made != nullptr) {
+        layer->replace(*last, *made);
+    }
+    return result;
+}
+
+VKAPI_ATTR void VKAPI_CALL destroySwapchain(VkDevice device, VkSwapchainKHR swapchain,
+                                            const VkAllocationCallbacks* allocator) {
+    devices().find(keyOf(device))->destroySwapchain(swapchain, allocator);
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKHR* info) {
+    Device& record = *devices().find(keyOf(queue));
+    try {
+        return platform::PerProcess<Layer>::get().present(record, queue, *info);
+    } catch (const std::exception&) {
+        // There is no layer for lack of memory.
+        return record.gpu().vk.QueuePresentKHR(queue, info);
+    }
+}
+
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name);
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getInstanceProcAddr(VkInstance instance, const char* name);
+
+struct Hook {
+    const char* name;
+    PFN_vkVoidFunction function;
+};
+
+template <typename Function>
+PFN_vkVoidFunction erase(Function* function) {
+    return reinterpret_cast<PFN_vkVoidFunction>(function);
+}
+
+PFN_vkVoidFunction find(const Hook* first, const Hook* end, const char* name) {
+    for (; first != end; ++first) {
+        if (std::strcmp(first->name, name) == 0) {
+            return first->function;
+        }
+    }
+    return nullptr;
+}
+
+PFN_vkVoidFunction findDeviceHook(const char* name) {
+    static const Hook HOOKS[] = {{"vkGetDeviceProcAddr", erase(getDeviceProcAddr)},
+                                 {"vkDestroyDevice", erase(destroyDevice)},
+                                 {"vkGetDeviceQueue", erase(getDeviceQueue)},
+                                 {"vkGetDeviceQueue2", erase(getDeviceQueue2)},
+                                 {"vkCreateSwapchainKHR", erase(createSwapchain)},
+                                 {"vkDestroySwapchainKHR", erase(destroySwapchain)},
+                                 {"vkQueuePresentKHR", erase(queuePresent)}};
+    return find(std::begin(HOOKS), std::end(HOOKS), name);
+}
+
+PFN_vkVoidFunction findInstanceHook(const char* name) {
+    static const Hook HOOKS[] = {{"vkGetInstanceProcAddr", erase(getInstanceProcAddr)},
+                                 {"vkCreateInstance", erase(createInstance)},
+                                 {"vkDestroyInstance", erase(destroyInstance)},
+                                 {"vkCreateDevice", erase(createDevice)}};
+    return find(std::begin(HOOKS), std::end(HOOKS), name);
+}
+
+/// A function that the application did not ask for is not there for it, hooked or not.
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name) {
+    const Device* const record = device == VK_NULL_HANDLE ? nullptr : devices().find(keyOf(device));
+    if (record == nullptr || name == nullptr) {
+        return nullptr;
+    }
+    const PFN_vkVoidFunction next = record->gpu().vk.GetDeviceProcAddr(device, name);
+    const PFN_vkVoidFunction hook = next == nullptr ? nullptr : findDeviceHook(name);
+    return hook == nullptr ? next : hook;
+}
+
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getInstanceProcAddr(VkInstance instance, const char* name) {
+    if (name == nullptr) {
+        return nullptr;
+    }
+    if (const PFN_vkVoidFunction hook = findInstanceHook(name)) {
+        return hook;
+    }
+    const Instance* const record = instance == VK_NULL_HANDLE ? nullptr : instances().find(keyOf(instance));
+    if (record == nullptr) {
+        return nullptr;
+    }
+    const PFN_vkVoidFunction next = record->functions.GetInstanceProcAddr(instance, name);
+    const PFN_vkVoidFunction hook = next == nullptr ? nullptr : findDeviceHook(name);
+    return hook == nullptr ? next : hook;
+}
+
+}  // namespace
+
+}  // namespace vulkan
+
+extern "C" [[gnu::visibility("default")]] VKAPI_ATTR VkResult VKAPI_CALL
+vkNegotiateLoaderLayerInterfaceVersion(VkNegotiateLayerInterface* negotiation) {
+    constexpr std::uint32_t VERSION = 2;
+    if (negotiation == nullptr || negotiation->sType != LAYER_NEGOTIATE_INTERFACE_STRUCT ||
+        negotiation->loaderLayerInterfaceVersion < VERSION) {
+        return VK_ERROR_INITIALIZATION_FAILED;
+    }
+    negotiation->loaderLayerInterfaceVersion = VERSION;
+    negotiation->pfnGetInstanceProcAddr = vulkan::getInstanceProcAddr;
+    negotiation->pfnGetDeviceProcAddr = vulkan::getDeviceProcAddr;
+    negotiation->pfnGetPhysicalDeviceProcAddr = nullptr;
+    return VK_SUCCESS;
+}

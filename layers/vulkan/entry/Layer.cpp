@@ -1,0 +1,233 @@
+#include "vulkan/entry/Layer.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <exception>
+#include <optional>
+#include <utility>
+
+#include "entry/OverlaySwitch.h"
+#include "entry/SurfaceSize.h"
+#include "ostra/PictureRequest.h"
+#include "utils/Log.h"
+
+namespace vulkan {
+
+using entry::Obstacle;
+
+VkResult Layer::present(Device& device, VkQueue queue, const VkPresentInfoKHR& info) {
+    std::uint32_t index = 0;
+    if (!mRight.isRefused()) {
+        Obstacle obstacle = nullptr;
+        Swapchain* const swapchain = choose(device, info, index, obstacle);
+        if (swapchain != nullptr) {
+            return presentWith({device, queue, info, *swapchain, index});
+        }
+        if (obstacle != nullptr) {
+            report(obstacle);
+        }
+    }
+    return device.gpu().vk.QueuePresentKHR(queue, &info);
+}
+
+/// The swapchain in the present that has the overlay, or that gets it because none has. Null, and why unless
+/// another one has it.
+Swapchain* Layer::choose(const Device& device, const VkPresentInfoKHR& info, std::uint32_t& index,
+                         Obstacle& obstacle) {
+    const Swapchain* const shown = mShown.load(std::memory_order_acquire);
+    for (index = 0; index < info.swapchainCount; ++index) {
+        Swapchain* const each = device.findSwapchain(info.pSwapchains[index]);
+        if (each == nullptr || (shown != nullptr && each != shown)) {
+            continue;
+        }
+        if (each->obstacle != nullptr) {
+            obstacle = each->obstacle;
+            continue;
+        }
+        Swapchain* none = nullptr;
+        if (each == shown || mShown.compare_exchange_strong(none, each, std::memory_order_acq_rel)) {
+            obstacle = nullptr;
+            return each;
+        }
+    }
+    return nullptr;
+}
+
+VkResult Layer::presentWith(const Present& present) {
+    const int callersErrno = errno;
+    VkSemaphore drawn = VK_NULL_HANDLE;
+    Obstacle obstacle = nullptr;
+    try {
+        mOverlay.enter();
+        obstacle = draw(present, drawn);
+        mOverlay.beginSwap();
+    } catch (const std::exception& error) {
+        fail(present.swapchain, error.what());
+        obstacle = present.swapchain.obstacle;
+    }
+    errno = callersErrno;
+    const VkResult result = present.device.gpu().vk.QueuePresentKHR(
+        present.queue, drawn == VK_NULL_HANDLE ? &present.info : &mCopy.waitingFor(drawn));
+    const int callsErrno = errno;
+    try {
+        if (std::exchange(mIsInFrame, false)) {
+            mOverlay.endSwap();
+            {
+                const std::lock_guard<std::mutex> lock(mMutex);
+                mOverlay.endFrame();
+            }
+            mOverlay.leave();
+        }
+    } catch (const std::exception& error) {
+        fail(present.swapchain, error.what());
+    }
+    report(obstacle);
+    errno = callsErrno;
+    return result;
+}
+
+Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
+    Swapchain& swapchain = present.swapchain;
+    if (swapchain.renderer != nullptr) {
+        swapchain.renderer->advance();
+    }
+    mList.setSize(static_cast<int>(swapchain.images.size.width),
+                  static_cast<int>(swapchain.images.size.height));
+    Obstacle obstacle = beginFrame();
+    const bool hasOverlay = obstacle == nullptr;
+    if (!mIsInFrame || (!hasOverlay && !isPictureWanted())) {
+        return obstacle;
+    }
+    const Obstacle failure = submit(present, hasOverlay, drawn);
+    return failure != nullptr ? failure : obstacle;
+}
+
+/// The library's part.
+Obstacle Layer::beginFrame() {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (!mRight.isGranted()) {
+        const Obstacle refusal = mRight.ask();
+        if (refusal != nullptr) {
+            return refusal;
+        }
+    }
+    mIsInFrame = true;
+    mOverlay.attach();
+    mOverlay.beginFrame();
+    if (!mOverlay.isShown()) {
+        return entry::whyIsOff(LAYER_API);
+    }
+    mOverlay.draw();
+    return nullptr;
+}
+
+/// The GPU's part.
+Obstacle Layer::submit(const Present& present, bool hasOverlay, VkSemaphore& drawn) {
+    Swapchain& swapchain = present.swapchain;
+    const VkPresentInfoKHR& info = present.info;
+    const std::uint32_t image = info.pImageIndices[present.index];
+    const std::uint32_t family = present.device.familyOf(present.queue);
+    if (!present.device.canDraw(family)) {
+        return "it presents on a queue that cannot draw";
+    }
+    if (swapchain.renderer != nullptr && swapchain.family != family) {
+        return "its presents change from queue to queue";
+    }
+    const Obstacle obstacle = mCopy.prepare(info, present.index);
+    if (obstacle != nullptr || image >= swapchain.images.images.size()) {
+        return obstacle != nullptr ? obstacle : "it presents an image that its swapchain has not";
+    }
+    Renderer& renderer = present.device.renderer(swapchain, family, mList);
+    Renderer::Frame frame = {present.queue, image, info.waitSemaphoreCount, info.pWaitSemaphores, hasOverlay, {}};
+    if (isPictureWanted() && !renderer.isReading()) {
+        frame.picture = std::exchange(mPicture, {});
+        if (renderer.readingObstacle() != nullptr) {
+            unlink(std::exchange(frame.picture, {}).c_str());
+            KORDANIX_LOG_ERROR("no picture could be written: %s", KORDANIX_LOG_HERE, renderer.readingObstacle());
+        }
+    }
+    if (!hasOverlay && frame.picture.empty()) {
+        return nullptr;
+    }
+    if (hasOverlay && swapchain.images.layers == 0) {
+        return "its pictures have no layers";
+    }
+    const Obstacle failure = renderer.show(mList, frame, drawn);
+    if (failure == nullptr) {
+        present.device.onSubmitted(renderer);
+    } else if (!frame.picture.empty()) {
+        mPicture = std::move(frame.picture);
+    }
+    return failure;
+}
+
+/// A request stays until its frame could be read, or whoever asked has taken the file away.
+bool Layer::isPictureWanted() {
+    if (!mPicture.empty()) {
+        if (access(mPicture.c_str(), F_OK) != 0) {
+            mPicture.clear();
+        }
+    } else if (std::optional<std::string> path = platform::takePictureRequest()) {
+        mPicture = std::move(*path);
+    }
+    return !mPicture.empty();
+}
+
+void Layer::replace(const Swapchain& last, Swapchain& next) {
+    const Swapchain* const shown = mShown.load(std::memory_order_acquire);
+    if (shown == &last) {
+        mShown.store(next.obstacle == nullptr ? &next : nullptr, std::memory_order_release);
+    }
+}
+
+void Layer::forget(const Swapchain& swapchain) {
+    if (mShown.load(std::memory_order_acquire) == &swapchain) {
+        mShown.store(nullptr, std::memory_order_release);
+    }
+}
+
+/// What was submitted is left alone until the swapchain goes.
+void Layer::fail(Swapchain& swapchain, const char* reason) {
+    try {
+        swapchain.obstacle = keep(reason);
+    } catch (const std::exception&) {
+        swapchain.obstacle = "there is no memory left";
+    }
+    KORDANIX_LOG_ERROR("a swapchain is passed through: %s", KORDANIX_LOG_HERE, swapchain.obstacle);
+    forget(swapchain);
+}
+
+Obstacle Layer::keep(const std::string& text) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto found = std::find(mFailures.begin(), mFailures.end(), text);
+    return found != mFailures.end() ? found->c_str() : mFailures.emplace_back(text).c_str();
+}
+
+/// What became of a present, for the note and the log.
+void Layer::report(Obstacle obstacle) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    try {
+        mStatus.onFrame(obstacle);
+        if (mRight.isRefused()) {
+            mStatus.finish();
+        }
+    } catch (const std::exception&) {
+        // Out of memory: told after another present.
+    }
+}
+
+void Layer::onExit() {
+    // Another thread may be in the middle of a frame, and this one may have been.
+    const std::unique_lock<std::mutex> lock(mMutex, std::try_to_lock);
+    if (lock.owns_lock()) {
+        try {
+            mStatus.finish();
+        } catch (const std::exception&) {
+            // Out of memory: nobody is told.
+        }
+    }
+}
+
+}  // namespace vulkan

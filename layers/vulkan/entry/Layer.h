@@ -1,0 +1,76 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+
+
+#include "core/RenderingApiType.h"
+#include "drawlist/DrawList.h"
+#include "drawlist/DrawListFactory.h"
+#include "entry/OverlayRight.h"
+#include "entry/StatusNote.h"
+#include "scene/Overlay.h"
+#include "vulkan/entry/Device.h"
+#include "vulkan/entry/PresentCopy.h"
+
+namespace vulkan {
+
+constexpr core::RenderingApiType LAYER_API = core::RenderingApiType::VULKAN;
+
+/// The overlay of this process (see PerProcess.h): it is shown in one swapchain, the first one that is
+/// presented, in that which takes its place, and in another one when it is gone. Any thread. Nothing is
+/// thrown.
+class Layer {
+public:
+    /// The application's present, with the overlay in it where that can be. The result is the application's.
+    VkResult present(Device& device, VkQueue queue, const VkPresentInfoKHR& info);
+
+    /// `next` was made in the place of `last`.
+    void replace(const Swapchain& last, Swapchain& next);
+
+    /// Before the swapchain is destroyed.
+    void forget(const Swapchain& swapchain);
+
+    void onForked() const {}
+    void onExit();
+
+private:
+    struct Present {
+        Device& device;
+        VkQueue queue;
+        const VkPresentInfoKHR& info;
+        Swapchain& swapchain;
+        std::uint32_t index;  ///< of it in the present
+    };
+
+    Swapchain* choose(const Device& device, const VkPresentInfoKHR& info, std::uint32_t& index,
+                      entry::Obstacle& obstacle);
+    VkResult presentWith(const Present& present);
+    entry::Obstacle draw(const Present& present, VkSemaphore& drawn);
+    entry::Obstacle beginFrame();
+    entry::Obstacle submit(const Present& present, bool hasOverlay, VkSemaphore& drawn);
+    bool isPictureWanted();
+    void fail(Swapchain& swapchain, const char* reason);
+    void report(entry::Obstacle obstacle);
+    entry::Obstacle keep(const std::string& text);
+
+    std::mutex mMutex;  ///< around the library's work, the right and the note; no call to Vulkan under it
+    entry::OverlayRight mRight{LAYER_API};
+    entry::StatusNote mStatus{LAYER_API};
+    std::deque<std::string> mFailures;   ///< texts of obstacles, kept for good
+
+    /// Where the overlay is shown; what follows is its thread's. Written under the mutex; acquire and release,
+    /// since what follows goes with it from thread to thread.
+    std::atomic<Swapchain*> mShown = nullptr;
+    drawlist::DrawList mList;
+    drawlist::DrawListFactory mFactory{mList};
+    scene::Overlay mOverlay{mFactory, LAYER_API};
+    PresentCopy mCopy;
+    bool mIsInFrame = false;  ///< the library's frame has begun
+    std::string mPicture;     ///< file to write the next picture to; empty for none
+};
+
+}  // namespace vulkan
