@@ -23,8 +23,8 @@ public:
     /// For good.
     bool isGranted() const { return mIsGranted; }
 
-    /// Another process or API has it, and may still have it: for two seconds after each answer. Any thread; relaxed
-    /// order, since nothing else hangs on it.
+    /// Another process or API has it, and may still have it: for two seconds after each answer. Any thread;
+    /// relaxed order, since nothing else hangs on it.
     bool isRefused() const { return nowMs() < mRefusedUntil.load(std::memory_order_relaxed); }
 
 private:

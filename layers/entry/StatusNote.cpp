@@ -48,8 +48,8 @@ void StatusNote::tell() {
     mHasTold = true;
     mToldReason = mReason;
     mToldAt = nowMs();
-    platform::writeOverlayNote({getpid(), utils::getProcessName(), static_cast<std::int32_t>(mApi),
-                                mWasShown, mFrames, mReason});
+    platform::writeOverlayNote(
+        {getpid(), utils::getProcessName(), static_cast<std::int32_t>(mApi), mWasShown, mFrames, mReason});
 }
 
 }  // namespace entry

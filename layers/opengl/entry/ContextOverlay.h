@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "opengl/draw/OverlayDrawing.h"
 #include "entry/OverlayRight.h"
+#include "opengl/draw/OverlayDrawing.h"
 #include "opengl/entry/LayerApi.h"
 #include "opengl/entry/SurfaceSizeCache.h"
 #include "opengl/gl/Functions.h"

@@ -6,8 +6,8 @@
 #include <mutex>
 #include <vector>
 
-#include "opengl/entry/ContextOverlay.h"
 #include "entry/StatusNote.h"
+#include "opengl/entry/ContextOverlay.h"
 #include "opengl/entry/LayerApi.h"
 #include "opengl/entry/WindowLibrary.h"
 #include "opengl/shim/LayerCalls.h"

@@ -8,11 +8,11 @@
 
 namespace vulkan {
 
-#define VULKAN_INSTANCE_FUNCTIONS(DO)       \
-    DO(DestroyInstance)                     \
-    DO(GetPhysicalDeviceFormatProperties)   \
+#define VULKAN_INSTANCE_FUNCTIONS(DO)          \
+    DO(DestroyInstance)                        \
+    DO(GetPhysicalDeviceFormatProperties)      \
     DO(GetPhysicalDeviceImageFormatProperties) \
-    DO(GetPhysicalDeviceMemoryProperties)   \
+    DO(GetPhysicalDeviceMemoryProperties)      \
     DO(GetPhysicalDeviceQueueFamilyProperties)
 
 #define VULKAN_DEVICE_FUNCTIONS(DO) \

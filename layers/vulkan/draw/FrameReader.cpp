@@ -35,15 +35,18 @@ FrameReader::FrameReader(const Gpu& gpu, const SwapchainImages& swapchain)
                     : nullptr),
       mBuffer(gpu, VK_BUFFER_USAGE_TRANSFER_DST_BIT) {}
 
-void FrameReader::read(const std::string& path, VkImage image, VkCommandBuffer commands, SubmissionRing& ring) {
+void FrameReader::read(const std::string& path, VkImage image, VkCommandBuffer commands,
+                       SubmissionRing& ring) {
     mPath = path;
     if (!mImage) {
-        mImage.emplace(mGpu, mFormat, mSize, VK_IMAGE_USAGE_TRANSFER_SRC_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT);
+        mImage.emplace(mGpu, mFormat, mSize,
+                       VK_IMAGE_USAGE_TRANSFER_SRC_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT);
     }
     mBuffer.reserve(CHANNELS * mSize.width * mSize.height);
     move(mGpu, commands, mImage->handle(), {VK_PIPELINE_STAGE_TRANSFER_BIT, 0, VK_IMAGE_LAYOUT_UNDEFINED},
          WRITTEN);
-    const VkOffset3D end = {static_cast<std::int32_t>(mSize.width), static_cast<std::int32_t>(mSize.height), 1};
+    const VkOffset3D end = {static_cast<std::int32_t>(mSize.width), static_cast<std::int32_t>(mSize.height),
+                            1};
     VkImageBlit blit = {};
     blit.srcSubresource = WHOLE_LAYER;
     blit.srcOffsets[1] = end;
@@ -75,7 +78,8 @@ void FrameReader::advance(SubmissionRing& ring) {
     mSubmission = 0;
     std::string error = "there is no memory for it";
     try {
-        std::vector<std::uint8_t> pixels(mBuffer.bytes(), mBuffer.bytes() + CHANNELS * mSize.width * mSize.height);
+        std::vector<std::uint8_t> pixels(mBuffer.bytes(),
+                                         mBuffer.bytes() + CHANNELS * mSize.width * mSize.height);
         error = entry::writePicture(mPath, {static_cast<int>(mSize.width), static_cast<int>(mSize.height)},
                                     entry::RowOrder::TOP_FIRST, pixels);
     } catch (const std::bad_alloc&) {

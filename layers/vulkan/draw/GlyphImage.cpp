@@ -39,9 +39,10 @@ void GlyphImage::update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, 
     const std::size_t size = static_cast<std::size_t>(count) * static_cast<std::size_t>(mSide);
     Staging& staging = findFree(ring);
     staging.memory.reserve(size);
-    std::memcpy(staging.memory.bytes(),
-                glyphs.texels() + static_cast<std::ptrdiff_t>(rows.mFirst) * static_cast<std::ptrdiff_t>(mSide),
-                size);
+    std::memcpy(
+        staging.memory.bytes(),
+        glyphs.texels() + static_cast<std::ptrdiff_t>(rows.mFirst) * static_cast<std::ptrdiff_t>(mSide),
+        size);
     staging.lastUse = ring.current();
 
     move(mGpu, commands, mImage.handle(), mHasContents ? READ : FRESH, WRITTEN);
@@ -49,7 +50,8 @@ void GlyphImage::update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, 
     copy.imageSubresource = WHOLE_LAYER;
     copy.imageOffset = {0, rows.mFirst, 0};
     copy.imageExtent = {static_cast<std::uint32_t>(mSide), count, 1};
-    mGpu.vk.CmdCopyBufferToImage(commands, staging.memory.handle(), mImage.handle(), WRITTEN.layout, 1, &copy);
+    mGpu.vk.CmdCopyBufferToImage(commands, staging.memory.handle(), mImage.handle(), WRITTEN.layout, 1,
+                                 &copy);
     move(mGpu, commands, mImage.handle(), WRITTEN, READ);
     mHasContents = true;
 }

@@ -16,7 +16,8 @@ public:
     /// Throws Failure.
     GlyphImage(const Gpu& gpu, int side);
 
-    /// Records the upload of what has changed in the cache, for the submission that has begun. Throws Failure.
+    /// Records the upload of what has changed in the cache, for the submission that has begun. Throws
+    /// Failure.
     void update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, SubmissionRing& ring);
 
     VkImageView view() const { return mImage.view(); }

@@ -34,8 +34,8 @@ void MappedBuffer::reserve(std::size_t size) {
         check(mGpu.vk.CreateBuffer(mGpu.device, &info, nullptr, &mBuffer), "vkCreateBuffer");
         VkMemoryRequirements needs = {};
         mGpu.vk.GetBufferMemoryRequirements(mGpu.device, mBuffer, &needs);
-        mMemory = allocate(mGpu, needs,
-                           VK_MEMORY_PROPERTY_HOST_VISIBLE_BIT | VK_MEMORY_PROPERTY_HOST_COHERENT_BIT);
+        mMemory =
+            allocate(mGpu, needs, VK_MEMORY_PROPERTY_HOST_VISIBLE_BIT | VK_MEMORY_PROPERTY_HOST_COHERENT_BIT);
         check(mGpu.vk.BindBufferMemory(mGpu.device, mBuffer, mMemory, 0), "vkBindBufferMemory");
         void* bytes = nullptr;
         check(mGpu.vk.MapMemory(mGpu.device, mMemory, 0, VK_WHOLE_SIZE, 0, &bytes), "vkMapMemory");

@@ -70,7 +70,8 @@ void Pipelines::createLayout() {
         const std::array<VkDescriptorSetLayoutBinding, 2> bindings = {
             {{0, VK_DESCRIPTOR_TYPE_COMBINED_IMAGE_SAMPLER, 1, VK_SHADER_STAGE_FRAGMENT_BIT, &mNearest},
              {1, VK_DESCRIPTOR_TYPE_COMBINED_IMAGE_SAMPLER, 1, VK_SHADER_STAGE_FRAGMENT_BIT, &mLinear}}};
-        auto info = infoOf<VkDescriptorSetLayoutCreateInfo>(VK_STRUCTURE_TYPE_DESCRIPTOR_SET_LAYOUT_CREATE_INFO);
+        auto info =
+            infoOf<VkDescriptorSetLayoutCreateInfo>(VK_STRUCTURE_TYPE_DESCRIPTOR_SET_LAYOUT_CREATE_INFO);
         info.bindingCount = bindings.size();
         info.pBindings = bindings.data();
         check(mGpu.vk.CreateDescriptorSetLayout(mGpu.device, &info, nullptr, &mSetLayout),
@@ -150,21 +151,26 @@ VkPipeline Pipelines::createPipeline(VkRenderPass renderPass, ColorEncoding enco
     stages[1].module = mFragmentShader;
     stages[1].pSpecializationInfo = &constants;
 
-    auto vertices = infoOf<VkPipelineVertexInputStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_VERTEX_INPUT_STATE_CREATE_INFO);
+    auto vertices = infoOf<VkPipelineVertexInputStateCreateInfo>(
+        VK_STRUCTURE_TYPE_PIPELINE_VERTEX_INPUT_STATE_CREATE_INFO);
     vertices.vertexBindingDescriptionCount = 1;
     vertices.pVertexBindingDescriptions = &BINDING;
     vertices.vertexAttributeDescriptionCount = ATTRIBUTES.size();
     vertices.pVertexAttributeDescriptions = ATTRIBUTES.data();
-    auto assembly = infoOf<VkPipelineInputAssemblyStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_INPUT_ASSEMBLY_STATE_CREATE_INFO);
+    auto assembly = infoOf<VkPipelineInputAssemblyStateCreateInfo>(
+        VK_STRUCTURE_TYPE_PIPELINE_INPUT_ASSEMBLY_STATE_CREATE_INFO);
     assembly.topology = VK_PRIMITIVE_TOPOLOGY_TRIANGLE_LIST;
-    auto viewport = infoOf<VkPipelineViewportStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_VIEWPORT_STATE_CREATE_INFO);
+    auto viewport =
+        infoOf<VkPipelineViewportStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_VIEWPORT_STATE_CREATE_INFO);
     viewport.viewportCount = 1;
     viewport.scissorCount = 1;
-    auto raster = infoOf<VkPipelineRasterizationStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_RASTERIZATION_STATE_CREATE_INFO);
+    auto raster = infoOf<VkPipelineRasterizationStateCreateInfo>(
+        VK_STRUCTURE_TYPE_PIPELINE_RASTERIZATION_STATE_CREATE_INFO);
     raster.polygonMode = VK_POLYGON_MODE_FILL;
     raster.cullMode = VK_CULL_MODE_NONE;
     raster.lineWidth = 1.0F;
-    auto samples = infoOf<VkPipelineMultisampleStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_MULTISAMPLE_STATE_CREATE_INFO);
+    auto samples = infoOf<VkPipelineMultisampleStateCreateInfo>(
+        VK_STRUCTURE_TYPE_PIPELINE_MULTISAMPLE_STATE_CREATE_INFO);
     samples.rasterizationSamples = VK_SAMPLE_COUNT_1_BIT;
     VkPipelineColorBlendAttachmentState blend = {};
     blend.blendEnable = VK_TRUE;
@@ -174,11 +180,13 @@ VkPipeline Pipelines::createPipeline(VkRenderPass renderPass, ColorEncoding enco
     blend.dstAlphaBlendFactor = VK_BLEND_FACTOR_ONE_MINUS_SRC_ALPHA;
     blend.colorWriteMask = VK_COLOR_COMPONENT_R_BIT | VK_COLOR_COMPONENT_G_BIT | VK_COLOR_COMPONENT_B_BIT |
                            VK_COLOR_COMPONENT_A_BIT;
-    auto blending = infoOf<VkPipelineColorBlendStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_COLOR_BLEND_STATE_CREATE_INFO);
+    auto blending =
+        infoOf<VkPipelineColorBlendStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_COLOR_BLEND_STATE_CREATE_INFO);
     blending.attachmentCount = 1;
     blending.pAttachments = &blend;
     constexpr std::array<VkDynamicState, 2> CHANGING = {VK_DYNAMIC_STATE_VIEWPORT, VK_DYNAMIC_STATE_SCISSOR};
-    auto dynamic = infoOf<VkPipelineDynamicStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_DYNAMIC_STATE_CREATE_INFO);
+    auto dynamic =
+        infoOf<VkPipelineDynamicStateCreateInfo>(VK_STRUCTURE_TYPE_PIPELINE_DYNAMIC_STATE_CREATE_INFO);
     dynamic.dynamicStateCount = CHANGING.size();
     dynamic.pDynamicStates = CHANGING.data();
 

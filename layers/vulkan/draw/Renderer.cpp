@@ -141,8 +141,8 @@ void Renderer::recordDraws(const drawlist::DrawList& list, VkCommandBuffer comma
             continue;
         }
         const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
-        const glm::vec4 toTexture = draw.isPicture ? mThumbnail.toTexture(list.batch)
-                                                   : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
+        const glm::vec4 toTexture =
+            draw.isPicture ? mThumbnail.toTexture(list.batch) : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
         const Places places = {{2.0F / width, 2.0F / height, -1.0F, -1.0F},
                                {toTexture.x, toTexture.y, toTexture.z, toTexture.w},
                                draw.isPicture ? 1U : 0U};

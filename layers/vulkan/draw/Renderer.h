@@ -33,8 +33,8 @@ public:
     };
 
     /// `swapchain` and the others outlive it. `side` is that of the glyph texture. Throws Failure.
-    Renderer(const Gpu& gpu, Pipelines& pipelines, const SwapchainImages& swapchain, std::uint32_t queueFamily,
-             int side);
+    Renderer(const Gpu& gpu, Pipelines& pipelines, const SwapchainImages& swapchain,
+             std::uint32_t queueFamily, int side);
     ~Renderer();
     Renderer(const Renderer&) = delete;
     Renderer& operator=(const Renderer&) = delete;
@@ -61,7 +61,8 @@ public:
 
 private:
     void createSet();
-    void record(drawlist::DrawList& list, const Frame& frame, bool isThumbnailTaken, VkCommandBuffer commands);
+    void record(drawlist::DrawList& list, const Frame& frame, bool isThumbnailTaken,
+                VkCommandBuffer commands);
     void recordDraws(const drawlist::DrawList& list, VkCommandBuffer commands, VkBuffer vertices);
     VkSemaphore submit(const Frame& frame, bool isCopied);
 

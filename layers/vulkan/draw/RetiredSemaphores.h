@@ -9,8 +9,8 @@
 
 namespace vulkan {
 
-/// Semaphores of swapchains that are gone. No fence tells when a present has waited for its semaphore; what is
-/// submitted to the same queue after it and has been done does. Any thread.
+/// Semaphores of swapchains that are gone. No fence tells when a present has waited for its semaphore; what
+/// is submitted to the same queue after it and has been done does. Any thread.
 class RetiredSemaphores {
 public:
     explicit RetiredSemaphores(const Gpu& gpu) : mGpu(gpu) {}

@@ -8,8 +8,8 @@
 
 namespace vulkan {
 
-/// The command buffers of one swapchain's overlay, in a ring: each is used again when the GPU has done it, and
-/// nobody waits for that. Those of one queue are done in their order.
+/// The command buffers of one swapchain's overlay, in a ring: each is used again when the GPU has done it,
+/// and nobody waits for that. Those of one queue are done in their order.
 class SubmissionRing {
 public:
     /// Throws Failure.

@@ -9,8 +9,8 @@
 
 namespace vulkan {
 
-/// What it takes to draw into the images of a swapchain, and the semaphore of each that its present waits for:
-/// used again only when the image is presented again, since it must have been acquired in between.
+/// What it takes to draw into the images of a swapchain, and the semaphore of each that its present waits
+/// for: used again only when the image is presented again, since it must have been acquired in between.
 class Targets {
 public:
     /// Throws Failure.

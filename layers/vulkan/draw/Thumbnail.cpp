@@ -18,7 +18,8 @@ constexpr ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER
 constexpr std::uint32_t SIDE = 512;
 constexpr float SCALE = 2.0F;
 
-constexpr VkFormatFeatureFlags FEATURES = VK_FORMAT_FEATURE_BLIT_DST_BIT | VK_FORMAT_FEATURE_SAMPLED_IMAGE_BIT |
+constexpr VkFormatFeatureFlags FEATURES = VK_FORMAT_FEATURE_BLIT_DST_BIT |
+                                          VK_FORMAT_FEATURE_SAMPLED_IMAGE_BIT |
                                           VK_FORMAT_FEATURE_SAMPLED_IMAGE_FILTER_LINEAR_BIT;
 
 /// A format whose values a sampler returns as those that the swapchain's images want to be written.
@@ -71,18 +72,19 @@ bool Thumbnail::isDue(const drawlist::DrawList& list) const {
 void Thumbnail::take(drawlist::DrawList& list, VkImage image, VkCommandBuffer commands) {
     const raster::Box& box = list.batch.pictureBox();
     const auto side = [](float length) {
-        return static_cast<std::uint32_t>(raster::toInt(std::round(SCALE * length), 1, static_cast<int>(SIDE)));
+        return static_cast<std::uint32_t>(
+            raster::toInt(std::round(SCALE * length), 1, static_cast<int>(SIDE)));
     };
     mUsed = {side(box.mRight - box.mLeft), side(box.mBottom - box.mTop)};
     move(mGpu, commands, mImage.handle(), {READ.stages, 0, VK_IMAGE_LAYOUT_UNDEFINED}, WRITTEN);
     VkImageBlit blit = {};
     blit.srcSubresource = WHOLE_LAYER;
-    blit.srcOffsets[1] = {static_cast<std::int32_t>(mSurface.width), static_cast<std::int32_t>(mSurface.height),
-                          1};
+    blit.srcOffsets[1] = {static_cast<std::int32_t>(mSurface.width),
+                          static_cast<std::int32_t>(mSurface.height), 1};
     blit.dstSubresource = WHOLE_LAYER;
     blit.dstOffsets[1] = {static_cast<std::int32_t>(mUsed.width), static_cast<std::int32_t>(mUsed.height), 1};
-    mGpu.vk.CmdBlitImage(commands, image, VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL, mImage.handle(), WRITTEN.layout,
-                         1, &blit, VK_FILTER_LINEAR);
+    mGpu.vk.CmdBlitImage(commands, image, VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL, mImage.handle(),
+                         WRITTEN.layout, 1, &blit, VK_FILTER_LINEAR);
     move(mGpu, commands, mImage.handle(), WRITTEN, READ);
     list.pictureTimer.restart();
     mIsTaken = true;

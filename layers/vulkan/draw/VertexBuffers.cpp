@@ -13,8 +13,8 @@ constexpr std::size_t BUFFER_STEP = 65536;
 
 VkBuffer VertexBuffers::use(const drawlist::DrawList& list, SubmissionRing& ring) {
     // What comes right after the drawing that is in the buffer may be the same once more.
-    const bool isNew = mCurrent == nullptr || (mDrawing != list.drawing && (mDrawing + 1 != list.drawing ||
-                                                                            !list.batch.isRepeated()));
+    const bool isNew = mCurrent == nullptr || (mDrawing != list.drawing &&
+                                               (mDrawing + 1 != list.drawing || !list.batch.isRepeated()));
     if (isNew) {
         mCurrent = nullptr;
         Buffer& buffer = findFree(ring);

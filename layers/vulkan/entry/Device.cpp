@@ -125,7 +125,8 @@ void Device::release(Swapchain& swapchain) {
     mRetired.forget(renderer.ring());
     if (!renderer.finish()) {
         // Somebody still waits for a semaphore that nobody signals: destroying it is worse than keeping it.
-        KORDANIX_LOG_ERROR("what was drawn over a swapchain is not done after seconds; it stays", KORDANIX_LOG_HERE);
+        KORDANIX_LOG_ERROR("what was drawn over a swapchain is not done after seconds; it stays",
+                           KORDANIX_LOG_HERE);
         static_cast<void>(swapchain.renderer.release());
         return;
     }
@@ -139,7 +140,8 @@ void Device::release(Swapchain& swapchain) {
 
 entry::Obstacle Device::findObstacle(const VkSwapchainCreateInfoKHR& info) const {
     if (!mIsComplete || mGpu.setLoaderData == nullptr || mGpu.vk.GetSwapchainImagesKHR == nullptr ||
-        mGpu.vk.QueuePresentKHR == nullptr || mInstance.functions.GetPhysicalDeviceSurfaceCapabilitiesKHR == nullptr) {
+        mGpu.vk.QueuePresentKHR == nullptr ||
+        mInstance.functions.GetPhysicalDeviceSurfaceCapabilitiesKHR == nullptr) {
         return "its Vulkan lacks functions";
     }
     if ((info.flags & VK_SWAPCHAIN_CREATE_PROTECTED_BIT_KHR) != 0) {

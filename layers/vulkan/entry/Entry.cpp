@@ -1,5 +1,5 @@
-// What Vulkan's loader calls. Dispatchable handles begin with a pointer of the loader's, which the objects made
-// from an instance, or from a device, share: it tells whose a handle is.
+// What Vulkan's loader calls. Dispatchable handles begin with a pointer of the loader's, which the objects
+// made from an instance, or from a device, share: it tells whose a handle is.
 
 #include <cstring>
 #include <exception>
@@ -219,13 +219,11 @@ PFN_vkVoidFunction find(const Hook* first, const Hook* end, const char* name) {
 }
 
 PFN_vkVoidFunction findDeviceHook(const char* name) {
-    static const Hook HOOKS[] = {{"vkGetDeviceProcAddr", erase(getDeviceProcAddr)},
-                                 {"vkDestroyDevice", erase(destroyDevice)},
-                                 {"vkGetDeviceQueue", erase(getDeviceQueue)},
-                                 {"vkGetDeviceQueue2", erase(getDeviceQueue2)},
-                                 {"vkCreateSwapchainKHR", erase(createSwapchain)},
-                                 {"vkDestroySwapchainKHR", erase(destroySwapchain)},
-                                 {"vkQueuePresentKHR", erase(queuePresent)}};
+    static const Hook HOOKS[] = {
+        {"vkGetDeviceProcAddr", erase(getDeviceProcAddr)}, {"vkDestroyDevice", erase(destroyDevice)},
+        {"vkGetDeviceQueue", erase(getDeviceQueue)},       {"vkGetDeviceQueue2", erase(getDeviceQueue2)},
+        {"vkCreateSwapchainKHR", erase(createSwapchain)},  {"vkDestroySwapchainKHR", erase(destroySwapchain)},
+        {"vkQueuePresentKHR", erase(queuePresent)}};
     return find(std::begin(HOOKS), std::end(HOOKS), name);
 }
 

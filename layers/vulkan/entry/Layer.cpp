@@ -140,12 +140,14 @@ Obstacle Layer::submit(const Present& present, bool hasOverlay, VkSemaphore& dra
         return obstacle != nullptr ? obstacle : "it presents an image that its swapchain has not";
     }
     Renderer& renderer = present.device.renderer(swapchain, family, mList);
-    Renderer::Frame frame = {present.queue, image, info.waitSemaphoreCount, info.pWaitSemaphores, hasOverlay, {}};
+    Renderer::Frame frame = {present.queue,        image,      info.waitSemaphoreCount,
+                             info.pWaitSemaphores, hasOverlay, {}};
     if (isPictureWanted() && !renderer.isReading()) {
         frame.picture = std::exchange(mPicture, {});
         if (renderer.readingObstacle() != nullptr) {
             unlink(std::exchange(frame.picture, {}).c_str());
-            KORDANIX_LOG_ERROR("no picture could be written: %s", KORDANIX_LOG_HERE, renderer.readingObstacle());
+            KORDANIX_LOG_ERROR("no picture could be written: %s", KORDANIX_LOG_HERE,
+                               renderer.readingObstacle());
         }
     }
     if (!hasOverlay && frame.picture.empty()) {

@@ -6,7 +6,6 @@
 #include <mutex>
 #include <string>
 
-
 #include "core/RenderingApiType.h"
 #include "drawlist/DrawList.h"
 #include "drawlist/DrawListFactory.h"
@@ -60,10 +59,10 @@ private:
     std::mutex mMutex;  ///< around the library's work, the right and the note; no call to Vulkan under it
     entry::OverlayRight mRight{LAYER_API};
     entry::StatusNote mStatus{LAYER_API};
-    std::deque<std::string> mFailures;   ///< texts of obstacles, kept for good
+    std::deque<std::string> mFailures;  ///< texts of obstacles, kept for good
 
-    /// Where the overlay is shown; what follows is its thread's. Written under the mutex; acquire and release,
-    /// since what follows goes with it from thread to thread.
+    /// Where the overlay is shown; what follows is its thread's. Written under the mutex; acquire and
+    /// release, since what follows goes with it from thread to thread.
     std::atomic<Swapchain*> mShown = nullptr;
     drawlist::DrawList mList;
     drawlist::DrawListFactory mFactory{mList};

@@ -14,8 +14,8 @@ namespace vulkan {
 /// which regions of a picture have changed, the whole picture has. All else stays as it is.
 class PresentCopy {
 public:
-    /// Why the overlay cannot be in this present; null when it can. `swapchain` is the index of that which has
-    /// the overlay.
+    /// Why the overlay cannot be in this present; null when it can. `swapchain` is the index of that which
+    /// has the overlay.
     entry::Obstacle prepare(const VkPresentInfoKHR& present, std::uint32_t swapchain);
 
     /// After prepare(). Valid until the next one, and as long as the application's present.

@@ -9,9 +9,9 @@ namespace control {
 struct WayIn {
     const char* graphics;  ///< what the layer draws over, in messages
     const char* variable;  ///< of the program's environment
-    const char* file;      ///< or folder: its path goes first into the variable, before what the user has there
-    char separator;        ///< between the paths in the variable
-    bool isExpanded;       ///< the reader of the variable replaces $LIB, $ORIGIN and $PLATFORM in paths
+    const char* file;  ///< or folder: its path goes first into the variable, before what the user has there
+    char separator;    ///< between the paths in the variable
+    bool isExpanded;   ///< the reader of the variable replaces $LIB, $ORIGIN and $PLATFORM in paths
     bool isSplitAtBlanks;  ///< and takes blanks for separators too
     bool isOptional;       ///< what is not installed is left out
     const char* unset;     ///< what the variable means while it is not set
