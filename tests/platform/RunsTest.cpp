@@ -118,6 +118,7 @@ TEST_F(OverlayClaimTest, TheFirstProcessHasItUntilItEnds) {
         EXPECT_EQ(claimOverlay(name, 7), Claim::OWN);
         EXPECT_EQ(claimOverlay(name, 7), Claim::OWN);
         EXPECT_EQ(claimElsewhere(), Claim::FOREIGN);
+        EXPECT_EQ(claimOverlay(name, 1), Claim::OTHER_API);
         EXPECT_EQ(overlayClaimant(mRun.path()), getpid());
         EXPECT_EQ(value("debug.kordanix.proc"), name);
         EXPECT_EQ(value("debug.kordanix.api"), "7");

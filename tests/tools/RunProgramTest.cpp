@@ -16,13 +16,15 @@ using testing::MatchesRegex;
 
 namespace fs = std::filesystem;
 
-const std::string NOT_SHOWN = "kordanixctl: the overlay was not shown: no frame of OpenGL .*\n";
+const std::string NOT_SHOWN = "kordanixctl: the overlay was not shown: no frame of OpenGL.*\n";
 
 using RunProgram = RunFixture;
 
 TEST_F(RunProgram, RunsAsIfByItself) {
     const std::string preload =
         fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/libkordanix-preload.so";
+    const std::string vulkan =
+        "1 " + (fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/kordanix").string();
     const struct {
         std::string line;
         int status;
@@ -35,6 +37,8 @@ TEST_F(RunProgram, RunsAsIfByItself) {
         {"ulimit -c unlimited; $CTL run -- sh -c 'ulimit -c 0; kill -SEGV $$'; ls | grep core", 1, "", ".*"},
         {"echo text | $CTL run cat", 0, "text\n"},
         {"LD_PRELOAD= $CTL run -- sh -c 'echo $LD_PRELOAD'", 0, preload + "\n"},
+        {"XDG_CONFIG_DIRS= $CTL run -- sh -c 'echo $KORDANIX $XDG_CONFIG_DIRS'", 0, vulkan + ":/etc/xdg\n"},
+        {"XDG_CONFIG_DIRS=/a:/b $CTL run -- sh -c 'echo $KORDANIX $XDG_CONFIG_DIRS'", 0, vulkan + ":/a:/b\n"},
         {"LD_PRELOAD=" + preload + " $CTL run sh -c 'echo $LD_PRELOAD'", 0, preload + ":" + preload + "\n"},
         {"P='env --ignore-signal=CHLD,INT --block-signal=USR2,TERM'; S='grep -E Sig(Blk|Ign) "
          "/proc/self/status';"

@@ -107,7 +107,7 @@ protected:
     void expectNotShown(const HeadlessContext& context, const std::string& reason) {
         SCOPED_TRACE(reason);
         secondsPassed += 2;
-        for (unsigned int i = 0; i <= opengl::StatusNote::HELD_FRAMES; ++i) {
+        for (unsigned int i = 0; i <= entry::StatusNote::HELD_FRAMES; ++i) {
             EXPECT_FALSE(swap(context));
         }
         ASSERT_FALSE(notes.empty());
