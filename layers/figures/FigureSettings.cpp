@@ -49,7 +49,7 @@ const Graph* findInLibrary(std::string_view property) {
 }  // namespace
 
 const Graph& settingsOf(const Figure& figure) {
-    // Never destroyed: a frame may still ask while the process exits.
+    // Never destroyed: a thread may still draw a frame while the process exits.
     static auto& known = *new std::array<const Graph*, FigureSet().size()>{};
     const Graph*& graph = known[indexOf(figure)];
     if (graph == nullptr) {

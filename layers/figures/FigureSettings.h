@@ -6,8 +6,8 @@ namespace figures {
 
 struct Figure;
 
-/// Switch and colour of a figure that is no note: the library's own, or made by the first call. Rendering
-/// thread.
+/// Returns the switch and colour of a figure that is not a note: the library's, or the ones that the first
+/// call creates. Rendering thread.
 const gui::WidgetsSettings::Graph& settingsOf(const Figure& figure);
 
 /// Whether the library knows the figure's switch.

@@ -38,7 +38,7 @@ void FrameStatistics::add(std::uint64_t nanoseconds) {
 void FrameStatistics::refresh() {
     mCurrent = rate(mSinceRefresh);
     mSinceRefresh = {};
-    // Few frames have come since the last time, so the one in the middle is not far from where it was.
+    // Only few frames have come since the last time, so the middle one is near its old place.
     const std::uint64_t half = mAll.frames / 2;
     while (mBelowMedian > half) {
         --mMedianClass;
@@ -84,7 +84,7 @@ Reading FrameStatistics::stability() const {
     };
     const std::size_t first = classOf(static_cast<std::uint64_t>(median * (1.0 - STABLE_SHARE)));
     const std::size_t last = classOf(static_cast<std::uint64_t>(median * (1.0 + STABLE_SHARE)));
-    // Only the outer classes lie across a bound.
+    // Only the first and the last class contain a bound.
     std::uint64_t inside = framesInside(mClasses[first]) + (last > first ? framesInside(mClasses[last]) : 0);
     for (std::size_t i = first + 1; i < last; ++i) {
         inside += mClasses[i].frames;
@@ -102,7 +102,7 @@ Reading FrameStatistics::low(double share) const {
     for (std::size_t i = mLongestClass + 1; i > 0 && slow.frames < wanted; --i) {
         const Count& each = mClasses[i - 1];
         const std::uint64_t taken = std::min(each.frames, wanted - slow.frames);
-        // Of the last class only a part is meant: its mean stands for each of them.
+        // Only a part of the last class counts; each of its frames counts with the class's mean.
         slow.nanoseconds +=
             taken == each.frames
                 ? each.nanoseconds

@@ -8,19 +8,19 @@
 
 namespace figures {
 
-/// Frame times and what follows from them since the last reset: true from 1 to 10,000 frames a second, and
-/// over any number of frames. Times are counted in classes that are at most 0.8 % wide, each with the sum of
-/// its times: means and lows are as exact as the times are, the median and the bounds of the stability to
-/// within the width of a class. Allocates nothing.
+/// Statistics of the frame times since the last reset: right from 1 to 10,000 frames a second, for any number
+/// of frames. Counts times in classes that are at most 0.8 % wide, each with the sum of its times. So means
+/// and lows are as exact as the times; the median and the bounds of the stability are exact to the width of a
+/// class. Allocates nothing.
 class FrameStatistics {
 public:
-    /// A frame took this many nanoseconds. A time of 0 is none: the clock stands still.
+    /// Adds a frame that took this many nanoseconds. Ignores 0: the clock stands still.
     void add(std::uint64_t nanoseconds);
 
-    /// Before figures are asked for: the frames since the last call are the current ones from now on.
+    /// Call it before asking for figures: makes the frames since the last call the current ones.
     void refresh();
 
-    /// Forgets all frames but the current ones.
+    /// Removes all frames except the current ones.
     void reset();
 
     // Frames per second; empty while there is no frame.
@@ -28,7 +28,7 @@ public:
     /// Of the frames between the last two refreshes.
     Reading current() const { return mCurrent; }
 
-    /// Frames by the time that they took together.
+    /// The number of frames divided by their total time.
     Reading average() const;
 
     /// The rate of the frame in the middle.
@@ -41,8 +41,8 @@ public:
     Reading low(double share) const;
 
 private:
-    // Octaves from 2^15 ns (33 us) to 2^33 ns (8.6 s), each in equal classes; what lies beyond is in the
-    // first or the last class.
+    // Octaves from 2^15 ns (33 us) to 2^33 ns (8.6 s), each in equal classes. Shorter and longer times count
+    // in the first or the last class.
     static constexpr unsigned int FIRST_OCTAVE = 15;
     static constexpr unsigned int OCTAVES = 18;
     static constexpr unsigned int CLASS_BITS = 7;

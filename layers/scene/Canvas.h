@@ -9,12 +9,12 @@ class MeshDrawer;
 
 namespace scene {
 
-/// How the virtual canvas lies on the surface. Text heights are given to the library in pixels and everything
-/// else in fractions of the canvas; the scene thinks in canvas units.
+/// The virtual canvas on a surface. The library takes text heights in pixels and everything else in fractions
+/// of the canvas; the scene uses canvas units.
 struct Canvas {
     explicit Canvas(const glm::uvec2& surface);
 
-    /// Upright surfaces have the upright canvas.
+    /// Whether the surface, and so the canvas, is higher than wide.
     bool isPortrait;
 
     /// Width and height of the canvas in units.
@@ -23,15 +23,15 @@ struct Canvas {
     /// The surface in pixels.
     glm::vec2 pixels;
 
-    /// The smaller side of a unit in pixels: texts of a height in units then fit their cells on a surface of
-    /// any shape.
+    /// The smaller side of a unit in pixels, so that texts with a height in units fit their cells on a
+    /// surface of any shape.
     float pixelsPerUnit() const;
 };
 
-/// Takes `units` off each side of the drawer's rectangle.
+/// Shrinks the drawer's rectangle by `units` on each side.
 void inset(drawer::Drawer& drawer, const glm::vec2& units, const Canvas& canvas);
 
-/// Draws a mesh of the drawer's in its rectangle.
+/// Draws one of the drawer's meshes in its rectangle.
 void drawMesh(const drawer::Drawer& owner, drawer::MeshDrawer& mesh);
 
 }  // namespace scene

@@ -17,13 +17,13 @@ namespace scene {
 
 namespace {
 
-/// Samples in a graph's history: with a refresh each 120 ms, the last 12 seconds.
+/// Samples in a graph's history: the last 12 seconds, with a refresh every 120 ms.
 constexpr unsigned int HISTORY = 100;
 
-/// Between a figure's name and its value, in canvas units.
+/// The gap between a figure's name and its value, in canvas units.
 constexpr float NAME_GAP = 3.0F;
 
-/// In a strip that is shared, around a name; in units of a line, which is 2 high.
+/// The gap around a name in a shared strip, in units of a line, which is 2 high.
 constexpr float SHARED_GAP = 0.7F;
 
 /// As wide as most values.
@@ -32,7 +32,7 @@ constexpr const char* TYPICAL_VALUE = "8888MB";
 /// Left and right of the text, in canvas units.
 constexpr float BACKDROP_MARGIN = 2.0F;
 
-/// The top of the graph lies a little above the top of the scale, so that a line there is not cut.
+/// The top of the graph is a little above the top of the scale, so that a line there is not cut.
 constexpr float HEADROOM = 1.04F;
 
 std::unique_ptr<drawer::GraphicDrawer> createGraph(PrimitiveFactory& factory, gui::WidgetValueType slot) {
@@ -41,7 +41,7 @@ std::unique_ptr<drawer::GraphicDrawer> createGraph(PrimitiveFactory& factory, gu
         factory.createRect(), factory.createGrid(factory.createMesh(Topology::LINES)), slot);
 }
 
-/// Whether it is another text than before.
+/// Returns whether the text has changed.
 bool setText(drawer::TextDrawer& drawer, const std::string& text) {
     if (drawer.mText == text) {
         return false;
@@ -107,7 +107,7 @@ void FigureWidget::enable() {
     for (const View& view : mViews) {
         isMoreOn = isMoreOn || (!figures::isOfLibrary(*view.figure) && view.isOn());
     }
-    // The library knows of its own figures only.
+    // The library knows only its own figures.
     if (isMoreOn && mLayout.widgetSwitch().getValue()) {
         widget().mEnabled = true;
     }
@@ -160,7 +160,7 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     }
 }
 
-/// Gives the figures that are on parts of the strip, each as wide as its texts are against the others'.
+/// Divides the strip among the visible figures, in proportion to the widths of their texts.
 void FigureWidget::shareStrip(const Canvas& canvas) {
     const float valueWidth = lineWidth(TYPICAL_VALUE);
     const auto nameWidth = [](const View& view) { return lineWidth(view.figure->label) + SHARED_GAP; };
@@ -216,7 +216,7 @@ void FigureWidget::refresh(figures::Metrics& metrics) {
         const figures::Reading& reading = metrics.reading(figure);
         const std::string value = figures::format(figure, reading);
         setText(*view.value, view.name != nullptr ? value : figure.label + (' ' + value));
-        // A graph stands still while its figure cannot be read, and is not there before that.
+        // A graph does not move while its figure cannot be read, and is not drawn before the first reading.
         if (view.graph != nullptr && reading) {
             const auto sample = static_cast<float>(*reading);
             const figures::Reading top = metrics.top(figure);

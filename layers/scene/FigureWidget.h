@@ -19,12 +19,12 @@ class TextDrawer;
 namespace scene {
 
 /// A widget with a strip of figures and their graphs below. Draws the strip's background and texts, then the
-/// graphs' background and grid once, then the fills and over them the lines of the graphs, both in the order
-/// of the catalogue, and the notes on top. So every line has its own colour. The fill of n graphs has an
-/// alpha of 1 / (n + 1): each has its share and the grid stays visible.
+/// graphs' common background and grid, then the fills and over them the lines of the graphs, both in the
+/// order of the catalogue, and the notes on top. So no fill covers a line. The fill of n graphs has an alpha
+/// of 1 / (n + 1), so that all fills and the grid stay visible.
 class FigureWidget : public WidgetView {
 public:
-    /// `widget` outlives the object.
+    /// `widget` must outlive the object.
     FigureWidget(PrimitiveFactory& factory, const FigureWidgetLayout& widget);
 
     void enable() override;

@@ -22,7 +22,7 @@ const SysProp<bool>& switchOf() {
     return (gui::WidgetsSettings::getWidgets().*WIDGET).mWidget;
 }
 
-/// The notes of the catalogue in one line.
+/// Joins the catalogue's notes in one line.
 template <WidgetType TYPE>
 std::string notesOf(const Metrics& metrics) {
     std::string text;
@@ -47,7 +47,7 @@ std::string vendor(const Metrics& /*metrics*/) {
     }
 }
 
-/// With whether the clocks are fixed, unless nobody asks for that.
+/// The notes, and whether the clocks are fixed if somebody has asked for that.
 std::string footer(const Metrics& metrics) {
     static constexpr const char* CLOCKS[] = {"", "  Fixed", "  Not fixed"};
     return notesOf<WidgetType::CPU_GPU>(metrics) + CLOCKS[core::StateInfo::getFixClockState()];

@@ -15,7 +15,7 @@ class Metrics;
 
 namespace scene {
 
-/// Where a figure stands in the strip. Without a name's cell the name stands in front of the value.
+/// A figure's place in the strip. Without a cell for the name, the name comes before the value.
 struct FigureCell {
     std::optional<gui::RenderAreaType> name;
     gui::RenderAreaType value;
@@ -26,7 +26,7 @@ struct NoteRow {
     gui::RenderAreaType area;
     gui::TextGravity gravity;
 
-    /// Over graphs a text has a backdrop of its own, as wide as the text.
+    /// Whether the text has a backdrop of its own width, as texts over graphs need.
     bool hasBackdrop;
 
     std::string (*text)(const figures::Metrics&);
@@ -39,7 +39,7 @@ struct FigureWidgetLayout {
     gui::RenderAreaType stripArea;
     gui::RenderAreaType graphArea;
 
-    /// Of the first figures of the catalogue. When one is shown that has no cell here, all share the strip.
+    /// The cells of the catalogue's first figures. If a shown figure has no cell here, all share the strip.
     const FigureCell* cells;
     std::size_t cellCount;
     float labelWidth;  ///< of the strip's left end, where no figure may stand, in canvas units

@@ -4,11 +4,11 @@
 
 namespace scene {
 
-/// Measures for how long the GPU works on each frame of the application: each API in its own way. Rendering
-/// thread only. Nothing here waits, and no call is made to the API in it.
+/// Measures how long the GPU works on each frame of the application; each API has its own way. Rendering
+/// thread only. No operation waits or calls the API.
 class FrameTimer {
 public:
-    /// From the moment at which the GPU began with the frame to the one at which it was done.
+    /// When the GPU began the frame, and when it finished it.
     struct Time {
         std::uint32_t frame = 0;
         std::uint64_t nanoseconds = 0;
@@ -16,11 +16,11 @@ public:
 
     virtual ~FrameTimer() = default;
 
-    /// After each swap while the overlay is shown: what the frame that begins is called, and whether it is to
-    /// be timed. A frame that cannot be timed is left out.
+    /// Called after each swap while the overlay is shown, with the new frame's name and whether to time it.
+    /// Skips a frame that cannot be timed.
     virtual void beginFrame(std::uint32_t frame, bool isTimed) = 0;
 
-    /// Takes the time of the first frame that has become known since. False when there is none.
+    /// Takes the time of the oldest frame that has become known. False when there is none.
     virtual bool take(Time& time) = 0;
 };
 

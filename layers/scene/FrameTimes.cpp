@@ -8,7 +8,7 @@ namespace scene {
 
 namespace {
 
-/// Nobody steps or slews this clock.
+/// Nobody can set or adjust this clock.
 std::uint64_t now() {
     constexpr std::uint64_t NS_PER_SECOND = 1000000000;
     timespec time = {};

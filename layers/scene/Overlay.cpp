@@ -11,14 +11,14 @@ namespace scene {
 
 namespace {
 
-/// The mutex that the background listener takes. Listeners are never taken back and may run as long as the
+/// The mutex that the background listener locks. Listeners are never removed and may run as long as the
 /// process lives, so it is never destroyed.
 std::mutex& backgroundMutex() {
     static auto* mutex = new std::mutex;
     return *mutex;
 }
 
-/// Publications so far. The library tells of each one in a single frame, which may be another layer's.
+/// Publications so far. The library reports each one in a single frame, which may be another layer's.
 std::uint32_t publications = 0;
 
 }  // namespace
@@ -52,15 +52,15 @@ void Overlay::enter() {
 }
 
 void Overlay::beginFrame() {
-    // Keys are polled while the overlay is on, and shown is what a publication has reached: between the two
-    // lie frames that are shown without a poll, in which a key must not be pressed once more.
+    // The library polls the keys only while the overlay is on, and switching it off reaches us only with a
+    // publication. So some frames are shown without a poll; a key must not count again in them.
     mKeys.mIsDumpKeyPressed = false;
     mKeys.mIsCaptureKeyPressed = false;
     core::StateInfo::onPreSwapBuffers(mApi);
     mIsDumpKeyPressed = mKeys.mIsDumpKeyPressed;
 
-    // What decides on the overlay changes only with a publication, and each one shows here: asking in those
-    // frames alone saves the other frames a look at the process's name.
+    // Only a publication can change whether the overlay is shown, and each one shows here. So we ask only in
+    // those frames, which saves the others the reading of the process's name.
     publications += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
     const bool isChanged = std::exchange(mSeenPublications, publications) != publications;
     if (isChanged) {
@@ -113,7 +113,7 @@ void Overlay::endFrame() {
         mScene.finishFrame();
     }
     static const std::vector<drawer::Drawer*> NONE;
-    // Another overlay's frame may have begun since, and a key belongs to the one that is shown.
+    // Another overlay's frame may have begun meanwhile, and a key belongs to the one that is shown.
     mKeys.mIsDumpKeyPressed = mIsShown && mIsDumpKeyPressed;
     core::StateInfo::onPostSwapBuffers(mIsShown ? mScene.drawers() : NONE);
 }

@@ -30,7 +30,7 @@ class RenderPassSource;
 /// be in these operations at the same time.
 class Overlay : public core::BaseLayer {
 public:
-    /// The factory, the source of render passes and the timer (null if there is none) outlive the overlay.
+    /// The factory, the source of render passes and the timer (either may be null) must outlive the overlay.
     Overlay(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes = nullptr,
             FrameTimer* timer = nullptr);
 

@@ -14,16 +14,15 @@ class TextDrawer;
 
 namespace scene {
 
-/// How the vertices of a mesh are joined.
+/// How the vertices of a mesh connect.
 enum class Topology {
     TRIANGLE_STRIP,  ///< graph fills
     LINE_STRIP,      ///< graph curves
     LINES            ///< grids: each two vertices make one segment
 };
 
-/// Everything that a layer of one graphics API supplies to show the overlay: the primitives that the
-/// library's drawers are built from, and the surface they are drawn on. The factory outlives what it
-/// made. Rendering thread only.
+/// Everything that a graphics API's layer supplies to show the overlay: the primitives for the library's
+/// drawers, and the surface's size. The factory must outlive its primitives. Rendering thread only.
 class PrimitiveFactory {
 public:
     virtual ~PrimitiveFactory() = default;
@@ -33,17 +32,17 @@ public:
     virtual std::unique_ptr<drawer::GridDrawer> createGrid(std::unique_ptr<drawer::MeshDrawer> lines) = 0;
     virtual std::unique_ptr<drawer::TextDrawer> createText() = 0;
 
-    /// A small live view of what the application drew, filling its rectangle.
+    /// Creates a small live view of the application's picture, which fills its rectangle.
     virtual std::unique_ptr<drawer::Drawer> createThumbnail() = 0;
 
     /// Width and height of the surface in pixels.
     virtual glm::uvec2 getSurfaceSize() const = 0;
 
-    /// The widgets are about to be drawn, exactly as they were the last time if `isSame`. Returns whether
-    /// they are to be: a layer that can show its last drawing again answers false.
+    /// Called before the widgets are drawn; `isSame` means exactly as the last time. Returns whether to draw
+    /// them: a layer that can show its last drawing again returns false.
     virtual bool beginDrawing(bool /*isSame*/) { return true; }
 
-    /// Until clearClip(), nothing is drawn outside this rectangle (canvas fractions, origin top-left).
+    /// Until clearClip(), draws nothing outside this rectangle (canvas fractions, origin top-left).
     virtual void setClip(const glm::vec2& position, const glm::vec2& size) = 0;
     virtual void clearClip() = 0;
 };

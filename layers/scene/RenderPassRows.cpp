@@ -14,14 +14,14 @@ namespace scene {
 
 namespace {
 
-/// The text block makes its lines through a plain function: this is the factory it means.
+/// The factory for the plain function through which a text block creates its lines.
 thread_local PrimitiveFactory* currentFactory = nullptr;
 
 std::unique_ptr<drawer::TextDrawer> createLine() {
     return currentFactory->createText();
 }
 
-/// Asks the layout manager, so that the rows always agree with the render areas in use.
+/// Asks the layout manager, so that the rows always match the current render areas.
 unsigned int layoutOrientation() {
     return gui::LayoutManager::getInstance()->mIsPortrait ? 0 : 1;
 }

@@ -11,10 +11,10 @@ namespace scene {
 
 struct Canvas;
 
-/// What a layer adds to the library's render-pass drawers: the blocks, the orientation and the clip.
+/// The layer's part of the library's render-pass drawers: the blocks, the orientation and the clip.
 
-/// The frame's passes in a row of cells that slides as long as the frame is shown. Only the part inside the
-/// drawer's rectangle shows.
+/// The frame's passes in a row of cells that slides while the frame is shown, clipped to the drawer's
+/// rectangle.
 class PassCellsRow : public drawer::AnimatedRenderPassDrawer {
 public:
     explicit PassCellsRow(PrimitiveFactory& factory);
@@ -49,11 +49,11 @@ public:
 
     unsigned int getOrientation() override;
 
-    /// Makes the texts so small that they stand side by side: on a narrow surface each would fill the row.
+    /// Makes the texts small enough to fit side by side: on a narrow surface each would fill the row.
     void fitTexts(const Canvas& canvas);
 };
 
-/// A block of text lines built from the factory's primitives.
+/// Creates a block of text lines from the factory's primitives.
 std::unique_ptr<drawer::TextblockDrawer> createTextblock(PrimitiveFactory& factory, unsigned int lineCount,
                                                          unsigned int textSizeHint);
 

@@ -5,9 +5,9 @@
 
 namespace scene {
 
-/// Where a layer's render passes come from: each API counts them in its own way. Rendering thread only,
-/// always within Overlay::beginFrame(). A source that knows of a frame at once implements readFrame() alone;
-/// one that has to measure a frame first, or to wait for what it measured, the other operations as well.
+/// The source of a layer's render passes; each API counts them in its own way. Rendering thread only, always
+/// within Overlay::beginFrame(). A source that knows the passes at once implements only readFrame(); one that
+/// has to measure a frame first, or to wait for results, implements the others too.
 class RenderPassSource {
 public:
     enum class Progress {
@@ -18,21 +18,22 @@ public:
 
     virtual ~RenderPassSource() = default;
 
-    /// A capture begins: the frame that begins with the swap after this call is the one to measure.
+    /// A capture begins: measure the frame that begins with the swap after this call.
     virtual void startCapture() {}
 
-    /// How far it is. Asked in every frame after startCapture() until it is no longer PENDING; must not wait.
+    /// Returns the capture's progress. Called in every frame after startCapture() until the result is not
+    /// PENDING; must not wait.
     virtual Progress advanceCapture() { return Progress::READY; }
 
-    /// Nobody will ask for the frame any more: it took too long.
+    /// The capture took too long, and nobody will ask for the frame any more.
     virtual void abandonCapture() {}
 
-    /// Fills `frame` with the passes of the frame that was captured, time stamps in milliseconds. It carries
-    /// the number of the last frame that was swapped; a source that knows which one it measured puts that in
-    /// its place. `captureStart` is the time of the capture's first counter sample in seconds of the
-    /// counters' clock; empty when there are no counters, which leaves the last frame that the GPU has
-    /// finished. The counters' graphs are drawn as beginning with the frame. False when the passes are not
-    /// known; `frame` then does not matter.
+    /// Fills `frame` with the passes of the captured frame, time stamps in milliseconds. `frame` comes with
+    /// the number of the last swapped frame; a source that knows which frame it measured sets that number
+    /// instead. `captureStart` is the time of the capture's first counter sample, in seconds of the counters'
+    /// clock. It is empty when there are no counters; then use the last frame that the GPU has finished. The
+    /// counters' graphs begin with the frame. Returns false when the passes are not known; `frame` is then
+    /// ignored.
     virtual bool readFrame(gui::FrameData& frame, Reading captureStart) = 0;
 };
 

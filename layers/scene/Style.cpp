@@ -29,7 +29,7 @@ glm::vec4 backgroundColor() {
 }
 
 glm::vec4 backdropColor() {
-    // Denser than the palette's own half-transparent black: bright lines run behind small texts.
+    // Denser than the palette's half-transparent black, because bright lines run behind small texts.
     constexpr float OPACITY = 0.75F;
     return {0.0F, 0.0F, 0.0F, OPACITY};
 }
@@ -39,7 +39,7 @@ glm::vec4 noColor() {
 }
 
 void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas) {
-    // 0 would mean no limit at all.
+    // 0 would mean no limit.
     text.setTextSizeHint(
         static_cast<unsigned int>(std::max(std::lround(canvasUnits * canvas.pixelsPerUnit()), 1L)));
 }

@@ -13,7 +13,7 @@ namespace scene {
 
 struct Canvas;
 
-/// The looks that the settings leave open, in one place.
+/// The colours and sizes that the settings do not determine.
 
 /// Lines of the grids.
 glm::vec4 gridColor();
@@ -33,18 +33,18 @@ glm::vec4 backdropColor();
 /// No background of its own.
 glm::vec4 noColor();
 
-/// Heights of a line of text in canvas units. Cells are higher: an equal height for all texts of a kind
-/// keeps figures from changing their size as they grow.
+/// The heights of a line of text in canvas units. Cells are higher; with one height for all texts of a kind,
+/// figures do not change their size as they grow.
 constexpr float FIGURE_TEXT_HEIGHT = 12.0F;
 constexpr float NOTE_TEXT_HEIGHT = 10.0F;
 
-/// Limits the text's height; a text whose cell is too narrow for that is squeezed.
+/// Limits the text's height; a text that is too wide for its cell is squeezed.
 void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas);
 
 /// Width of the text in units of a line, which is 2 high.
 float lineWidth(const std::string& text);
 
-/// Width and height in canvas fractions of the text as the drawer will draw it.
+/// Returns the width and height, in canvas fractions, of the text as the drawer will draw it.
 glm::vec2 measureText(const drawer::TextDrawer& text, const Canvas& canvas);
 
 }  // namespace scene

@@ -39,7 +39,7 @@ void ThumbnailWidget::applySettings(const Canvas& canvas) {
 }
 
 void ThumbnailWidget::refresh(figures::Metrics&) {
-    // Two new lines push both old ones out of the block.
+    // Two new lines replace both old ones in the block.
     const glm::uvec2 size = mFactory.getSurfaceSize();
     mLabel->addText(utils::strFormat("%ux%u", size.x, size.y));
     mLabel->addText("#" + utils::toString(core::StateInfo::mFrameNumber));

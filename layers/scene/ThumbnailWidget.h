@@ -12,8 +12,8 @@ class TextblockDrawer;
 
 namespace scene {
 
-/// A small live view of what the application drew, labelled with the surface's size in pixels and the
-/// frame's number.
+/// A small live view of the application's picture, labelled with the surface's size in pixels and the frame's
+/// number.
 class ThumbnailWidget : public WidgetView {
 public:
     explicit ThumbnailWidget(PrimitiveFactory& factory);

@@ -6,7 +6,7 @@ namespace sources {
 
 namespace {
 
-/// The memory of the regions that the driver counts as the GPU's own.
+/// The memory in the regions that the driver counts as the GPU's own.
 std::optional<std::uint64_t> residentIn(const FdInfo& info, std::initializer_list<const char*> regions) {
     std::optional<std::uint64_t> sum;
     for (const char* const name : regions) {

@@ -7,11 +7,11 @@
 
 namespace sources {
 
-/// Bytes that a client holds in the regions that its driver counts as the GPU's own; on an APU what lies in
-/// the machine's memory too. Nothing when the driver tells none of them.
+/// The bytes that a client holds in the regions that its driver counts as the GPU's own; on an APU also those
+/// in the machine's memory. Nothing when the driver reports none of these regions.
 std::optional<std::uint64_t> ownMemory(const FdInfo& info, bool isApu);
 
-/// Bytes in all regions: how much of a device the client has, to compare devices by.
+/// The bytes in all regions; a measure to compare devices by.
 std::uint64_t allMemory(const FdInfo& info);
 
 }  // namespace sources

@@ -16,8 +16,8 @@ bool takeBeginning(std::string_view& text, std::string_view beginning) {
     return true;
 }
 
-/// A number with its unit, as bytes, nanoseconds, hertz or cycles. The kernel chooses the unit for each line
-/// anew.
+/// Reads a number with its unit as bytes, nanoseconds, hertz or cycles. The kernel chooses a unit for each
+/// line.
 std::optional<std::uint64_t> toQuantity(std::string_view text) {
     const auto number = takeNumber(text);
     if (!number) {
@@ -46,7 +46,7 @@ void addTo(std::optional<std::uint64_t>& sum, std::uint64_t number) {
     sum = sum.value_or(0) + number;
 }
 
-/// A line that begins with "drm-".
+/// Reads a line that begins with "drm-".
 void readSharedKey(std::string_view key, std::string_view value, FdInfo& info) {
     if (key == "driver") {
         info.driver = value;
@@ -67,7 +67,7 @@ void readSharedKey(std::string_view key, std::string_view value, FdInfo& info) {
     if (takeBeginning(key, "engine-capacity-")) {
         info.engines[std::string(key)].capacity = *quantity > 0 ? *quantity : 1;
     } else if (takeBeginning(key, "engine-")) {
-        // Old and new video blocks of a chip share a name.
+        // A chip's old and new video blocks share a name.
         addTo(info.engines[std::string(key)].busyNs, *quantity);
     } else if (takeBeginning(key, "cycles-")) {
         addTo(info.engines[std::string(key)].cycles, *quantity);
@@ -87,7 +87,8 @@ void readSharedKey(std::string_view key, std::string_view value, FdInfo& info) {
     }
 }
 
-/// Before the shared keys; its loads are averages since the client began, and so say nothing.
+/// Reads a line of a kernel without the shared keys. Ignores its loads, which are averages since the client
+/// began.
 void readOldKey(std::string_view key, std::string_view value, FdInfo& info) {
     if (key == "pdev") {
         info.pciDevice = value;

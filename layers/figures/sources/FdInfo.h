@@ -8,9 +8,9 @@
 
 namespace sources {
 
-/// What one open file of a GPU tells of its client, as /proc/PID/fdinfo/N has it. Bytes, nanoseconds, hertz.
+/// What /proc/PID/fdinfo/N says about the client behind an open file of a GPU. Bytes, nanoseconds, hertz.
 struct FdInfo {
-    /// One class of engines; what the driver does not print is not there.
+    /// One class of engines. A value is empty when the driver does not print it.
     struct Engine {
         std::optional<std::uint64_t> busyNs;
         std::optional<std::uint64_t> cycles;
@@ -31,8 +31,8 @@ struct FdInfo {
     std::map<std::string, Region, std::less<>> regions;
 };
 
-/// Understands the keys that all drivers share, amdgpu's older names of regions, and the text of its time
-/// before there were shared keys. Unknown lines are passed over. Nothing for a text that is no GPU client's.
+/// Understands the keys that all drivers share, amdgpu's older names of regions, and amdgpu's texts from
+/// before there were shared keys. Skips unknown lines. Nothing when the text is not a GPU client's.
 std::optional<FdInfo> parseFdInfo(std::string_view text);
 
 }  // namespace sources

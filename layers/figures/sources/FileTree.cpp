@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t LIMIT = 256 * 1024;
 
-/// "hwmon10" after "hwmon9".
+/// Orders "hwmon10" after "hwmon9".
 bool isBefore(const std::string& left, const std::string& right) {
     return strverscmp(left.c_str(), right.c_str()) < 0;
 }
@@ -34,7 +34,7 @@ FileTree::FileTree(std::string root) : mRoot(std::move(root)) {
 }
 
 int FileTree::open(const std::string& path, int flags) const {
-    // A path alone takes no further flags.
+    // O_PATH allows no further flags.
     flags |= (flags & O_PATH) != 0 ? O_CLOEXEC : O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
     if (isLive()) {
         return ::open(path.c_str(), flags);
@@ -48,7 +48,7 @@ int FileTree::open(const std::string& path, int flags) const {
     how.resolve = RESOLVE_IN_ROOT;
     auto file = static_cast<int>(syscall(SYS_openat2, root, path.c_str(), &how, sizeof(how)));
     if (file < 0 && errno == ENOSYS) {
-        // Old kernels: then no link at the end of a path is followed at all.
+        // On old kernels, follow no link at the end of a path at all.
         file = openat(root, path.c_str() + 1, flags | O_NOFOLLOW);
     }
     const int error = errno;

@@ -12,17 +12,17 @@ struct FileText {
     int error = 0;  ///< an error number; 0 when the file could be read
 };
 
-/// The files of this machine, or a folder in which files of another machine lie under their own absolute
-/// paths. Links inside such a folder never lead out of it. Every call opens and closes what it reads, never
-/// waits for a file that is none, and allocates: not for the frame thread. Any thread.
+/// The files of this machine, or a folder with another machine's files under their absolute paths. Links
+/// inside such a folder never lead out of it. Every call opens and closes its file, never waits for a FIFO or
+/// a device, and allocates: do not use it on the frame thread. Any other thread.
 class FileTree {
 public:
-    /// An empty `root` is this machine.
+    /// An empty `root` means this machine.
     explicit FileTree(std::string root = {});
 
     bool isLive() const { return mRoot.empty(); }
 
-    /// Told of every file that was read or was found to exist, of a link with what it says.
+    /// Called for every file that was read or found to exist, and for a link with its target.
     struct Watcher {
         std::function<void(const std::string& path, const std::string& text)> onRead;
         std::function<void(const std::string& path)> onFound;
@@ -30,19 +30,19 @@ public:
     };
     void watch(Watcher watcher) { mWatcher = std::move(watcher); }
 
-    /// At most 256 KiB of a regular file; more is EFBIG.
+    /// Reads a regular file; with more than 256 KiB it gives EFBIG.
     FileText read(const std::string& path) const;
 
-    /// The names in a folder but "." and "..", numbers in them in numeric order; empty when it cannot be
-    /// read.
+    /// Returns the names in a folder except "." and "..", with numbers in numeric order; empty when it cannot
+    /// read the folder.
     std::vector<std::string> list(const std::string& folder) const;
 
-    /// Paths of the folder's entries that begin so.
+    /// Returns the paths of the folder's entries whose names begin with `beginning`.
     std::vector<std::string> find(const std::string& folder, const std::string& beginning) const;
 
     bool exists(const std::string& path) const;
 
-    /// What a symbolic link says; empty for anything else.
+    /// Returns a symbolic link's target; empty for anything else.
     std::string link(const std::string& path) const;
 
 private:

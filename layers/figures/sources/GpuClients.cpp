@@ -17,20 +17,20 @@ namespace {
 
 constexpr unsigned int DRM_MAJOR = 226;
 constexpr unsigned int NVIDIA_MAJOR = 195;
-/// Numbers of NVIDIA's nodes that are no device of their own.
+/// NVIDIA's nodes from this number on are not devices.
 constexpr unsigned int NVIDIA_MINORS = 250;
 
-/// How long a device stays chosen while another one works more: copying from one to the other makes both
-/// work.
+/// How long a device stays chosen while another one works more, because copying from one to the other makes
+/// both work.
 constexpr double SECONDS_TO_STAY = 4.0;
-/// And how long without any work: a long job counts only when it has ended.
+/// How long it stays chosen without any work, because a long job counts only when it has ended.
 constexpr double SECONDS_OF_REST = 2.0;
 
 constexpr double PERCENT = 100.0;
 constexpr double NS_PER_SECOND = 1e9;
 constexpr double HZ_PER_MHZ = 1e6;
 
-/// The number at the end of a node's name, "renderD128" with "renderD".
+/// Returns the number at the end of a node's name: 128 for "renderD128" and "renderD".
 std::optional<int> numberAfter(std::string_view text, std::string_view beginning) {
     if (text.substr(0, beginning.size()) != beginning) {
         return std::nullopt;
@@ -57,7 +57,8 @@ bool needsProfiling(const std::string& driver) {
 GpuClients::GpuClients(const FileTree& tree, std::string process)
     : mTree(tree), mProcess(std::move(process)) {}
 
-/// The device's number from the open file itself; in a folder of another machine, from the name it had there.
+/// Gets the device's number from the open file itself or, in a folder of another machine, from the file's
+/// name there.
 void GpuClients::lookAtNode(const std::string& number, int& minor) {
     const std::string path = mProcess + "/fd/" + number;
     if (mTree.isLive()) {
@@ -97,7 +98,7 @@ GpuClients::Clients GpuClients::collect() {
         const FileText file = mTree.read(path);
         const auto info = file.error == 0 ? parseFdInfo(file.text) : std::nullopt;
         if (!info) {
-            // A driver that tells nothing here still is the one the process works with.
+            // Even if the driver says nothing here, the process works with this device.
             if (minor >= 0) {
                 clients.emplace("node " + std::to_string(minor),
                                 Client{{std::string(), std::string(), minor}, {}, path, {}, {}});
@@ -105,9 +106,9 @@ GpuClients::Clients GpuClients::collect() {
             continue;
         }
         const GpuName device{info->driver, info->pciDevice, minor};
-        // A duplicate of a file repeats its numbers; a second opening is a client of its own.
+        // A duplicated descriptor repeats its client's numbers; opening the node again makes another client.
         const std::string client = info->client.empty() ? "file " + number : info->client;
-        // Only a PCI device has a name of its own there; others are told apart by their nodes.
+        // Only PCI devices have distinct names here; nodes distinguish the others.
         const std::string which = device.pciDevice.empty() ? std::to_string(minor) : device.pciDevice;
         clients.emplace(device.driver + ' ' + which + ' ' + client, Client{device, *info, path, {}, {}});
     }
@@ -117,7 +118,8 @@ GpuClients::Clients GpuClients::collect() {
 void GpuClients::compare(Client& now, const Client& before, double seconds) {
     now.counters = before.counters;
     for (const auto& [name, engine] : now.info.engines) {
-        // amdgpu prints an engine once it has worked; elsewhere one that appears has a past of its own.
+        // amdgpu prints an engine only once it has worked. With other drivers a new engine may have worked
+        // before.
         const bool isKnown = now.counters.count(name) != 0 || now.info.driver == "amdgpu";
         Counters& counters = now.counters[name];
         const std::uint64_t busy = advance(counters.busyNs, engine.busyNs);
@@ -239,7 +241,7 @@ void GpuClients::updateLoad() {
     } else if (loads.empty()) {
         mLoad = Value::none(Reason::FIRST_READING, file);
     } else {
-        // Classes work beside each other: their sum could pass the whole of the device.
+        // Classes work in parallel, so their sum could exceed 100 %.
         const auto busiest = std::max_element(
             loads.begin(), loads.end(), [](const auto& a, const auto& b) { return a.second < b.second; });
         mLoad = Value::of(std::clamp(busiest->second, 0.0, PERCENT), file);

@@ -14,21 +14,22 @@
 
 namespace sources {
 
-/// A GPU as a process's open files name it.
+/// A GPU, as named by a process's open files.
 struct GpuName {
     std::string driver;
     std::string pciDevice;  ///< empty for other buses
     int minor = -1;         ///< of the node in /dev/dri; -1 when it is not known
 
-    /// Card and render node of one device count as one where the bus tells.
+    /// Whether both are the same device. A card and a render node of one device match if the bus address is
+    /// known.
     bool isSameDevice(const GpuName& other) const {
         return driver == other.driver && pciDevice == other.pciDevice;
     }
 };
 
-/// The GPU clients of one process: which device it works with, how much it loads that, and how much memory it
-/// holds there. Looks at every open file anew at each reading, because files come, go and change their
-/// numbers. One thread at a time.
+/// The GPU clients of one process: which device it works with, how much it loads it, and how much memory it
+/// holds there. Each reading looks at every open file, because files come, go and change their numbers. One
+/// thread at a time.
 class GpuClients {
 public:
     /// `process` is the folder with fd and fdinfo: "/proc/self" or "/proc/PID".
@@ -37,8 +38,9 @@ public:
     /// Takes a reading. `now` is in seconds, on a clock that does not jump.
     void read(double now);
 
-    /// The device whose engines worked most for this process between the last two readings; before that the
-    /// one in which it holds most memory. Stays the same for some seconds where two work by turns.
+    /// The device whose engines worked most for this process between the last two readings; before there are
+    /// two, the one where it holds the most memory. Does not change for some seconds while two devices take
+    /// turns.
     const std::optional<GpuName>& device() const { return mDevice; }
 
     /// The number of an NVIDIA device that the process holds open, /dev/nvidia<N>.
@@ -47,21 +49,21 @@ public:
     /// Percent, 0 to 100: the busiest class of engines of the device.
     Value load() const { return mLoad; }
 
-    /// Bytes. On an APU what lies in the machine's memory is the GPU's too.
+    /// Bytes; on an APU including those in the machine's memory.
     Value memory(bool isApu) const;
 
-    /// MHz, of drivers that tell them here.
+    /// MHz, if the driver reports it here.
     Value clock() const { return highest(&FdInfo::Engine::currentHz); }
     Value maxClock() const { return highest(&FdInfo::Engine::maxHz); }
 
     /// Whether any engine has worked for this process since the last reading.
     bool hasWorked() const { return mHasWorked; }
 
-    /// Why the process's files could not be looked at; 0 when they could.
+    /// The error number of reading the process's files, or 0.
     int error() const { return mError; }
 
 private:
-    /// Counters may step back; the largest that was seen stands until it is passed.
+    /// Counters may go back; the largest value counts until the counter exceeds it.
     struct Counters {
         std::uint64_t busyNs = 0;
         std::uint64_t cycles = 0;

@@ -20,7 +20,7 @@ std::string baseName(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-/// Cards but not their connectors, which are called card0-HDMI-A-1.
+/// Returns the cards without their connectors, which have names like card0-HDMI-A-1.
 std::vector<std::string> cards(const FileTree& tree) {
     std::vector<std::string> found = tree.find(DRM_CLASS, "card");
     found.erase(std::remove_if(found.begin(), found.end(),
@@ -29,7 +29,7 @@ std::vector<std::string> cards(const FileTree& tree) {
     return found;
 }
 
-/// Display controllers have class 03; a recorded folder may lack the file, and then holds what matters only.
+/// Display controllers have class 03. A recorded folder may lack the file, but has only devices that matter.
 bool isPciGpu(const FileTree& tree, const std::string& folder) {
     const std::string kind = readWord(tree, folder + "/class");
     return kind.empty() ? !tree.isLive() : kind.compare(0, 4, "0x03") == 0;
@@ -46,7 +46,7 @@ std::vector<std::string> pciGpus(const FileTree& tree) {
     return found;
 }
 
-/// Devices of boards, by the ends of their names in the folders where boards keep them.
+/// Finds a board's device by the end of its name, in the folders where boards keep them.
 std::string findBoardDevice(const FileTree& tree, const std::string& end) {
     for (const char* const folder : {"/sys/devices/platform/axi", "/sys/devices/platform/v3dbus",
                                      "/sys/devices/platform/soc", "/sys/devices/platform"}) {
@@ -101,7 +101,7 @@ std::string driverOf(const FileTree& tree, const GpuDevice& device) {
     return tree.exists(device.folder + "/gpu_busy_percent") ? "amdgpu" : std::string();
 }
 
-/// Finds the rest from the device's own folder or its card.
+/// Finds the other folders from the device's own folder or its card.
 void complete(const FileTree& tree, GpuDevice& device) {
     if (device.card.empty() && !device.folder.empty()) {
         const std::vector<std::string> own = tree.find(device.folder + "/drm", "card");

@@ -7,7 +7,7 @@
 
 namespace sources {
 
-/// Where the files of one GPU are. Folders that are not there are empty.
+/// The folders with the files of one GPU; empty when a folder does not exist.
 struct GpuDevice {
     std::string driver;     ///< "amdgpu", ..., "nvidia"; empty when it is not known
     std::string folder;     ///< the device's own, on its bus
@@ -22,14 +22,14 @@ struct GpuDevice {
     std::string name() const;
 };
 
-/// The files of the device that a process's files name; where they say nothing of where it is, those of the
-/// only device there is.
+/// Finds the files of the device that a process's files name. If they do not say where it is, finds the only
+/// device.
 GpuDevice locateGpu(const FileTree& tree, const GpuName& name);
 
-/// Without a process: the only GPU, or the one that the machine started its screen with.
+/// Finds the only GPU, or the one that showed the machine's first screen.
 GpuDevice locateMainGpu(const FileTree& tree);
 
-/// An NVIDIA device whose driver is its maker's own, by the number of its node.
+/// Finds an NVIDIA device with NVIDIA's own driver, by the number of its node.
 GpuDevice locateNvidia(const FileTree& tree, int number);
 
 /// Whether the machine has more than one GPU.
@@ -38,7 +38,7 @@ bool hasSeveralGpus(const FileTree& tree);
 /// Whether the device sleeps, so that reading most of its files would wake it.
 bool isAsleep(const FileTree& tree, const GpuDevice& device);
 
-/// A GPU within the processor, which works in the machine's memory.
+/// Whether the GPU is part of the processor and uses the machine's memory.
 bool isApu(const FileTree& tree, const GpuDevice& device);
 
 }  // namespace sources

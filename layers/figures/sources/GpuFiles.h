@@ -9,14 +9,14 @@
 
 namespace sources {
 
-/// The figures of a whole GPU from its driver's files. A device that sleeps is not woken: files that would do
-/// so are not read then. Rates need two calls. One thread at a time.
+/// The figures of a whole GPU from its driver's files. Does not wake a sleeping device: skips the files that
+/// would. Rates need two calls. One thread at a time.
 class GpuFiles {
 public:
     explicit GpuFiles(const FileTree& tree) : mTree(tree) {}
 
-    /// Begins a reading of the device; `now` in seconds on a clock that does not jump. What is asked for then
-    /// belongs to it.
+    /// Begins a reading of the device, to which the following calls belong; `now` is in seconds on a clock
+    /// that does not jump.
     void begin(const GpuDevice& device, double now);
 
     Value load();         ///< percent
@@ -34,14 +34,14 @@ private:
         double time = 0.0;
     };
 
-    /// The number in a file that never wakes the device; of a folder that is not there, NO_FILE.
+    /// Reads a number from a file that never wakes the device; NO_FILE when the folder is empty.
     Value readQuietly(const std::string& folder, const std::string& file, double scale);
-    /// The number in a file whose reading would wake the device.
+    /// Reads a number from a file whose reading would wake the device.
     Value readAwake(const std::string& folder, const std::string& file, double scale);
-    /// How much a counter grows in a second of its own `time`.
+    /// Returns how much a counter grows per second of its own `time`.
     Value rate(const std::string& path, double value, double time);
     Value rateOfFile(const std::string& folder, const std::string& file, double scale);
-    /// 100 less the share of the time in which the device was idle, told in milliseconds.
+    /// Returns 100 minus the percentage of time in which the device was idle; the file counts milliseconds.
     Value awakeShare(const std::string& folder, const std::string& file);
     Value v3dLoad();
     Value boardLoad();

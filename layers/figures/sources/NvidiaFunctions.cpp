@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned long long UNKNOWN_BYTES = ~0ULL;
 
-/// A row of the lists of processes; those of the oldest list end before `instances`.
+/// A row of a list of processes; a row of the oldest list ends before `instances`.
 struct ProcessRow {
     unsigned int process;
     unsigned long long bytes;
@@ -19,7 +19,7 @@ struct ProcessRow {
 };
 static_assert(sizeof(void*) != 8 || sizeof(ProcessRow) == 24, "the library's layout");
 constexpr std::size_t OLD_ROW_SIZE = 16;
-/// Some releases wrote larger rows than their headers said.
+/// Some releases write larger rows than their headers say.
 constexpr std::size_t LARGEST_ROW_SIZE = 40;
 
 template <typename Function>
@@ -61,7 +61,7 @@ Reason Library::open(void* file, const std::string& pciDevice, int number) {
     if (started != SUCCESS) {
         return reasonOfResult(started);
     }
-    // By its place on the bus only that device is touched.
+    // Finding it by its bus address touches no other device.
     int result = NOT_FOUND;
     if (!pciDevice.empty() && byBus != nullptr) {
         result = byBus(pciDevice.c_str(), &device);

@@ -8,8 +8,8 @@
 
 #include "figures/sources/Value.h"
 
-/// The functions of NVIDIA's management library that figures come from, with its own records. Any of them may
-/// be missing, and then is null.
+/// The functions of NVIDIA's management library that we use, with its own records. A function that the
+/// library lacks is null.
 namespace sources::nvidia {
 
 constexpr const char* FILE_NAME = "libnvidia-ml.so.1";
@@ -21,7 +21,7 @@ constexpr int NO_PERMISSION = 4;
 constexpr int NOT_FOUND = 6;
 constexpr int TOO_SMALL = 7;
 
-/// No list is taken to be longer.
+/// The longest list that we accept.
 constexpr unsigned int MOST_ROWS = 1024;
 
 using Handle = void*;
@@ -70,10 +70,10 @@ struct Library {
     ProcessList graphics;
     ProcessList compute;
 
-    /// Loads the library, which may take seconds or never end, and finds the device: by its place on the bus,
+    /// Loads the library, which may take seconds or never end, and finds the device by its bus address, or
     /// else by its number. Sets the state.
     void load(const std::string& pciDevice, int number);
-    /// Bytes of a process in one of the lists.
+    /// The bytes that one of the lists gives for a process.
     std::optional<unsigned long long> bytesOf(const ProcessList& list, pid_t process) const;
 
 private:

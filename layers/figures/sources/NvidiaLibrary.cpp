@@ -68,7 +68,7 @@ const Library* NvidiaLibrary::library(Value& otherwise) {
 
 namespace {
 
-/// Calls a function that fills one object with what it knows.
+/// Calls a function that fills one object, and converts the result.
 template <typename Result, typename Function, typename Convert, typename... Arguments>
 Value ask(Function function, const char* name, Convert convert, Arguments... arguments) {
     if (function == nullptr) {
@@ -96,8 +96,8 @@ Value NvidiaLibrary::load() {
                      it->device);
 }
 
-/// The library's rows may be of other processes, from long ago, or nonsense: only a newer one of this process
-/// with a percentage counts.
+/// The library's rows may belong to other processes, be old, or be nonsense. So only a newer row of this
+/// process with a valid percentage counts.
 Value NvidiaLibrary::processLoad(pid_t process) {
     Value otherwise;
     const Library* const it = library(otherwise);
@@ -166,7 +166,7 @@ Value NvidiaLibrary::memoryUsed() {
                      [](const Memory& memory) { return static_cast<double>(memory.used); }, it->device);
 }
 
-/// Devices that work in the machine's memory tell a total of 0.
+/// Devices that use the machine's memory report a total of 0.
 Value NvidiaLibrary::memoryTotal() {
     Value otherwise;
     const Library* const it = library(otherwise);

@@ -13,23 +13,23 @@ namespace nvidia {
 struct Library;
 }  // namespace nvidia
 
-/// The figures of one NVIDIA device from the library that its driver brings, which is loaded when it is first
-/// needed. Loading may take seconds or never end, so a thread of its own does it, which nobody waits for;
-/// until it is done every figure is NOT_ANSWERING. Each call takes a lock in the driver that the application
-/// needs too: not for the frame thread, and no figure that nobody looks at. In a forked child every figure is
-/// without a value.
+/// The figures of one NVIDIA device, from the library that comes with its driver. The first use loads it.
+/// That may take seconds or never end, so a thread of its own does it, and nobody waits for that thread;
+/// until then every figure is NOT_ANSWERING. Each call takes a lock in the driver that the application needs
+/// too. So do not call it on the frame thread, nor for a figure that nobody looks at. In a forked child no
+/// figure has a value.
 class NvidiaLibrary {
 public:
-    /// `pciDevice` is "0000:01:00.0"; empty when it is not known, then `number` counts in the library's
+    /// `pciDevice` is like "0000:01:00.0". When it is empty, `number` is the device's index in the library's
     /// order.
     NvidiaLibrary(std::string pciDevice, int number);
 
-    /// Leaves the library loaded and its thread alone.
+    /// Neither unloads the library nor stops its thread.
     ~NvidiaLibrary();
     NvidiaLibrary(const NvidiaLibrary&) = delete;
     NvidiaLibrary& operator=(const NvidiaLibrary&) = delete;
 
-    /// Whether it has answered, well or not. The first call begins to load.
+    /// Whether loading has ended, successfully or not. The first call starts it.
     bool hasAnswered();
 
     Value load();                        ///< percent
@@ -44,7 +44,7 @@ public:
     Value fan();                         ///< percent of its fastest
 
 private:
-    /// Null while there is no answer; `otherwise` says why.
+    /// Returns null while the library cannot be used; `otherwise` says why.
     const nvidia::Library* library(Value& otherwise);
 
     std::shared_ptr<nvidia::Library> mLibrary;

@@ -64,7 +64,8 @@ Value hottestLabelled(const FileTree& tree, const std::string& hwmon, std::strin
     return hottest;
 }
 
-/// "Tdie" is the die; "Tctl" may be offset for the fans; chips before Zen have one input without a label.
+/// "Tdie" is the die's temperature; "Tctl" may have an offset for the fans; chips before Zen have one input
+/// without a label.
 Value amdTemperature(const FileTree& tree) {
     for (const char* const chip : {"zenpower", "k10temp"}) {
         for (const std::string& hwmon : findHwmons(tree, HWMON_CLASS, chip)) {
@@ -99,7 +100,8 @@ bool isCpuZone(const std::string& type) {
     return type == "cpu-thermal" || type == "cpu_thermal";
 }
 
-/// Of boards with a sensor for each core or cluster. The kernel cuts names after 19 letters.
+/// Whether the zone is a core's or a cluster's, on boards with such sensors. The kernel cuts names after 19
+/// letters.
 bool isCoreZone(const std::string& type) {
     return (beginsWith(type, "cpu") && type != "cpufreq") || beginsWith(type, "bigcore") ||
            beginsWith(type, "littlecore");

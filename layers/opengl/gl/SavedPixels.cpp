@@ -14,7 +14,7 @@ struct Parameter {
     bool Features::*feature;
 };
 
-// Byte and bit order are missing: they only matter for pixels that are not whole bytes.
+// Byte and bit order are not here: they do not affect components of one byte.
 const Parameter UNPACKING[] = {
     {GL_UNPACK_ALIGNMENT, 1, &Features::always},
     {GL_UNPACK_ROW_LENGTH, 0, &Features::unpackRows},
