@@ -11,7 +11,7 @@ constexpr std::uint32_t DARK_GREEN = 0xFF00B300;
 }  // namespace
 
 const FrameTimeSettings& frameTimeSettings() {
-    // Never destroyed: a frame may still ask while the process exits.
+    // Never destroyed: a thread may still draw a frame while the process exits.
     static const auto* const instance =
         new FrameTimeSettings{SysPropWatcher::createSysProp<bool>("debug.kordanix.widget_frame_time", true),
                               {"debug.kordanix.widget_frame_time_swap", true, BLUE},

@@ -14,7 +14,7 @@ struct FrameTimeSettings {
     gui::WidgetsSettings::Graph cpu;
 };
 
-/// Those of the process; the first call makes their properties. Rendering thread.
+/// Returns the process's settings; the first call creates their properties. Rendering thread.
 const FrameTimeSettings& frameTimeSettings();
 
 }  // namespace scene

@@ -28,13 +28,13 @@ constexpr float LINE_HEIGHT = 12.0F;
 constexpr float MARGIN = 6.0F;
 constexpr float LEGEND_WIDTH = 42.0F;
 
-/// Bars of whole pixels, about so many.
+/// About how many bars there are; each is whole pixels wide.
 constexpr float USUAL_BARS = 250.0F;
 
-/// A longer frame than so many times the median is cut: it must not press all others flat.
+/// Bars are cut at this multiple of the median, so that one long frame does not flatten all others.
 constexpr std::uint64_t LARGEST_SHARE = 4;
 
-/// The latest frames without the GPU's part are left out, up to so many.
+/// How many of the latest frames may be left out because their GPU time is not known yet.
 constexpr std::size_t GPU_DELAY = 8;
 
 constexpr float NS_OF_RATE[] = {1e9F / 60.0F, 1e9F / 30.0F};
@@ -53,7 +53,7 @@ std::string milliseconds(std::uint64_t nanoseconds) {
     return figures::formatNumber(ms, ms < 9.995 ? 2 : ms < 99.95 ? 1 : 0, "ms");
 }
 
-/// The next number of the kind 1, 1.5, 2, 3, 4, 6, 8, 10: the scale keeps still while the frames hardly do.
+/// Rounds up to the next of 1, 1.5, 2, 3, 4, 6, 8, 10 times a power of ten, so that the scale rarely changes.
 float roundUp(float value) {
     const float power = std::pow(10.0F, std::floor(std::log10(value)));
     for (const float step : {1.0F, 1.5F, 2.0F, 3.0F, 4.0F, 6.0F, 8.0F}) {
@@ -133,7 +133,7 @@ void FrameTimeWidget::applySettings(const Canvas& canvas) {
     setTexts();
 }
 
-/// The texts' line and the bars, and how many of those.
+/// Places the line of texts and the bars, and sets the number of bars.
 void FrameTimeWidget::placeBars(const Canvas& canvas) {
     const glm::vec2 unit = 1.0F / canvas.units;
     const gui::RenderArea band = gui::LayoutManager::getInstance()->getRenderArea(Area::GPU_ACTIVITY_BAND);
@@ -179,8 +179,8 @@ bool FrameTimeWidget::onFrame() {
 }
 
 void FrameTimeWidget::setBar(std::size_t bar, const FrameTime& frame) {
-    // What the GPU works on during the swap is the GPU's: the rest of the swap is spent waiting for the
-    // screen, or for the frames before.
+    // GPU work during the swap counts for the GPU; the rest of the swap is waiting for the screen or for
+    // earlier frames.
     const std::uint64_t gpu =
         std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(frame.gpu, 0)), frame.total);
     const std::uint64_t swap = std::min(frame.swap, frame.total - gpu);
@@ -218,7 +218,7 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
     placeLines();
 }
 
-/// The figures of mSorted, and the scale that suits them.
+/// Writes the statistics of mSorted, and chooses the scale.
 void FrameTimeWidget::setTexts() {
     const auto at = [this](std::size_t index) {
         const auto place = mSorted.begin() + static_cast<std::ptrdiff_t>(index);
@@ -256,7 +256,7 @@ void FrameTimeWidget::placeLines() {
         for (gui::Vertex& vertex : rate.line->mVertices) {
             vertex.y = y;
         }
-        // The label stands on its line, if there is room.
+        // The label is on its line, if there is room.
         const drawer::MeshDrawer& bars = *rate.line;
         const float label = NOTE_TEXT_HEIGHT / mCanvas.units.y;
         const float lineY = bars.mPosition.y + bars.mSize.y * (1.0F - height);

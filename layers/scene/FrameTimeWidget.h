@@ -19,16 +19,16 @@ namespace scene {
 
 class GpuActivityWidget;
 
-/// The last frames, one bar for each and the newest at the right: from below the time of the processor, that
-/// of the GPU and what remains of the swap call without either. So a program that waits for the screen has a
-/// high upper part. Lines where 60 and 30 frames a second are, as far as the scale goes; above the bars their
-/// median, their 99th percentile and the longest.
+/// The last frames, one bar for each, with the newest at the right. From bottom to top, a bar shows the
+/// processor's time, the GPU's time and the rest of the swap call. So a program that waits for the screen has
+/// a high upper part. Lines mark 60 and 30 frames a second if the scale includes them; above the bars are
+/// their median, their 99th percentile and the longest time.
 ///
-/// Stands where the shader activity does, unless the device has counters for that. When a frame's passes were
-/// captured they have the upper part, and the bars the band below.
+/// Takes the place of the shader activity if the device has no counters for that. When a frame's passes were
+/// captured they take the upper part, and the bars get the band below.
 class FrameTimeWidget : public WidgetView {
 public:
-    /// All outlive the widget.
+    /// All arguments must outlive the widget.
     FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& times, const GpuActivityWidget& activity);
 
     bool isShown() const override;
@@ -44,7 +44,7 @@ private:
     static constexpr std::size_t PARTS = 3;
     static constexpr std::size_t RATES = 2;
 
-    /// Of one part of the bars. Each area reaches down to the bottom and is covered by the next one.
+    /// One part of the bars. Each area reaches down to the bottom, and the next one covers it.
     struct Part {
         drawer::MeshDrawer* area = nullptr;
         drawer::TextDrawer* legend = nullptr;

@@ -6,7 +6,7 @@
 
 namespace scene {
 
-/// One frame: from the end of the swap before to the end of its own. Nanoseconds.
+/// One frame, from the end of the previous swap to the end of its own. Nanoseconds.
 struct FrameTime {
     std::uint64_t total = 0;
     std::uint64_t swap = 0;    ///< in the application's real swap call
@@ -16,35 +16,36 @@ struct FrameTime {
     static constexpr std::int64_t NOT_MEASURED = -1;
 };
 
-/// How long the last frames took, from readings of a clock that nobody sets: two around each swap, and two
-/// around what the layer does if it tells. One thread at a time; allocates nothing.
+/// How long the last frames took, by a clock that nobody can set. Reads it twice around each swap, and twice
+/// around the layer's own work if the layer reports that. One thread at a time; allocates nothing.
 class FrameTimes {
 public:
     static constexpr std::size_t HISTORY = 256;
 
-    /// The moments of a frame, in this order. One that comes again takes the place of the last. The first and
-    /// the last need not be told.
+    /// Call these at the moments of a frame, in this order. A repeated call replaces the earlier one. The
+    /// first and the last may be left out.
     void onHook();     ///< the layer has been called
     void onSwap();     ///< the real swap is about to be called
     void onSwapped();  ///< it has returned
     void onLeft();     ///< the layer returns to the application
 
-    /// The frame whose swap has returned is over. Whether its length is known: there must have been one
+    /// Ends the frame whose swap has returned. Returns whether its length is known, which needs a frame
     /// before it.
     bool finish();
 
-    /// What the running frame is called.
+    /// The current frame's name.
     std::uint32_t name() const { return static_cast<std::uint32_t>(mCount); }
 
-    /// The next frame has nothing to do with the last one.
+    /// The next frame does not follow the last one directly.
     void restart() { mHasSwapped = false; }
 
-    /// The GPU's part of a frame, which comes late. Null when the frame is not there, else the frame.
+    /// Sets the GPU's time for a frame, which comes late. Returns the frame, or null when it is no longer
+    /// stored.
     const FrameTime* setGpu(std::uint32_t name, std::uint64_t nanoseconds);
 
     std::size_t size() const;
 
-    /// 0 is the last frame; below size().
+    /// Returns a frame; 0 is the last one. `frames` must be below size().
     const FrameTime& ago(std::size_t frames) const;
 
 private:

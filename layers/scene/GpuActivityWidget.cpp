@@ -29,8 +29,8 @@ std::unique_ptr<drawer::FixedGraphicDrawer> createGraph(PrimitiveFactory& factor
         std::vector<core::ShaderActivity>(), 0.0L, 0.0L);
 }
 
-/// From the first sample on, as long as the frame took, so that the graph lies below the time line as it
-/// was; the whole series when the frame's length is not known.
+/// Shows the series from the first sample on, for the frame's length, so that the graph matches the time line
+/// above it; the whole series when the frame's length is not known.
 void showSeries(drawer::FixedGraphicDrawer& graph, const std::vector<core::ShaderActivity>& series,
                 const gui::FrameData& frame) {
     if (series.empty()) {
@@ -76,8 +76,8 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
     mVertex->setBackgroundColor(noColor());
     mVertex->setGridColor(gridColor());
 
-    // The second legend lies over the end of the first. With the fragment shaders off nothing covers that
-    // end, so the first has to go without it.
+    // The second legend covers the end of the first. With the fragment shaders off nothing covers it, so the
+    // first legend must not have that end.
     mCaption->mVertexLegend->setTextColor(settings.mVertexLoad.getTextColor());
     mCaption->mVertexLegend->setText(mFragment->mEnabled ? "@Vertex @Fragment" : "@Vertex");
     mCaption->mFragmentLegend->setTextColor(settings.mFragmentLoad.getTextColor());
@@ -90,7 +90,7 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
 }
 
 bool GpuActivityWidget::isShown() const {
-    // The frame times stand in the same place, and switch that on for themselves.
+    // The frame times use the same widget and switch it on for themselves.
     return WidgetView::isShown() && gui::WidgetsSettings::getWidgets().mGpuActivity.enabled();
 }
 
@@ -111,7 +111,7 @@ bool GpuActivityWidget::isMoving() const {
 }
 
 void GpuActivityWidget::refresh(figures::Metrics&) {
-    // Changes with captures only.
+    // Only captures change it.
 }
 
 void GpuActivityWidget::showCapture() {
@@ -143,7 +143,7 @@ void GpuActivityWidget::draw() {
     if (!GpuCapture::hasCounters() || (!mVertex->mEnabled && !mFragment->mEnabled)) {
         return;
     }
-    // One background and grid for both graphs, also while there is nothing to plot.
+    // One background and grid for both graphs, even without samples.
     mVertex->drawBackground();
     mVertex->drawGrid();
     if (mVertex->mIsEmpty && mFragment->mIsEmpty) {

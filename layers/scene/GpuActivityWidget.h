@@ -17,17 +17,17 @@ class PassCaption;
 class PassCellsRow;
 class PassTimeline;
 
-/// The captured frame. From top to bottom: the caption with the frame's number and length and the legend,
-/// the passes with their values, the passes on a time line, and the activity of the vertex and, over it,
-/// of the fragment shaders. Render passes and graphs are shown as the settings have them. On a device without
-/// counters only captured passes are shown.
+/// The captured frame. From top to bottom: the caption with the frame's number and length and the legend, the
+/// passes with their values, the passes on a time line, and the activity of the vertex shaders with that of
+/// the fragment shaders over it. The settings decide whether passes and graphs are shown. A device without
+/// counters shows only captured passes.
 class GpuActivityWidget : public WidgetView {
 public:
     GpuActivityWidget(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes);
 
     bool isShown() const override;
 
-    /// Whether there are passes in the widget's upper part.
+    /// Whether the widget's upper part shows passes.
     bool isShowingPasses() const;
 
     bool onFrame() override;

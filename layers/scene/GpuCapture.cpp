@@ -56,7 +56,7 @@ void GpuCapture::start(std::uint32_t frameUs) {
     try {
         mCounters.startCapturing(std::clamp(frameUs / US_PER_MS, std::uint32_t{1}, LONGEST_CAPTURE_MS));
     } catch (const std::system_error&) {
-        // Out of threads: the counters end at once, without shader activity.
+        // No thread: the counters end at once, without shader activity.
     }
     mProgress = RenderPassSource::Progress::NONE;
     if (mPasses != nullptr) {
@@ -83,7 +83,7 @@ void GpuCapture::finish() {
     mIsRunning = false;
     mCounters.finishCapturing();
     mCounters.getGpuActivity(mVertexActivity, mFragmentActivity);
-    // The post-swap hook counts a frame when it has been swapped: this is the last one that was.
+    // The post-swap hook counts frames, so this is the number of the last swapped one.
     mFrame = gui::FrameData(static_cast<unsigned int>(core::StateInfo::mFrameNumber), {});
     const Reading start = mVertexActivity.empty() ? Reading() : Reading(mVertexActivity.front().time);
     if (mProgress == RenderPassSource::Progress::READY && !mPasses->readFrame(mFrame, start)) {

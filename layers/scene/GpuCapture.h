@@ -10,26 +10,26 @@
 
 namespace scene {
 
-/// Captures one frame of GPU work when the capture key asks for it: the shader activity over one frame's
-/// length and the frame's render passes. Rendering thread only; the counters are sampled on a thread of
-/// their own meanwhile, and nothing is waited for.
+/// Captures one frame of GPU work when the user presses the capture key: the shader activity over one frame's
+/// length and the frame's render passes. Rendering thread only. Another thread samples the counters
+/// meanwhile, and no call waits for it.
 class GpuCapture {
 public:
-    /// Frames after which passes that are still not known count as unknown: some seconds.
+    /// How many frames (some seconds) a capture waits for its passes.
     static constexpr unsigned int LONGEST_WAIT = 600;
 
-    /// `passes` may be null, and outlives the capture otherwise.
+    /// `passes` may be null; otherwise it must outlive this object.
     GpuCapture(core::RenderingApiType api, RenderPassSource* passes);
 
-    /// Whether the device has counters of the shaders' activity: it is of a kind whose counters are known.
+    /// Whether the device has counters of shader activity: we know the counters of its kind.
     static bool hasCounters();
 
-    /// Once a frame, after the pre-swap hook. Starts a capture when its key was pressed, and takes over the
-    /// results when one has ended: true in that frame.
+    /// Call it once a frame, after the pre-swap hook. Starts a capture when its key was pressed. When one has
+    /// ended, fetches the results and returns true.
     bool onFrame();
 
-    /// Waits for the counters of the capture that runs, if there is one; its results come with the next frame
-    /// in which the passes are known.
+    /// Waits for the counters of a running capture, if any. Its results come with the next frame in which the
+    /// passes are known.
     void settle() const;
 
     /// Results of the last capture. Without counters the series are empty; without known passes the frame

@@ -16,8 +16,8 @@ namespace scene {
 
 struct Canvas;
 
-/// One widget on the screen: its drawers, each with the render area it takes, what feeds them and in which
-/// order they are drawn. Rendering thread only.
+/// One widget on the screen: its drawers and their render areas, their figures, and the order of drawing.
+/// Rendering thread only.
 class WidgetView {
 public:
     explicit WidgetView(gui::WidgetType type);
@@ -29,26 +29,26 @@ public:
     /// position is in no row and is not drawn.
     virtual bool isShown() const;
 
-    /// After a change of the settings: switches the widget on if figures of its own are.
+    /// Called after a change of the settings: switches the widget on if one of its own figures is on.
     virtual void enable() {}
 
-    /// After a change of the settings or of the surface, when the layout manager has placed the widgets:
-    /// gives every drawer its rectangle and takes over colours and switches.
+    /// Called after a change of the settings or of the surface, when the layout manager has placed the
+    /// widgets: gives every drawer its rectangle, and applies colours and switches.
     void layout(const Canvas& canvas);
 
-    /// Once a frame while the widget is shown. Returns whether it has to be drawn anew although no figure was
-    /// refreshed.
+    /// Called once a frame while the widget is shown. Returns whether the widget has to be drawn again even
+    /// without a refresh.
     virtual bool onFrame() { return false; }
 
     /// Adds the figures that the widget shows.
     virtual void collectFigures(figures::FigureSet& /*wanted*/) const {}
 
-    /// Brings texts and graphs up to date.
+    /// Updates texts and graphs.
     virtual void refresh(figures::Metrics& metrics) = 0;
 
     virtual void draw() = 0;
 
-    /// Waits for what runs in the background: for pictures that must not depend on timing.
+    /// Waits for background work, so that pictures do not depend on timing.
     virtual void settle() {}
 
     /// Adds the drawers that are switched on to the list for the post-swap hook.
@@ -59,7 +59,7 @@ protected:
 
     virtual void applySettings(const Canvas& canvas) = 0;
 
-    /// Takes the drawer over and gives it a render area of this widget.
+    /// Takes ownership of the drawer and gives it a render area of this widget.
     template <class DrawerType>
     DrawerType& place(std::unique_ptr<DrawerType> drawer, gui::RenderAreaType area) {
         DrawerType& placed = *drawer;

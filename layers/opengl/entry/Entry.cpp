@@ -9,7 +9,7 @@ using platform::PerProcess;
 constexpr opengl::LayerCalls CALLS = {
     [](const opengl::Swap& swap) { return PerProcess<opengl::Layer>::get().beforeSwap(swap); },
     [](void* frame) {
-        // A child that was forked in a swap has other records than its parent.
+        // A child that was forked during a swap has records of its own.
         if (opengl::Layer* const layer = PerProcess<opengl::Layer>::find()) {
             layer->afterSwap(frame);
         }

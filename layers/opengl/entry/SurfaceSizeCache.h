@@ -8,9 +8,9 @@
 
 namespace opengl {
 
-/// What the surfaces are that one context draws on, their size above all. Asking for it may take a round trip
-/// to the display server, so it is asked for when there is a reason: a surface is new, the program has
-/// changed its viewport or an attribute of a surface, or 250 ms have passed.
+/// The size and kind of the surfaces of one context. Asking for them may take a round trip to the display
+/// server. So it asks only if there is a reason: a surface is new, the program has changed its viewport or an
+/// attribute of a surface, or 250 ms have passed.
 class SurfaceSizeCache {
 public:
     struct Answer {
@@ -19,7 +19,7 @@ public:
         Obstacle obstacle = nullptr;  ///< why nothing can be drawn on it
     };
 
-    /// When an answer has to be asked for anew.
+    /// A change of any of these makes it ask again.
     struct Signs {
         std::array<int, 4> viewport = {};  ///< the program's
         unsigned int attributeChanges = 0;
@@ -29,11 +29,11 @@ public:
         }
     };
 
-    /// What the surface of this swap is now. `isSrgbWanted` stays the same.
+    /// Returns what the surface of this swap is now. `isSrgbWanted` must be the same in every call.
     const Answer& look(const WindowLibrary& library, const Swap& swap, const Signs& signs, bool isSrgbWanted);
 
 private:
-    /// Programs with more windows than that in one context ask more often.
+    /// With more windows than this in one context it asks more often.
     static constexpr std::size_t SURFACES = 4;
 
     struct Known {

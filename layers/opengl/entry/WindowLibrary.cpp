@@ -10,7 +10,7 @@ namespace opengl {
 
 namespace {
 
-// Of GLX's header, which brings all of X11's along.
+// From GLX's header, which would include all of X11's.
 constexpr int GLX_WIDTH_ATTRIBUTE = 0x801D;
 constexpr int GLX_HEIGHT_ATTRIBUTE = 0x801E;
 constexpr int GLX_PRESERVED_CONTENTS_ATTRIBUTE = 0x801B;
@@ -23,7 +23,7 @@ constexpr Obstacle PBUFFER = "it swaps a pbuffer, which no swap shows";
 constexpr Obstacle PIXMAP = "it swaps a pixmap, which no swap shows";
 constexpr Obstacle PRESERVED = "its surface keeps its picture from swap to swap (EGL_BUFFER_PRESERVED)";
 
-/// A handle on the library that a function lies in.
+/// Returns a handle of the library that contains a function.
 void* libraryOf(void* function) {
     Dl_info info;
     return dladdr(function, &info) != 0 ? dlopen(info.dli_fname, RTLD_LAZY | RTLD_NOLOAD) : nullptr;
@@ -54,7 +54,8 @@ WindowLibrary::WindowLibrary(const Swap& swap, const ShimCalls& shim)
         }
         return mLookUp != nullptr;
     };
-    // What others put in front of the library leads to it as a rule; failing that, the usual one is asked.
+    // If somebody has put another library in front of this one, its look-up usually leads here; otherwise try
+    // the usual library.
     if (!findLookUp()) {
         mLibrary = dlopen(isEgl ? "libEGL.so.1" : "libGLX.so.0", RTLD_LAZY | RTLD_NOLOAD);
         if (!findLookUp()) {
@@ -81,7 +82,7 @@ WindowLibrary::WindowLibrary(const Swap& swap, const ShimCalls& shim)
     }
 }
 
-/// Old libraries do not look up what they export.
+/// Old libraries cannot look up the functions that they export.
 void* WindowLibrary::find(const char* name) const {
     void* const exported = mLibrary != nullptr ? mFindSymbol(mLibrary, name) : nullptr;
     return exported != nullptr ? exported : mLookUp(name);
@@ -91,7 +92,7 @@ bool WindowLibrary::isDrawnOn(const Swap& swap) const {
     if (mWindowSystem == WindowSystem::GLX) {
         return mGetCurrentDrawable() == swap.surface && mGetCurrentDisplay() == swap.display;
     }
-    // No two displays have a surface in common, and each question costs a system call in libglvnd.
+    // Displays share no surfaces, so the surface is enough; each call costs a system call in libglvnd.
     return mGetCurrentSurface(EGL_DRAW) == eglSurface(swap.surface);
 }
 
@@ -99,7 +100,7 @@ bool WindowLibrary::isAlive(void* display, void* context) const {
     if (mWindowSystem == WindowSystem::GLX) {
         return mGetContextId == nullptr || mGetContextId(context) != 0;
     }
-    // Sets EGL's own error at most, which the swap to come sets anew.
+    // At most it sets EGL's error, which the following swap sets again.
     int value = 0;
     return mQueryContext(display, context, EGL_CONFIG_ID, &value) != EGL_FALSE;
 }
@@ -114,14 +115,14 @@ bool WindowLibrary::isLeftAlone(Obstacle obstacle) {
 }
 
 Obstacle WindowLibrary::findEglObstacle(void* display, void* surface) const {
-    // Windows and pixmaps have no such attribute, and the value stays as it is.
+    // Windows and pixmaps have no such attribute, and leave the value alone.
     constexpr int UNTOUCHED = -1;
     int largest = UNTOUCHED;
     if (mQuerySurface(display, surface, EGL_LARGEST_PBUFFER, &largest) != EGL_FALSE && largest != UNTOUCHED) {
         return PBUFFER;
     }
-    // What was asked for, and what the context draws on: a library may give another buffer than it was asked
-    // for, and its program may still draw only what has changed.
+    // Look at the buffer that the program asked for as well as the one that the context draws on: the library
+    // may give another one, and the program may still redraw only what has changed.
     int wanted = EGL_BACK_BUFFER;
     int given = EGL_BACK_BUFFER;
     mQuerySurface(display, surface, EGL_RENDER_BUFFER, &wanted);
@@ -134,7 +135,7 @@ Obstacle WindowLibrary::findEglObstacle(void* display, void* surface) const {
     return behavior == EGL_BUFFER_PRESERVED ? PRESERVED : nullptr;
 }
 
-/// That a drawable has a single buffer only OpenGL tells (SavedState).
+/// Does not find single-buffered drawables; only OpenGL knows those (SavedState).
 Obstacle WindowLibrary::findGlxObstacle(void* display, unsigned long drawable) const {
     const char* const extensions = mQueryServerString(display, 0, GLX_EXTENSIONS_NAME);
     unsigned int value = 0;
