@@ -1,5 +1,6 @@
 #include "scene/Scene.h"
 
+#include "core/StateInfo.h"
 #include "gui/LayoutManager.h"
 #include "scene/Canvas.h"
 #include "scene/FigureWidget.h"
@@ -16,7 +17,7 @@ namespace scene {
 
 Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes,
              FrameTimer* timer)
-    : mFactory(factory), mTimer(timer) {
+    : mFactory(factory), mTimer(timer), mDumpMark(factory) {
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, FPS_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, CPU_GPU_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, MEMORY_WIDGET));
@@ -45,6 +46,8 @@ void Scene::layout() {
             widget->collectFigures(wanted);
         }
     }
+    mDumpMark.layout(canvas);
+    mExtraDump.tellSurface(mFactory.getSurfaceSize());
     mIsStripShown = mStrip->isShown();
     mIsChanged = true;
     mMetrics.want(wanted);
@@ -52,6 +55,8 @@ void Scene::layout() {
 
 void Scene::update() {
     takeGpuTimes();
+    const bool wasDumping = std::exchange(mIsDumping, core::StateInfo::isDumpingEnabled());
+    mIsChanged = mIsChanged || mIsDumping != wasDumping;
     for (WidgetView* widget : mShown) {
         mIsChanged = widget->onFrame() || mIsChanged;
     }
@@ -69,11 +74,16 @@ void Scene::update() {
 }
 
 void Scene::finishFrame() {
+    const bool isDumping = core::StateInfo::isDumpingEnabled();
     if (mFrameTimes.finish()) {
-        mMetrics.addFrame(mFrameTimes.ago(0).total);
+        const FrameTime& frame = mFrameTimes.ago(0);
+        mMetrics.addFrame(frame.total);
+        if (isDumping) {
+            mExtraDump.tellFrame(frame, std::exchange(mLastGpuTime, FrameTime::NOT_MEASURED));
+        }
     }
     if (mTimer != nullptr) {
-        mTimer->beginFrame(mFrameTimes.name(), mIsStripShown || mMetrics.isGpuTimeWanted());
+        mTimer->beginFrame(mFrameTimes.name(), isDumping || mIsStripShown || mMetrics.isGpuTimeWanted());
     }
 }
 
@@ -82,6 +92,7 @@ void Scene::takeGpuTimes() {
     while (mTimer != nullptr && mTimer->take(time)) {
         if (const FrameTime* const frame = mFrameTimes.setGpu(time.frame, time.nanoseconds)) {
             mMetrics.addGpuTime(time.nanoseconds, frame->total);
+            mLastGpuTime = frame->gpu;
         }
     }
 }
@@ -105,6 +116,9 @@ void Scene::draw() {
     }
     for (WidgetView* widget : mShown) {
         widget->draw();
+    }
+    if (mIsDumping) {
+        mDumpMark.draw();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/RenderingApiType.h"
 #include "figures/Metrics.h"
+#include "scene/DumpMark.h"
 #include "scene/ExtraDump.h"
 #include "scene/FrameTimes.h"
 #include "scene/PrimitiveFactory.h"
@@ -57,11 +58,14 @@ private:
     FrameTimer* mTimer;
     figures::Metrics mMetrics;
     ExtraDump mExtraDump;
+    DumpMark mDumpMark;
+    bool mIsDumping = false;  // as the last drawing says
     UpdateHelper mPacing;
     bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;
     FrameTimeWidget* mStrip = nullptr;
     bool mIsStripShown = false;
+    std::int64_t mLastGpuTime = FrameTime::NOT_MEASURED;  // until it is in a dump
     std::vector<WidgetView*> mShown;
     std::vector<drawer::Drawer*> mShownDrawers;
 };

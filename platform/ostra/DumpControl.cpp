@@ -38,18 +38,20 @@ void DumpControl::start(const std::vector<Ostra::DumpWidgetMeta>& metas) {
     const std::lock_guard<std::mutex> order(mOrder);
     DumpPlan plan;
     std::vector<const char*> extraColumns;
+    DumpSubjects subjects;
     try {
         plan = planDump(++mCount);
         {
             const std::lock_guard<std::mutex> lock(mMutex);
             mRuntimeDirectory = plan.runtimeDirectory;
             extraColumns = mExtraColumns;
+            subjects = mSubjects;
         }
         if (stopAdding() != nullptr) {
             tellFailure(plan, "the last one still waits for its disk");
             return;
         }
-        std::shared_ptr<DumpRun> run = DumpRun::start(metas, extraColumns, plan);
+        std::shared_ptr<DumpRun> run = DumpRun::start(metas, extraColumns, plan, subjects);
         if (run == nullptr) {
             tellFailure(plan, "no thread can be started");
             return;
@@ -80,6 +82,11 @@ void DumpControl::setExtraColumns(const std::vector<const char*>& names) {
 void DumpControl::setExtraValues(const double* values, std::size_t count) {
     const std::lock_guard<std::mutex> lock(mMutex);
     std::copy_n(values, std::min(count, mExtraValues.size()), mExtraValues.begin());
+}
+
+void DumpControl::setSubject(const std::string& name, const std::string& text) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSubjects[name] = text;
 }
 
 void DumpControl::finish() {

@@ -21,9 +21,10 @@ public:
     /// logs an error and writes it into the dump's notice.
     void start(const std::vector<Ostra::DumpWidgetMeta>& metas);
 
-    /// As Ostra::setExtraColumns() and Ostra::setExtraValues().
+    /// As Ostra::setExtraColumns(), Ostra::setExtraValues() and Ostra::setDumpSubject().
     void setExtraColumns(const std::vector<const char*>& names);
     void setExtraValues(const double* values, std::size_t count);
+    void setSubject(const std::string& name, const std::string& text);
 
     /// Never waits for a disk.
     void add(const Ostra::FrameDump& dump);
@@ -47,6 +48,7 @@ private:
     std::shared_ptr<DumpRun> mRun;
     std::vector<const char*> mExtraColumns;
     std::vector<double> mExtraValues;
+    DumpSubjects mSubjects;
     bool mIsAdding = false;
     std::string mRuntimeDirectory;  ///< empty before the first dump
 };

@@ -68,8 +68,8 @@ std::string OutputFile::close() {
 }
 
 DumpFiles::DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas,
-                     const std::vector<const char*>& extraColumns)
-    : mExtraColumns(extraColumns.begin(), extraColumns.end()) {
+                     const std::vector<const char*>& extraColumns, DumpSubjects subjects)
+    : mExtraColumns(extraColumns.begin(), extraColumns.end()), mSubjects(std::move(subjects)) {
     mColumns.reserve(metas.size());
     for (const Ostra::DumpWidgetMeta& meta : metas) {
         mColumns.push_back({meta.name.string(), meta.valueType == FLOAT_VALUE});
@@ -99,7 +99,26 @@ std::string DumpFiles::open(const std::string& folder) {
         passes.add(name);
     }
     passes.endRow();
+    if (error.empty()) {
+        error = writeSubjects(folder);
+    }
     return error.empty() ? flush() : error;
+}
+
+std::string DumpFiles::writeSubjects(const std::string& folder) const {
+    if (mSubjects.empty()) {
+        return {};
+    }
+    OutputFile file;
+    std::string error = file.open(folder + "/about.csv");
+    CsvWriter rows(file.buffer());
+    for (const auto& [name, text] : mSubjects) {
+        rows.add(name);
+        rows.add(text);
+        rows.endRow();
+    }
+    const std::string closeError = file.close();
+    return error.empty() ? closeError : error;
 }
 
 void DumpFiles::writeFrame(const FrameQueue& frames) {

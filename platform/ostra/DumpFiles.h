@@ -4,6 +4,7 @@
 
 #include <ostra/Ostra.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -37,16 +38,20 @@ private:
     std::string mBuffer;
 };
 
-/// The two files of a dump. frames.csv has a row for every frame: FrameNumber, TimestampMs, a column for
+/// What a dump is of: texts by their names.
+using DumpSubjects = std::map<std::string, std::string>;
+
+/// The files of a dump. frames.csv has a row for every frame: FrameNumber, TimestampMs, a column for
 /// every dumpable value under its own name, RenderPassFrameId, FrameDuration, and the extra columns.
 /// passes.csv has a row for every render pass of those frames: FrameNumber, RenderPassFrameId, Pass (0, 1,
 /// ... in frame order), FirstValue, SecondValue, Duration. Durations are in milliseconds. Values are integers
 /// or floats as their meta says; a field is empty when the frame does not have that value. Errors are
 /// returned as by OutputFile.
+/// about.csv, if there is something to say, has a row for each subject: its name and its text.
 class DumpFiles {
 public:
     explicit DumpFiles(const std::vector<Ostra::DumpWidgetMeta>& metas,
-                       const std::vector<const char*>& extraColumns = {});
+                       const std::vector<const char*>& extraColumns = {}, DumpSubjects subjects = {});
 
     /// Creates both files, which must not exist, in an existing folder, and writes the header rows.
     std::string open(const std::string& folder);
@@ -63,11 +68,13 @@ private:
         bool isFloat;
     };
 
+    std::string writeSubjects(const std::string& folder) const;
     void writeFrame(const FrameQueue& frames);
     void writePasses(const FrameQueue& frames);
 
     std::vector<Column> mColumns;
     std::vector<std::string> mExtraColumns;
+    DumpSubjects mSubjects;
     OutputFile mFrames;
     OutputFile mPasses;
 };

@@ -34,15 +34,18 @@ private:
 };
 
 std::shared_ptr<DumpRun> DumpRun::start(const std::vector<Ostra::DumpWidgetMeta>& metas,
-                                        const std::vector<const char*>& extraColumns, DumpPlan plan) {
-    auto run = std::make_shared<DumpRun>(metas, extraColumns, std::move(plan));
+                                        const std::vector<const char*>& extraColumns, DumpPlan plan,
+                                        const DumpSubjects& subjects) {
+    auto run = std::make_shared<DumpRun>(metas, extraColumns, std::move(plan), subjects);
     // The thread holds a reference of its own, so nobody has to wait when its disk hangs.
     return startHelperThread("ostra-dump", [run] { run->write(); }) ? run : nullptr;
 }
 
 DumpRun::DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas,
-                 const std::vector<const char*>& extraColumns, DumpPlan plan)
-    : mQueue(metas.size(), extraColumns.size()), mPlan(std::move(plan)), mFiles(metas, extraColumns) {
+                 const std::vector<const char*>& extraColumns, DumpPlan plan, const DumpSubjects& subjects)
+    : mQueue(metas.size(), extraColumns.size()),
+      mPlan(std::move(plan)),
+      mFiles(metas, extraColumns, subjects) {
     mNotice.number = mPlan.number;
 }
 

@@ -26,11 +26,12 @@ class DumpRun {
 public:
     /// Starts the dump; null when no thread can be started. Throws std::bad_alloc.
     static std::shared_ptr<DumpRun> start(const std::vector<Ostra::DumpWidgetMeta>& metas,
-                                          const std::vector<const char*>& extraColumns, DumpPlan plan);
+                                          const std::vector<const char*>& extraColumns, DumpPlan plan,
+                                          const DumpSubjects& subjects = {});
 
     /// Use start().
     DumpRun(const std::vector<Ostra::DumpWidgetMeta>& metas, const std::vector<const char*>& extraColumns,
-            DumpPlan plan);
+            DumpPlan plan, const DumpSubjects& subjects);
 
     /// Copies one frame. Never waits and never allocates. One thread at a time, and not after finish().
     void add(const Ostra::FrameDump& dump, const std::vector<double>& extraValues);

@@ -53,6 +53,10 @@ void setExtraValues(const double* values, std::size_t count) {
     }
 }
 
+void setDumpSubject(const char* name, const std::string& text) {
+    PerProcess<DumpControl>::get().setSubject(name, text);
+}
+
 void finishDumping() {
     if (DumpControl* const control = PerProcess<DumpControl>::find()) {
         control->finish();

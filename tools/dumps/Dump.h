@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,7 @@ struct DumpedValue {
 /// A frame dump as far as it could be read: frames with rising numbers, passes in the order of their frames.
 struct Dump {
     std::string folder;
+    std::map<std::string, std::string> subjects;  ///< what it is of: "Program", "GPU", "Size"
     std::vector<DumpedFrame> frames;
     std::vector<DumpedValue> values;
     std::vector<DumpedPass> passes;

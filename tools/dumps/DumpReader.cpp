@@ -219,6 +219,15 @@ std::string parsePasses(std::string_view text, Dump& dump) {
     return {};
 }
 
+void parseSubjects(std::string_view text, Dump& dump) {
+    CsvReader reader(text);
+    for (Row row; reader.next(row);) {
+        if (row.size() == 2) {
+            dump.subjects[row[0]] = row[1];
+        }
+    }
+}
+
 std::string readDump(const std::string& folder, Dump& dump) {
     dump.folder = folder;
     const std::string framesPath = folder + "/frames.csv";
@@ -232,6 +241,9 @@ std::string readDump(const std::string& folder, Dump& dump) {
     }
     if (!error.empty()) {
         return framesPath + ": " + error;
+    }
+    if (readFile(folder + "/about.csv", text).empty()) {
+        parseSubjects(text, dump);
     }
     dump.passError = readFile(folder + "/passes.csv", text);
     if (dump.passError.empty()) {

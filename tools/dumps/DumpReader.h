@@ -7,9 +7,9 @@
 
 namespace dumps {
 
-/// Reads frames.csv and passes.csv of a dump's folder as far as they go. Returns an empty text, or why there
-/// is nothing to be read: without a whole frame there is no dump, without render passes there still is. A
-/// file that is not a regular one, or larger than 1 GiB, is not read.
+/// Reads frames.csv, passes.csv and about.csv of a dump's folder as far as they go. Returns an empty text, or
+/// why there is nothing to be read: without a whole frame there is no dump, without render passes there still
+/// is. A file that is not a regular one, or larger than 1 GiB, is not read.
 std::string readDump(const std::string& folder, Dump& dump);
 
 /// The parts of readDump(), for texts in memory and any bytes. Each returns an empty text, or why the text as
@@ -18,6 +18,9 @@ std::string readDump(const std::string& folder, Dump& dump);
 /// than the number that belongs there, or when frame numbers do not rise. The frames come first.
 std::string parseFrames(std::string_view text, Dump& dump);
 std::string parsePasses(std::string_view text, Dump& dump);
+
+/// What the dump is of, from about.csv, which a dump need not have.
+void parseSubjects(std::string_view text, Dump& dump);
 
 /// What was left out in reading, in sentences for people; empty when the dump was whole.
 std::string describeLosses(const Dump& dump);

@@ -32,6 +32,13 @@ std::optional<double> millisecondsBetween(const DumpedFrame& first, const Dumped
                                static_cast<std::uint64_t>(first.timestampMs));
 }
 
+/// What the overlay measured for a frame; nothing when it did not.
+std::optional<double> measuredMilliseconds(const DumpedValue* times, std::size_t frame) {
+    constexpr double US_PER_MS = 1000.0;
+    return times != nullptr && times->figures[frame] >= 0.0 ? std::optional(times->figures[frame] / US_PER_MS)
+                                                            : std::nullopt;
+}
+
 }  // namespace
 
 std::vector<PassGroup> groupPasses(const Dump& dump) {
@@ -52,14 +59,17 @@ std::vector<PassGroup> groupPasses(const Dump& dump) {
 
 FrameTimes frameTimes(const Dump& dump) {
     FrameTimes result;
+    const DumpedValue* const measured = dump.findValue("FrameTime");
+    result.isMeasured = measured != nullptr && measured->hasFigures();
     for (std::size_t i = 1; i < dump.frames.size(); ++i) {
         const DumpedFrame& last = dump.frames[i - 1];
         const DumpedFrame& frame = dump.frames[i];
-        const auto milliseconds = millisecondsBetween(last, frame);
+        const auto milliseconds =
+            result.isMeasured ? measuredMilliseconds(measured, i) : millisecondsBetween(last, frame);
         if (frame.number - last.number != 1) {
             result.missingFrames += frame.number - last.number - 1;
         } else if (!milliseconds) {
-            ++result.clockSteps;
+            result.clockSteps += result.isMeasured ? 0 : 1;
         } else {
             result.times.push_back({i, *milliseconds});
         }
@@ -69,11 +79,17 @@ FrameTimes frameTimes(const Dump& dump) {
 
 std::vector<double> elapsedTimes(const Dump& dump) {
     std::vector<double> elapsed;
+    const DumpedValue* const measured = dump.findValue("FrameTime");
     elapsed.reserve(dump.frames.size());
     for (std::size_t i = 0; i < dump.frames.size(); ++i) {
-        elapsed.push_back(i == 0 ? 0.0
-                                 : elapsed.back() +
-                                       millisecondsBetween(dump.frames[i - 1], dump.frames[i]).value_or(0.0));
+        std::optional<double> time;
+        if (i > 0 && dump.frames[i].number - dump.frames[i - 1].number == 1) {
+            time = measuredMilliseconds(measured, i);
+        }
+        if (i > 0 && !time) {
+            time = millisecondsBetween(dump.frames[i - 1], dump.frames[i]);
+        }
+        elapsed.push_back((i == 0 ? 0.0 : elapsed.back()) + time.value_or(0.0));
     }
     return elapsed;
 }
@@ -133,7 +149,7 @@ std::vector<double> sortedMilliseconds(const FrameTimes& times) {
     return sorted;
 }
 
-FrameRateSummary summarize(const Dump& dump, const std::vector<double>& sortedMs) {
+FrameRateSummary summarize(const Dump& dump, const std::vector<double>& sortedMs, bool isMeasured) {
     FrameRateSummary summary;
     summary.meanRate = lowRate(sortedMs, 1.0);
     summary.shortestMs = sortedMs.front();
@@ -143,23 +159,27 @@ FrameRateSummary summarize(const Dump& dump, const std::vector<double>& sortedMs
     summary.longestMs = sortedMs.back();
     summary.low1Rate = lowRate(sortedMs, 0.01);
     summary.low01Rate = lowRate(sortedMs, 0.001);
-    const std::vector<double> rates = measuredRates(dump);
+    const std::vector<double> rates = isMeasured ? std::vector<double>() : measuredRates(dump);
     summary.isStabilityOfRates = !rates.empty();
     summary.stability = stability(rates.empty() ? sortedMs : rates);
     return summary;
 }
 
-Histogram histogram(const std::vector<double>& sortedMs) {
+Histogram histogram(const std::vector<double>& sortedMs, bool isMeasured) {
     Histogram result;
-    result.firstMs = std::floor(sortedMs.front());
     // A few very slow frames must not press all others into one bin.
     const double bulk = std::max(percentile(sortedMs, 99.0) * 1.25, percentile(sortedMs, 50.0) * 2.0);
-    const double last = std::min(std::floor(sortedMs.back()), std::ceil(bulk));
-    const double span = std::max(last - result.firstMs + 1.0, 1.0);
-    result.widthMs = std::ceil(span / MAX_BINS);
-    result.counts.resize(static_cast<std::size_t>(std::ceil(span / result.widthMs)));
+    const double rough = std::min(sortedMs.back(), bulk) - sortedMs.front();
+    result.unitMs = !isMeasured || rough > MAX_BINS ? 1.0 : rough > MAX_BINS / 10.0 ? 0.1 : 0.01;
+    const double unit = result.unitMs;
+    result.firstMs = std::floor(sortedMs.front() / unit) * unit;
+    const double last = std::min(std::floor(sortedMs.back() / unit), std::ceil(bulk / unit)) * unit;
+    const double span = std::max(std::round((last - result.firstMs) / unit) + 1.0, 1.0);
+    const double width = std::ceil(span / MAX_BINS);
+    result.widthMs = width * unit;
+    result.counts.resize(static_cast<std::size_t>(std::ceil(span / width)));
     for (const double time : sortedMs) {
-        const double bin = std::floor((time - result.firstMs) / result.widthMs);
+        const double bin = std::max(std::floor((time - result.firstMs) / result.widthMs), 0.0);
         if (bin < static_cast<double>(result.counts.size())) {
             ++result.counts[static_cast<std::size_t>(bin)];
         } else {

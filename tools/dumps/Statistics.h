@@ -24,18 +24,20 @@ struct FrameTime {
     double milliseconds;
 };
 
-/// The frame times of a dump: the time stamp of each frame less that of the frame before it. Both are whole
-/// milliseconds, so a single frame time is right to within one millisecond, and a sum of them as well.
+/// The frame times of a dump, as the overlay measured them. A dump without those has the time stamp of each
+/// frame less that of the frame before it: both are whole milliseconds, so a single frame time is right to
+/// within one millisecond, and a sum of them as well.
 struct FrameTimes {
     std::vector<FrameTime> times;
     std::uint64_t missingFrames =
         0;                       ///< numbers left out between two recorded frames: no time for the latter
+    bool isMeasured = false;     ///< else from time stamps
     std::size_t clockSteps = 0;  ///< frames without a time because the wall clock was set back
 };
 FrameTimes frameTimes(const Dump& dump);
 
-/// Milliseconds from the first frame to each one. Never falls: where the wall clock was set back, no time
-/// passes.
+/// Milliseconds from the first frame to each one, by the frame times where those are measured. Never falls:
+/// where the wall clock was set back, no time passes.
 std::vector<double> elapsedTimes(const Dump& dump);
 
 /// The smallest of the sorted figures that `percent` of them do not exceed (nearest rank). 0 < percent <=
@@ -74,22 +76,25 @@ struct FrameRateSummary {
     std::optional<double> low1Rate;   ///< over the slowest 1 %
     std::optional<double> low01Rate;  ///< over the slowest 0.1 %
     double stability = 0.0;           ///< percent
-    bool isStabilityOfRates = false;  ///< from the overlay's own rate figures, else from the frame times
+    bool isStabilityOfRates = false;  ///< from the overlay's own rate figures, else from the frame times;
+                                      ///< only when those are not measured
 };
 
 /// Of frame times in rising order, which must not be empty.
-FrameRateSummary summarize(const Dump& dump, const std::vector<double>& sortedMs);
+FrameRateSummary summarize(const Dump& dump, const std::vector<double>& sortedMs, bool isMeasured);
 
 /// Frame times counted in bins of equal width; what is beyond the last bin is counted apart.
 struct Histogram {
     double firstMs = 0.0;  ///< where the first bin begins
     double widthMs = 1.0;
+    double unitMs = 1.0;  ///< both are multiples of this: 1, 0.1 or 0.01
     std::vector<std::size_t> counts;
     std::size_t beyond = 0;
 };
 
-/// At most 40 bins of whole milliseconds around the bulk of the times. Must not be empty.
-Histogram histogram(const std::vector<double>& sortedMs);
+/// At most 40 bins around the bulk of the times; of whole milliseconds unless those are measured. Must not be
+/// empty.
+Histogram histogram(const std::vector<double>& sortedMs, bool isMeasured);
 
 /// The indices in `times.times` of the slowest, slowest first; of equally slow ones the earlier first.
 std::vector<std::size_t> slowest(const FrameTimes& times, std::size_t count);

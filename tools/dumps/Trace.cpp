@@ -80,7 +80,7 @@ void writeFrames(const Dump& dump, const std::vector<double>& elapsedMs, EventWr
         const DumpedFrame& frame = dump.frames[time.frame];
         const double endUs = elapsedMs[time.frame] * US_PER_MS;
         const double durationUs = time.milliseconds * US_PER_MS;
-        events.slice(FRAME_TRACK, "Frame " + std::to_string(frame.number), endUs - durationUs, durationUs,
+        events.slice(FRAME_TRACK, "Frame", endUs - durationUs, durationUs,
                      {{"frame", frame.number}, {"timestampMs", frame.timestampMs}});
         events.counter("Frame time (ms)", endUs - durationUs, time.milliseconds);
     }

@@ -1,5 +1,6 @@
 #include "opengl/entry/ContextOverlay.h"
 
+#include <ostra/ExtraColumns.h>
 #include <unistd.h>
 
 #include <array>
@@ -49,7 +50,12 @@ ContextOverlay::ContextOverlay(GetProcAddress lookUp, Shared& shared)
       mDrawing(mFunctions),
       mPasses(mFunctions),
       mTimer(mFunctions),
-      mOverlay(mDrawing.factory(), LAYER_API, &mPasses, &mTimer) {}
+      mOverlay(mDrawing.factory(), LAYER_API, &mPasses, &mTimer) {
+    const auto* const renderer = reinterpret_cast<const char*>(mFunctions.getString(GL_RENDERER));
+    if (renderer != nullptr && Ostra::setDumpSubject != nullptr) {
+        Ostra::setDumpSubject("GPU", renderer);
+    }
+}
 
 Obstacle ContextOverlay::beforeSwap(const WindowLibrary& library, const Swap& swap,
                                     unsigned int attributeChanges) {

@@ -227,17 +227,18 @@ void drawHistogram(const Histogram& histogram, double width, double height, std:
     beginSvg(width, height, "Histogram of frame times", out);
     drawValueAxis(area, yScale, "frames", out);
     const bool hasRoomForCounts = pitch > 24.0;
+    const int decimals = histogram.unitMs > 0.5 ? 0 : histogram.unitMs > 0.05 ? 1 : 2;
     const auto labelEvery = static_cast<std::size_t>(std::ceil(34.0 / pitch));
     for (std::size_t i = 0; i < bars.size(); ++i) {
         const bool isBeyond = i == histogram.counts.size();
         const double x = area.left + pitch * static_cast<double>(i);
         const double firstMs = histogram.firstMs + histogram.widthMs * static_cast<double>(i);
-        const double lastMs = firstMs + histogram.widthMs - 1.0;
-        std::string label = fixedPoint(firstMs, 0);
+        const double lastMs = firstMs + histogram.widthMs - histogram.unitMs;
+        std::string label = fixedPoint(firstMs, decimals);
         if (isBeyond) {
             label.insert(0, "\xE2\x89\xA5");
-        } else if (lastMs > firstMs) {
-            label += "\xE2\x80\x93" + fixedPoint(lastMs, 0);
+        } else if (lastMs > firstMs + 0.5 * histogram.unitMs) {
+            label += "\xE2\x80\x93" + fixedPoint(lastMs, decimals);
         }
         // What is there must be seen, be it one frame among thousands.
         const double y =
@@ -254,7 +255,8 @@ void drawHistogram(const Histogram& histogram, double width, double height, std:
         if (isBeyond) {
             drawText("tick", "end", x + pitch, area.bottom + 17.0, label + " ms", out);
         } else if (i % labelEvery == 0 && !isNearBeyond) {
-            drawText("tick", "middle", x + pitch / 2.0, area.bottom + 17.0, fixedPoint(firstMs, 0), out);
+            drawText("tick", "middle", x + pitch / 2.0, area.bottom + 17.0, fixedPoint(firstMs, decimals),
+                     out);
         }
     }
     drawLine("axis", area.left, area.bottom, area.right, area.bottom, out);

@@ -19,6 +19,19 @@ constexpr std::size_t SLOWEST_IN_TABLE = 10;
 constexpr double MEAN_WINDOW_SECONDS = 0.25;
 constexpr double MAX_MEAN_POINTS = 500.0;
 
+constexpr const char* MEASURED_TIMES =
+    "<li>A frame time goes from the end of one swap to the end of the next, as the overlay measured it. "
+    "SwapTime "
+    "is the part in the program's swap call, OverlayTime the part in the overlay itself. GpuTime is how long "
+    "the "
+    "GPU worked on a frame; it becomes known some frames later and stands there.</li>\n";
+constexpr const char* STAMPED_TIMES =
+    "<li>A frame time is the difference of two time stamps in whole milliseconds, so that of a single frame, "
+    "and "
+    "each percentile of them, is right to within 1 ms: an even 60 fps shows as frames of 16 and 17 ms. Rates "
+    "and "
+    "means over many frames are as much finer.</li>\n";
+
 std::string pluralFrames(std::uint64_t count) {
     return grouped(count) + (count == 1 ? " frame" : " frames");
 }
@@ -35,6 +48,11 @@ std::string dateText(std::int64_t timestampMs) {
     return text.data();
 }
 
+/// Of a frame time in milliseconds.
+int decimalsOf(const ReportData& data) {
+    return data.times.isMeasured ? 2 : 0;
+}
+
 void writeTile(const std::string& figure, const char* unit, const std::string& name, std::ostream& out) {
     out << "<div class=\"tile\"><b>" << figure << " <small>" << unit << "</small></b><span>" << name
         << "</span></div>\n";
@@ -44,14 +62,15 @@ void writeRateTile(std::optional<double> rate, const std::string& name, std::ost
     writeTile(rate ? fixedPoint(*rate, 1) : "&ndash;", "fps", name, out);
 }
 
-void writeTimeTile(double milliseconds, const std::string& name, std::ostream& out) {
-    writeTile(fixedPoint(milliseconds, 0), "ms", name, out);
+void writeTimeTile(double milliseconds, const ReportData& data, const std::string& name, std::ostream& out) {
+    writeTile(fixedPoint(milliseconds, decimalsOf(data)), "ms", name, out);
 }
 
 /// The top of a scale that shows all but a few very slow frames.
 double scaleTop(const ReportData& data) {
     const double bulk = std::max(data.summary.medianMs * 3.0, data.summary.percentile99Ms * 1.25);
-    const double top = std::max(std::min(data.summary.longestMs * 1.05, bulk), 1.0);
+    const double top =
+        std::max(std::min(data.summary.longestMs * 1.05, bulk), data.times.isMeasured ? 0.1 : 1.0);
     const double step = niceStep(top / 5.0);
     return std::ceil(top / step) * step;
 }
@@ -99,20 +118,30 @@ void writeSlowestFrames(const ReportData& data, std::ostream& out) {
         const FrameTime& time = data.times.times[index];
         out << "<tr><td>" << data.dump.frames[time.frame].number << "</td><td>"
             << clockText(data.elapsedSeconds[time.frame], data.elapsedSeconds.back()) << "</td><td>"
-            << fixedPoint(time.milliseconds, 0) << " ms</td><td>" << load(cpu, time.frame) << "</td><td>"
-            << load(gpu, time.frame) << "</td></tr>\n";
+            << fixedPoint(time.milliseconds, decimalsOf(data)) << " ms</td><td>" << load(cpu, time.frame)
+            << "</td><td>" << load(gpu, time.frame) << "</td></tr>\n";
     }
     out << "</table></section>\n";
 }
 
 }  // namespace
 
+std::string titleOf(const Dump& dump) {
+    std::string title;
+    for (const char* const name : {"Program", "GPU", "Size"}) {
+        const auto subject = dump.subjects.find(name);
+        if (subject != dump.subjects.end() && !subject->second.empty()) {
+            title += (title.empty() ? "" : ", ") + subject->second;
+        }
+    }
+    const std::string date = dateText(dump.frames.front().timestampMs);
+    return (title.empty() ? "Frame dump report" : title) + (date.empty() ? "" : ", " + date);
+}
+
 void writeHeading(const ReportData& data, std::ostream& out) {
     const Dump& dump = data.dump;
-    const std::string date = dateText(dump.frames.front().timestampMs);
-    out << "<h1>Frame dump report</h1>\n<p class=\"lead\">" << escapeHtml(dump.folder) << " &middot; "
-        << (date.empty() ? date : date + " &middot; ")
-        << clockText(data.elapsedSeconds.back(), data.elapsedSeconds.back()) << " &middot; "
+    out << "<h1>" << escapeHtml(titleOf(dump)) << "</h1>\n<p class=\"lead\">" << escapeHtml(dump.folder)
+        << " &middot; " << clockText(data.elapsedSeconds.back(), data.elapsedSeconds.back()) << " &middot; "
         << pluralFrames(dump.frames.size()) << ", " << dump.frames.front().number << " to "
         << dump.frames.back().number << "</p>\n";
     std::string warnings = describeLosses(dump);
@@ -138,10 +167,10 @@ void writeTiles(const ReportData& data, std::ostream& out) {
     writeRateTile(summary.low1Rate, "1 % low", out);
     writeRateTile(summary.low01Rate, "0.1 % low", out);
     writeTile(fixedPoint(summary.stability, 1), "%", "stability", out);
-    writeTimeTile(summary.medianMs, "median frame time", out);
-    writeTimeTile(summary.percentile95Ms, "95th percentile", out);
-    writeTimeTile(summary.percentile99Ms, "99th percentile", out);
-    writeTimeTile(summary.longestMs, "longest frame", out);
+    writeTimeTile(summary.medianMs, data, "median frame time", out);
+    writeTimeTile(summary.percentile95Ms, data, "95th percentile", out);
+    writeTimeTile(summary.percentile99Ms, data, "99th percentile", out);
+    writeTimeTile(summary.longestMs, data, "longest frame", out);
     out << "</div>\n";
 }
 
@@ -174,20 +203,16 @@ void writeFrameTimes(const ReportData& data, std::ostream& out) {
 void writeDistribution(const ReportData& data, std::ostream& out) {
     out << "<div class=\"pair\">\n<section class=\"card\"><h2>Distribution</h2>\n"
            "<p class=\"note\">Frames by their frame time in ms</p>\n";
-    drawHistogram(histogram(data.sortedMs), 530.0, 380.0, out);
+    drawHistogram(histogram(data.sortedMs, data.times.isMeasured), 530.0, 380.0, out);
     out << "</section>\n";
     writeSlowestFrames(data, out);
     out << "</div>\n";
 }
 
 void writeExplanations(const ReportData& data, std::ostream& out) {
-    out << "<section class=\"card\"><h2>How to read this</h2>\n<ul>\n"
-           "<li>A frame time is the difference of two time stamps in whole milliseconds, so that of a single "
-           "frame, "
-           "and each percentile of them, is right to within 1 ms: an even 60 fps shows as frames of 16 and "
-           "17 ms. "
-           "Rates and means over many frames are as much finer.</li>\n"
-           "<li>1 % low is the frame rate over the slowest hundredth of all frames (their number divided by "
+    out << "<section class=\"card\"><h2>How to read this</h2>\n<ul>\n";
+    out << (data.times.isMeasured ? MEASURED_TIMES : STAMPED_TIMES);
+    out << "<li>1 % low is the frame rate over the slowest hundredth of all frames (their number divided by "
            "the "
            "time they took together), 0.1 % low that over the slowest thousandth, each over at least one "
            "frame. "
@@ -199,10 +224,14 @@ void writeExplanations(const ReportData& data, std::ostream& out) {
         << (data.summary.isStabilityOfRates
                 ? "frames at which the overlay's frame rate, measured over about 120 ms, lay within 20 % of "
                   "its median."
-                : "frame times within 20 % of their median; the dump has no frame rates of the overlay.")
+                : "frame times within 20 % of their median.")
         << "</li>\n<li>A value that was 0 in every frame was not measured and is left out.</li>\n"
            "<li>Render passes belong to single frames that were captured, not to every frame of the "
-           "dump.</li>\n"
+           "dump. On a PC the first value of a pass is its time on the GPU in microseconds, the second one "
+           "the "
+           "number that OpenGL knows its framebuffer by (0: the window); on a device they are what its "
+           "driver "
+           "counted.</li>\n"
            "</ul></section>\n";
 }
 

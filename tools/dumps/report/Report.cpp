@@ -14,7 +14,7 @@ std::string writeReport(const Dump& dump, std::ostream& out) {
         return "the dump has no two frames in a row, so there are no frame times to report";
     }
     std::vector<double> sortedMs = sortedMilliseconds(times);
-    const FrameRateSummary summary = summarize(dump, sortedMs);
+    const FrameRateSummary summary = summarize(dump, sortedMs, times.isMeasured);
     std::vector<double> elapsedSeconds = elapsedTimes(dump);
     for (double& time : elapsedSeconds) {
         time /= 1000.0;
@@ -22,8 +22,8 @@ std::string writeReport(const Dump& dump, std::ostream& out) {
     const ReportData data = {dump, std::move(times), std::move(sortedMs), summary, std::move(elapsedSeconds)};
     out << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
            "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-           "<title>Frame dump report: "
-        << escapeHtml(dump.folder) << "</title>\n<style>" << REPORT_STYLE
+           "<title>"
+        << escapeHtml(titleOf(dump)) << "</title>\n<style>" << REPORT_STYLE
         << "</style>\n</head>\n<body>\n<main>\n";
     writeHeading(data, out);
     writeTiles(data, out);

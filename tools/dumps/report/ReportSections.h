@@ -4,6 +4,7 @@
 #include "dumps/Statistics.h"
 
 #include <ostream>
+#include <string>
 #include <vector>
 
 namespace dumps {
@@ -16,6 +17,9 @@ struct ReportData {
     FrameRateSummary summary;
     std::vector<double> elapsedSeconds;  ///< of every frame since the first
 };
+
+/// What the report is called: the program, its GPU, the size and the date, as far as the dump says.
+std::string titleOf(const Dump& dump);
 
 /// The sections, in the order of the page. One that has nothing to show writes nothing.
 void writeHeading(const ReportData& data, std::ostream& out);

@@ -24,7 +24,7 @@ ExitCode convert(const std::string& folder, const std::string& path, DumpWriter 
     if (found != folder) {
         out << "The newest dump: " << found << '\n';
     }
-    for (const char* const name : {"frames.csv", "passes.csv"}) {
+    for (const char* const name : {"frames.csv", "passes.csv", "about.csv"}) {
         if (isSameFile(path, found + '/' + name) || isFileNamed(path, name)) {
             return fail(path + ": is a file of a dump, which is not replaced", err);
         }
