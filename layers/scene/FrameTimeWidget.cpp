@@ -286,7 +286,7 @@ void FrameTimeWidget::draw() {
     }
     mText->draw();
     for (const Part& part : mParts) {
-        if (part.legend->mEnabled) {
+        if (part.legend->mEnabled && !mIsBand) {
             part.legend->draw();
         }
     }

@@ -78,9 +78,10 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
 
     // The second legend covers the end of the first. With the fragment shaders off nothing covers it, so the
     // first legend must not have that end.
-    mCaption->mVertexLegend->setTextColor(settings.mVertexLoad.getTextColor());
+    const bool hasCounters = GpuCapture::hasCounters();
+    mCaption->mVertexLegend->setTextColor(hasCounters ? settings.mVertexLoad.getTextColor() : noColor());
     mCaption->mVertexLegend->setText(mFragment->mEnabled ? "@Vertex @Fragment" : "@Vertex");
-    mCaption->mFragmentLegend->setTextColor(settings.mFragmentLoad.getTextColor());
+    mCaption->mFragmentLegend->setTextColor(hasCounters ? settings.mFragmentLoad.getTextColor() : noColor());
     mCanvas = canvas;
     mCaption->fitTexts(mCanvas);
 
