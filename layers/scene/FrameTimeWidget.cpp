@@ -90,7 +90,6 @@ FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& ti
     }
     for (std::size_t i = 0; i < RATES; ++i) {
         mLines[i].line = &place(factory.createMesh(Topology::LINES), Area::GPU_ACTIVITY_WHOLE);
-        mLines[i].line->mVertices = {{-1.0F, 0.0F}, {1.0F, 0.0F}};
         mLines[i].label = addText(RATE_NAMES[i], gui::TextGravity::LEFT);
     }
     mBackdrop = &place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE);
@@ -166,6 +165,7 @@ void FrameTimeWidget::placeBars(const Canvas& canvas) {
     }
     for (const RateLine& rate : mLines) {
         setRect(*rate.line, position.x, position.y + top, size.x, size.y - top);
+        rate.line->mVertices = {{-1.0F, 0.0F}, {1.0F, 0.0F}};
     }
     mTopNs = 0.0F;
 }
@@ -195,6 +195,9 @@ void FrameTimeWidget::setBar(std::size_t bar, const FrameTime& frame) {
 }
 
 void FrameTimeWidget::refresh(figures::Metrics&) {
+    if (mParts[0].area->mVertices.empty()) {
+        placeBars(mCanvas);  // a dump begins by clearing every drawer
+    }
     const std::size_t known = mTimes.size();
     std::size_t first = 0;
     while (first < std::min(known, GPU_DELAY) && mTimes.ago(first).gpu == FrameTime::NOT_MEASURED) {
