@@ -13,7 +13,7 @@
 
 namespace drawlist {
 
-/// Graph fills, graph curves and grid lines, cut off at the mesh's rectangle.
+/// Graph fills, graph curves and grid lines, cut at the mesh's rectangle.
 class MeshPrimitive : public drawer::MeshDrawer {
 public:
     MeshPrimitive(DrawList& list, scene::Topology topology) : mList(list), mTopology(topology) {}
@@ -30,7 +30,7 @@ private:
     FillTessellator mFill;
     RetainedRange mRetained;
     std::vector<gui::Vertex> mLastVertices;
-    std::vector<glm::vec2> mPoints;   ///< the vertices in surface pixels, kept for its memory
+    std::vector<glm::vec2> mPoints;   ///< the vertices in surface pixels; a member to reuse its memory
     std::vector<raster::Box> mLevel;  ///< the horizontal lines
     std::vector<raster::Box> mUpright;
 };

@@ -8,7 +8,7 @@ namespace entry {
 
 namespace {
 
-/// The process that has the overlay may end, as a game's launcher does.
+/// How long a refusal lasts. The process with the overlay may end, as a game's launcher does.
 constexpr std::int64_t REFUSED_MS = 2000;
 
 }  // namespace

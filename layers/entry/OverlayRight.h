@@ -16,11 +16,11 @@ class OverlayRight {
 public:
     explicit OverlayRight(core::RenderingApiType api) : mApi(api) {}
 
-    /// Before the process's first frame hook, and in each frame until it has been granted: null then. Some
-    /// file operations. One thread at a time, as for isGranted().
+    /// Call it before the process's first frame hook, and in each frame until it returns null: then the right
+    /// is granted. Costs some file operations. One thread at a time, together with isGranted().
     Obstacle ask();
 
-    /// For good.
+    /// Once true, always true.
     bool isGranted() const { return mIsGranted; }
 
     /// Another process or API has it, and may still have it: for two seconds after each answer. Any thread;

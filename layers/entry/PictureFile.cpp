@@ -27,7 +27,7 @@ void flipVertically(std::vector<std::uint8_t>& pixels, std::size_t rowSize) {
 
 /// Returns 0 or an error number.
 int writeNew(const std::string& path, std::string_view header, std::string_view pixels) {
-    unlink(path.c_str());  // of a process that had this number before
+    unlink(path.c_str());  // left by an earlier process with this number
     const int file = platform::openPlainFile(path, O_WRONLY | O_CREAT | O_EXCL);
     if (file < 0) {
         return errno;

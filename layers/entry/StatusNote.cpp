@@ -37,7 +37,7 @@ void StatusNote::onFrame(Obstacle obstacle) {
 }
 
 void StatusNote::finish() {
-    // Few swaps without the overlay at the end of many with it are no news.
+    // A few swaps without the overlay after many with it are not worth a note.
     const bool isNews = !mWasShown || mReason.empty();
     if (mFrames != 0 && isNews && !isTold()) {
         tell();

@@ -8,19 +8,19 @@
 
 namespace entry {
 
-/// Leaves a note on whether the overlay is shown in this process, and why not (runs/OverlayNote.h): when it
-/// is shown first, and when a reason has held for HELD_FRAMES; at most once a second. One thread at a time.
+/// Writes the note on whether this process shows the overlay, and why not (runs/OverlayNote.h): when it is
+/// first shown, and when a reason has held for HELD_FRAMES; at most once a second. One thread at a time.
 class StatusNote {
 public:
     static constexpr unsigned int HELD_FRAMES = 10;
 
     explicit StatusNote(core::RenderingApiType api) : mApi(api) {}
 
-    /// After each swap: why it went without the overlay; null when it had it. Writes and allocates nothing
-    /// while that stays the same.
+    /// Call it after each swap with the reason why it had no overlay, or null. Writes and allocates nothing
+    /// while that does not change.
     void onFrame(Obstacle obstacle);
 
-    /// No more swaps will be reported: says now what is still to be said.
+    /// There will be no more swaps: writes what is not written yet.
     void finish();
 
 private:

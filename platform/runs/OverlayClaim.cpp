@@ -19,7 +19,8 @@ namespace platform {
 namespace {
 
 constexpr const char* OPEN = "open";
-/// The process namespace that the claim's number belongs to: elsewhere nobody can say that it has ended.
+/// The process namespace of the number in the claim. A process in another namespace cannot tell whether that
+/// process has ended.
 constexpr const char* NAMESPACE_PROPERTY = "kordanix.run.namespace";
 constexpr const char* NAME_PROPERTY = "debug.kordanix.proc";
 constexpr const char* API_PROPERTY = "debug.kordanix.api";
@@ -47,14 +48,14 @@ std::string ownNamespace() {
     return size <= 0 ? std::string() : std::string(name.data(), static_cast<std::size_t>(size));
 }
 
-/// The number after the one in the text, as others publish.
+/// Returns the number after the one in the text, as every publication does.
 std::string nextGeneration(const std::string& text) {
     std::uint32_t generation = 0;
     std::from_chars(text.data(), text.data() + text.size(), generation);
     return std::to_string(generation + 1);
 }
 
-/// What becomes of the claim in these properties, if this process is the one that `own` is the claim of.
+/// Decides about the claim in these properties; `own` is this process's claim.
 template <typename Properties>
 std::optional<Claim> judge(const Properties& properties, const std::string& own) {
     const std::string claim = properties.value(CLAIM_PROPERTY);
@@ -68,7 +69,7 @@ std::optional<Claim> judge(const Properties& properties, const std::string& own)
     return canBeTaken ? std::nullopt : std::optional(Claim::FOREIGN);
 }
 
-/// The properties without their lock.
+/// Reads the properties without the lock.
 class PropertiesRead {
 public:
     explicit PropertiesRead(const std::string& directory) {
@@ -86,10 +87,10 @@ private:
     PropertyList mList;
 };
 
-/// When properties that could not be written, of a full disk say, may be tried again.
+/// When to try again after a failed write, for example because of a full disk.
 std::atomic<std::chrono::steady_clock::rep> gNextAttempt = 0;
 
-/// What the failed writer means for the claim.
+/// The result for a writer that failed.
 Claim failed(const PropertyWriter& writer) {
     if (!writer.isBusy()) {
         const auto next = std::chrono::steady_clock::now() + std::chrono::seconds(1);
@@ -101,7 +102,7 @@ Claim failed(const PropertyWriter& writer) {
 Claim claimIn(const std::string& directory, const std::string& processName, const std::string& api) {
     const PropertiesRead read(directory);
     const auto start = read.value(CLAIM_PROPERTY).empty() ? std::nullopt : processStart(getpid());
-    // Where /proc does not show this process, its number is all there is to know of it.
+    // If /proc does not show this process, the claim has only its number.
     const std::string own = std::to_string(getpid()) + ' ' + std::to_string(start.value_or(0));
     const auto verdict = judge(read, own);
     if (verdict) {

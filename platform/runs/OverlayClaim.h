@@ -6,16 +6,15 @@
 #include <optional>
 #include <string>
 
-/// Which process of a run shows the overlay: the first one that presents a frame, unless `run` was told a
-/// name.
+/// Decides which process of a run shows the overlay: the first one that presents a frame, unless the user
+/// gave `run` a name.
 namespace platform {
 
-/// "open", or the number and the start of the process that has the claim. Not there when `run` was told whom
-/// to show the overlay in.
+/// "open", or the number and the start of the process with the claim. Missing when the user gave `run` a
+/// name.
 constexpr const char* CLAIM_PROPERTY = "kordanix.run.claim";
 
-/// What the process with the claim wrote as its name and API, to be returned to when somebody has changed
-/// those.
+/// The name and API that the process with the claim wrote, for a reset after somebody has changed those.
 constexpr const char* CLAIM_NAME_PROPERTY = "kordanix.run.proc";
 constexpr const char* CLAIM_API_PROPERTY = "kordanix.run.api";
 

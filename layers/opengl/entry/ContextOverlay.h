@@ -16,41 +16,41 @@
 
 namespace opengl {
 
-/// The overlay cannot be shown in a context, and not later either.
+/// Thrown when the overlay can never be shown in a context.
 class Unusable : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// What the overlays of a process share. The library works for one context at a time.
+/// What the overlays of a process share. The library works for only one context at a time.
 struct Shared {
     std::mutex mutex;  ///< around the library's work and the right; no call to OpenGL is made under it
     entry::OverlayRight right{LAYER_API};
 };
 
-/// The overlay in one context of the program. Made and used on the thread that the context is current on.
+/// The overlay in one context of the program. Create and use it on the thread where the context is current.
 /// Allocates nothing once warm.
 class ContextOverlay {
 public:
-    /// For the current context. Throws Unusable.
+    /// Makes an overlay for the current context. Throws Unusable.
     ContextOverlay(GetProcAddress lookUp, Shared& shared);
 
-    /// Anywhere, under the mutex. Calls nothing of OpenGL: what it made in the context goes with that, unless
-    /// release() took it out before.
+    /// On any thread, under the mutex. Does not call OpenGL: unless release() has removed them, the overlay's
+    /// objects are freed with the context.
     ~ContextOverlay() = default;
     ContextOverlay(const ContextOverlay&) = delete;
     ContextOverlay& operator=(const ContextOverlay&) = delete;
 
-    /// Around the real swap of what the context draws on. Returns why the frame goes without the overlay;
-    /// null when the picture has it. Throws when the overlay has failed in this context; the context's state
-    /// is the program's all the same.
+    /// Call these around the real swap of the context's surface. Returns why the frame has no overlay, or
+    /// null when it has. Throws when the overlay has failed in this context; even then the context has the
+    /// program's state.
     Obstacle beforeSwap(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
     void afterSwap(bool isProgramMeasuring);
 
     /// The program has bound a framebuffer.
     void onFramebufferBound() { mPasses.onFramebufferBound(); }
 
-    /// Takes everything out of the context, which is current. Only the destructor may follow.
+    /// Removes everything from the context, which must be current. Only the destructor may follow.
     void release();
 
 private:
@@ -61,7 +61,7 @@ private:
     Obstacle show();
     void takePicture();
 
-    /// What load() has filled, or Unusable.
+    /// Returns the context's functions, or throws Unusable.
     static Functions load(GetProcAddress lookUp);
 
     Shared& mShared;

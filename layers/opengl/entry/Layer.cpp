@@ -14,8 +14,8 @@ namespace opengl {
 
 namespace {
 
-/// After a failure the overlay is tried again 1, 2, 4 and 8 seconds later. Failures that lie far apart are
-/// not counted together.
+/// After a failure we try the overlay again 1, 2, 4 and 8 seconds later. Failures far apart do not count
+/// together.
 constexpr int RETRIES = 4;
 constexpr std::int64_t FIRST_RETRY_MS = 1000;
 constexpr std::int64_t FORGIVEN_MS = 60000;
@@ -53,12 +53,12 @@ SwapResult Layer::beforeSwap(const Swap& swap) {
             report(obstacle);
         }
     } catch (const std::exception&) {
-        // Out of memory before there was a context to remember it by: the next frame tries again.
+        // Out of memory, and no context yet to store the failure in: the next frame tries again.
     }
     return {};
 }
 
-/// A frame of a context that is in use. After a failure its overlay is gone.
+/// Draws a frame of a context that is in use. After a failure the context has no overlay.
 Obstacle Layer::draw(Context& context, const Swap& swap) {
     try {
         if (context.overlay == nullptr) {
@@ -90,7 +90,7 @@ void Layer::afterSwap(void* frame) {
     endUse(context);
 }
 
-/// A handle alone tells contexts apart, whatever display it was given with.
+/// The handle alone identifies a context, whatever the display.
 void Layer::forget(WindowSystem windowSystem, void* display, void* context) {
     const std::lock_guard<std::mutex> lock(mShared.mutex);
     const auto isMeant = [&](const std::unique_ptr<Context>& each) {
@@ -128,13 +128,13 @@ void Layer::onForked() const {
 }
 
 void Layer::onExit() {
-    // Another thread may be in the middle of a frame, and this one may have been.
+    // Another thread may be in the middle of a frame, or this one may have been.
     const std::unique_lock<std::mutex> lock(mShared.mutex, std::try_to_lock);
     if (lock.owns_lock()) {
         try {
             mStatus.finish();
         } catch (const std::exception&) {
-            // Out of memory: nobody is told.
+            // Without memory we tell nobody.
         }
     }
 }
@@ -150,7 +150,8 @@ const WindowLibrary& Layer::libraryOf(const Swap& swap) {
     return *mLibraries.back();
 }
 
-/// The context that this swap shows, in use; null, and why, when it is to be passed through.
+/// Returns the context that this swap shows and marks it as in use; null, with the reason, to pass the swap
+/// through.
 Layer::Context* Layer::use(const Swap& swap, Obstacle& obstacle) {
     const WindowLibrary& library = libraryOf(swap);
     void* const current = library.isUsable() ? library.currentContext() : nullptr;
@@ -205,7 +206,7 @@ void Layer::fail(Context& context, const char* reason, bool isFinal) {
     removeOverlay(context);
 }
 
-/// On the thread that the context is current on.
+/// Call it on the thread where the context is current.
 void Layer::removeOverlay(Context& context) {
     if (context.overlay != nullptr) {
         context.overlay->release();
@@ -214,7 +215,7 @@ void Layer::removeOverlay(Context& context) {
     context.overlay.reset();
 }
 
-/// What became of a swap, for the log and the note.
+/// Reports what became of a swap, to the log and the note.
 void Layer::report(Obstacle obstacle) {
     const std::lock_guard<std::mutex> lock(mShared.mutex);
     try {
@@ -228,7 +229,7 @@ void Layer::report(Obstacle obstacle) {
             KORDANIX_LOG_ERROR("a surface is left alone: %s", KORDANIX_LOG_HERE, obstacle);
         }
     } catch (const std::exception&) {
-        // Out of memory: told after another swap.
+        // Out of memory: a later swap will report it.
     }
 }
 

@@ -14,11 +14,11 @@
 
 namespace opengl {
 
-/// The layer in this process (see PerProcess.h): which contexts there are, and the overlay of each. Any
-/// thread. Nothing is thrown. A forked child begins with no contexts and calls nothing for those it left.
+/// The layer in this process (see PerProcess.h): its contexts and their overlays. Any thread. Never throws. A
+/// forked child starts without contexts and calls nothing for its parent's.
 class Layer {
 public:
-    /// Before the first use in a process.
+    /// Call it before the first use in a process.
     static void setShim(const ShimCalls& shim);
 
     SwapResult beforeSwap(const Swap& swap);

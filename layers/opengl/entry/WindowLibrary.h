@@ -11,16 +11,16 @@ namespace opengl {
 
 using entry::SurfaceSize;
 
-/// The EGL or GLX library that a real swap function belongs to; a process may have several. Looked up once,
-/// constant afterwards, so any thread may ask; the answers are about the calling thread.
+/// The EGL or GLX library that a real swap function belongs to; a process may have several. Constant after
+/// construction, so any thread may use it; the answers are about the calling thread.
 class WindowLibrary {
 public:
     WindowLibrary(const Swap& swap, const ShimCalls& shim);
 
-    /// Whether it has what the layer needs of it.
+    /// Whether it has every function that the layer needs.
     bool isUsable() const { return mIsUsable; }
 
-    /// Whether this is the library of that swap.
+    /// Whether that swap belongs to this library.
     bool isOf(const Swap& swap) const { return swap.function == mSwapFunction; }
 
     WindowSystem windowSystem() const { return mWindowSystem; }
@@ -31,21 +31,21 @@ public:
     /// The context that is current, null for none.
     void* currentContext() const { return mGetCurrentContext(); }
 
-    /// Whether the surface of a swap is the one that the current context draws on.
+    /// Whether the current context draws on the surface of this swap.
     bool isDrawnOn(const Swap& swap) const;
 
-    /// Whether the context, which is current, can still be made current: one that was destroyed lives on
-    /// until it is released.
+    /// Whether the context, which is current, can be made current again. A destroyed context lives until it
+    /// is released.
     bool isAlive(void* display, void* context) const;
 
-    /// Why the surface, which the current context draws on, is to be left alone: a swap does not show it, or
-    /// it keeps its picture, in which the overlay would stay. May ask the server and wait for its answer.
+    /// Returns why we must not draw on the surface of the current context: a swap does not show it, or it
+    /// keeps its picture, and so the overlay. May wait for the server.
     Obstacle findObstacle(void* display, std::uintptr_t surface) const;
 
-    /// Whether that is what the obstacle says, or what SavedState found.
+    /// Whether the obstacle is one of findObstacle()'s, or SavedState's for such a surface.
     static bool isLeftAlone(Obstacle obstacle);
 
-    /// May ask the server and wait for its answer. Nothing when it cannot be had.
+    /// Returns the surface's size, 0 by 0 when it is not known. May wait for the server.
     SurfaceSize size(void* display, std::uintptr_t surface) const;
 
     /// Whether an EGL surface stores sRGB.

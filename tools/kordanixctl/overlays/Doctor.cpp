@@ -42,7 +42,7 @@ void describeProperties(std::ostream& out) {
     }
 }
 
-/// What is to be said of a process that runs: it shows the overlay, or why it does not.
+/// Says that a running process shows the overlay, or why it does not.
 std::string describeOverlay(const OverlayState& state, pid_t process) {
     if (isStopped(process)) {
         return "is stopped";
@@ -88,7 +88,7 @@ void describeProcesses(const std::string& directory, std::ostream& out) {
     }
 }
 
-/// Who shows the overlay of a run, and who else has it.
+/// Prints which process of a run shows the overlay, and which others have it loaded.
 void describeRun(const std::string& directory, std::ostream& out) {
     const OverlayState state(directory);
     for (const pid_t process : state.processes()) {

@@ -20,7 +20,7 @@ constexpr WayIn WAYS_IN[] = {
     {"Vulkan", "XDG_CONFIG_DIRS", "kordanix", ':', false, false, true, "/etc/xdg", "KORDANIX"},
 };
 
-/// Whether the dynamic loader would take a part of the path for something else.
+/// Whether the dynamic loader would replace a part of the path.
 bool hasToken(const std::string& path) {
     for (std::size_t sign = path.find('$'); sign != std::string::npos; sign = path.find('$', sign + 1)) {
         const std::string_view rest =
@@ -46,8 +46,8 @@ std::string pathError(const WayIn& way, const std::string& path) {
                : std::string();
 }
 
-/// The file as it was built or installed with this program; empty, with the reason in `error`, when it is
-/// not there.
+/// Returns the path of the file that was built or installed with this program; when it is missing, an empty
+/// text with the reason in `error`.
 std::string findFile(const std::string& name, std::string& error) {
     std::error_code failure;
     const fs::path program = fs::read_symlink("/proc/self/exe", failure);

@@ -2,10 +2,10 @@
 
 #include <string>
 
-/// How layers get into a program: by variables in its environment.
+/// Gets layers into a program through variables in its environment.
 namespace control {
 
-/// A layer's way in. A further layer is a further row in WaysIn.cpp.
+/// A layer's way into a program. To add a layer, add a row in WaysIn.cpp.
 struct WayIn {
     const char* graphics;  ///< what the layer draws over, in messages
     const char* variable;  ///< of the program's environment
@@ -18,8 +18,8 @@ struct WayIn {
     const char* enabling;  ///< a variable that is set to 1 besides; empty for none
 };
 
-/// Sets the variables of all layers in this process's environment. Returns what keeps a layer from being
-/// found, or nothing. In a process with one thread.
+/// Sets the variables of all layers in this process's environment. Returns an empty text, or why a layer
+/// cannot be found. Call it in a process with one thread.
 std::string openWaysIn();
 
 /// "OpenGL or OpenGL ES": what the layers draw over.
