@@ -6,7 +6,8 @@
 #   lib                          the libraries, with those that answer for the platform on the host
 #   lib/cmake/KordanixCore       find_package(KordanixCore): Kordanix::KordanixCore and, on the host, Kordanix::scene
 #   lib/pkgconfig                kordanix-core
-#   bin, share/kordanix          kordanixctl, which finds the OpenGL layer in lib; kordanix-demo and its simulated devices
+#   share/vulkan                 the Vulkan layer's manifest; lib/kordanix has the one for programs that kordanixctl starts
+#   bin, share/kordanix          kordanixctl, which finds the layers in lib; kordanix-demo and its simulated devices
 #
 # On Android the library and its headers alone: a layer there is built by the NDK's or the platform's own rules.
 set(kordanix_headers_folder ${CMAKE_INSTALL_INCLUDEDIR}/kordanix)
