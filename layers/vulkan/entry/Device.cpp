@@ -150,6 +150,9 @@ entry::Obstacle Device::findObstacle(const VkSwapchainCreateInfoKHR& info) const
     if ((info.flags & VK_SWAPCHAIN_CREATE_SPLIT_INSTANCE_BIND_REGIONS_BIT_KHR) != 0) {
         return "its pictures are drawn by several devices";
     }
+    if ((info.flags & VK_SWAPCHAIN_CREATE_DEFERRED_MEMORY_ALLOCATION_BIT_EXT) != 0) {
+        return "its images have no memory until they are acquired";
+    }
     if (info.presentMode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR ||
         info.presentMode == VK_PRESENT_MODE_SHARED_CONTINUOUS_REFRESH_KHR) {
         return "it shares its picture with the screen while it draws";

@@ -83,7 +83,16 @@ VkResult Layer::presentWith(const Present& present) {
     } catch (const std::exception& error) {
         fail(present.swapchain, error.what());
     }
+    if (drawn != VK_NULL_HANDLE &&
+        (result == VK_ERROR_OUT_OF_HOST_MEMORY || result == VK_ERROR_OUT_OF_DEVICE_MEMORY ||
+         result == VK_ERROR_DEVICE_LOST)) {
+        // Nobody knows whether the image's semaphore was waited for.
+        fail(present.swapchain, "a present failed");
+    }
     report(obstacle);
+    if (present.swapchain.obstacle != nullptr) {
+        forget(present.swapchain);  // not before this frame is over: another one may begin at once
+    }
     errno = callsErrno;
     return result;
 }
@@ -198,7 +207,6 @@ void Layer::fail(Swapchain& swapchain, const char* reason) {
         swapchain.obstacle = "there is no memory left";
     }
     KORDANIX_LOG_ERROR("a swapchain is passed through: %s", KORDANIX_LOG_HERE, swapchain.obstacle);
-    forget(swapchain);
 }
 
 Obstacle Layer::keep(const std::string& text) {
