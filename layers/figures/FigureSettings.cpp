@@ -3,6 +3,7 @@
 #include "figures/Catalogue.h"
 
 #include <array>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -60,6 +61,16 @@ const Graph& settingsOf(const Figure& figure) {
                           figure.settings.isOnByDefault, figure.settings.color);
     }
     return *graph;
+}
+
+bool isSetByHand(const std::string& property) {
+    // Never destroyed, as above; the library's own views of a property do not tell a default from a text.
+    static auto& known = *new std::map<std::string, const SysProp<std::string>*>;
+    const SysProp<std::string>*& text = known[property];
+    if (text == nullptr) {
+        text = &SysPropWatcher::createSysProp<std::string>(property, {});
+    }
+    return !text->getValue().empty();
 }
 
 bool isOfLibrary(const Figure& figure) {

@@ -9,6 +9,7 @@
 #include "scene/Canvas.h"
 #include "scene/Style.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -102,15 +103,36 @@ void FigureWidget::addView(PrimitiveFactory& factory, const figures::Figure& fig
     mViews.push_back(view);
 }
 
+bool FigureWidget::isReadable() const {
+    return std::any_of(mViews.begin(), mViews.end(),
+                       [](const View& view) { return view.isOn() && view.isReadable; });
+}
+
+bool FigureWidget::isWanted() const {
+    return mLayout.widgetSwitch().getValue() &&
+           std::any_of(mViews.begin(), mViews.end(), [](const View& view) { return view.isOn(); });
+}
+
 void FigureWidget::enable() {
-    bool isMoreOn = false;
-    for (const View& view : mViews) {
-        isMoreOn = isMoreOn || (!figures::isOfLibrary(*view.figure) && view.isOn());
+    // What a user has asked for by hand is there, with or without a value.
+    const bool isWholeByHand = !isReadable() && figures::isSetByHand(mLayout.widgetSwitch().mName);
+    bool hasContent = false;
+    for (View& view : mViews) {
+        view.isShown =
+            view.isOn() && (view.isReadable || isWholeByHand ||
+                            figures::isSetByHand(figures::settingsOf(*view.figure).mEnabled.mName));
+        hasContent = hasContent || view.isShown;
     }
-    // The library knows only its own figures.
-    if (isMoreOn && mLayout.widgetSwitch().getValue()) {
-        widget().mEnabled = true;
-    }
+    widget().mEnabled = isWanted() && hasContent;
+}
+
+/// One that cannot be read for a moment stays: the widget must not jump.
+void FigureWidget::noteReadability(View& view, bool hasValue) {
+    constexpr int PATIENCE = 8;  // refreshes, about a second
+    view.missed = hasValue ? 0 : std::min(view.missed + 1, PATIENCE);
+    const bool isReadable = hasValue || (view.isReadable && view.missed < PATIENCE);
+    mIsLayoutStale = mIsLayoutStale || (isReadable != view.isReadable && view.isOn());
+    view.isReadable = isReadable;
 }
 
 void FigureWidget::collectFigures(figures::FigureSet& wanted) const {
@@ -128,8 +150,9 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     unsigned int shares = 1;
     bool isShared = false;
     for (const View& view : mViews) {
-        shares += view.graph != nullptr && view.isOn() ? 1 : 0;
-        isShared = isShared || (!view.hasCell && view.isOn());
+        shares += view.graph != nullptr && view.isShown ? 1 : 0;
+        // What is missing leaves no gap.
+        isShared = isShared || (view.hasCell ? view.isOn() && !view.isShown : view.isShown);
     }
     if (isShared) {
         shareStrip(canvas);
@@ -138,7 +161,7 @@ void FigureWidget::applySettings(const Canvas& canvas) {
         const gui::WidgetsSettings::Graph& settings = figures::settingsOf(*view.figure);
         for (drawer::TextDrawer* text : {view.name, view.value}) {
             if (text != nullptr) {
-                text->mEnabled = view.isOn();
+                text->mEnabled = view.isShown;
                 text->setTextColor(settings.getTextColor());
                 setTextHeight(*text, FIGURE_TEXT_HEIGHT, canvas);
             }
@@ -147,7 +170,7 @@ void FigureWidget::applySettings(const Canvas& canvas) {
             view.name->mSize.x -= NAME_GAP / canvas.units.x;
         }
         if (view.graph != nullptr) {
-            view.graph->mEnabled = view.isOn();
+            view.graph->mEnabled = view.isShown;
             view.graph->setColor(settings.getGraphColor(shares));
             view.graph->mBackground->mColor = backgroundColor();
             view.graph->mGrid->mMesh->mColor = gridColor();
@@ -166,13 +189,13 @@ void FigureWidget::shareStrip(const Canvas& canvas) {
     const auto nameWidth = [](const View& view) { return lineWidth(view.figure->label) + SHARED_GAP; };
     float all = 0.0F;
     for (const View& view : mViews) {
-        all += view.isOn() ? nameWidth(view) + valueWidth : 0.0F;
+        all += view.isShown ? nameWidth(view) + valueWidth : 0.0F;
     }
     const float left = mLayout.labelWidth / canvas.units.x;
     const float unit = (mStrip->mSize.x - left) / all;
     glm::vec2 position(mStrip->mPosition.x + left, mStrip->mPosition.y);
     for (const View& view : mViews) {
-        if (!view.isOn()) {
+        if (!view.isShown) {
             continue;
         }
         const float name = nameWidth(view) * unit;
@@ -208,14 +231,17 @@ void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
 }
 
 void FigureWidget::refresh(figures::Metrics& metrics) {
-    for (const View& view : mViews) {
-        if (!view.value->mEnabled) {
+    for (View& view : mViews) {
+        if (!view.isOn()) {
             continue;
         }
         const figures::Figure& figure = *view.figure;
         const figures::Reading& reading = metrics.reading(figure);
-        const std::string value = figures::format(figure, reading);
-        setText(*view.value, view.name != nullptr ? value : figure.label + (' ' + value));
+        noteReadability(view, reading.has_value());
+        if (reading || !view.isReadable) {
+            const std::string value = figures::format(figure, reading);
+            setText(*view.value, view.name != nullptr ? value : figure.label + (' ' + value));
+        }
         // A graph does not move while its figure cannot be read, and is not drawn before the first reading.
         if (view.graph != nullptr && reading) {
             const auto sample = static_cast<float>(*reading);

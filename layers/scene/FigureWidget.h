@@ -22,11 +22,15 @@ namespace scene {
 /// graphs' common background and grid, then the fills and over them the lines of the graphs, both in the
 /// order of the catalogue, and the notes on top. So no fill covers a line. The fill of n graphs has an alpha
 /// of 1 / (n + 1), so that all fills and the grid stay visible.
+///
+/// A figure that cannot be read takes no room, unless its user has switched it on by hand, and neither does a
+/// widget without any.
 class FigureWidget : public WidgetView {
 public:
     /// `widget` must outlive the object.
     FigureWidget(PrimitiveFactory& factory, const FigureWidgetLayout& widget);
 
+    bool isWanted() const override;
     void enable() override;
     void collectFigures(figures::FigureSet& wanted) const override;
     void refresh(figures::Metrics& metrics) override;
@@ -44,6 +48,10 @@ private:
         drawer::TextDrawer* value = nullptr;
         drawer::GraphicDrawer* graph = nullptr;  // null: text only
 
+        bool isReadable = false;
+        int missed = 0;        // refreshes without a value since the last one with
+        bool isShown = false;  // since the last layout
+
         bool isOn() const { return figures::settingsOf(*figure).mEnabled.getValue(); }
     };
     struct Note {
@@ -53,6 +61,8 @@ private:
     };
 
     void addView(PrimitiveFactory& factory, const figures::Figure& figure);
+    bool isReadable() const;
+    void noteReadability(View& view, bool hasValue);
     void shareStrip(const Canvas& canvas);
     static bool isPlotted(const View& view);
     static void fitBackdrop(const Note& note, const Canvas& canvas);

@@ -22,12 +22,12 @@ const SysProp<bool>& switchOf() {
     return (gui::WidgetsSettings::getWidgets().*WIDGET).mWidget;
 }
 
-/// Joins the catalogue's notes in one line.
+/// Joins the catalogue's notes that have a value in one line.
 template <WidgetType TYPE>
 std::string notesOf(const Metrics& metrics) {
     std::string text;
     for (const figures::Figure& figure : figures::catalogue()) {
-        if (figure.widget == TYPE && figure.isNote()) {
+        if (figure.widget == TYPE && figure.isNote() && metrics.reading(figure)) {
             text += text.empty() ? "" : "  ";
             text += figure.label;
             text += ' ' + figures::format(figure, metrics.reading(figure));
@@ -47,10 +47,14 @@ std::string vendor(const Metrics& /*metrics*/) {
     }
 }
 
-/// The notes, and whether the clocks are fixed if somebody has asked for that.
+/// The GPU's name where there are several, the notes, and whether the clocks are fixed if somebody has asked
+/// for that.
 std::string footer(const Metrics& metrics) {
     static constexpr const char* CLOCKS[] = {"", "  Fixed", "  Not fixed"};
-    return notesOf<WidgetType::CPU_GPU>(metrics) + CLOCKS[core::StateInfo::getFixClockState()];
+    const char* const gpu = metrics.gpuName();
+    std::string notes = notesOf<WidgetType::CPU_GPU>(metrics);
+    return gpu + std::string(*gpu == '\0' || notes.empty() ? "" : "  ") + notes +
+           CLOCKS[core::StateInfo::getFixClockState()];
 }
 
 constexpr FigureCell FPS_CELLS[] = {{{}, Area::FPS_TEXT_1}, {{}, Area::FPS_TEXT_2}, {{}, Area::FPS_TEXT_3}};

@@ -36,6 +36,7 @@ void Scene::layout() {
     }
     gui::LayoutManager::getInstance()->updateWidgetsLayouts(canvas.isPortrait);
     figures::FigureSet wanted;
+    mWanted.clear();
     mShown.clear();
     mShownDrawers.clear();
     for (const auto& widget : mWidgets) {
@@ -43,6 +44,9 @@ void Scene::layout() {
         if (widget->isShown()) {
             mShown.push_back(widget.get());
             widget->collectDrawers(mShownDrawers);
+        }
+        if (widget->isWanted()) {
+            mWanted.push_back(widget.get());
             widget->collectFigures(wanted);
         }
     }
@@ -63,8 +67,13 @@ void Scene::update() {
     // Asked before this frame is counted, so that the frames counted are the ones that ended in the interval.
     if (mPacing.isUpdateDuration()) {
         mMetrics.refresh(mPacing.mFrameCount, mPacing.mUpdateDuration);
-        for (WidgetView* widget : mShown) {
+        bool isLayoutStale = false;
+        for (WidgetView* widget : mWanted) {
             widget->refresh(mMetrics);
+            isLayoutStale = isLayoutStale || widget->isLayoutStale();
+        }
+        if (isLayoutStale) {
+            layout();
         }
         mExtraDump.tell(mMetrics);
         mPacing.resetUpdateDuration();

@@ -66,6 +66,7 @@ private:
     FrameTimeWidget* mStrip = nullptr;
     bool mIsStripShown = false;
     std::int64_t mLastGpuTime = FrameTime::NOT_MEASURED;  // until it is in a dump
+    std::vector<WidgetView*> mWanted;
     std::vector<WidgetView*> mShown;
     std::vector<drawer::Drawer*> mShownDrawers;
 };

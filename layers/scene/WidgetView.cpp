@@ -16,6 +16,7 @@ bool WidgetView::isShown() const {
 }
 
 void WidgetView::layout(const Canvas& canvas) {
+    mIsLayoutStale = false;
     for (const auto& drawer : mDrawers) {
         gui::LayoutManager::getInstance()->updateDrawerLayout(drawer.get());
     }

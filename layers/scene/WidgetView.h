@@ -29,7 +29,14 @@ public:
     /// position is in no row and is not drawn.
     virtual bool isShown() const;
 
-    /// Called after a change of the settings: switches the widget on if one of its own figures is on.
+    /// Whether the settings want what the widget shows: it is kept up to date, though it has no place on the
+    /// screen while there is nothing to show.
+    virtual bool isWanted() const { return isShown(); }
+
+    /// Whether the widget has to be placed anew since the last layout.
+    bool isLayoutStale() const { return mIsLayoutStale; }
+
+    /// Before a layout: switches the widget on if the settings want it and it has something to show.
     virtual void enable() {}
 
     /// Called after a change of the settings or of the surface, when the layout manager has placed the
@@ -58,6 +65,8 @@ protected:
     gui::Widget& widget() const { return *mWidget; }
 
     virtual void applySettings(const Canvas& canvas) = 0;
+
+    bool mIsLayoutStale = false;
 
     /// Takes ownership of the drawer and gives it a render area of this widget.
     template <class DrawerType>

@@ -226,20 +226,33 @@ protected:
     scene::Overlay mOverlay;
 };
 
-TEST_F(SceneOverlay, ShowsNotAvailableForWhatCannotBeRead) {
-    publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
+// A widget and a figure that a user has switched on by hand are there in any case.
+TEST_F(SceneOverlay, WhatCannotBeReadTakesNoRoomUnlessItsUserWantsIt) {
     for (const char* const text : {"", "-5000\n"}) {
         for (const char* const path :
              {"/sys/class/thermal/thermal_zone0/temp", "/sys/kernel/gpu/gpu_tmu", "/sys/kernel/gpu/gpu_busy",
               "/sys/kernel/gpu/gpu_clock", "/sys/kernel/gpu/gpu_mem_total"}) {
             doubles::setFile(path, text);
         }
+        doubles::setDefaults();
+        publish({{"status", "true"}, {"proc", "app"}});
         frames(20);
-        const std::vector<std::string> names = drawn();
-        // CPU load, GPU clock, GPU load and five memory figures.
-        EXPECT_GE(std::count(names.begin(), names.end(), "N/A"), 8) << text;
-        EXPECT_THAT(names, Contains("CPU N/A  GPU N/A  Max N/A"));
+        EXPECT_THAT(drawn(), AllOf(Not(Contains("N/A")), Not(Contains("GPU")), Contains("Avg 62.5")));
+        publish({{"widget_cpu_gpu_gpu_freq", "true"}});
+        frames(20);
+        EXPECT_THAT(drawn(), AllOf(IsSupersetOf({"MHz", "N/A"}), Not(Contains("GPU"))));
+        publish({{"widget_memory", "true"}});
+        frames(20);
+        EXPECT_THAT(drawn(), IsSupersetOf({"PSS", "SysFree"}));
     }
+    doubles::setFile("/sys/kernel/gpu/gpu_busy", "37\n");
+    frames(10);
+    EXPECT_THAT(drawn(), IsSupersetOf({"GPU", "37%"})) << "read since";
+    doubles::removeFile("/sys/kernel/gpu/gpu_busy");
+    frames(10);
+    EXPECT_THAT(drawn(), Contains("37%")) << "for a moment";
+    frames(80);
+    EXPECT_THAT(drawn(), Not(Contains("37%")));
 }
 
 // Upright and so narrow that each of them would fill the row.
@@ -276,7 +289,7 @@ TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
 }
 
 TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
-    publish({});
+    publish({{"widget_cpu_gpu", "true"}});
     frames(10);
     EXPECT_THAT(drawn(), AllOf(Contains("CPU"), Contains("thumbnail"), Not(Contains("PSS"))));
     publish(
@@ -392,6 +405,7 @@ TEST_F(SceneOverlay, FiguresWithoutCellsShareTheStrip) {
     layout.cellCount = 2;
     scene::FigureWidget widget(mFactory, layout);
     frame();  // places the widgets
+    widget.enable();
     widget.layout(scene::Canvas(mFactory.mSize));
     doubles::drawCalls().clear();
     widget.draw();
