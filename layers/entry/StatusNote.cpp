@@ -16,12 +16,21 @@ constexpr std::int64_t PERIOD_MS = 1000;
 
 }  // namespace
 
-void StatusNote::onFrame(Obstacle obstacle) {
+void StatusNote::onFrame(Obstacle obstacle, std::int64_t own) {
+    constexpr std::uint64_t FRAMES_BETWEEN_LOOKS = 64;
     ++mFrames;
+    if (own >= 0) {
+        mOwn += static_cast<std::uint64_t>(own);
+        ++mOwnFrames;
+    }
     if (obstacle == nullptr) {
         mWasShown = true;
         mMissed = 0;
         mReason.clear();
+        if (mOwnFrames % FRAMES_BETWEEN_LOOKS == 1 && isTold() && nowMs() - mToldAt >= mRenewal) {
+            mRenewal *= 2;
+            tell();
+        }
     } else {
         mMissed = std::min(mMissed + 1, HELD_FRAMES);
         if (mReason != obstacle) {
@@ -48,8 +57,8 @@ void StatusNote::tell() {
     mHasTold = true;
     mToldReason = mReason;
     mToldAt = nowMs();
-    platform::writeOverlayNote(
-        {getpid(), utils::getProcessName(), static_cast<std::int32_t>(mApi), mWasShown, mFrames, mReason});
+    platform::writeOverlayNote({getpid(), utils::getProcessName(), static_cast<std::int32_t>(mApi), mWasShown,
+                                mFrames, mReason, mOwnFrames == 0 ? 0 : mOwn / mOwnFrames});
 }
 
 }  // namespace entry

@@ -13,12 +13,14 @@ namespace entry {
 class StatusNote {
 public:
     static constexpr unsigned int HELD_FRAMES = 10;
+    static constexpr std::int64_t FIRST_RENEWAL_MS = 4000;
 
     explicit StatusNote(core::RenderingApiType api) : mApi(api) {}
 
-    /// Call it after each swap with the reason why it had no overlay, or null. Writes and allocates nothing
-    /// while that does not change.
-    void onFrame(Obstacle obstacle);
+    /// Call it after each swap with the reason why it had no overlay, or null, and with the nanoseconds that
+    /// the layer took of the frame, negative when it does not know. Allocates nothing while the reason stays;
+    /// writes again after some seconds, and then ever more seldom.
+    void onFrame(Obstacle obstacle, std::int64_t own = -1);
 
     /// There will be no more swaps: writes what is not written yet.
     void finish();
@@ -35,6 +37,10 @@ private:
     bool mHasTold = false;
     std::string mToldReason;
     std::int64_t mToldAt = 0;  ///< in milliseconds
+    std::int64_t mRenewal =
+        FIRST_RENEWAL_MS;    ///< after this long it says its own time anew, then half as often
+    std::uint64_t mOwn = 0;  ///< in nanoseconds, of so many frames
+    std::uint64_t mOwnFrames = 0;
 };
 
 }  // namespace entry

@@ -45,6 +45,9 @@ public:
 
     std::size_t size() const;
 
+    /// The overlay's part of the last frame, if there is one.
+    std::int64_t lastOverlay() const { return mCount == 0 ? FrameTime::NOT_MEASURED : ago(0).overlay; }
+
     /// Returns a frame; 0 is the last one. `frames` must be below size().
     const FrameTime& ago(std::size_t frames) const;
 

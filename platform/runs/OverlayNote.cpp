@@ -21,7 +21,7 @@ namespace platform {
 namespace {
 
 constexpr std::string_view NAME_BEGIN = "note.";
-constexpr std::string_view HEADER = "kordanix note 1";
+constexpr std::string_view HEADER = "kordanix note 2";
 constexpr std::size_t SIZE_MAX_BYTES = 32768;
 
 template <typename Number>
@@ -47,7 +47,7 @@ std::string notePath(const std::string& directory, pid_t process) {
 std::string toText(const OverlayNote& note) {
     return std::string(HEADER) + "\nname " + escapeText(note.name) + "\napi " + std::to_string(note.api) +
            "\nshown " + (note.wasShown ? "1" : "0") + "\nframes " + std::to_string(note.frames) +
-           "\nreason " + escapeText(note.reason) + '\n';
+           "\nreason " + escapeText(note.reason) + "\nown " + std::to_string(note.ownNanoseconds) + '\n';
 }
 
 /// Takes the next line off the text and returns what follows `key` and a blank; nothing when the line does
@@ -74,17 +74,21 @@ std::optional<OverlayNote> parse(std::string_view text, pid_t process) {
     const auto shown = takeLine(text, "shown");
     const auto frames = takeLine(text, "frames");
     const auto reason = takeLine(text, "reason");
-    if (!name || !api || !shown || !frames || !reason || !text.empty()) {
+    const auto own = takeLine(text, "own");
+    if (!name || !api || !shown || !frames || !reason || !own || !text.empty()) {
         return std::nullopt;
     }
     const auto plainName = unescapeText(*name);
     const auto apiNumber = toNumber<std::int32_t>(*api);
     const auto frameCount = toNumber<std::uint64_t>(*frames);
     const auto plainReason = unescapeText(*reason);
-    if (!plainName || !apiNumber || !frameCount || !plainReason || (*shown != "0" && *shown != "1")) {
+    const auto ownNanoseconds = toNumber<std::uint64_t>(*own);
+    if (!plainName || !apiNumber || !frameCount || !plainReason || !ownNanoseconds ||
+        (*shown != "0" && *shown != "1")) {
         return std::nullopt;
     }
-    return OverlayNote{process, *plainName, *apiNumber, *shown == "1", *frameCount, *plainReason};
+    return OverlayNote{process,     *plainName,   *apiNumber,     *shown == "1",
+                       *frameCount, *plainReason, *ownNanoseconds};
 }
 
 /// Reads a note only if a process of this user wrote it.

@@ -19,6 +19,7 @@ struct OverlayNote {
     std::uint64_t frames = 0;  ///< how many swaps there were when the note was written
     std::string reason;  ///< why it is not shown now, as a sentence's end: "its context is older than ..."
                          ///< empty while it is shown
+    std::uint64_t ownNanoseconds = 0;  ///< that the layer itself takes of a frame, on average; 0: not known
 };
 
 /// Writes this process's note over the last one. Call it when something changes, not at every frame: it costs

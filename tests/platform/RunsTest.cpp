@@ -145,15 +145,15 @@ TEST_F(OverlayClaimTest, IsNotTakenFromAProcessThatMayLive) {
 TEST(OverlayNoteTest, AreReadBackAndRubbishIsPassedOver) {
     const support::TemporaryDirectory directory;
     changeRuntimeDirectory(directory.path());
-    const OverlayNote note = {getpid(), " a\nname\\ ", -7, true, 1ULL << 63, "its state\nkeeps it away"};
+    const OverlayNote note = {getpid(), " a\nname\\ ", -7, true, 1ULL << 63, "its state\nkeeps it away", 7};
     writeOverlayNote({getpid(), "first", 0, false, 0, ""});
     writeOverlayNote(note);
     ASSERT_TRUE(directory.shell(R"(
-        N='kordanix note 1\nname a\n' R='api 0\nshown 1\nframes 5\nreason '
-        touch note.1; printf "$N$R\\\\" >note.2; printf "${N}api 99999999999\nshown 1\nframes 5\nreason \n" >note.3
-        printf "${N}api 0\nshown 2\nframes 5\nreason \n" >note.4; printf "$N$R\\\\q\n" >note.5
-        printf "$N$R\nmore\n" >note.6; truncate -s 1M note.7
-        printf "$N$R\n" | tee note.-8 >note.; mkfifo note.9)"));
+        N='kordanix note 2\nname a\n' R='api 0\nshown 1\nframes 5\nreason '
+        touch note.1; printf "$N$R\\\\" >note.2; printf "${N}api 99999999999\nshown 1\nframes 5\nreason \nown 0\n" >note.3
+        printf "${N}api 0\nshown 2\nframes 5\nreason \nown 0\n" >note.4; printf "$N$R\\\\q\nown 0\n" >note.5
+        printf "$N$R\nown 0\nmore\n" >note.6; truncate -s 1M note.7
+        printf "$N$R\nown 0\n" | tee note.-8 >note.; mkfifo note.9)"));
     const std::vector<OverlayNote> notes = readOverlayNotes(directory.path());
     ASSERT_EQ(notes.size(), 1U);
     const OverlayNote& read = notes.front();

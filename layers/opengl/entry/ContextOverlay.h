@@ -47,6 +47,9 @@ public:
     Obstacle beforeSwap(const WindowLibrary& library, const Swap& swap, unsigned int attributeChanges);
     void afterSwap(bool isProgramMeasuring);
 
+    /// What the layer took of the last frame, in nanoseconds; negative when that is not known.
+    std::int64_t ownTime() const { return mOverlay.mScene.mFrameTimes.lastOverlay(); }
+
     /// The program has bound a framebuffer.
     void onFramebufferBound() { mPasses.onFramebufferBound(); }
 

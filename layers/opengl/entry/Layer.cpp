@@ -86,7 +86,7 @@ void Layer::afterSwap(void* frame) {
         fail(context, error.what(), false);
     }
     updateListener();
-    report(context.obstacle);
+    report(context.obstacle, context.overlay != nullptr ? context.overlay->ownTime() : -1);
     endUse(context);
 }
 
@@ -216,10 +216,10 @@ void Layer::removeOverlay(Context& context) {
 }
 
 /// Reports what became of a swap, to the log and the note.
-void Layer::report(Obstacle obstacle) {
+void Layer::report(Obstacle obstacle, std::int64_t own) {
     const std::lock_guard<std::mutex> lock(mShared.mutex);
     try {
-        mStatus.onFrame(obstacle);
+        mStatus.onFrame(obstacle, own);
         if (mShared.right.isRefused()) {
             mStatus.finish();
         }

@@ -50,7 +50,7 @@ private:
     void endUse(Context& context);
     void fail(Context& context, const char* reason, bool isFinal);
     void removeOverlay(Context& context);
-    void report(Obstacle obstacle);
+    void report(Obstacle obstacle, std::int64_t own = -1);
     static void updateListener();
 
     Shared mShared;  ///< its mutex guards what follows as well

@@ -55,6 +55,10 @@ std::string describeOverlay(const OverlayState& state, pid_t process) {
     if (note == nullptr) {
         return "shows the overlay, if its graphics API is number " + displayedValue("api");
     }
+    if (note->wasShown && note->ownNanoseconds != 0) {
+        return "shows the overlay, which takes " + std::to_string(note->ownNanoseconds / 1000) +
+               " us of a frame";
+    }
     return note->wasShown ? "shows the overlay" : "has not shown the overlay yet";
 }
 
