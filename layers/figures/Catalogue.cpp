@@ -71,7 +71,7 @@ constexpr Figure FIGURES[] = {
      {Source::AVERAGE_FPS, nullptr, nullptr}},
     {"cpu.load.process",
      "CPU load of the process",
-     "CPU",
+     "CPU app",
      {"percent", "%", Kind::RATE, 0},
      WidgetType::CPU_GPU,
      {"widget_cpu_gpu_cpu_load", true, BLUE},

@@ -27,8 +27,12 @@ constexpr float NAME_GAP = 3.0F;
 /// The gap around a name in a shared strip, in units of a line, which is 2 high.
 constexpr float SHARED_GAP = 0.7F;
 
-/// As wide as most values.
-constexpr const char* TYPICAL_VALUE = "8888MB";
+/// As wide as most values of the figure.
+std::string typicalValue(const figures::Figure& figure) {
+    const bool isLong = figure.format.kind == figures::Kind::MEMORY || figure.format.decimals > 0;
+    return isLong ? "8888MB"
+                  : std::string(*figure.format.suffix == '%' ? "888" : "8888") + figure.format.suffix;
+}
 
 /// Left and right of the text, in canvas units.
 constexpr float BACKDROP_MARGIN = 2.0F;
@@ -185,11 +189,11 @@ void FigureWidget::applySettings(const Canvas& canvas) {
 
 /// Divides the strip among the visible figures, in proportion to the widths of their texts.
 void FigureWidget::shareStrip(const Canvas& canvas) {
-    const float valueWidth = lineWidth(TYPICAL_VALUE);
+    const auto valueWidth = [](const View& view) { return lineWidth(typicalValue(*view.figure)); };
     const auto nameWidth = [](const View& view) { return lineWidth(view.figure->label) + SHARED_GAP; };
     float all = 0.0F;
     for (const View& view : mViews) {
-        all += view.isShown ? nameWidth(view) + valueWidth : 0.0F;
+        all += view.isShown ? nameWidth(view) + valueWidth(view) : 0.0F;
     }
     const float left = mLayout.labelWidth / canvas.units.x;
     const float unit = (mStrip->mSize.x - left) / all;
@@ -200,7 +204,7 @@ void FigureWidget::shareStrip(const Canvas& canvas) {
         }
         const float name = nameWidth(view) * unit;
         view.value->mPosition = position;
-        view.value->mSize = {name + valueWidth * unit, mStrip->mSize.y};
+        view.value->mSize = {name + valueWidth(view) * unit, mStrip->mSize.y};
         position.x += view.value->mSize.x;
         if (view.name != nullptr) {
             view.name->mPosition = view.value->mPosition;

@@ -88,8 +88,15 @@ const FigureWidgetLayout FPS_WIDGET = {
     std::size(FPS_NOTES)};
 
 const FigureWidgetLayout CPU_GPU_WIDGET = {
-    WidgetType::CPU_GPU,     switchOf<&Widgets::mCpuGpu>, Area::CPU_GPU_STRIP, Area::CPU_GPU_GRAPH,
-    CPU_GPU_CELLS,           std::size(CPU_GPU_CELLS),    VENDOR_LABEL,        CPU_GPU_NOTES,
+    // Whose load it is does not fit into a cell, so that they all share the strip.
+    WidgetType::CPU_GPU,
+    switchOf<&Widgets::mCpuGpu>,
+    Area::CPU_GPU_STRIP,
+    Area::CPU_GPU_GRAPH,
+    CPU_GPU_CELLS,
+    0,
+    VENDOR_LABEL,
+    CPU_GPU_NOTES,
     std::size(CPU_GPU_NOTES)};
 
 const FigureWidgetLayout MEMORY_WIDGET = {

@@ -291,11 +291,11 @@ TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
 TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
     publish({{"widget_cpu_gpu", "true"}});
     frames(10);
-    EXPECT_THAT(drawn(), AllOf(Contains("CPU"), Contains("thumbnail"), Not(Contains("PSS"))));
+    EXPECT_THAT(drawn(), AllOf(Contains("CPU app"), Contains("thumbnail"), Not(Contains("PSS"))));
     publish(
         {{"widget_memory", "true"}, {"widget_cpu_gpu", "false"}, {"widget_gpu_activity_thumbnail", "false"}});
     frame();
-    EXPECT_THAT(drawn(), AllOf(Contains("PSS"), Not(Contains("CPU")), Not(Contains("thumbnail"))));
+    EXPECT_THAT(drawn(), AllOf(Contains("PSS"), Not(Contains("CPU app")), Not(Contains("thumbnail"))));
     publish({{"status", "false"}});
     frame();
     EXPECT_TRUE(drawn().empty());
