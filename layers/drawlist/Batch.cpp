@@ -21,7 +21,11 @@ bool isFinite(const Corner& corner) {
     return raster::isFinite(corner.point);
 }
 
-Vertex solid(const Corner& corner, const Paint& paint) {
+Vertex toVertex(const Corner& corner, const Paint& paint) {
+    if (paint.profile() != 0) {
+        return {corner.point.x, corner.point.y, GlyphCache::acrossProfile(corner.coverage), paint.profile(),
+                paint.covering(1.0F)};
+    }
     constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
     return {corner.point.x, corner.point.y, SOLID, SOLID, paint.covering(corner.coverage)};
 }
@@ -173,9 +177,9 @@ void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Paint
 
 void Batch::addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint) {
     Vertex* const corners = grow(3);
-    corners[0] = solid(a, paint);
-    corners[1] = solid(b, paint);
-    corners[2] = solid(c, paint);
+    corners[0] = toVertex(a, paint);
+    corners[1] = toVertex(b, paint);
+    corners[2] = toVertex(c, paint);
 }
 
 void Batch::addQuad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Paint& paint,
@@ -187,10 +191,10 @@ void Batch::addQuad(const Corner& a, const Corner& b, const Corner& c, const Cor
         return;
     }
     Vertex* const corners = grow(6);
-    corners[0] = corners[3] = solid(a, paint);
-    corners[1] = solid(b, paint);
-    corners[2] = corners[4] = solid(c, paint);
-    corners[5] = solid(d, paint);
+    corners[0] = corners[3] = toVertex(a, paint);
+    corners[1] = toVertex(b, paint);
+    corners[2] = corners[4] = toVertex(c, paint);
+    corners[5] = toVertex(d, paint);
 }
 
 void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const Paint& paint,

@@ -19,12 +19,13 @@ struct Vertex {
     float y;
     std::uint16_t u;  ///< texels of the glyph texture, or pixels from the top-left one of picturePixels()
     std::uint16_t v;
-    std::array<std::uint8_t, 4> color;  ///< straight; the alpha carries the coverage
+    std::array<std::uint8_t, 4> color;  ///< straight; the alpha carries the coverage of solid areas
 };
 
 static_assert(sizeof(Vertex) == 16, "uploaded as it is");
 
-/// A corner of a triangle whose coverage, 0..1, changes from corner to corner.
+/// A corner of a triangle whose coverage, 0..1, changes from corner to corner; of a stroke that has a
+/// profile, the place across it, from 0 on one side to 1 on the other.
 struct Corner {
     glm::vec2 point;
     float coverage;

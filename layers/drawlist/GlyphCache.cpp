@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "gui/GlyphAtlas.h"
+#include "raster/Outline.h"
 
 namespace drawlist {
 
@@ -15,6 +16,9 @@ constexpr float ROUNDING = 0.5F;
 
 /// Texels of the solid corner, in both directions.
 constexpr int SOLID_SIDE = 4;
+
+/// Texels of the profiles of strokes and the solid corner, from the top.
+constexpr int PROFILE_ROWS = 8;
 
 constexpr int SMALLEST_SIDE = 256;
 
@@ -41,6 +45,14 @@ int toSteps(float position) {
     return static_cast<int>(position * raster::GLYPH_STEPS + (position < 0.0F ? -ROUNDING : ROUNDING));
 }
 
+/// A texel of ink on its outline.
+void write(std::uint8_t* texel, float ink, float outline, Part part) {
+    const auto toByte = [](float share) { return static_cast<std::uint8_t>(share * FULL + ROUNDING); };
+    const raster::Outlined both(ink, outline);
+    texel[0] = part == Part::BOTH ? toByte(both.ink) : FULL;
+    texel[1] = toByte(part == Part::BOTH ? both.cover : part == Part::INK ? ink : outline);
+}
+
 std::size_t hash(std::uint64_t key) {
     constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15U;
     constexpr int SHIFT = 40;
@@ -49,16 +61,23 @@ std::size_t hash(std::uint64_t key) {
 
 }  // namespace
 
+float GlyphCache::reach(float lineWidth, Part part) {
+    constexpr float SOFT = 0.5F;  // coverage falls over a pixel around the border
+    return 0.5F * lineWidth + (part == Part::INK ? 0.0F : raster::OUTLINE_WIDTH) + SOFT;
+}
+
 GlyphCache::GlyphCache() : mEntries(ENTRIES) {}
 
 void GlyphCache::begin(const raster::SurfaceShape& shape) {
     const int side = sideFor(shape);
-    if (side == mSide && !mIsFull) {
+    const float lineWidth = shape.lineWidth();
+    if (side == mSide && lineWidth == mLineWidth && !mIsFull) {
         return;
     }
+    mLineWidth = lineWidth;
     if (side != mSide) {
         mSide = side;
-        mTexels.assign(static_cast<std::size_t>(side) * static_cast<std::size_t>(side), 0);
+        mTexels.assign(static_cast<std::size_t>(side) * static_cast<std::size_t>(side) * CHANNELS, 0);
     }
     empty();
 }
@@ -69,12 +88,29 @@ void GlyphCache::empty() {
     mIsFull = false;
     ++mEmptied;
     for (int row = 0; row < SOLID_SIDE; ++row) {
-        std::memset(mTexels.data() + static_cast<std::ptrdiff_t>(row) * mSide, FULL, SOLID_SIDE);
+        std::memset(texel(0, row), FULL, SOLID_SIDE * CHANNELS);
     }
+    drawProfiles();
     mShelfTop = 0;
-    mShelfHeight = SOLID_SIDE;
-    mShelfEnd = SOLID_SIDE;
+    mShelfHeight = PROFILE_ROWS;
+    mShelfEnd = mSide;
     forget();
+}
+
+void GlyphCache::drawProfiles() {
+    for (const Part part : {Part::BOTH, Part::OUTLINE, Part::INK}) {
+        const float longest = reach(mLineWidth, part);
+        const float inset = part == Part::INK ? 0.0F : raster::OUTLINE_WIDTH;
+        const int middle = profile(part);  // between two rows that are alike
+        for (int i = 0; i < PROFILE_LENGTH; ++i) {
+            const float place = (static_cast<float>(i) + ROUNDING) / PROFILE_LENGTH;
+            const float inside = longest - std::fabs(2.0F * place - 1.0F) * longest;
+            const float ink = std::clamp(inside - inset, 0.0F, 1.0F);
+            for (const int row : {middle - 1, middle}) {
+                write(texel(PROFILE_START + i, row), ink, std::min(inside, 1.0F), part);
+            }
+        }
+    }
 }
 
 void GlyphCache::forget() {
@@ -87,7 +123,8 @@ GlyphCache::Rows GlyphCache::takeChanges() {
     return changed;
 }
 
-GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const raster::Box& box) {
+GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const raster::Box& box,
+                                     Part part) {
     if (!(std::fabs(box.mLeft) < FARTHEST) || !(std::fabs(box.mTop) < FARTHEST) ||
         !(box.mRight - box.mLeft < LONGEST_SIDE) || !(box.mBottom - box.mTop < LONGEST_SIDE) || mSide == 0) {
         return {};
@@ -105,8 +142,8 @@ GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const
     const auto phaseX = static_cast<std::uint64_t>(left & (STEPS - 1));
     const auto phaseY = static_cast<std::uint64_t>(top & (STEPS - 1));
     const std::uint64_t key = std::uint64_t{static_cast<unsigned char>(symbol)} << 56 | phaseX << 50 |
-                              phaseY << 44 | static_cast<std::uint64_t>(width) << 22 |
-                              static_cast<std::uint64_t>(height);
+                              phaseY << 44 | static_cast<std::uint64_t>(part) << 42 |
+                              static_cast<std::uint64_t>(width) << 20 | static_cast<std::uint64_t>(height);
     std::size_t index = hash(key) % ENTRIES;
     while (mEntries[index].mKey != 0 && mEntries[index].mKey != key) {
         index = (index + 1) % ENTRIES;
@@ -120,7 +157,7 @@ GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const
         const float boxTop = toPixels(phaseY);
         const raster::Box local{boxLeft, boxTop, boxLeft + toPixels(static_cast<std::uint64_t>(width)),
                                 boxTop + toPixels(static_cast<std::uint64_t>(height))};
-        if (mCount >= ENTRIES / 2 || !draw(entry, glyph, local)) {
+        if (mCount >= ENTRIES / 2 || !draw(entry, glyph, local, part)) {
             mIsFull = true;
             return {};
         }
@@ -133,13 +170,13 @@ GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const
              row + entry.mTop + entry.mHeight}};
 }
 
-bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& box) {
+bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& box, Part part) {
     constexpr raster::PixelRect LIMITS{-LONGEST_SIDE, -LONGEST_SIDE, 2 * LONGEST_SIDE, 2 * LONGEST_SIDE};
     entry = {};
-    if (!mScaler.prepare(raster::texelsOf(glyph, gui::GlyphAtlas::getGlyphAtlas()), box, LIMITS)) {
+    if (!mGlyph.prepare(raster::texelsOf(glyph, gui::GlyphAtlas::getGlyphAtlas()), box, LIMITS)) {
         return true;  // a space
     }
-    const raster::PixelRect pixels = mScaler.pixels();
+    const raster::PixelRect pixels = mGlyph.pixels();
     entry.mWidth = static_cast<std::uint16_t>(pixels.width());
     entry.mHeight = static_cast<std::uint16_t>(pixels.height());
     entry.mLeft = static_cast<std::int16_t>(pixels.mLeft);
@@ -148,10 +185,10 @@ bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& 
         return false;
     }
     for (int y = 0; y < pixels.height(); ++y) {
-        const float* coverage = mScaler.row(pixels.mTop + y);
-        std::uint8_t* texels = mTexels.data() + static_cast<std::ptrdiff_t>(entry.mV + y) * mSide + entry.mU;
+        const float* const ink = mGlyph.ink(pixels.mTop + y);
+        const float* const outline = mGlyph.outline(pixels.mTop + y);
         for (int x = 0; x < pixels.width(); ++x) {
-            texels[x] = static_cast<std::uint8_t>(std::min(coverage[x], 255.0F) + ROUNDING);
+            write(texel(entry.mU + x, entry.mV + y), ink[x], outline[x], part);
         }
     }
     return true;

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "raster/GlyphScaler.h"
 #include "raster/LineFit.h"
+#include "raster/OutlinedGlyph.h"
 #include "raster/SurfaceShape.h"
 
 namespace gui {
@@ -14,13 +14,36 @@ struct Glyph;
 
 namespace drawlist {
 
-/// Pictures of glyphs in the sizes they are drawn in, coverage in 8 bits, in one square texture that also has
-/// a solid texel. A picture that is there once is there until the texture is full; then it is emptied. Memory
-/// is fixed by the surface.
+/// What of a glyph or of a stroke.
+enum class Part : std::uint8_t {
+    BOTH,     ///< the ink on a black outline
+    OUTLINE,  ///< only the outline, of the vertices' colour
+    INK
+};
+
+/// Pictures of glyphs in the sizes they are drawn in, in one square texture that also has a solid texel and
+/// the profiles of strokes. A texel is two bytes: how much of it is ink, and how much it covers. What is
+/// drawn is the vertices' colour with red, green and blue times the first and alpha times the second: the
+/// outline is black. A picture that is there once is there until the texture is full; then it is emptied.
+/// Memory is fixed by the surface.
 class GlyphCache {
 public:
     /// Texels that are not 0 at (SOLID, SOLID) and around.
     static constexpr int SOLID = 1;
+
+    /// Bytes of a texel.
+    static constexpr int CHANNELS = 2;
+
+    /// A profile goes across a stroke as wide as the surface's lines, from `reach` pixels on one side of its
+    /// middle to as many on the other: for uv of the vertices.
+    static std::uint16_t acrossProfile(float share) {
+        constexpr float ROUNDING = 0.5F;
+        return static_cast<std::uint16_t>(PROFILE_START + share * PROFILE_LENGTH + ROUNDING);
+    }
+    static std::uint16_t profile(Part part) {
+        return static_cast<std::uint16_t>(1 + 2 * static_cast<int>(part));
+    }
+    static float reach(float lineWidth, Part part);
 
     /// Of the texture, for the largest surfaces.
     static constexpr int LARGEST_SIDE = 2048;
@@ -29,7 +52,7 @@ public:
     struct Picture {
         int mU = 0;  ///< first texel
         int mV = 0;
-        raster::PixelRect mPixels;  ///< on the surface; empty when nothing is to be seen
+        raster::PixelRect mPixels;  ///< on the surface, with the outline; empty when nothing is to be seen
     };
 
     /// Rows that have changed, end exclusive.
@@ -46,7 +69,7 @@ public:
 
     /// The picture of the glyph in a box as raster::fitGlyph() gives it. Nothing to be seen when it is out of
     /// reach of any surface or there is no room for it any more.
-    Picture find(char symbol, const gui::Glyph& glyph, const raster::Box& box);
+    Picture find(char symbol, const gui::Glyph& glyph, const raster::Box& box, Part part);
 
     /// Whether a picture found no room in this drawing, which the next one can mend.
     bool isFull() const { return mIsFull; }
@@ -56,7 +79,10 @@ public:
 
     /// Side of the texture in texels, a power of two; its texels, rows from top to bottom.
     int side() const { return mSide; }
-    const std::uint8_t* texels() const { return mTexels.data(); }
+    const std::uint8_t* texels() const { return row(0); }
+    const std::uint8_t* row(int v) const {
+        return mTexels.data() + static_cast<std::ptrdiff_t>(v) * mSide * CHANNELS;
+    }
 
     bool isChanged() const { return mChanged.mFirst < mChanged.mEnd; }
 
@@ -67,6 +93,9 @@ public:
     void forget();
 
 private:
+    static constexpr int PROFILE_START = 8;
+    static constexpr int PROFILE_LENGTH = 128;
+
     struct Entry {
         std::uint64_t mKey = 0;  ///< 0: free
         std::uint16_t mU = 0;
@@ -78,10 +107,15 @@ private:
     };
 
     void empty();
-    bool draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& box);
+    void drawProfiles();
+    bool draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& box, Part part);
+    std::uint8_t* texel(int u, int v) {
+        return mTexels.data() + (static_cast<std::ptrdiff_t>(v) * mSide + u) * CHANNELS;
+    }
     bool place(Entry& entry);
 
     int mSide = 0;
+    float mLineWidth = 0.0F;
     std::vector<std::uint8_t> mTexels;
     std::vector<Entry> mEntries;
     std::size_t mCount = 0;
@@ -91,7 +125,7 @@ private:
     int mShelfHeight = 0;
     int mShelfEnd = 0;
     Rows mChanged;
-    raster::GlyphScaler mScaler;
+    raster::OutlinedGlyph mGlyph;
 };
 
 }  // namespace drawlist

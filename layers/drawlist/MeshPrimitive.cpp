@@ -30,7 +30,8 @@ void MeshPrimitive::drawVertices() {
             mFill.draw(mList.batch, mPoints.data(), mPoints.size(), paint, place.clip);
             break;
         case scene::Topology::LINE_STRIP:
-            mCurve.draw(mList.batch, mPoints.data(), mPoints.size(), place.lineWidth, paint, place.clip);
+            mCurve.draw(mList.batch, mPoints.data(), mPoints.size(), place.lineWidth, StrokePaint(mColor),
+                        place.clip);
             break;
         case scene::Topology::LINES:
             drawLines(place, paint);
@@ -44,7 +45,8 @@ void MeshPrimitive::drawLines(const raster::MeshPlacement& place, const Paint& p
     for (std::size_t i = 1; i < mPoints.size(); i += 2) {
         raster::Box box;
         if (!raster::alignLine(mPoints[i - 1], mPoints[i], place.lineWidth, place.frame, box)) {
-            mCurve.draw(mList.batch, mPoints.data() + i - 1, 2, place.lineWidth, paint, place.clip);
+            mCurve.draw(mList.batch, mPoints.data() + i - 1, 2, place.lineWidth, StrokePaint(paint),
+                        place.clip);
         } else if (box.mRight - box.mLeft > box.mBottom - box.mTop) {
             mLevel.push_back(box);
         } else {

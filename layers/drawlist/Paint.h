@@ -25,6 +25,16 @@ public:
     /// The same colour, more transparent by a factor 0..1.
     Paint fainter(float factor) const;
 
+    /// The same colour across a stroke's profile in the glyph texture, see GlyphCache.
+    Paint along(std::uint16_t profile) const {
+        Paint paint = *this;
+        paint.mProfile = profile;
+        return paint;
+    }
+
+    /// Row of the profile; 0: none.
+    std::uint16_t profile() const { return mProfile; }
+
     bool isVisible() const { return mAlpha > 0.0F; }
 
 private:
@@ -32,6 +42,7 @@ private:
 
     std::array<std::uint8_t, 4> mFull;
     float mAlpha;  ///< 0..255
+    std::uint16_t mProfile = 0;
 };
 
 }  // namespace drawlist

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 
+#include "drawlist/GlyphCache.h"
 #include "drawlist/Polyline.h"
 
 namespace drawlist {
@@ -31,11 +32,11 @@ glm::vec2 unit(const glm::vec2& vector, const glm::vec2& other) {
 }  // namespace
 
 void StrokeTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t count, float width,
-                             const Paint& paint, const raster::PixelRect& clip) {
-    if (clip.isEmpty() || !paint.isVisible()) {
+                             const StrokePaint& paint, const raster::PixelRect& clip) {
+    if (clip.isEmpty() || !paint.line.isVisible()) {
         return;
     }
-    const Target target{batch, paint, Clip(clip), std::max(0.5F * width - 0.5F, 0.0F), 0.5F * width + 0.5F};
+    const Target target{batch, Clip(clip), width};
     const glm::vec2* const end = points + count;
     while (points != end) {
         const glm::vec2* const first = std::find_if(points, end, raster::isFinite);
@@ -43,12 +44,12 @@ void StrokeTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t 
         if (points - first >= 2) {
             mPoints.clear();
             appendSimplified(first, points, mPoints);
-            drawRun(target);
+            drawRun(target, paint);
         }
     }
 }
 
-void StrokeTessellator::drawRun(const Target& target) {
+void StrokeTessellator::drawRun(const Target& target, const StrokePaint& paint) {
     mSegments.clear();
     mTurns.clear();
     std::size_t kept = 0;
@@ -79,26 +80,53 @@ void StrokeTessellator::drawRun(const Target& target) {
     }
     mTurns.push_back(0.0F);
 
-    const auto square = [&target](const glm::vec2& point, const glm::vec2& direction) {
-        const glm::vec2 side = rightOf(direction);
-        return Section{{point + target.core * side, point - target.core * side},
-                       {point + target.reach * side, point - target.reach * side}};
-    };
-    for (std::size_t i = 0; i <= last; ++i) {
-        Segment& segment = mSegments[i];
-        segment.start = square(mPoints[i], segment.direction);
-        segment.end = square(mPoints[i + 1], segment.direction);
+    const Paint both = paint.line.along(GlyphCache::profile(Part::BOTH));
+    if (paint.isOutlineBlack && paint.outline.isVisible() && addRun(target, Part::BOTH, both, true)) {
+        return;
     }
-    for (std::size_t i = 1; i <= last; ++i) {
-        join(target, i);
+    // Where segments lie on each other, no outline may lie on a line.
+    if (paint.outline.isVisible()) {
+        addRun(target, Part::OUTLINE, paint.outline.along(GlyphCache::profile(Part::OUTLINE)), false);
+    }
+    addRun(target, Part::INK, paint.line.along(GlyphCache::profile(Part::INK)), false);
+}
+
+/// False, and nothing is added, when segments lie on each other and must not.
+bool StrokeTessellator::addRun(const Target& target, Part part, const Paint& paint, bool mustMeet) {
+    const float reach = GlyphCache::reach(target.width, part);
+    for (std::size_t i = 0; i < mSegments.size(); ++i) {
+        Segment& segment = mSegments[i];
+        const glm::vec2 side = reach * rightOf(segment.direction);
+        segment.start = {{{mPoints[i] + side, 0.0F}, {mPoints[i] - side, 1.0F}}};
+        segment.end = {{{mPoints[i + 1] + side, 0.0F}, {mPoints[i + 1] - side, 1.0F}}};
+    }
+    mJoints.clear();
+    for (std::size_t i = 1; i < mSegments.size(); ++i) {
+        if (!join(reach, i) && mustMeet) {
+            return false;
+        }
     }
     for (const Segment& segment : mSegments) {
-        addBody(target, segment.start, segment.end);
+        target.batch.addQuad(segment.start[0], segment.end[0], segment.end[1], segment.start[1], paint,
+                             target.clip);
     }
-    const glm::vec2& first = mSegments.front().direction;
-    const glm::vec2& final = mSegments.back().direction;
-    addArc(target, mPoints[0], mPoints[0], rightOf(first), -first, -rightOf(first));
-    addArc(target, mPoints[last + 1], mPoints[last + 1], rightOf(final), final, -rightOf(final));
+    for (const Joint& joint : mJoints) {
+        const Corner middle{joint.point, 0.5F};
+        if (joint.isMeeting) {
+            target.batch.addTriangle(joint.inner, middle, joint.before, paint, target.clip);
+            target.batch.addTriangle(joint.inner, joint.after, middle, paint, target.clip);
+        }
+        addArc(target, paint, joint.point,
+               {joint.before.point - joint.point, reach * joint.outwards, joint.after.point - joint.point});
+    }
+    const auto addEnd = [&](const Section& section, const glm::vec2& point, const glm::vec2& outwards) {
+        addArc(target, paint, point, {section[0].point - point, reach * outwards, section[1].point - point});
+    };
+    const Segment& first = mSegments.front();
+    const Segment& final = mSegments.back();
+    addEnd(first.start, mPoints[0], -first.direction);
+    addEnd(final.end, mPoints[mSegments.size()], final.direction);
+    return true;
 }
 
 /// How much of a segment the inner corner of a joint may take: a joint at the other end that turns the same
@@ -109,7 +137,8 @@ float StrokeTessellator::roomAt(std::size_t segment, bool isStart, float turn) c
     return mSegments[segment].length * (isShared ? 0.5F : 1.0F);
 }
 
-void StrokeTessellator::join(const Target& target, std::size_t index) {
+/// False when the segments are too short for it, so that they lie on each other on the inner side.
+bool StrokeTessellator::join(float reach, std::size_t index) {
     Segment& before = mSegments[index - 1];
     Segment& after = mSegments[index];
     const glm::vec2& point = mPoints[index];
@@ -123,52 +152,36 @@ void StrokeTessellator::join(const Target& target, std::size_t index) {
         cosine > 0.0F ? unit(sides, side * rightOf(before.direction))
                       : unit(after.direction - before.direction, side * rightOf(before.direction));
 
-    // The inner borders of both segments meet on the bisector, unless they are too short for that.
+    // The inner borders of both segments meet on the bisector, if the segments are long enough.
     constexpr float SMALLEST = 1e-4F;
     const float cosHalf = std::sqrt(std::max(0.5F * (1.0F + cosine), SMALLEST));
     const float sinHalf = std::sqrt(std::max(0.5F * (1.0F - cosine), SMALLEST));
-    const float room = std::min(roomAt(index - 1, false, turn), roomAt(index, true, turn)) / sinHalf;
-    const auto cornerAt = [&](float radius) { return point + inwards * std::min(radius / cosHalf, room); };
-    before.end.core[inner] = after.start.core[inner] = cornerAt(target.core);
-    before.end.border[inner] = after.start.border[inner] = cornerAt(target.reach);
-    if (cosine > GENTLE) {
-        before.end.core[outer] = after.start.core[outer] = point - inwards * (target.core / cosHalf);
-        before.end.border[outer] = after.start.border[outer] = point - inwards * (target.reach / cosHalf);
-        return;
-    }
-    addArc(target, point, before.end.core[inner], -side * rightOf(before.direction), -inwards,
-           -side * rightOf(after.direction));
-}
-
-/// From one direction over another to a third around `center`; what is covered fully spans from there to
-/// `hub`.
-void StrokeTessellator::addArc(const Target& target, const glm::vec2& center, const glm::vec2& hub,
-                               const glm::vec2& from, const glm::vec2& middle, const glm::vec2& to) {
-    const std::array<glm::vec2, 5> directions = {from, unit(from + middle, middle), middle,
-                                                 unit(middle + to, middle), to};
-    const std::size_t step = glm::dot(from, to) > 0.0F ? 2 : 1;  // a quarter of a circle needs half of them
-    for (std::size_t i = step; i < directions.size(); i += step) {
-        const Corner core{center + target.core * directions[i - step], 1.0F};
-        const Corner nextCore{center + target.core * directions[i], 1.0F};
-        const Corner border{center + target.reach * directions[i - step], 0.0F};
-        const Corner nextBorder{center + target.reach * directions[i], 0.0F};
-        if (target.core > 0.0F) {
-            target.batch.addTriangle({hub, 1.0F}, core, nextCore, target.paint, target.clip);
-            target.batch.addTriangle(core, nextBorder, nextCore, target.paint, target.clip);
+    const float toCorner = reach / cosHalf;
+    const bool isMeeting =
+        toCorner * sinHalf < std::min(roomAt(index - 1, false, turn), roomAt(index, true, turn));
+    if (isMeeting) {
+        before.end[inner].point = after.start[inner].point = point + inwards * toCorner;
+        if (cosine > GENTLE) {
+            before.end[outer].point = after.start[outer].point = point - inwards * toCorner;
+            return true;
         }
-        target.batch.addTriangle(core, border, nextBorder, target.paint, target.clip);
     }
+    mJoints.push_back({point, -inwards, before.end[inner], before.end[outer], after.start[outer], isMeeting});
+    return isMeeting;
 }
 
-void StrokeTessellator::addBody(const Target& target, const Section& start, const Section& end) {
-    const Corner core[2][2] = {{{start.core[0], 1.0F}, {end.core[0], 1.0F}},
-                               {{start.core[1], 1.0F}, {end.core[1], 1.0F}}};
-    if (target.core > 0.0F) {
-        target.batch.addQuad(core[0][0], core[0][1], core[1][1], core[1][0], target.paint, target.clip);
-    }
-    for (int side = 0; side < 2; ++side) {
-        target.batch.addQuad(core[side][0], core[side][1], {end.border[side], 0.0F},
-                             {start.border[side], 0.0F}, target.paint, target.clip);
+/// From one border of a stroke over another place to a third, all of them seen from `center` and at the same
+/// distance.
+void StrokeTessellator::addArc(const Target& target, const Paint& paint, const glm::vec2& center,
+                               const std::array<glm::vec2, 3>& places) {
+    const auto [from, middle, to] = places;
+    const float reach = std::sqrt(glm::dot(from, from));
+    const auto between = [reach](const glm::vec2& a, const glm::vec2& b) { return reach * unit(a + b, b); };
+    const std::array<glm::vec2, 5> all = {from, between(from, middle), middle, between(middle, to), to};
+    const std::size_t step = glm::dot(from, to) > 0.0F ? 2 : 1;  // a quarter of a circle needs half of them
+    for (std::size_t i = step; i < all.size(); i += step) {
+        target.batch.addTriangle({center, 0.5F}, {center + all[i - step], 0.0F}, {center + all[i], 0.0F},
+                                 paint, target.clip);
     }
 }
 

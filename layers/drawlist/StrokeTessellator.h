@@ -2,54 +2,72 @@
 
 #include <glm/vec2.hpp>
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
 #include "drawlist/Batch.h"
+#include "drawlist/GlyphCache.h"
 #include "raster/Geometry.h"
+#include "raster/Outline.h"
 
 namespace drawlist {
 
-/// Turns a line through points into triangles: a core that covers its pixels, and a border one pixel wide
-/// over which the coverage falls to nothing, with round joints and ends. Nothing is covered twice. Keeps its
-/// memory from use to use.
+/// Colours of a line and of its outline, which may be none.
+struct StrokePaint {
+    explicit StrokePaint(const glm::vec4& color)
+        : line(color), outline(raster::outlineColor(color)), isOutlineBlack(!raster::isDark(color)) {}
+    explicit StrokePaint(const Paint& color) : line(color), outline(glm::vec4(0.0F)) {}
+
+    Paint line;
+    Paint outline;
+    bool isOutlineBlack = true;
+};
+
+/// Turns a line through points into triangles with round joints and ends, which the profile of a stroke in
+/// the glyph texture lies across. Nothing is covered twice. Keeps its memory from use to use.
 class StrokeTessellator {
 public:
-    /// `count` points in surface pixels, `width` (at least 1) in pixels. Where a point is not finite there is
-    /// a gap. Nothing reaches out of `clip`, which lies inside the batch's own clip.
-    void draw(Batch& batch, const glm::vec2* points, std::size_t count, float width, const Paint& paint,
+    /// `count` points in surface pixels, `width` that of the surface's lines. Where a point is not finite
+    /// there is a gap. Nothing reaches out of `clip`, which lies inside the batch's own clip.
+    void draw(Batch& batch, const glm::vec2* points, std::size_t count, float width, const StrokePaint& paint,
               const raster::PixelRect& clip);
 
 private:
-    /// The corners of a segment at one of its ends, on its two sides.
-    struct Section {
-        glm::vec2 core[2] = {};
-        glm::vec2 border[2] = {};
-    };
+    /// The corners of a segment at one of its ends, on its right side and on its left.
+    using Section = std::array<Corner, 2>;
     struct Segment {
         glm::vec2 direction{0.0F};
         float length = 0.0F;
-        Section start;
-        Section end;
+        Section start{};
+        Section end{};
+    };
+    /// A sharp turn: its inner corner, and between the ends of the segments on the outer side an arc.
+    struct Joint {
+        glm::vec2 point;
+        glm::vec2 outwards;
+        Corner inner;
+        Corner before;
+        Corner after;
+        bool isMeeting;  ///< at the inner corner
     };
     /// Where everything goes.
     struct Target {
         Batch& batch;
-        const Paint& paint;
         Clip clip{{}};
-        float core = 0.0F;   ///< half width of what is covered fully
-        float reach = 0.0F;  ///< half width of what is covered at all
+        float width = 0.0F;
     };
 
-    void drawRun(const Target& target);
-    void join(const Target& target, std::size_t index);
+    void drawRun(const Target& target, const StrokePaint& paint);
+    bool addRun(const Target& target, Part part, const Paint& paint, bool mustMeet);
+    bool join(float reach, std::size_t index);
     float roomAt(std::size_t segment, bool isStart, float turn) const;
-    static void addArc(const Target& target, const glm::vec2& center, const glm::vec2& hub,
-                       const glm::vec2& from, const glm::vec2& middle, const glm::vec2& to);
-    static void addBody(const Target& target, const Section& start, const Section& end);
+    static void addArc(const Target& target, const Paint& paint, const glm::vec2& center,
+                       const std::array<glm::vec2, 3>& places);
 
     std::vector<glm::vec2> mPoints;  ///< of a run without gap
     std::vector<Segment> mSegments;
+    std::vector<Joint> mJoints;
     std::vector<float> mTurns;  ///< at each point: more than 0 to the right, less to the left
 };
 

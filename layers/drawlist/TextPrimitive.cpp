@@ -1,5 +1,7 @@
 #include "drawlist/TextPrimitive.h"
 
+#include "raster/Outline.h"
+
 namespace drawlist {
 
 void TextPrimitive::draw() {
@@ -15,18 +17,31 @@ void TextPrimitive::draw() {
     mLastEllipsize = mTextEllipsize;
     mLastGravity = mTextGravity;
     mRetained.start(mList.batch);
-    TextDrawer::draw();
+    SurfaceText::draw();
     mRetained.finish(mList.batch);
 }
 
 void TextPrimitive::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
                               char symbol) {
-    const GlyphCache::Picture picture = mList.glyphs.find(symbol, glyph, glyphBox(glyph, transform));
     if (color != mPaintColor) {
         mPaintColor = color;
         mPaint = Paint(color);
+        mOutline = Paint(raster::outlineColor(color));
+        mIsDark = raster::isDark(color);
     }
-    mList.batch.addTexels(picture.mPixels, picture.mU, picture.mV, mPaint);
+    const raster::Box box = glyphBox(glyph, transform);
+    GlyphCache::Picture picture = mList.glyphs.find(symbol, glyph, box, mIsDark ? Part::OUTLINE : Part::BOTH);
+    if (picture.mPixels.isEmpty()) {
+        return;
+    }
+    const int left = firstColumn(picture.mPixels.mLeft + 1, picture.mPixels.mRight - 1);
+    picture.mU += left - picture.mPixels.mLeft;
+    picture.mPixels.mLeft = left;
+    mList.batch.addTexels(picture.mPixels, picture.mU, picture.mV, mIsDark ? mOutline : mPaint);
+    if (mIsDark) {
+        const GlyphCache::Picture ink = mList.glyphs.find(symbol, glyph, box, Part::INK);
+        mList.batch.addTexels(ink.mPixels, ink.mU, ink.mV, mPaint);
+    }
 }
 
 }  // namespace drawlist

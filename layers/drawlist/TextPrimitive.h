@@ -9,7 +9,8 @@
 
 namespace drawlist {
 
-/// A line of text: a rectangle of the glyph texture for each glyph.
+/// A line of text: a rectangle of the glyph texture for each glyph, or two, of the outline and of the ink,
+/// when the outline is not black.
 class TextPrimitive : public raster::SurfaceText {
 public:
     explicit TextPrimitive(DrawList& list) : SurfaceText(list.shape), mList(list) {}
@@ -24,8 +25,10 @@ private:
     std::uint32_t mLastSizeHint = 0;
     gui::TextEllipsize mLastEllipsize = gui::TextEllipsize::NONE;
     gui::TextGravity mLastGravity = gui::TextGravity::LEFT;
-    glm::vec4 mPaintColor{0.0F};  ///< of mPaint, which the glyphs of a line have in common
+    glm::vec4 mPaintColor{-1.0F};  ///< of mPaint, which the glyphs of a line have in common
     Paint mPaint{glm::vec4(0.0F)};
+    Paint mOutline{glm::vec4(0.0F)};
+    bool mIsDark = false;
 };
 
 }  // namespace drawlist

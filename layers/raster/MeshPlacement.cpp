@@ -1,6 +1,7 @@
 #include "raster/MeshPlacement.h"
 
 #include "drawers/MeshDrawer.h"
+#include "raster/Outline.h"
 
 namespace raster {
 
@@ -8,7 +9,7 @@ MeshPlacement placeMesh(const drawer::MeshDrawer& mesh, bool isCurve, const Surf
                         const PixelRect& clip, std::vector<glm::vec2>& points) {
     const Box frame = shape.toPixels(mesh.mPosition, mesh.mSize, mesh.mTranslation);
     const float width = shape.lineWidth();
-    const float inset = isCurve ? 0.5F * width : 0.0F;
+    const float inset = isCurve ? 0.5F * width + OUTLINE_WIDTH : 0.0F;
     const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
     const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
                          0.5F * (frame.mBottom - frame.mTop) - inset);

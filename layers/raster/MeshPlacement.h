@@ -21,8 +21,8 @@ struct MeshPlacement {
 };
 
 /// Places a mesh that is limited to the pixels of `clip`. Its vertices go to `points`, whose memory is kept.
-/// Those of a curve lie half a line width inside the frame, so that a line along an edge (an idle or a fully
-/// loaded metric) shows in its full width.
+/// Those of a curve lie half a line width and its outline inside the frame, so that a line along an edge (an
+/// idle or a fully loaded metric) shows in its full width.
 MeshPlacement placeMesh(const drawer::MeshDrawer& mesh, bool isCurve, const SurfaceShape& shape,
                         const PixelRect& clip, std::vector<glm::vec2>& points);
 

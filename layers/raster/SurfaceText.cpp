@@ -3,6 +3,8 @@
 #include "gui/GlyphAtlas.h"
 #include "raster/LineFit.h"
 
+#include <limits>
+
 namespace raster {
 
 glm::mat4 SurfaceText::getTransform(const glm::vec2& size, const glm::vec2& position,
@@ -16,6 +18,11 @@ float SurfaceText::getAspectRatio() {
 
 float SurfaceText::getScreenHeight() {
     return static_cast<float>(mShape.mHeight);
+}
+
+void SurfaceText::draw() {
+    mLineEnd = std::numeric_limits<int>::min();
+    TextDrawer::draw();
 }
 
 Box SurfaceText::glyphBox(const gui::Glyph& glyph, const glm::mat4& transform) {

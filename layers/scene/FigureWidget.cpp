@@ -73,7 +73,6 @@ FigureWidget::FigureWidget(PrimitiveFactory& factory, const FigureWidgetLayout& 
         note.row = &row;
         if (row.hasBackdrop) {
             note.backdrop = &place(factory.createRect(), row.area);
-            note.backdrop->mColor = backdropColor();
         }
         note.text = &place(factory.createText(), row.area);
         note.text->setText("");
@@ -183,6 +182,9 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     for (const Note& note : mNotes) {
         note.text->setTextColor(plainTextColor());
         setTextHeight(*note.text, NOTE_TEXT_HEIGHT, canvas);
+        if (note.backdrop != nullptr) {
+            note.backdrop->mColor = backdropColor();
+        }
         fitBackdrop(note, canvas);
     }
 }

@@ -79,6 +79,7 @@ void GpuActivityWidget::applySettings(const Canvas& canvas) {
     // The second legend covers the end of the first. With the fragment shaders off nothing covers it, so the
     // first legend must not have that end.
     const bool hasCounters = GpuCapture::hasCounters();
+    mCaption->mFrameText->setTextColor(plainTextColor());
     mCaption->mVertexLegend->setTextColor(hasCounters ? settings.mVertexLoad.getTextColor() : noColor());
     mCaption->mVertexLegend->setText(mFragment->mEnabled ? "@Vertex @Fragment" : "@Vertex");
     mCaption->mFragmentLegend->setTextColor(hasCounters ? settings.mFragmentLoad.getTextColor() : noColor());

@@ -4,6 +4,7 @@
 #include "gui/GlyphAtlas.h"
 #include "gui/LayoutDef.h"
 #include "gui/WidgetsSettings.h"
+#include "raster/Luminance.h"
 
 #include "scene/Canvas.h"
 
@@ -12,12 +13,28 @@
 
 namespace scene {
 
+namespace {
+
+/// Whether the user made the ground so light that white would not show. What lies below it is not known; it
+/// counts as black.
+bool isGroundLight() {
+    const glm::vec4 ground = backgroundColor();
+    return !raster::isDark(ground * ground.a);
+}
+
+/// As it is, or as dark as it is light.
+glm::vec4 onGround(const glm::vec4& light) {
+    return isGroundLight() ? glm::vec4(1.0F - glm::vec3(light), light.a) : light;
+}
+
+}  // namespace
+
 glm::vec4 gridColor() {
-    return gui::gColor[8];
+    return onGround(gui::gColor[8]);
 }
 
 glm::vec4 plainTextColor() {
-    return gui::gColor[9];
+    return onGround(gui::gColor[9]);
 }
 
 glm::vec4 renderPassColor() {
@@ -31,7 +48,8 @@ glm::vec4 backgroundColor() {
 glm::vec4 backdropColor() {
     // Denser than the palette's half-transparent black, because bright lines run behind small texts.
     constexpr float OPACITY = 0.75F;
-    return {0.0F, 0.0F, 0.0F, OPACITY};
+    const float shade = isGroundLight() ? 1.0F : 0.0F;
+    return {shade, shade, shade, OPACITY};
 }
 
 glm::vec4 noColor() {

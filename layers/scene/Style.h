@@ -15,10 +15,10 @@ struct Canvas;
 
 /// The colours and sizes that the settings do not determine.
 
-/// Lines of the grids.
+/// Lines of the grids; dark on a light ground.
 glm::vec4 gridColor();
 
-/// Names of figures, notes and captions.
+/// Names of figures, notes and captions; dark on a light ground.
 glm::vec4 plainTextColor();
 
 /// Blocks of render passes.
@@ -27,7 +27,7 @@ glm::vec4 renderPassColor();
 /// Background of the widgets, from the settings.
 glm::vec4 backgroundColor();
 
-/// Behind texts that lie over graphs.
+/// Behind texts that lie over graphs; light with a light ground.
 glm::vec4 backdropColor();
 
 /// No background of its own.

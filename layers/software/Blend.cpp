@@ -1,5 +1,7 @@
 #include "software/Blend.h"
 
+#include "raster/Luminance.h"
+
 #include <cmath>
 
 namespace software {
@@ -19,6 +21,7 @@ Paint makePaint(const glm::vec4& color) {
     Paint paint;
     paint.mColor = {toChannel(color.r), toChannel(color.g), toChannel(color.b), 255};
     paint.mAlpha = static_cast<float>(toAlpha(color.a)) / static_cast<float>(FULL_ALPHA);
+    paint.mIsDark = raster::isDark(color);
     return paint;
 }
 

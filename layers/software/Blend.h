@@ -13,8 +13,9 @@ constexpr std::uint32_t FULL_ALPHA = 65535;
 
 /// A drawing colour ready for blending.
 struct Paint {
-    Pixel mColor;         ///< its alpha is not used
-    float mAlpha = 0.0F;  ///< 0..1
+    Pixel mColor;          ///< its alpha is not used
+    float mAlpha = 0.0F;   ///< 0..1
+    bool mIsDark = false;  ///< its outline is white, not black
 };
 
 /// From RGBA components 0..1; what lies outside is cut, not-a-number counts as 0.

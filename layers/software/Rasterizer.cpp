@@ -1,6 +1,7 @@
 #include "software/Rasterizer.h"
 
 #include "raster/GridLine.h"
+#include "raster/Outline.h"
 
 #include <algorithm>
 #include <cmath>
@@ -29,6 +30,27 @@ void blendRow(Pixel* pixels, const float* coverage, int count, const Paint& pain
     for (int i = 0; i < count; ++i) {
         if (coverage[i] > 0.0F) {
             blendOver(pixels[i], paint.mColor, toAlpha(coverage[i] * paint.mAlpha));
+        }
+    }
+}
+
+/// Ink over its outline. A black outline and the ink are one layer, which only matters for translucent
+/// colours.
+void blendOutlined(Pixel* pixels, const float* ink, const float* outline, int count, const Paint& paint) {
+    if (paint.mIsDark) {
+        blendRow(pixels, outline, count, {{255, 255, 255, 255}, paint.mAlpha});
+        blendRow(pixels, ink, count, paint);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        if (outline[i] > 0.0F) {
+            const raster::Outlined both(ink[i], outline[i]);
+            const auto shade = [&both](std::uint8_t channel) {
+                return static_cast<std::uint8_t>(static_cast<float>(channel) * both.ink + 0.5F);
+            };
+            const Pixel& color = paint.mColor;
+            blendOver(pixels[i], {shade(color.mRed), shade(color.mGreen), shade(color.mBlue), 255},
+                      toAlpha(both.cover * paint.mAlpha));
         }
     }
 }
@@ -71,15 +93,21 @@ void Rasterizer::fillStrip(Image& image, const raster::PixelRect& clip, const gl
 
 void Rasterizer::strokeLine(Image& image, const raster::PixelRect& clip, const glm::vec2* points,
                             std::size_t count, float width, const Paint& paint) {
-    const raster::PixelRect region = raster::touchedPixels(boundsOf(points, count, width), clip);
+    const float outlined = width + 2.0F * raster::OUTLINE_WIDTH;
+    const raster::PixelRect region = raster::touchedPixels(boundsOf(points, count, outlined), clip);
     if (region.isEmpty()) {
         return;
     }
     mStrokes.begin(region);
+    mOutlines.begin(region);
     for (std::size_t i = 1; i < count; ++i) {
         mStrokes.addStroke(points[i - 1], points[i], width);
+        mOutlines.addStroke(points[i - 1], points[i], outlined);
     }
-    blendStrokes(image, region, mStrokes, paint);
+    for (int y = region.mTop; y < region.mBottom; ++y) {
+        blendOutlined(image.row(static_cast<std::size_t>(y)) + region.mLeft, mStrokes.row(y),
+                      mOutlines.row(y), region.width(), paint);
+    }
 }
 
 void Rasterizer::strokeSegments(Image& image, const raster::PixelRect& clip, const raster::Box& frame,
@@ -100,19 +128,12 @@ void Rasterizer::strokeSegments(Image& image, const raster::PixelRect& clip, con
     blendStrokes(image, region, mStrokes, paint);
 }
 
-void Rasterizer::drawTexels(Image& image, const raster::PixelRect& clip, const raster::TexelRect& texels,
-                            const raster::Box& box, const Paint& paint) {
-    if (!mGlyphs.prepare(texels, box, clip)) {
-        return;
-    }
-    const raster::PixelRect pixels = mGlyphs.pixels();
-    const float scale = paint.mAlpha / 255.0F;
+void Rasterizer::blendGlyph(Image& image, int firstColumn, const Paint& paint) const {
+    const raster::PixelRect& pixels = mGlyph.pixels();
+    const int left = std::max(pixels.mLeft, firstColumn);
     for (int y = pixels.mTop; y < pixels.mBottom; ++y) {
-        const float* coverage = mGlyphs.row(y);
-        Pixel* target = image.row(static_cast<std::size_t>(y)) + pixels.mLeft;
-        for (int i = 0; i < pixels.width(); ++i) {
-            blendOver(target[i], paint.mColor, toAlpha(coverage[i] * scale));
-        }
+        blendOutlined(image.row(static_cast<std::size_t>(y)) + left, mGlyph.ink(y) + (left - pixels.mLeft),
+                      mGlyph.outline(y) + (left - pixels.mLeft), pixels.mRight - left, paint);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "raster/AxisFilter.h"
 #include "raster/Geometry.h"
-#include "raster/GlyphScaler.h"
+#include "raster/OutlinedGlyph.h"
 #include "software/AreaMask.h"
 #include "software/Blend.h"
 #include "software/Image.h"
@@ -30,7 +30,8 @@ public:
     void fillStrip(Image& image, const raster::PixelRect& clip, const glm::vec2* points, std::size_t count,
                    const Paint& paint);
 
-    /// A line through `count` points with round joints and ends, `width` pixels wide (at least 1).
+    /// A line through `count` points with round joints and ends, `width` pixels wide (at least 1), and its
+    /// outline.
     void strokeLine(Image& image, const raster::PixelRect& clip, const glm::vec2* points, std::size_t count,
                     float width, const Paint& paint);
 
@@ -39,17 +40,27 @@ public:
     void strokeSegments(Image& image, const raster::PixelRect& clip, const raster::Box& frame,
                         const glm::vec2* points, std::size_t count, float width, const Paint& paint);
 
-    /// A glyph's texels scaled into the box by area averaging; its neighbours in the bitmap never show.
-    void drawTexels(Image& image, const raster::PixelRect& clip, const raster::TexelRect& texels,
-                    const raster::Box& box, const Paint& paint);
+    /// A glyph's texels scaled into the box by area averaging, and their outline; its neighbours in the
+    /// bitmap never show. `firstColumn` is told the first column and the end of those that the glyph itself
+    /// touches, and tells the first one that is to be drawn.
+    template <class FirstColumn>
+    void drawGlyph(Image& image, const raster::PixelRect& clip, const raster::TexelRect& texels,
+                   const raster::Box& box, const Paint& paint, FirstColumn firstColumn) {
+        if (mGlyph.prepare(texels, box, clip)) {
+            blendGlyph(image, firstColumn(mGlyph.inkLeft(), mGlyph.inkEnd()), paint);
+        }
+    }
 
     /// A picture scaled into the box by area averaging. `source` must not be `image`.
     void drawImage(Image& image, const raster::PixelRect& clip, const Image& source, const raster::Box& box);
 
 private:
+    void blendGlyph(Image& image, int firstColumn, const Paint& paint) const;
+
     AreaMask mArea;
     StrokeMask mStrokes;
-    raster::GlyphScaler mGlyphs;
+    StrokeMask mOutlines;
+    raster::OutlinedGlyph mGlyph;
     raster::AxisFilter mColumns;
     raster::AxisFilter mRows;
     std::vector<float> mSums;

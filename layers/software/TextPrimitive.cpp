@@ -10,9 +10,10 @@ TextPrimitive::TextPrimitive(Surface& surface) : SurfaceText(surface.shape()), m
 
 void TextPrimitive::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
                               char /*symbol*/) {
-    mSurface.mRasterizer.drawTexels(mSurface.mImage, mSurface.clip(),
-                                    raster::texelsOf(glyph, gui::GlyphAtlas::getGlyphAtlas()),
-                                    glyphBox(glyph, transform), makePaint(color));
+    mSurface.mRasterizer.drawGlyph(mSurface.mImage, mSurface.clip(),
+                                   raster::texelsOf(glyph, gui::GlyphAtlas::getGlyphAtlas()),
+                                   glyphBox(glyph, transform), makePaint(color),
+                                   [this](int left, int end) { return firstColumn(left, end); });
 }
 
 }  // namespace software

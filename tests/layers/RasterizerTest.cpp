@@ -44,7 +44,8 @@ Image drawAll(const raster::PixelRect& clip, const std::array<glm::vec2, COUNT>&
     rasterizer.fillStrip(image, clip, points.data(), COUNT, paint);
     rasterizer.strokeLine(image, clip, points.data(), COUNT, 1.5F, paint);
     rasterizer.strokeSegments(image, clip, box, points.data(), COUNT, 1.0F, paint);
-    rasterizer.drawTexels(image, clip, {TEXELS.data(), 8, 8, 8}, box, paint);
+    rasterizer.drawGlyph(image, clip, {TEXELS.data(), 8, 8, 8}, box, paint,
+                         [](int left, int) { return left - 1; });
     rasterizer.drawImage(image, clip, blackImage(3, 2), box);
     return image;
 }

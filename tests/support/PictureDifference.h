@@ -6,7 +6,7 @@
 /// equal, rounding; at edges of anti-aliased shapes, the form of what covers a pixel in part.
 constexpr int LARGEST_INSIDE = 1;
 constexpr int LARGEST_AT_EDGES = 128;
-constexpr double LARGEST_MEAN_AT_EDGES = 1.0;
+constexpr double LARGEST_MEAN_AT_EDGES = 1.1;
 
 /// Compilers round floating-point arithmetic differently: between two builds a channel may differ by this
 /// much anywhere, and by more in this share of the pixels, where an edge fell on another side of a rounding

@@ -39,10 +39,10 @@ std::string Renderer::create(const drawlist::DrawList& list) {
 
 std::string Renderer::createPrograms(bool isLinear) {
     Programs& programs = mPrograms[isLinear ? 1 : 0];
-    if (mFunctions.features.textureSwizzle) {
+    if (!mFunctions.features.redGreenTextures || mFunctions.features.textureSwizzle) {
         return programs.glyphs.create(mFunctions, Shading::COLOR, isLinear);
     }
-    std::string error = programs.glyphs.create(mFunctions, Shading::COVERAGE, isLinear);
+    std::string error = programs.glyphs.create(mFunctions, Shading::GLYPHS, isLinear);
     if (error.empty()) {
         error = programs.picture.create(mFunctions, Shading::COLOR, isLinear);
     }
@@ -94,12 +94,12 @@ void Renderer::createBuffer() {
 void Renderer::createGlyphs() {
     const Functions& gl = mFunctions;
     mObjects.glyphs = createTexture(gl, GL_NEAREST);
-    if (gl.features.textureSwizzle) {
+    if (gl.features.redGreenTextures && gl.features.textureSwizzle) {
         for (const GLenum color :
              std::array<GLenum, 3>{GL_TEXTURE_SWIZZLE_R, GL_TEXTURE_SWIZZLE_G, GL_TEXTURE_SWIZZLE_B}) {
-            gl.texParameteri(GL_TEXTURE_2D, color, GL_ONE);
+            gl.texParameteri(GL_TEXTURE_2D, color, GL_RED);
         }
-        gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, gl.features.redTextures ? GL_RED : GL_ALPHA);
+        gl.texParameteri(GL_TEXTURE_2D, GL_TEXTURE_SWIZZLE_A, GL_GREEN);
     }
 }
 
@@ -186,16 +186,16 @@ bool Renderer::uploadGlyphs(drawlist::DrawList& list, SavedState& state) {
         return false;
     }
     const drawlist::GlyphCache::Rows rows = list.glyphs.takeChanges();
-    const GLenum format = gl.features.redTextures ? GL_RED : GL_ALPHA;
+    const GLenum format = gl.features.redGreenTextures ? GL_RG : LUMINANCE_ALPHA;
     const int side = glyphs.side();
     if (isNew) {
-        const GLint stored = gl.features.redTextures ? GL_R8 : GL_ALPHA;
+        const GLint stored = gl.features.redGreenTextures ? GL_RG8 : LUMINANCE_ALPHA;
         gl.texImage2D(GL_TEXTURE_2D, 0, stored, side, side, 0, format, GL_UNSIGNED_BYTE, glyphs.texels());
         mGlyphSide = side;
         return true;
     }
     gl.texSubImage2D(GL_TEXTURE_2D, 0, 0, rows.mFirst, side, rows.mEnd - rows.mFirst, format,
-                     GL_UNSIGNED_BYTE, glyphs.texels() + static_cast<std::ptrdiff_t>(rows.mFirst) * side);
+                     GL_UNSIGNED_BYTE, glyphs.row(rows.mFirst));
     return true;
 }
 

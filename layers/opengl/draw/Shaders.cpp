@@ -19,8 +19,8 @@ constexpr char NEW_VERTEX[] = "#version 140\n#define IN in\n#define OUT out\n";
 constexpr char NEW_FRAGMENT[] =
     "#version 140\n#define IN in\n#define texture2D texture\n#define gl_FragColor pixel\nout vec4 pixel;\n";
 
-constexpr char RED_COVERAGE[] = "#define COVERAGE r\n";
-constexpr char ALPHA_COVERAGE[] = "#define COVERAGE a\n";
+constexpr char GLYPHS[] = "#define CHANNELS rrrg\n";
+constexpr char COLORS[] = "#define CHANNELS rgba\n";
 
 constexpr char LINEAR[] = "#define LINEAR\n";
 
@@ -44,12 +44,7 @@ IN vec2 coordinate;
 IN vec4 shade;
 uniform sampler2D image;
 void main() {
-    vec4 texel = texture2D(image, coordinate);
-#ifdef COVERAGE
-    vec4 result = vec4(shade.rgb, shade.a * texel.COVERAGE);
-#else
-    vec4 result = shade * texel;
-#endif
+    vec4 result = shade * texture2D(image, coordinate).CHANNELS;
 #ifdef LINEAR
     vec3 dark = result.rgb / 12.92;
     vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
@@ -119,8 +114,7 @@ ShaderSource fragmentShader(const Functions& functions, Shading shading, bool is
     if (shading == Shading::SHRINK) {
         return {{dialect, "", "", SHRINK}};
     }
-    const char* const coverage = functions.features.redTextures ? RED_COVERAGE : ALPHA_COVERAGE;
-    return {{dialect, shading == Shading::COVERAGE ? coverage : "", isLinear ? LINEAR : "", SHOW}};
+    return {{dialect, shading == Shading::GLYPHS ? GLYPHS : COLORS, isLinear ? LINEAR : "", SHOW}};
 }
 
 }  // namespace opengl

@@ -6,9 +6,9 @@ namespace opengl {
 
 /// What a program makes of the texture.
 enum class Shading {
-    COVERAGE,  ///< of the vertices' colour, in the one channel that a texture of glyphs has
-    COLOR,     ///< times that of the vertices
-    SHRINK     ///< the mean of many samples, covering everything
+    COLOR,   ///< times that of the vertices
+    GLYPHS,  ///< the same of a texture of glyphs, which has its two channels in red and green
+    SHRINK   ///< the mean of many samples, covering everything
 };
 
 /// The sources of a shader, to be compiled as one.

@@ -27,6 +27,7 @@ inline constexpr GLenum BLUE_BIAS = 0x0D1B;
 inline constexpr GLenum ALPHA_SCALE = 0x0D1C;
 inline constexpr GLenum ALPHA_BIAS = 0x0D1D;
 inline constexpr GLenum LUMINANCE = 0x1909;
+inline constexpr GLenum LUMINANCE_ALPHA = 0x190A;
 inline constexpr GLenum PRIMITIVE_RESTART_NV = 0x8558;
 inline constexpr GLenum PACK_INVERT_MESA = 0x8758;
 inline constexpr GLenum DEPTH_BOUNDS_TEST_EXT = 0x8890;

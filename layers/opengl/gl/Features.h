@@ -12,9 +12,9 @@ struct Features {
     bool vertexArrays = false;
     bool mappedRanges = false;  ///< glMapBufferRange
     bool integerAttributes = false;
-    bool instancedArrays = false;  ///< attribute divisors
-    bool redTextures = false;      ///< GL_RED and GL_R8; GL_ALPHA elsewhere
-    bool textureSwizzle = false;   ///< GL_TEXTURE_SWIZZLE_R and its like
+    bool instancedArrays = false;   ///< attribute divisors
+    bool redGreenTextures = false;  ///< GL_RG and GL_RG8; GL_LUMINANCE_ALPHA elsewhere
+    bool textureSwizzle = false;    ///< GL_TEXTURE_SWIZZLE_R and its like
     bool samplers = false;
     bool pixelBuffers = false;     ///< GL_PIXEL_UNPACK_BUFFER, GL_PIXEL_PACK_BUFFER
     bool unpackRows = false;       ///< GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_ROWS, GL_UNPACK_SKIP_PIXELS

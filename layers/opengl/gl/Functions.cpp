@@ -34,7 +34,7 @@ const FeatureSource FEATURE_SOURCES[] = {
      {{"GL_ARB_instanced_arrays", "ARB"},
       {"GL_EXT_instanced_arrays", "EXT"},
       {"GL_ANGLE_instanced_arrays", "ANGLE"}}},
-    {&Features::redTextures, 30, 30, {{"GL_ARB_texture_rg", ""}}},
+    {&Features::redGreenTextures, 30, 30, {{"GL_ARB_texture_rg", ""}}},
     {&Features::textureSwizzle, 33, 30, {{"GL_ARB_texture_swizzle", ""}, {"GL_EXT_texture_swizzle", ""}}},
     {&Features::samplers, 33, 30, {{"GL_ARB_sampler_objects", ""}}},
     {&Features::pixelBuffers,

@@ -112,8 +112,9 @@ struct Kind {
 
 opengl::Functions functionsFor(const HeadlessContext& context, bool isPlain) {
     opengl::Functions functions = context.functions();
-    for (bool opengl::Features::*feature : {&opengl::Features::vertexArrays, &opengl::Features::redTextures,
-                                            &opengl::Features::textureSwizzle}) {
+    for (bool opengl::Features::*feature :
+         {&opengl::Features::vertexArrays, &opengl::Features::redGreenTextures,
+          &opengl::Features::textureSwizzle}) {
         functions.features.*feature = functions.features.*feature && !isPlain;
     }
     return functions;
