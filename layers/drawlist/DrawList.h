@@ -16,7 +16,9 @@ struct Draw {
 };
 
 /// Everything that a graphics API's layer needs to show the overlay on one surface; primitives write to it.
-/// Blend with source alpha and one minus source alpha.
+/// Blend with source alpha and one minus source alpha. The glyph texture has two channels, of 8 bits each:
+/// ink and coverage. A pixel is the vertices' colour, with its red, green and blue times the first channel
+/// and its alpha times the second; the share that is not ink stays black, which is the outline.
 struct DrawList {
     raster::SurfaceShape shape;
     bool isSrgb = false;  ///< the surface stores sRGB

@@ -144,8 +144,8 @@ bool StrokeTessellator::join(float reach, std::size_t index) {
     const glm::vec2& point = mPoints[index];
     const float turn = mTurns[index];
     const float cosine = glm::dot(before.direction, after.direction);
-    const int inner = turn > 0.0F ? 0 : 1;
-    const int outer = 1 - inner;
+    const std::size_t inner = turn > 0.0F ? 0 : 1;
+    const std::size_t outer = 1 - inner;
     const float side = inner == 0 ? 1.0F : -1.0F;
     const glm::vec2 sides = side * (rightOf(before.direction) + rightOf(after.direction));
     const glm::vec2 inwards =

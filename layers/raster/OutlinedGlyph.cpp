@@ -6,8 +6,10 @@ namespace raster {
 
 namespace {
 
-/// Stems of small letters cover hardly a pixel fully: their outline is to be as dense as any.
-constexpr float DENSER = 1.5F;
+/// Stems of small letters cover hardly a pixel fully. They and their outline are to be as dense as any: in
+/// the smallest lines stems cover about 0.8 of their pixels.
+constexpr float INK_GAIN = 1.25F;
+constexpr float OUTLINE_GAIN = 1.25F;
 
 }  // namespace
 
@@ -30,7 +32,7 @@ bool OutlinedGlyph::prepare(const TexelRect& texels, const Box& box, const Pixel
         const float* const coverage = mScaler.row(y);
         float* const ink = mInk.data() + static_cast<std::size_t>(y - mTop) * mStride + 1;
         std::transform(coverage, coverage + touched.width(), ink,
-                       [](float value) { return std::min(value / 255.0F, 1.0F); });
+                       [](float value) { return std::min(value * (INK_GAIN / 255.0F), 1.0F); });
     }
     // Nothing is touched in the first and last row and column, so that the rows' ends do not meet.
     mWidened = mInk;
@@ -41,7 +43,7 @@ bool OutlinedGlyph::prepare(const TexelRect& texels, const Box& box, const Pixel
     for (std::size_t i = 0; i < count; ++i) {
         const float above = i >= mStride ? mWidened[i - mStride] : 0.0F;
         const float below = i + mStride < count ? mWidened[i + mStride] : 0.0F;
-        mOutline[i] = std::min(DENSER * std::max({above, mWidened[i], below}), 1.0F);
+        mOutline[i] = std::min(OUTLINE_GAIN * std::max({above, mWidened[i], below}), 1.0F);
     }
     return !mPixels.isEmpty();
 }

@@ -5,7 +5,6 @@
 #include "gui/LayoutDef.h"
 #include "gui/WidgetsSettings.h"
 #include "raster/Luminance.h"
-
 #include "scene/Canvas.h"
 
 #include <algorithm>

@@ -24,14 +24,34 @@ constexpr float FRAME_WIDTH = 1.0F;
 ThumbnailWidget::ThumbnailWidget(PrimitiveFactory& factory)
     : WidgetView(gui::WidgetType::GPU_ACTIVITY_THUMBNAIL),
       mFactory(factory),
-      mFrame(&place(factory.createRect(), Area::GPU_ACTIVITY_THUMBNAIL_WHOLE)),
       mPicture(&place(factory.createThumbnail(), Area::GPU_ACTIVITY_THUMBNAIL_WHOLE)),
       mLabel(&place(createTextblock(factory, LABEL_LINES, 0), Area::GPU_ACTIVITY_THUMBNAIL_LABEL)) {
     mLabel->setTextGravity(gui::TextGravity::CENTER);
+    for (drawer::RectDrawer*& side : mFrame) {
+        side = &place(factory.createRect(), Area::GPU_ACTIVITY_THUMBNAIL_WHOLE);
+    }
 }
 
 void ThumbnailWidget::applySettings(const Canvas& canvas) {
-    mFrame->mColor = backgroundColor();
+    const glm::vec2 width = FRAME_WIDTH / canvas.units;
+    for (std::size_t i = 0; i < mFrame.size(); ++i) {
+        drawer::RectDrawer& side = *mFrame[i];
+        side.mColor = backgroundColor();
+        const bool isUpright = i < 2;
+        const glm::vec2 inner = side.mSize - 2.0F * width;
+        const glm::vec2 last = side.mPosition + side.mSize - width;
+        if (isUpright) {
+            side.mPosition.y += width.y;
+            side.mSize = {width.x, inner.y};
+        } else {
+            side.mSize.y = width.y;
+        }
+        if (i == 1) {
+            side.mPosition.x = last.x;
+        } else if (i == 3) {
+            side.mPosition.y = last.y;
+        }
+    }
     inset(*mPicture, glm::vec2(FRAME_WIDTH), canvas);
     inset(*mLabel, glm::vec2(FRAME_WIDTH), canvas);
     mLabel->setTextColor(plainTextColor());
@@ -46,7 +66,9 @@ void ThumbnailWidget::refresh(figures::Metrics&) {
 }
 
 void ThumbnailWidget::draw() {
-    mFrame->draw();
+    for (drawer::RectDrawer* const side : mFrame) {
+        side->draw();
+    }
     mPicture->draw();
     mLabel->draw();
 }

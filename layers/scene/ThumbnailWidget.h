@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include <array>
+
 namespace drawer {
 class RectDrawer;
 class TextblockDrawer;
@@ -26,7 +28,7 @@ protected:
 
 private:
     PrimitiveFactory& mFactory;
-    drawer::RectDrawer* mFrame;
+    std::array<drawer::RectDrawer*, 4> mFrame{};  ///< its sides: what lies below the picture would not show
     drawer::Drawer* mPicture;
     drawer::TextblockDrawer* mLabel;
 };

@@ -21,7 +21,7 @@ VkExtent2D square(int side) {
 GlyphImage::GlyphImage(const Gpu& gpu, int side)
     : mGpu(gpu),
       mSide(side),
-      mImage(gpu, VK_FORMAT_R8_UNORM, square(side),
+      mImage(gpu, VK_FORMAT_R8G8_UNORM, square(side),
              VK_IMAGE_USAGE_SAMPLED_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT) {}
 
 void GlyphImage::update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, SubmissionRing& ring) {
@@ -36,13 +36,11 @@ void GlyphImage::update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, 
         rows = {0, mSide};
     }
     const auto count = static_cast<std::uint32_t>(rows.mEnd - rows.mFirst);
-    const std::size_t size = static_cast<std::size_t>(count) * static_cast<std::size_t>(mSide);
+    const std::size_t size =
+        static_cast<std::size_t>(count) * static_cast<std::size_t>(mSide) * drawlist::GlyphCache::CHANNELS;
     Staging& staging = findFree(ring);
     staging.memory.reserve(size);
-    std::memcpy(
-        staging.memory.bytes(),
-        glyphs.texels() + static_cast<std::ptrdiff_t>(rows.mFirst) * static_cast<std::ptrdiff_t>(mSide),
-        size);
+    std::memcpy(staging.memory.bytes(), glyphs.row(rows.mFirst), size);
     staging.lastUse = ring.current();
 
     move(mGpu, commands, mImage.handle(), mHasContents ? READ : FRESH, WRITTEN);

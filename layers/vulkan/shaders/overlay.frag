@@ -32,8 +32,9 @@ void main() {
         pixel = vec4(texture(picture, coordinate).rgb, shade.a);
         return;
     }
-    float alpha = shade.a * texture(glyphs, coordinate).r;
-    vec3 color = shade.rgb;
+    vec2 glyph = texture(glyphs, coordinate).rg;
+    float alpha = shade.a * glyph.g;
+    vec3 color = shade.rgb * glyph.r;
     if (ENCODING == LINEAR || ENCODING == SCRGB) {
         // Light is mixed here, and codes elsewhere: what looks the same covers less of what is darker than
         // itself, and more of what is brighter.
