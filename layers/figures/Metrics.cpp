@@ -90,6 +90,9 @@ void Metrics::want(const FigureSet& wanted) {
         mIsMachineRead = mSources == Sources::ALL && !isServedOtherFiles();
     }
     mWanted = wanted;
+    for (std::size_t i = 0; i < mReadings.size(); ++i) {
+        mReadings[i] = wanted[i] ? mReadings[i] : Reading();
+    }
     if (!mIsMachineRead) {
         return;
     }
@@ -136,9 +139,9 @@ void Metrics::refresh(std::uint32_t frames, double elapsedUs) {
     mSystemMemory.reset();
     mIsGpuTimeWanted = false;
     for (const Figure& figure : catalogue()) {
-        mReadings[indexOf(figure)] = mWanted[indexOf(figure)]
-                                         ? read(READERS[static_cast<std::size_t>(figure.origin.source)])
-                                         : Reading();
+        if (mWanted[indexOf(figure)]) {
+            mReadings[indexOf(figure)] = read(READERS[static_cast<std::size_t>(figure.origin.source)]);
+        }
     }
     mGpuNanoseconds = 0;
     mGpuFrameNanoseconds = 0;
