@@ -259,13 +259,16 @@ void FrameTimeWidget::placeLines() {
         for (gui::Vertex& vertex : rate.line->mVertices) {
             vertex.y = y;
         }
-        // The label is on its line, if there is room.
+        // The label is on its line, if there is room: the lower line's must end below the upper one.
         const drawer::MeshDrawer& bars = *rate.line;
         const float label = NOTE_TEXT_HEIGHT / mCanvas.units.y;
         const float lineY = bars.mPosition.y + bars.mSize.y * (1.0F - height);
         setRect(*rate.label, bars.mPosition.x + 0.5F * MARGIN / mCanvas.units.x, lineY - label,
                 LEGEND_WIDTH / mCanvas.units.x, label);
-        rate.label->mEnabled = rate.line->mEnabled && !mIsBand && lineY - label >= bars.mPosition.y;
+        const float roomAbove =
+            i + 1 < RATES ? bars.mSize.y * (NS_OF_RATE[i + 1] - NS_OF_RATE[i]) / mTopNs : label;
+        rate.label->mEnabled =
+            rate.line->mEnabled && !mIsBand && roomAbove >= label && lineY - label >= bars.mPosition.y;
     }
 }
 

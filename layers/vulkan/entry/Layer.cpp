@@ -219,7 +219,7 @@ Obstacle Layer::keep(const std::string& text) {
 void Layer::report(Obstacle obstacle) {
     const std::lock_guard<std::mutex> lock(mMutex);
     try {
-        mStatus.onFrame(obstacle);
+        mStatus.onFrame(obstacle, obstacle == nullptr ? mOverlay.mScene.mFrameTimes.lastOverlay() : -1);
         if (mRight.isRefused()) {
             mStatus.finish();
         }
