@@ -8,10 +8,11 @@
 
 namespace scene {
 
-Canvas::Canvas(const glm::uvec2& surface)
+Canvas::Canvas(const glm::uvec2& surface, float scale)
     : isPortrait(surface.y > surface.x),
-      units(isPortrait ? glm::vec2(gui::SCREEN_HEIGHT, gui::SCREEN_WIDTH)
-                       : glm::vec2(gui::SCREEN_WIDTH, gui::SCREEN_HEIGHT)),
+      units((isPortrait ? glm::vec2(gui::SCREEN_HEIGHT, gui::SCREEN_WIDTH)
+                        : glm::vec2(gui::SCREEN_WIDTH, gui::SCREEN_HEIGHT)) /
+            scale),
       pixels(surface) {}
 
 float Canvas::pixelsPerUnit() const {

@@ -12,12 +12,13 @@ namespace scene {
 /// The virtual canvas on a surface. The library takes text heights in pixels and everything else in fractions
 /// of the canvas; the scene uses canvas units.
 struct Canvas {
-    explicit Canvas(const glm::uvec2& surface);
+    /// Widgets of twice the scale have units of twice the size.
+    explicit Canvas(const glm::uvec2& surface, float scale = 1.0F);
 
     /// Whether the surface, and so the canvas, is higher than wide.
     bool isPortrait;
 
-    /// Width and height of the canvas in units.
+    /// Width and height of the canvas in units: fewer at a larger scale.
     glm::vec2 units;
 
     /// The surface in pixels.

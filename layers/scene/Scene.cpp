@@ -9,6 +9,7 @@
 #include "scene/FrameTimer.h"
 #include "scene/GpuActivityWidget.h"
 #include "scene/ThumbnailWidget.h"
+#include "scene/WidgetScale.h"
 
 #include <algorithm>
 #include <utility>
@@ -30,7 +31,7 @@ Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSo
 }
 
 void Scene::layout() {
-    const Canvas canvas(mFactory.getSurfaceSize());
+    const Canvas canvas(mFactory.getSurfaceSize(), scaleAreas());
     for (const auto& widget : mWidgets) {
         widget->enable();
     }

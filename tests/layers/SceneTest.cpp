@@ -368,10 +368,12 @@ TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
 // Every text stays inside its widget, and no two texts of the overlay lie on each other, save for the legend,
 // whose second half covers the end of the first.
 TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
-    publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}});
     glm::vec2 lastPosition(0.0F);
-    for (const glm::uvec2 size : {glm::uvec2(740, 360), glm::uvec2(360, 740)}) {
+    const std::pair<const char*, glm::uvec2> cases[] = {
+        {"1", {740, 360}}, {"1", {360, 740}}, {"1.5", {740, 360}}, {"0.6", {360, 740}}};
+    for (const auto& [scale, size] : cases) {
         mFactory.mSize = size;
+        publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}, {"scale", scale}});
         frames(20);
         std::vector<doubles::DrawCall> texts;
         for (const doubles::DrawCall& call : doubles::drawCalls()) {
@@ -382,6 +384,11 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
             }
         }
         ASSERT_GE(texts.size(), 15U);
+        const auto fps = std::find_if(texts.begin(), texts.end(),
+                                      [](const auto& call) { return call.what.rfind("FPS", 0) == 0; });
+        ASSERT_NE(fps, texts.end());
+        EXPECT_NEAR(fps->size.y * static_cast<float>(size.y), 12.0F * std::strtof(scale, nullptr), 0.5F)
+            << scale;
         EXPECT_NE(std::exchange(lastPosition, texts.back().position), texts.back().position);
         for (const doubles::DrawCall& text : texts) {
             const glm::vec2 end = text.position + text.size;
@@ -392,7 +399,7 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
                 const glm::vec2 common =
                     glm::min(end, other->position + other->size) - glm::max(text.position, other->position);
                 EXPECT_FALSE(common.x > 0.0005F && common.y > 0.0005F)
-                    << text.what << " and " << other->what << " at " << size.x;
+                    << text.what << " and " << other->what << " at " << size.x << " times " << scale;
             }
         }
     }

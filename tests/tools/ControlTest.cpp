@@ -50,6 +50,9 @@ TEST(ValueText, WritesWhatTheLibraryReadsAndRefusesTheRest) {
          {{"#0084FF", "4278224127"}, {"#800084ff", "2147517695"}, {"-16743169", "4278224127"}},
          {"4294967296", "-2147483649", "0x0084FF", "#0084F", "#-084FF", "#0084FG", "#"}},
         {PropertyType::OPACITY, {{"255", "255"}, {"+0", "0"}}, {"256", "12px"}},
+        {PropertyType::SCALE,
+         {{" 0.5", "0.5"}, {"1.8", "1.8"}, {"1", "1"}},
+         {"2", "0.49", "1,5", "1.", "nan", "1.234"}},
         {PropertyType::API, {{"-2147483648", "-2147483648"}}, {"2147483648", "99999999999999999999"}},
         {PropertyType::TEXT, {{" a.b ", " a.b "}, {"", ""}, {longest, longest}}, {longest + 'x'}}};
     for (const auto& [type, typedAndWritten, refused] : cases) {

@@ -6,6 +6,7 @@
 #include "figures/FigureSettings.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/FrameTimeSettings.h"
+#include "scene/WidgetScale.h"
 
 #include <gmock/gmock.h>
 #include <sys/system_properties.h>
@@ -52,6 +53,7 @@ std::string libraryText(PropertyType type, SysPropBase& property) {
         case PropertyType::BOOLEAN:
             return defaultOf<bool>(property) ? "true" : "false";
         case PropertyType::TEXT:
+        case PropertyType::SCALE:
             return defaultOf<std::string>(property);
         case PropertyType::POSITION:
             return std::to_string(static_cast<int>(defaultOf<WidgetsSettings::Position>(property)));
@@ -68,6 +70,7 @@ TEST(PropertyTable, HasExactlyThePropertiesOfTheLibrary) {
     atLoad.erase("ro.product.model");
     WidgetsSettings::getWidgets();
     scene::frameTimeSettings();
+    scene::scaleSetting();
     for (const figures::Figure& figure : figures::catalogue()) {
         if (!figure.isNote()) {
             figures::settingsOf(figure);

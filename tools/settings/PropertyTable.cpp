@@ -34,6 +34,7 @@ constexpr Property CONTROLS[] = {
 constexpr Property BACKGROUND[] = {
     {"bg_color", COLOR, BLACK, "background of the widgets"},
     {"bg_transparency", PropertyType::OPACITY, 128, "opacity of the background: 0 clear, 255 opaque"},
+    {"scale", PropertyType::SCALE, 0, "size of the widgets: 0.5 half, 1.8 nearly double"},
 };
 
 // The widgets' own properties. Those of their figures come after them, from the catalogue.
@@ -159,6 +160,8 @@ std::string defaultText(const Property& property) {
     switch (property.type) {
         case PropertyType::BOOLEAN:
             return property.defaultValue != OFF ? "true" : "false";
+        case PropertyType::SCALE:
+            return "1";
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             return {};

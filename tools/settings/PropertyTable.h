@@ -14,6 +14,7 @@ enum class PropertyType {
     COLOR,       ///< 0xAARRGGBB, the alpha byte is ignored
     OPACITY,     ///< 0 (invisible) to 255 (opaque)
     API,         ///< number of a graphics API
+    SCALE,       ///< 0.5 to 1.8
     TEXT,        ///< any text
     GENERATION,  ///< any text; only the write itself matters
 };

@@ -1,6 +1,7 @@
 #include "settings/ValueText.h"
 
 #include "properties/PropertyName.h"
+#include "scene/ScaleText.h"
 
 #include <algorithm>
 #include <array>
@@ -90,6 +91,10 @@ std::optional<std::string> parseColor(std::string_view typed) {
     return std::to_string(static_cast<std::uint32_t>(*number) | (digits.size() == 6 ? OPAQUE : 0));
 }
 
+bool isReadableScale(std::string_view text) {
+    return scene::parseScale(text).has_value();
+}
+
 std::optional<std::string> parseText(std::string_view typed) {
     const bool fits =
         typed.size() <= platform::PROPERTY_VALUE_LENGTH_MAX && typed.find('\0') == std::string_view::npos;
@@ -132,6 +137,9 @@ std::optional<std::string> toPropertyText(PropertyType type, std::string_view ty
         case PropertyType::API:
             return numberBetween(trimmed(typed), std::numeric_limits<std::int32_t>::min(),
                                  std::numeric_limits<std::int32_t>::max());
+        case PropertyType::SCALE:
+            return isReadableScale(trimmed(typed)) ? std::optional<std::string>(trimmed(typed))
+                                                   : std::nullopt;
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             break;
@@ -152,6 +160,8 @@ std::string_view expectedText(PropertyType type) {
             return "a whole number, 0 (clear) to 255 (opaque)";
         case PropertyType::API:
             return "a whole number of at most 32 bits";
+        case PropertyType::SCALE:
+            return "a number from 0.5 to 1.8, with at most two decimals";
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             break;
@@ -163,6 +173,8 @@ std::string toDisplayText(const Property& property, const std::optional<std::str
     switch (property.type) {
         case PropertyType::BOOLEAN:
             return text && (*text == "true" || *text == "false") ? *text : defaultText(property);
+        case PropertyType::SCALE:
+            return text && isReadableScale(*text) ? *text : defaultText(property);
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             return text.value_or(std::string());
@@ -177,6 +189,8 @@ bool isReadable(const Property& property, const std::string& text) {
     switch (property.type) {
         case PropertyType::BOOLEAN:
             return text == "true" || text == "false";
+        case PropertyType::SCALE:
+            return isReadableScale(text);
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             return true;
