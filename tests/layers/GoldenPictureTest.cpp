@@ -1,10 +1,10 @@
 // What the whole overlay looks like, against pictures that somebody has looked at. scripts/update-golden.sh
 // takes over new ones.
 
-#include "support/TemporaryDirectory.h"
 #include "software/Png.h"
 #include "support/ChildProcess.h"
 #include "support/PictureDifference.h"
+#include "support/TemporaryDirectory.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -62,8 +62,8 @@ class GoldenPicture : public testing::TestWithParam<Picture> {};
 
 TEST_P(GoldenPicture, LooksAsItDidWhenSomebodyLooked) {
     const std::string name = GetParam().name;
-    const std::string goldenFile = std::string(GOLDEN_FOLDER) + "/" + name + ".png";
-    const std::string actualFile = std::string(GOLDEN_OUTPUT) + "/" + name + ".png";
+    const std::string goldenFile = fs::path(GOLDEN_FOLDER) / (name + ".png");
+    const std::string actualFile = fs::path(GOLDEN_OUTPUT) / (name + ".png");
     fs::create_directories(GOLDEN_OUTPUT);
     fs::remove(actualFile);
     ASSERT_EQ(render(GetParam(), actualFile), 0);

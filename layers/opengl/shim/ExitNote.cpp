@@ -77,9 +77,9 @@ void write(int folder) {
     char file[32];
     readName(name, sizeof(name));
     const int length = snprintf(text, sizeof(text),
-                                "kordanix note 1\nname %s\napi 0\nshown 0\nframes 0\nreason "
+                                "kordanix note 2\nname %s\napi 0\nshown 0\nframes 0\nreason "
                                 "it loaded OpenGL, but no swap came to the overlay: it presents nothing, or "
-                                "finds its functions past it (RTLD_DEEPBIND)\n",
+                                "finds its functions past it (RTLD_DEEPBIND)\nown 0\n",
                                 name);
     snprintf(file, sizeof(file), "note.%d", static_cast<int>(getpid()));
     const int note = openFile(folder, file, O_WRONLY | O_CREAT | O_EXCL);

@@ -17,9 +17,12 @@ VirtualDisplay& display() {
     return VirtualDisplay::get();
 }
 
-/// The widgets' usual black background would not be seen over black.
+/// The widgets' usual black background would not be seen over black. While the clock stands still there are
+/// no figures, and only widgets that somebody asked for are there.
 Command underOverlay(const Command& command) {
-    Command all{KORDANIXCTL, "run", "--set", "bg_color=#FFFFFF", "--"};
+    Command all{
+        KORDANIXCTL,           "run", "--set", "bg_color=#FFFFFF", "--set", "widget_fps=true", "--set",
+        "widget_cpu_gpu=true", "--"};
     all.insert(all.end(), command.begin(), command.end());
     return all;
 }
