@@ -18,7 +18,7 @@ std::size_t FrameStatistics::classOf(std::uint64_t nanoseconds) {
         return 0;
     }
     const auto octave = 63U - static_cast<unsigned int>(__builtin_clzll(nanoseconds));
-    const std::size_t inOctave = (nanoseconds >> (octave - CLASS_BITS)) - CLASSES_PER_OCTAVE;
+    const auto inOctave = static_cast<std::size_t>(nanoseconds >> (octave - CLASS_BITS)) - CLASSES_PER_OCTAVE;
     return std::min((octave - FIRST_OCTAVE) * CLASSES_PER_OCTAVE + inOctave, CLASSES - 1);
 }
 

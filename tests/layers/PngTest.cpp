@@ -1,7 +1,7 @@
 #include "software/Png.h"
 
-#include "support/TemporaryDirectory.h"
 #include "software/Image.h"
+#include "support/TemporaryDirectory.h"
 
 #include <sys/stat.h>
 #include <filesystem>

@@ -1,5 +1,6 @@
 #include "core/RenderingApiType.h"
 #include "core/StateInfo.h"
+#include "doubles/Emulator.h"
 #include "doubles/FakeClock.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeLog.h"
@@ -95,6 +96,11 @@ TEST(MachineReader, ReadsThisProcessAndItsChildOnAThreadOfTheirOwn) {
                !reader.value(sources::Id::MEMORY_FREE);
     };
     EXPECT_TRUE(isRead());
+    // Neither the thread sanitizer nor QEMU lets a forked child of a process with threads start one.
+#ifndef __SANITIZE_THREAD__
+    if (doubles::isEmulated()) {
+        return;
+    }
     const pid_t child = fork();
     if (child == 0) {
         _exit(isRead() ? 0 : 1);
@@ -102,6 +108,7 @@ TEST(MachineReader, ReadsThisProcessAndItsChildOnAThreadOfTheirOwn) {
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     EXPECT_EQ(status, 0);
+#endif
 }
 
 /// Frames of these lengths in microseconds, and so many of each.
