@@ -7,6 +7,8 @@
 #include "scene/PrimitiveFactory.h"
 #include "scene/Style.h"
 
+#include <algorithm>
+
 namespace scene {
 
 namespace {
@@ -38,7 +40,8 @@ void DumpMark::layout(const Canvas& canvas) {
         drawer.mPosition = position;
         drawer.mSize = glm::vec2(width, height) * unit;
     };
-    const glm::vec2 corner(margin.width, margin.height - (HEIGHT + 1.0F) * unit.y);
+    // At a large scale the margin is too low for it.
+    const glm::vec2 corner(margin.width, std::max(margin.height - (HEIGHT + 1.0F) * unit.y, 0.0F));
     place(*mBackdrop, corner, WIDTH, HEIGHT);
     place(*mLight, corner + glm::vec2(GAP, 0.5F * (HEIGHT - LIGHT)) * unit, LIGHT, LIGHT);
     const float textLeft = GAP + LIGHT + GAP;

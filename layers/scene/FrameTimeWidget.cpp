@@ -203,7 +203,8 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
     while (first < std::min(known, GPU_DELAY) && mTimes.ago(first).gpu == FrameTime::NOT_MEASURED) {
         ++first;
     }
-    if (first == std::min(known, GPU_DELAY)) {
+    mIsGpuKnown = first < std::min(known, GPU_DELAY);
+    if (!mIsGpuKnown) {
         first = 0;
     }
     const std::size_t bars = std::min(mBars, known - first);
@@ -292,7 +293,8 @@ void FrameTimeWidget::draw() {
     }
     mText->draw();
     for (const Part& part : mParts) {
-        if (part.legend->mEnabled && !mIsBand) {
+        const bool isExplained = &part != &mParts[GPU_PART] || mIsGpuKnown;
+        if (part.legend->mEnabled && isExplained && !mIsBand) {
             part.legend->draw();
         }
     }

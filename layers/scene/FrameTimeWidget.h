@@ -42,6 +42,7 @@ protected:
 
 private:
     static constexpr std::size_t PARTS = 3;
+    static constexpr std::size_t GPU_PART = 1;
     static constexpr std::size_t RATES = 2;
 
     /// One part of the bars. Each area reaches down to the bottom, and the next one covers it.
@@ -62,10 +63,11 @@ private:
 
     const FrameTimes& mTimes;
     const GpuActivityWidget& mActivity;
-    Canvas mCanvas;         // of the last layout
-    bool mIsBand = false;   // the bars have only the band
-    std::size_t mBars = 0;  // that there is room for
-    float mTopNs = 0.0F;    // at the upper end of the bars; 0: nothing to show
+    Canvas mCanvas;            // of the last layout
+    bool mIsBand = false;      // the bars have only the band
+    std::size_t mBars = 0;     // that there is room for
+    bool mIsGpuKnown = false;  // of a recent frame
+    float mTopNs = 0.0F;       // at the upper end of the bars; 0: nothing to show
 
     drawer::RectDrawer* mGround;
     std::array<Part, PARTS> mParts;

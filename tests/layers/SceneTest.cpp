@@ -323,9 +323,13 @@ TEST_F(SceneOverlay, TheMeanRateIsFramesByTimeSinceADumpBegan) {
     }
     frames(12);
     EXPECT_THAT(drawn(), AllOf(IsSupersetOf({"Avg 73.4", "1% 27.0"}), Not(Contains("Dump"))));
+    publish({{"scale", "1.8"}});
     doubles::companion().keyEvents = {{24, 1}};
     frames(20);
     EXPECT_THAT(drawn(), IsSupersetOf({"Avg 62.5", "Dump"}));
+    for (const doubles::DrawCall& call : doubles::drawCalls()) {
+        EXPECT_TRUE(call.what != "Dump" || call.position.y >= 0.0F) << "it leaves the surface";
+    }
 }
 
 /// A GPU that works 4 ms on each frame, and says so two frames later.
@@ -346,6 +350,9 @@ private:
 };
 
 TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
+    publish({{"widget_gpu_activity", "false"}});
+    frames(20);
+    EXPECT_THAT(drawn(), AllOf(Contains("@Swap"), Not(Contains("@GPU")))) << "nobody times it";
     mOverlay.detach();
     SlowTimer timer;
     scene::Overlay overlay(mFactory, API, &mPasses, &timer);
@@ -359,7 +366,7 @@ TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
         doubles::advanceWallClock(10000);
         overlay.endFrame();
     }
-    EXPECT_THAT(drawn(), IsSupersetOf({"Frame 16.0ms  99% 120ms  Max 120ms", "25%", "60", "30"}));
+    EXPECT_THAT(drawn(), IsSupersetOf({"Frame 16.0ms  99% 120ms  Max 120ms", "25%", "60", "30", "@GPU"}));
     std::vector<float> tops;
     for (const doubles::DrawCall& call : doubles::drawCalls()) {
         if (call.what == "fill" && call.mesh->mVertices.size() > 800) {
