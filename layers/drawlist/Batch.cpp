@@ -95,24 +95,77 @@ std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t cou
 void Batch::begin(const raster::PixelRect& surface) {
     mSurface = surface;
     mClip = surface;
-    std::swap(mVertices, mLastVertices);
-    mLastCount = std::exchange(mCount, 0);
-    mPicture = {};
+    for (Stream& each : mStreams) {
+        std::swap(each.mVertices, each.mLastVertices);
+        each.mLastCount = std::exchange(each.mCount, 0);
+    }
+    mPart = Part::REST;
+    mCovered.clear();
 }
 
-bool Batch::isRepeated() const {
+bool Batch::Stream::isRepeated() const {
     return mCount == mLastCount &&
            (mCount == 0 || std::memcmp(mVertices.data(), mLastVertices.data(), mCount * sizeof(Vertex)) == 0);
 }
 
-void Batch::makeRoom() {
+void Batch::Stream::makeRoom() {
     mVertices.resize(std::max(USUAL_VERTICES, 2 * mCount));
 }
 
-Batch::Range Batch::repeat(const Range& last) {
-    const Range now{mCount, last.mCount};
-    std::copy_n(mLastVertices.data() + last.mFirst, last.mCount, grow(last.mCount));
-    return now;
+bool Batch::isRepeated() const {
+    return std::all_of(mStreams.begin(), mStreams.end(),
+                       [](const Stream& each) { return each.isRepeated(); });
+}
+
+std::size_t Batch::vertexCount() const {
+    std::size_t count = 0;
+    for (const Stream& each : mStreams) {
+        count += each.mCount;
+    }
+    return count;
+}
+
+void Batch::copyVertices(Vertex* to) const {
+    for (const Stream& each : mStreams) {
+        to = std::copy_n(each.mVertices.data(), each.mCount, to);
+    }
+}
+
+bool Batch::isCovered(const raster::PixelRect& bounds) const {
+    return std::any_of(mCovered.begin(), mCovered.end(), [&bounds](const raster::PixelRect& covered) {
+        return !raster::intersect(covered, bounds).isEmpty();
+    });
+}
+
+void Batch::beginSolid(const raster::PixelRect& bounds) {
+    mPart = isCovered(bounds) ? Part::REST : Part::SOLID;
+    mShapeStart = vertexCount(mPart);
+}
+
+void Batch::beginShape() {
+    mPart = Part::REST;
+    mShapeStart = vertexCount(mPart);
+}
+
+Batch::Shape Batch::endShape(const raster::PixelRect& bounds) {
+    const Shape shape{mPart, {mShapeStart, vertexCount(mPart) - mShapeStart}, bounds};
+    if (mPart == Part::REST && shape.vertices.mCount != 0) {
+        mCovered.push_back(bounds);
+    }
+    mPart = Part::REST;
+    return shape;
+}
+
+Batch::Shape Batch::repeat(const Shape& last, bool isSolid) {
+    if (isSolid) {
+        beginSolid(last.bounds);
+    } else {
+        beginShape();
+    }
+    const Range& vertices = last.vertices;
+    std::copy_n(stream(last.part).mLastVertices.data() + vertices.mFirst, vertices.mCount,
+                grow(vertices.mCount));
+    return endShape(last.bounds);
 }
 
 void Batch::addPixels(const raster::PixelRect& pixels, const Texels& texels,
@@ -239,11 +292,11 @@ void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const
 void Batch::addPicture(const raster::Box& box) {
     const float width = box.mRight - box.mLeft;
     const float height = box.mBottom - box.mTop;
-    if (mPicture.mCount != 0 || !(width > 0.0F) || !(height > 0.0F) || !std::isfinite(width) ||
+    if (hasPicture() || !(width > 0.0F) || !(height > 0.0F) || !std::isfinite(width) ||
         !std::isfinite(height)) {
         return;
     }
-    mPicture.mFirst = mCount;
+    mPart = Part::PICTURE;
     mPictureBox = box;
     mPicturePixels = raster::touchedPixels(box, mClip);
     const auto texel = [](int pixel, int first) { return static_cast<std::uint16_t>(pixel - first); };
@@ -251,7 +304,8 @@ void Batch::addPicture(const raster::Box& box) {
         return Texels{texel(pixels.mLeft, mPicturePixels.mLeft), texel(pixels.mTop, mPicturePixels.mTop),
                       texel(pixels.mRight, mPicturePixels.mLeft), texel(pixels.mBottom, mPicturePixels.mTop)};
     });
-    mPicture.mCount = mCount - mPicture.mFirst;
+    mPart = Part::REST;
+    mCovered.push_back(mPicturePixels);
 }
 
 }  // namespace drawlist

@@ -50,14 +50,31 @@ struct Clip {
     float bottom;
 };
 
-/// The triangles of one drawing, in their order, each three vertices. Cut to the clip here, so that a clip
-/// needs no drawing call of its own. What is not finite is left out. Keeps its memory from use to use.
+/// The triangles of one drawing, each three vertices. Cut to the clip here, so that a clip needs no drawing
+/// call of its own. Leaves out what is not finite. Keeps its memory from use to use.
+///
+/// They are in parts, which are drawn one after the other. Within a part the order is that of the calls. A
+/// solid shape belongs to the first part unless it lies on something that was drawn before.
 class Batch {
 public:
-    /// The vertices from mFirst on, mCount of them.
+    enum class Part : std::uint8_t {
+        SOLID,    ///< areas, which need no texture
+        PICTURE,  ///< the application's
+        REST
+    };
+    static constexpr std::size_t PARTS = 3;
+
+    /// The vertices of a part from mFirst on, mCount of them.
     struct Range {
         std::size_t mFirst = 0;
         std::size_t mCount = 0;
+    };
+
+    /// What was added between beginSolid() or beginShape() and endShape().
+    struct Shape {
+        Part part = Part::REST;
+        Range vertices;
+        raster::PixelRect bounds;
     };
 
     /// Starts anew for a surface of these pixels, without clip.
@@ -84,23 +101,38 @@ public:
     void addQuad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Paint& paint,
                  const Clip& clip);
 
-    /// The application's picture in the box. Of several in one drawing only the first is shown.
+    /// The application's picture in the box. Of several in one drawing only the first is shown. It covers
+    /// solid shapes that were added before, and no others.
     void addPicture(const raster::Box& box);
 
-    /// Vertices of the drawing before once more; where they are now.
-    Range repeat(const Range& last);
+    /// Begins a shape of solid areas within these pixels.
+    void beginSolid(const raster::PixelRect& bounds);
 
-    const Vertex* vertices() const { return mVertices.data(); }
-    std::size_t vertexCount() const { return mCount; }
+    /// Begins a shape of any kind; outside of shapes, the same holds.
+    void beginShape();
+
+    /// Ends the shape, which lies within these pixels.
+    Shape endShape(const raster::PixelRect& bounds);
+
+    /// Adds a shape of the drawing before once more; where it is now.
+    Shape repeat(const Shape& last, bool isSolid);
+
+    const Vertex* vertices(Part part) const { return stream(part).mVertices.data(); }
+    std::size_t vertexCount(Part part) const { return stream(part).mCount; }
+
+    /// Of all parts.
+    std::size_t vertexCount() const;
+
+    /// Copies the vertices of all parts, in their order.
+    void copyVertices(Vertex* to) const;
 
     /// Whether the drawing before this one had the same vertices.
     bool isRepeated() const;
 
-    /// The vertices of the application's picture; none without one.
-    const Range& picture() const { return mPicture; }
+    bool hasPicture() const { return vertexCount(Part::PICTURE) != 0; }
 
     /// Where all of the picture would lie on the surface, and the pixels of it that are shown. Only while
-    /// picture() has vertices.
+    /// there is a picture.
     const raster::Box& pictureBox() const { return mPictureBox; }
     const raster::PixelRect& picturePixels() const { return mPicturePixels; }
 
@@ -115,24 +147,40 @@ private:
                    const std::array<std::uint8_t, 4>& color);
     void addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint);
 
+    /// The vertices of a part.
+    struct Stream {
+        std::vector<Vertex> mVertices;  ///< room for more than are in use
+        std::size_t mCount = 0;
+        std::vector<Vertex> mLastVertices;  ///< of the drawing before
+        std::size_t mLastCount = 0;
+
+        bool isRepeated() const;
+        void makeRoom();
+    };
+
+    const Stream& stream(Part part) const { return mStreams[static_cast<std::size_t>(part)]; }
+    Stream& stream(Part part) { return mStreams[static_cast<std::size_t>(part)]; }
+
+    /// Whether something was drawn within these bounds that is not in the first part.
+    bool isCovered(const raster::PixelRect& bounds) const;
+
     /// Room for that many more vertices, to be written at once.
     Vertex* grow(std::size_t count) {
-        const std::size_t first = mCount;
-        mCount += count;
-        if (mCount > mVertices.size()) {
-            makeRoom();
+        Stream& to = stream(mPart);
+        const std::size_t first = to.mCount;
+        to.mCount += count;
+        if (to.mCount > to.mVertices.size()) {
+            to.makeRoom();
         }
-        return mVertices.data() + first;
+        return to.mVertices.data() + first;
     }
-    void makeRoom();
 
     raster::PixelRect mSurface;
     raster::PixelRect mClip;
-    std::vector<Vertex> mVertices;  ///< room for more than are in use
-    std::size_t mCount = 0;
-    std::vector<Vertex> mLastVertices;  ///< of the drawing before
-    std::size_t mLastCount = 0;
-    Range mPicture;
+    std::array<Stream, PARTS> mStreams;
+    Part mPart = Part::REST;                  ///< to which vertices are added
+    std::size_t mShapeStart = 0;              ///< in that part
+    std::vector<raster::PixelRect> mCovered;  ///< by what is not in the first part
     raster::Box mPictureBox;
     raster::PixelRect mPicturePixels;
 };

@@ -26,13 +26,15 @@ void DrawList::begin() {
     ++drawing;
 }
 
-std::array<Draw, 3> DrawList::draws() const {
-    const Batch::Range picture = batch.picture();
-    if (picture.mCount == 0) {
-        return {{{{0, batch.vertexCount()}, false}}};
+std::array<Draw, Batch::PARTS> DrawList::draws() const {
+    std::array<Draw, Batch::PARTS> draws;
+    std::size_t first = 0;
+    for (std::size_t i = 0; i < draws.size(); ++i) {
+        const auto part = static_cast<Batch::Part>(i);
+        draws[i] = {part, {first, batch.vertexCount(part)}};
+        first += batch.vertexCount(part);
     }
-    const std::size_t rest = picture.mFirst + picture.mCount;
-    return {{{{0, picture.mFirst}, false}, {picture, true}, {{rest, batch.vertexCount() - rest}, false}}};
+    return draws;
 }
 
 }  // namespace drawlist

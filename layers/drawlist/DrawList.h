@@ -9,16 +9,17 @@
 
 namespace drawlist {
 
-/// One draw call: triangles that use the glyph texture, or the application's picture.
+/// One draw call: the vertices of a part of the batch, by their place in the buffer.
 struct Draw {
+    Batch::Part part = Batch::Part::REST;
     Batch::Range vertices;  ///< may be empty
-    bool isPicture = false;
 };
 
 /// Everything that a graphics API's layer needs to show the overlay on one surface; primitives write to it.
 /// Blend with source alpha and one minus source alpha. The glyph texture has two channels, of 8 bits each:
 /// ink and coverage. A pixel is the vertices' colour, with its red, green and blue times the first channel
-/// and its alpha times the second; the share that is not ink stays black, which is the outline.
+/// and its alpha times the second; the share that is not ink stays black, which is the outline. The vertices
+/// of Batch::Part::SOLID lie on a texel of ink: they may be drawn with the texture, or faster without it.
 struct DrawList {
     raster::SurfaceShape shape;
     bool isSrgb = false;  ///< the surface stores sRGB
@@ -36,8 +37,11 @@ struct DrawList {
     /// Begins a new drawing.
     void begin();
 
+    /// Where the vertices of a part are in the buffer.
+    Batch::Range rangeOf(Batch::Part part) const { return draws()[static_cast<std::size_t>(part)].vertices; }
+
     /// The draw calls, in this order.
-    std::array<Draw, 3> draws() const;
+    std::array<Draw, Batch::PARTS> draws() const;
 };
 
 }  // namespace drawlist

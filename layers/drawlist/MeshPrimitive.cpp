@@ -16,15 +16,22 @@ void MeshPrimitive::draw() {
         return;
     }
     mLastVertices.assign(mVertices.begin(), mVertices.end());
-    mRetained.start(mList.batch);
     drawVertices();
-    mRetained.finish(mList.batch);
 }
 
 void MeshPrimitive::drawVertices() {
     const raster::MeshPlacement place = raster::placeMesh(*this, mTopology == scene::Topology::LINE_STRIP,
                                                           mList.shape, mList.batch.clip(), mPoints);
     const Paint paint(mColor);
+    if (mTopology == scene::Topology::LINES) {
+        sortLines(place);
+    }
+    const bool isSolid = mTopology != scene::Topology::LINE_STRIP && mSlanted.empty();
+    if (isSolid) {
+        mList.batch.beginSolid(place.clip);
+    } else {
+        mList.batch.beginShape();
+    }
     switch (mTopology) {
         case scene::Topology::TRIANGLE_STRIP:
             mFill.draw(mList.batch, mPoints.data(), mPoints.size(), paint, place.clip);
@@ -37,21 +44,28 @@ void MeshPrimitive::drawVertices() {
             drawLines(place, paint);
             break;
     }
+    mRetained.keep(mList.batch.endShape(place.clip), isSolid);
 }
 
-void MeshPrimitive::drawLines(const raster::MeshPlacement& place, const Paint& paint) {
+void MeshPrimitive::sortLines(const raster::MeshPlacement& place) {
     mLevel.clear();
     mUpright.clear();
+    mSlanted.clear();
     for (std::size_t i = 1; i < mPoints.size(); i += 2) {
         raster::Box box;
         if (!raster::alignLine(mPoints[i - 1], mPoints[i], place.lineWidth, place.frame, box)) {
-            mCurve.draw(mList.batch, mPoints.data() + i - 1, 2, place.lineWidth, StrokePaint(paint),
-                        place.clip);
+            mSlanted.push_back(i - 1);
         } else if (box.mRight - box.mLeft > box.mBottom - box.mTop) {
             mLevel.push_back(box);
         } else {
             mUpright.push_back(box);
         }
+    }
+}
+
+void MeshPrimitive::drawLines(const raster::MeshPlacement& place, const Paint& paint) {
+    for (const std::size_t line : mSlanted) {
+        mCurve.draw(mList.batch, mPoints.data() + line, 2, place.lineWidth, StrokePaint(paint), place.clip);
     }
     for (const raster::Box& line : mLevel) {
         mList.batch.addRect(line, paint, place.clip);

@@ -22,6 +22,7 @@ public:
 
 private:
     void drawVertices();
+    void sortLines(const raster::MeshPlacement& place);
     void drawLines(const raster::MeshPlacement& place, const Paint& paint);
 
     DrawList& mList;
@@ -33,6 +34,7 @@ private:
     std::vector<glm::vec2> mPoints;   ///< the vertices in surface pixels; a member to reuse its memory
     std::vector<raster::Box> mLevel;  ///< the horizontal lines
     std::vector<raster::Box> mUpright;
+    std::vector<std::size_t> mSlanted;  ///< the first points of other lines
 };
 
 }  // namespace drawlist

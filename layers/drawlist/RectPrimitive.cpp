@@ -5,7 +5,12 @@
 namespace drawlist {
 
 void RectPrimitive::draw() {
-    mList.batch.addRect(mList.shape.toPixels(mPosition, mSize, mTranslation), Paint(mColor));
+    Batch& batch = mList.batch;
+    const raster::Box box = mList.shape.toPixels(mPosition, mSize, mTranslation);
+    const raster::PixelRect bounds = raster::touchedPixels(box, batch.clip());
+    batch.beginSolid(bounds);
+    batch.addRect(box, Paint(mColor));
+    batch.endShape(bounds);
 }
 
 }  // namespace drawlist

@@ -27,11 +27,13 @@ public:
     }
 
     /// Adds the same vertices again.
-    void repeat(Batch& batch) { mRange = batch.repeat(mRange); }
+    void repeat(Batch& batch) { mShape = batch.repeat(mShape, mIsSolid); }
 
-    /// Call these before and after adding new vertices.
-    void start(const Batch& batch) { mRange.mFirst = batch.vertexCount(); }
-    void finish(const Batch& batch) { mRange.mCount = batch.vertexCount() - mRange.mFirst; }
+    /// Keeps what was added anew.
+    void keep(const Batch::Shape& shape, bool isSolid) {
+        mShape = shape;
+        mIsSolid = isSolid;
+    }
 
 private:
     struct Key {
@@ -55,7 +57,8 @@ private:
     };
 
     Key mKey;
-    Batch::Range mRange;
+    Batch::Shape mShape;
+    bool mIsSolid = false;
     unsigned int mDrawing = 0;
 };
 

@@ -16,9 +16,10 @@ void TextPrimitive::draw() {
     mLastSizeHint = mTextSizeHint;
     mLastEllipsize = mTextEllipsize;
     mLastGravity = mTextGravity;
-    mRetained.start(mList.batch);
+    mBounds = {};
+    mList.batch.beginShape();
     SurfaceText::draw();
-    mRetained.finish(mList.batch);
+    mRetained.keep(mList.batch.endShape(mBounds), false);
 }
 
 void TextPrimitive::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transform, const glm::vec4& color,
@@ -37,6 +38,7 @@ void TextPrimitive::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transfor
     const int left = firstColumn(picture.mPixels.mLeft + 1, picture.mPixels.mRight - 1);
     picture.mU += left - picture.mPixels.mLeft;
     picture.mPixels.mLeft = left;
+    mBounds = raster::unite(mBounds, picture.mPixels);
     mList.batch.addTexels(picture.mPixels, picture.mU, picture.mV, mIsDark ? mOutline : mPaint);
     if (mIsDark) {
         const GlyphCache::Picture ink = mList.glyphs.find(symbol, glyph, box, Part::INK);

@@ -21,6 +21,7 @@ public:
 private:
     DrawList& mList;
     RetainedRange mRetained;
+    raster::PixelRect mBounds;  ///< of the glyphs so far
     std::string mLastText;
     std::uint32_t mLastSizeHint = 0;
     gui::TextEllipsize mLastEllipsize = gui::TextEllipsize::NONE;

@@ -45,6 +45,16 @@ inline PixelRect intersect(const PixelRect& a, const PixelRect& b) {
             std::min(a.mBottom, b.mBottom)};
 }
 
+/// The smallest rectangle with both in it.
+inline PixelRect unite(const PixelRect& a, const PixelRect& b) {
+    if (a.isEmpty()) {
+        return b;
+    }
+    return b.isEmpty() ? a
+                       : PixelRect{std::min(a.mLeft, b.mLeft), std::min(a.mTop, b.mTop),
+                                   std::max(a.mRight, b.mRight), std::max(a.mBottom, b.mBottom)};
+}
+
 /// Every pixel of `limits` that the box touches; empty when an edge is NaN.
 inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
     if (!(box.mLeft < box.mRight) || !(box.mTop < box.mBottom)) {

@@ -24,7 +24,7 @@ TEST(Batch, TrianglesAreCutToTheClip) {
                           drawlist::Clip(batch.clip()));
         raster::Box box = batch.vertexCount() == 0 ? raster::Box() : raster::Box{1e9F, 1e9F, -1e9F, -1e9F};
         for (std::size_t i = 0; i < batch.vertexCount(); ++i) {
-            const drawlist::Vertex& vertex = batch.vertices()[i];
+            const drawlist::Vertex& vertex = batch.vertices(drawlist::Batch::Part::REST)[i];
             box = {std::min(box.mLeft, vertex.x), std::min(box.mTop, vertex.y),
                    std::max(box.mRight, vertex.x), std::max(box.mBottom, vertex.y)};
         }

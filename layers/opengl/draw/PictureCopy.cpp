@@ -17,6 +17,10 @@ constexpr float SAMPLES = 4.0F;
 constexpr float REDUCED_SAMPLES = 2.0F;
 constexpr float REDUCED_SIZE = 2.0F;
 
+glm::ivec2 surfaceSize(const drawlist::DrawList& list) {
+    return {list.shape.mWidth, list.shape.mHeight};
+}
+
 /// Maps the uv of the picture's vertices to fractions of the application's picture, whose rows count from the
 /// bottom.
 glm::vec4 toShares(const drawlist::Batch& batch) {
@@ -61,29 +65,40 @@ void PictureCopy::abandon() {
     mFramebuffer = 0;
     mWhole = {};
     mSmall = {};
+    mIsCopied = false;
     mIsTaken = false;
 }
 
 bool PictureCopy::refresh(drawlist::DrawList& list, SavedState& state) {
-    if (list.pictureTimer.isDue()) {
+    if (mIsCopied) {
+        mIsCopied = false;
+        mIsTaken = shrink(list, state);
+    } else if (list.pictureTimer.isDue()) {
         // After a failure, do not try again in every frame.
         list.pictureTimer.restart();
-        mIsTaken = take(list, state) || mIsTaken;
+        const bool isCopied = take(list, state);
+        if (!isCopied || !isShrunk()) {
+            mIsTaken = isCopied || mIsTaken;
+        } else if (mIsTaken) {
+            mIsCopied = true;
+        } else {
+            mIsTaken = shrink(list, state);
+        }
     }
     return mIsTaken;
 }
 
 bool PictureCopy::take(const drawlist::DrawList& list, SavedState& state) {
-    const glm::ivec2 surface(list.shape.mWidth, list.shape.mHeight);
+    const glm::ivec2 surface = surfaceSize(list);
     if (!state.prepareCopy()) {
         return false;
     }
-    if (!isShrunk()) {
+    if (!isReducible(list)) {
+        mSamples = SAMPLES;
         return copy(surface, state);
     }
-    const bool isReduced = isReducible(list);
-    const bool isTaken = (isReduced ? reduce(list, surface, state) : copy(surface, state)) &&
-                         shrink(list, isReduced ? REDUCED_SAMPLES : SAMPLES, state);
+    mSamples = REDUCED_SAMPLES;
+    const bool isTaken = reduce(list, surface, state);
     state.drawInto(0, surface.x, surface.y);
     return isTaken;
 }
@@ -122,24 +137,29 @@ bool PictureCopy::reduce(const drawlist::DrawList& list, const glm::ivec2& surfa
     return true;
 }
 
-bool PictureCopy::shrink(const drawlist::DrawList& list, float samples, SavedState& state) {
-    const Functions& gl = mFunctions;
-    const drawlist::Batch& batch = list.batch;
-    const raster::PixelRect& pixels = batch.picturePixels();
+bool PictureCopy::shrink(const drawlist::DrawList& list, SavedState& state) {
+    const raster::PixelRect& pixels = list.batch.picturePixels();
     const glm::ivec2 size(pixels.width(), pixels.height());
-    if (!resize(mSmall, size, GL_RGBA, state) || !attach(mSmall, state)) {
-        return false;
+    const bool isReady = resize(mSmall, size, GL_RGBA, state) && attach(mSmall, state);
+    if (isReady) {
+        drawShrunk(list);
     }
-    const glm::vec2 toClip = 2.0F / glm::vec2(size);
-    const glm::vec2 first(pixels.mLeft, pixels.mTop);
-    const glm::vec2 start = -1.0F - first * toClip;
-    const glm::vec4 shares = toShares(batch);
+    const glm::ivec2 surface = surfaceSize(list);
+    state.drawInto(0, surface.x, surface.y);
+    return isReady;
+}
+
+void PictureCopy::drawShrunk(const drawlist::DrawList& list) {
+    const Functions& gl = mFunctions;
+    const raster::PixelRect& pixels = list.batch.picturePixels();
+    const glm::vec2 toClip = 2.0F / glm::vec2(pixels.width(), pixels.height());
+    const glm::vec2 start = -1.0F - glm::vec2(pixels.mLeft, pixels.mTop) * toClip;
+    const glm::vec4 shares = toShares(list.batch);
     mProgram.use(gl, glm::vec4(toClip, start), shares);
-    mProgram.setSamples(gl, {shares.x / samples, shares.y / samples, samples});
+    mProgram.setSamples(gl, {shares.x / mSamples, shares.y / mSamples, mSamples});
     gl.bindTexture(GL_TEXTURE_2D, mWhole.name);
-    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(batch.picture().mFirst),
-                  static_cast<GLsizei>(batch.picture().mCount));
-    return true;
+    const drawlist::Batch::Range picture = list.rangeOf(drawlist::Batch::Part::PICTURE);
+    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(picture.mFirst), static_cast<GLsizei>(picture.mCount));
 }
 
 /// False when the context does not allow it in this frame.

@@ -22,8 +22,9 @@ public:
     void destroy();
     void abandon();
 
-    /// Copies the picture if it is due; call it before anything else is drawn in the frame, with the batch's
-    /// vertices bound. False when there is no picture to show.
+    /// Copies the picture if it is due, and shrinks it a frame later: no frame has all of the work. Call it
+    /// before anything else is drawn in the frame, with the batch's vertices bound. False when there is no
+    /// picture to show.
     bool refresh(drawlist::DrawList& list, SavedState& state);
 
     GLuint texture() const { return isShrunk() ? mSmall.name : mWhole.name; }
@@ -42,7 +43,8 @@ private:
     bool isReducible(const drawlist::DrawList& list) const;
     bool copy(const glm::ivec2& surface, SavedState& state);
     bool reduce(const drawlist::DrawList& list, const glm::ivec2& surface, SavedState& state);
-    bool shrink(const drawlist::DrawList& list, float samples, SavedState& state);
+    bool shrink(const drawlist::DrawList& list, SavedState& state);
+    void drawShrunk(const drawlist::DrawList& list);
     bool resize(Texture& texture, const glm::ivec2& size, GLenum format, SavedState& state);
     bool attach(const Texture& texture, SavedState& state);
     void dropFramebuffer();
@@ -53,6 +55,8 @@ private:
     Texture mWhole;  ///< the whole surface, in full size or reduced
     Texture mSmall;  ///< in the size in which it is shown
     GLint mLargestTexture = 0;
+    float mSamples = 0.0F;   ///< in a row, of which shrink() makes a pixel
+    bool mIsCopied = false;  ///< since the last frame, and not yet shrunk
     bool mIsTaken = false;
 };
 

@@ -8,10 +8,17 @@
 
 namespace opengl {
 
+using Part = drawlist::Batch::Part;
+
 namespace {
 
 /// The buffer grows by multiples of this.
 constexpr std::size_t BUFFER_STEP = 16384;
+
+/// Of a vertex in the buffer, in bytes.
+GLsizeiptr place(std::size_t vertex) {
+    return static_cast<GLsizeiptr>(vertex * sizeof(drawlist::Vertex));
+}
 
 const void* offset(std::size_t bytes) {
     return reinterpret_cast<const void*>(bytes);  // NOLINT: OpenGL takes offsets as pointers
@@ -38,16 +45,19 @@ std::string Renderer::create(const drawlist::DrawList& list) {
 }
 
 std::string Renderer::createPrograms(bool isLinear) {
+    const Functions& gl = mFunctions;
     Programs& programs = mPrograms[isLinear ? 1 : 0];
-    if (!mFunctions.features.redGreenTextures || mFunctions.features.textureSwizzle) {
-        return programs.glyphs.create(mFunctions, Shading::COLOR, isLinear);
+    const bool isAlike = !gl.features.redGreenTextures || gl.features.textureSwizzle;
+    std::string error = programs.glyphs.create(gl, isAlike ? Shading::COLOR : Shading::GLYPHS, isLinear);
+    if (error.empty() && !isAlike) {
+        error = programs.picture.create(gl, Shading::COLOR, isLinear);
     }
-    std::string error = programs.glyphs.create(mFunctions, Shading::GLYPHS, isLinear);
-    if (error.empty()) {
-        error = programs.picture.create(mFunctions, Shading::COLOR, isLinear);
+    if (error.empty() && gl.features.softwareRaster) {
+        error = programs.solid.create(gl, Shading::SOLID, isLinear);
     }
     if (!error.empty()) {
-        programs.glyphs.destroy(mFunctions);
+        programs.glyphs.destroy(gl);
+        programs.picture.destroy(gl);
     }
     return error;
 }
@@ -58,6 +68,7 @@ void Renderer::destroy() {
     for (Programs& programs : mPrograms) {
         programs.glyphs.destroy(gl);
         programs.picture.destroy(gl);
+        programs.solid.destroy(gl);
     }
     if (mObjects.glyphs != 0) {
         gl.deleteTextures(1, &mObjects.glyphs);
@@ -128,31 +139,37 @@ bool Renderer::show(drawlist::DrawList& list, SavedState& state) {
         return false;
     }
     bindVertices(list);
-    const bool hasPicture = batch.picture().mCount != 0 && mPicture.refresh(list, state);
+    const bool hasPicture = batch.hasPicture() && mPicture.refresh(list, state);
     gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
     if (!uploadGlyphs(list, state)) {
         return false;
     }
+    for (const drawlist::Draw& draw : list.draws()) {
+        if (draw.vertices.mCount != 0 && (hasPicture || draw.part != Part::PICTURE)) {
+            drawPart(list, draw, programs);
+        }
+    }
+    return true;
+}
+
+void Renderer::drawPart(const drawlist::DrawList& list, const drawlist::Draw& draw, Programs& programs) {
+    const Functions& gl = mFunctions;
     const auto width = static_cast<float>(list.shape.mWidth);
     const auto height = static_cast<float>(list.shape.mHeight);
     const glm::vec4 toClip(2.0F / width, -2.0F / height, -1.0F, 1.0F);
-    const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
-    for (const drawlist::Draw& draw : list.draws()) {
-        if (draw.vertices.mCount == 0 || (draw.isPicture && !hasPicture)) {
-            continue;
-        }
-        if (draw.isPicture) {
-            gl.bindTexture(GL_TEXTURE_2D, mPicture.texture());
-            Program& program = programs.picture ? programs.picture : programs.glyphs;
-            program.use(gl, toClip, mPicture.toTexture(batch));
-        } else {
-            gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
-            programs.glyphs.use(gl, toClip, {toGlyphs, toGlyphs, 0.0F, 0.0F});
-        }
-        gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(draw.vertices.mFirst),
-                      static_cast<GLsizei>(draw.vertices.mCount));
+    if (draw.part == Part::PICTURE) {
+        gl.bindTexture(GL_TEXTURE_2D, mPicture.texture());
+        Program& program = programs.picture ? programs.picture : programs.glyphs;
+        program.use(gl, toClip, mPicture.toTexture(list.batch));
+    } else if (draw.part == Part::SOLID && programs.solid) {
+        programs.solid.use(gl, toClip, glm::vec4(0.0F));
+    } else {
+        const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
+        gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
+        programs.glyphs.use(gl, toClip, {toGlyphs, toGlyphs, 0.0F, 0.0F});
     }
-    return true;
+    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(draw.vertices.mFirst),
+                  static_cast<GLsizei>(draw.vertices.mCount));
 }
 
 void Renderer::bindVertices(const drawlist::DrawList& list) {
@@ -205,7 +222,12 @@ void Renderer::uploadVertices(const drawlist::DrawList& list) {
     mBufferSize = std::max(mBufferSize, (size + BUFFER_STEP - 1) / BUFFER_STEP * BUFFER_STEP);
     // Storage of its own for each drawing: the one before may still be read.
     gl.bufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(mBufferSize), nullptr, GL_STREAM_DRAW);
-    gl.bufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(size), list.batch.vertices());
+    for (const drawlist::Draw& draw : list.draws()) {
+        if (draw.vertices.mCount != 0) {
+            gl.bufferSubData(GL_ARRAY_BUFFER, place(draw.vertices.mFirst), place(draw.vertices.mCount),
+                             list.batch.vertices(draw.part));
+        }
+    }
 }
 
 }  // namespace opengl

@@ -14,7 +14,8 @@ namespace opengl {
 class SavedState;
 
 /// Shows a draw list in one context with one vertex buffer, a texture for glyphs, a small one for the
-/// application's picture, a program for each, and at most three draw calls. Uploads only what has changed.
+/// application's picture, a program for each kind of part, and at most three draw calls. Uploads only what
+/// has changed.
 class Renderer {
 public:
     explicit Renderer(const Functions& functions) : mFunctions(functions), mPicture(functions) {}
@@ -34,11 +35,13 @@ private:
         GLuint glyphs = 0;
     };
 
-    /// One program for glyphs and solid areas, one for the application's picture. Where a swizzle lets the
-    /// glyph texture look like one of white pixels, the first program does both.
+    /// One program for glyphs, one for the application's picture. Where a swizzle lets the glyph texture look
+    /// like one of white pixels, the first program does both. Solid areas have a program of their own where
+    /// the processor draws them: reading the texture costs more there than changing the program.
     struct Programs {
         Program glyphs;
         Program picture;
+        Program solid;
     };
 
     /// Whether to write linear colours, because the surface always converts them.
@@ -51,6 +54,7 @@ private:
     void createGlyphs();
     void setAttributes();
     void bindVertices(const drawlist::DrawList& list);
+    void drawPart(const drawlist::DrawList& list, const drawlist::Draw& draw, Programs& programs);
     bool uploadGlyphs(drawlist::DrawList& list, SavedState& state);
     void uploadVertices(const drawlist::DrawList& list);
 

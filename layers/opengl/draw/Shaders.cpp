@@ -21,6 +21,7 @@ constexpr char NEW_FRAGMENT[] =
 
 constexpr char GLYPHS[] = "#define CHANNELS rrrg\n";
 constexpr char COLORS[] = "#define CHANNELS rgba\n";
+constexpr char SOLID[] = "#define SOLID\n";
 
 constexpr char LINEAR[] = "#define LINEAR\n";
 
@@ -44,7 +45,11 @@ IN vec2 coordinate;
 IN vec4 shade;
 uniform sampler2D image;
 void main() {
+#ifdef SOLID
+    vec4 result = shade;
+#else
     vec4 result = shade * texture2D(image, coordinate).CHANNELS;
+#endif
 #ifdef LINEAR
     vec3 dark = result.rgb / 12.92;
     vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
@@ -114,7 +119,9 @@ ShaderSource fragmentShader(const Functions& functions, Shading shading, bool is
     if (shading == Shading::SHRINK) {
         return {{dialect, "", "", SHRINK}};
     }
-    return {{dialect, shading == Shading::GLYPHS ? GLYPHS : COLORS, isLinear ? LINEAR : "", SHOW}};
+    const char* const channels =
+        shading == Shading::SOLID ? SOLID : (shading == Shading::GLYPHS ? GLYPHS : COLORS);
+    return {{dialect, channels, isLinear ? LINEAR : "", SHOW}};
 }
 
 }  // namespace opengl

@@ -8,6 +8,7 @@ namespace opengl {
 enum class Shading {
     COLOR,   ///< times that of the vertices
     GLYPHS,  ///< the same of a texture of glyphs, which has its two channels in red and green
+    SOLID,   ///< nothing: the vertices' colour
     SHRINK   ///< the mean of many samples, covering everything
 };
 

@@ -6,8 +6,9 @@ namespace opengl {
 /// or a value of a feature that is off must not be used: the call would raise an error of the application's.
 struct Features {
     bool always = true;
-    bool desktop = false;        ///< OpenGL, not OpenGL ES
-    bool compatibility = false;  ///< desktop with everything that the core profile removed
+    bool desktop = false;         ///< OpenGL, not OpenGL ES
+    bool compatibility = false;   ///< desktop with everything that the core profile removed
+    bool softwareRaster = false;  ///< the processor draws the pixels (Mesa's llvmpipe)
 
     bool vertexArrays = false;
     bool mappedRanges = false;  ///< glMapBufferRange

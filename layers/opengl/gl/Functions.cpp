@@ -222,6 +222,8 @@ bool Functions::load(GetProcAddress getProcAddress) {
     version.isCore = isCoreProfile(*this, extensions);
     features.desktop = !version.isEs;
     features.compatibility = features.desktop && !version.isCore;
+    const auto* const renderer = reinterpret_cast<const char*>(getString(GL_RENDERER));
+    features.softwareRaster = renderer != nullptr && std::strstr(renderer, "llvmpipe") != nullptr;
 
     constexpr std::size_t SOURCES = std::size(FEATURE_SOURCES);
     const char* suffixes[SOURCES] = {};

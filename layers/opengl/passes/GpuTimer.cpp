@@ -1,6 +1,5 @@
 #include "opengl/passes/GpuTimer.h"
 
-#include <cstring>
 #include <utility>
 
 #include "opengl/passes/TimeStamps.h"
@@ -27,7 +26,9 @@ void GpuTimer::onFrameBegin(bool isProgramMeasuring) {
     }
     if (mStamped - mRead < LONGEST_DELAY && canPutTimeStamp(mGl)) {
         mGl.queryCounter(queriesOf(mStamped)[0], GL_TIMESTAMP);
-        if (mIsByTile) {
+        // A software renderer draws a whole frame tile by tile, and takes both stamps at the end of the last
+        // tile.
+        if (mGl.features.softwareRaster) {
             mGl.flush();
         }
         mNames[mStamped % LONGEST_DELAY] = mNextFrame;
@@ -41,8 +42,6 @@ bool GpuTimer::prepare() {
     if (mMask != 0) {
         mGl.genQueries(static_cast<GLsizei>(mQueries.size()), mQueries.data());
         static_cast<void>(wasDisjoint(mGl));
-        const auto* const renderer = reinterpret_cast<const char*>(mGl.getString(GL_RENDERER));
-        mIsByTile = renderer != nullptr && std::strstr(renderer, "llvmpipe") != nullptr;
     }
     return mMask != 0;
 }

@@ -43,11 +43,8 @@ private:
 
     const Functions& mGl;
     bool mIsWanted = false;
-    bool mIsFailed = false;  ///< the context has no time stamps
-    bool mIsOpen = false;    ///< the current frame has its first stamp
-    /// A software renderer draws a whole frame tile by tile, and takes both stamps at the end of the last
-    /// tile. There we flush right after the first stamp.
-    bool mIsByTile = false;
+    bool mIsFailed = false;        ///< the context has no time stamps
+    bool mIsOpen = false;          ///< the current frame has its first stamp
     std::uint32_t mNextFrame = 0;  ///< in the scene's numbering
     std::uint64_t mMask = 0;       ///< 0 before the queries are made
 

@@ -137,15 +137,16 @@ void Renderer::recordDraws(const drawlist::DrawList& list, VkCommandBuffer comma
                              nullptr);
     vk.CmdBindVertexBuffers(commands, 0, 1, &vertices, &FROM_THE_START);
     for (const drawlist::Draw& draw : list.draws()) {
-        if (draw.vertices.mCount == 0 || (draw.isPicture && !mThumbnail.isTaken())) {
+        const bool isPicture = draw.part == drawlist::Batch::Part::PICTURE;
+        if (draw.vertices.mCount == 0 || (isPicture && !mThumbnail.isTaken())) {
             continue;
         }
         const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
         const glm::vec4 toTexture =
-            draw.isPicture ? mThumbnail.toTexture(list.batch) : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
+            isPicture ? mThumbnail.toTexture(list.batch) : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
         const Places places = {{2.0F / width, 2.0F / height, -1.0F, -1.0F},
                                {toTexture.x, toTexture.y, toTexture.z, toTexture.w},
-                               draw.isPicture ? 1U : 0U};
+                               isPicture ? 1U : 0U};
         vk.CmdPushConstants(commands, mPipelines.layout(),
                             VK_SHADER_STAGE_VERTEX_BIT | VK_SHADER_STAGE_FRAGMENT_BIT, 0, sizeof(places),
                             &places);

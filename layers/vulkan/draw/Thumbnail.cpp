@@ -66,7 +66,7 @@ void Thumbnail::prepare(VkCommandBuffer commands) {
 }
 
 bool Thumbnail::isDue(const drawlist::DrawList& list) const {
-    return mIsPossible && list.batch.picture().mCount != 0 && list.pictureTimer.isDue();
+    return mIsPossible && list.batch.hasPicture() && list.pictureTimer.isDue();
 }
 
 void Thumbnail::take(drawlist::DrawList& list, VkImage image, VkCommandBuffer commands) {

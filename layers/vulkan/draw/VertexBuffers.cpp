@@ -1,7 +1,5 @@
 #include "vulkan/draw/VertexBuffers.h"
 
-#include <cstring>
-
 namespace vulkan {
 
 namespace {
@@ -20,7 +18,7 @@ VkBuffer VertexBuffers::use(const drawlist::DrawList& list, SubmissionRing& ring
         Buffer& buffer = findFree(ring);
         const std::size_t size = list.batch.vertexCount() * sizeof(drawlist::Vertex);
         buffer.memory.reserve((size + BUFFER_STEP - 1) / BUFFER_STEP * BUFFER_STEP);
-        std::memcpy(buffer.memory.bytes(), list.batch.vertices(), size);
+        list.batch.copyVertices(reinterpret_cast<drawlist::Vertex*>(buffer.memory.bytes()));
         mCurrent = &buffer;
     }
     mDrawing = list.drawing;

@@ -114,7 +114,7 @@ opengl::Functions functionsFor(const HeadlessContext& context, bool isPlain) {
     opengl::Functions functions = context.functions();
     for (bool opengl::Features::*feature :
          {&opengl::Features::vertexArrays, &opengl::Features::redGreenTextures,
-          &opengl::Features::textureSwizzle}) {
+          &opengl::Features::textureSwizzle, &opengl::Features::softwareRaster}) {
         functions.features.*feature = functions.features.*feature && !isPlain;
     }
     return functions;
@@ -307,6 +307,12 @@ TEST_P(Draw, TheApplicationsPictureIsTakenTwiceASecondWhileItIsShown) {
     EXPECT_EQ(copiesOfTwoSeconds(*thumbnail), 4);
 }
 
+std::vector<drawlist::Vertex> verticesOf(const drawlist::Batch& batch) {
+    std::vector<drawlist::Vertex> vertices(batch.vertexCount());
+    batch.copyVertices(vertices.data());
+    return vertices;
+}
+
 /// A text and a mesh on a list of their own.
 struct Kept {
     drawlist::DrawList list;
@@ -335,8 +341,8 @@ struct Kept {
         text->draw();
         mesh->draw();
         factory.clearClip();
-        return {reinterpret_cast<const char*>(list.batch.vertices()),
-                list.batch.vertexCount() * sizeof(drawlist::Vertex)};
+        const std::vector<drawlist::Vertex> vertices = verticesOf(list.batch);
+        return {reinterpret_cast<const char*>(vertices.data()), vertices.size() * sizeof(drawlist::Vertex)};
     }
 };
 
@@ -380,8 +386,7 @@ TEST(DrawList, SurvivesValuesThatAreNoNumbers) {
         }
         factory.beginDrawing(false);
         drawScene(factory, drawers, i % 4 == 0);
-        for (std::size_t k = 0; k < list.batch.vertexCount(); ++k) {
-            const drawlist::Vertex& vertex = list.batch.vertices()[k];
+        for (const drawlist::Vertex& vertex : verticesOf(list.batch)) {
             ASSERT_TRUE(vertex.x >= 0.0F && vertex.x <= 320.0F && vertex.y >= 0.0F && vertex.y <= 200.0F)
                 << i << ": " << vertex.x << ", " << vertex.y;
         }
