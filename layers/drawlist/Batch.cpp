@@ -216,6 +216,13 @@ void Batch::addRect(const raster::Box& box, const Paint& paint, const raster::Pi
     }
 }
 
+void Batch::addPixels(const raster::PixelRect& pixels, const Paint& paint) {
+    if (!pixels.isEmpty() && paint.isVisible()) {
+        constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
+        addPixels(pixels, {SOLID, SOLID, SOLID, SOLID}, paint.covering(1.0F));
+    }
+}
+
 void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Paint& paint) {
     const raster::PixelRect seen = raster::intersect(pixels, mClip);
     if (seen.isEmpty() || !paint.isVisible()) {

@@ -91,6 +91,9 @@ public:
     /// The part of it inside `clip`, which lies inside the batch's own clip.
     void addRect(const raster::Box& box, const Paint& paint, const raster::PixelRect& clip);
 
+    /// Whole pixels inside the batch's own clip.
+    void addPixels(const raster::PixelRect& pixels, const Paint& paint);
+
     /// Texels of the glyph texture from (u, v) on, one for each pixel.
     void addTexels(const raster::PixelRect& pixels, int u, int v, const Paint& paint);
 

@@ -43,6 +43,11 @@ void MeshPrimitive::drawVertices() {
         case scene::Topology::LINES:
             drawLines(place, paint);
             break;
+        case scene::Topology::BARS:
+            for (std::size_t i = 1; i < mPoints.size(); i += 2) {
+                mList.batch.addPixels(raster::nearestPixels(mPoints[i - 1], mPoints[i], place.clip), paint);
+            }
+            break;
     }
     mRetained.keep(mList.batch.endShape(place.clip), isSolid);
 }

@@ -45,6 +45,11 @@ inline PixelRect intersect(const PixelRect& a, const PixelRect& b) {
             std::min(a.mBottom, b.mBottom)};
 }
 
+inline Box toBox(const PixelRect& rect) {
+    return {static_cast<float>(rect.mLeft), static_cast<float>(rect.mTop), static_cast<float>(rect.mRight),
+            static_cast<float>(rect.mBottom)};
+}
+
 /// The smallest rectangle with both in it.
 inline PixelRect unite(const PixelRect& a, const PixelRect& b) {
     if (a.isEmpty()) {
@@ -64,6 +69,21 @@ inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
             toInt(std::floor(box.mTop), limits.mTop, limits.mBottom),
             toInt(std::ceil(box.mRight), limits.mLeft, limits.mRight),
             toInt(std::ceil(box.mBottom), limits.mTop, limits.mBottom)};
+}
+
+/// The rectangle between two opposite corners, moved to the nearest whole pixels, as far as it is in
+/// `limits`; empty when a corner is NaN.
+inline PixelRect nearestPixels(const glm::vec2& a, const glm::vec2& b, const PixelRect& limits) {
+    const glm::vec2 low(std::min(a.x, b.x), std::min(a.y, b.y));
+    const glm::vec2 high(std::max(a.x, b.x), std::max(a.y, b.y));
+    if (!(low.x <= high.x) || !(low.y <= high.y)) {
+        return {};
+    }
+    const auto round = [](float value, int from, int to) {
+        return toInt(std::floor(value + 0.5F), from, to);
+    };
+    return {round(low.x, limits.mLeft, limits.mRight), round(low.y, limits.mTop, limits.mBottom),
+            round(high.x, limits.mLeft, limits.mRight), round(high.y, limits.mTop, limits.mBottom)};
 }
 
 /// How much of the pixel (or texel) index..index + 1 the interval low..high covers: 0..1.

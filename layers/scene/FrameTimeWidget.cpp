@@ -85,7 +85,7 @@ FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& ti
         return &drawer;
     };
     for (std::size_t i = 0; i < PARTS; ++i) {
-        mParts[i].area = &place(factory.createMesh(Topology::TRIANGLE_STRIP), Area::GPU_ACTIVITY_WHOLE);
+        mParts[i].bars = &place(factory.createMesh(Topology::BARS), Area::GPU_ACTIVITY_WHOLE);
         mParts[i].legend = addText(PART_NAMES[i], gui::TextGravity::RIGHT);
     }
     for (std::size_t i = 0; i < RATES; ++i) {
@@ -118,7 +118,7 @@ void FrameTimeWidget::applySettings(const Canvas& canvas) {
     setTextHeight(*mText, NOTE_TEXT_HEIGHT, canvas);
     for (std::size_t i = 0; i < PARTS; ++i) {
         const Graph& graph = settingsOf(i);
-        mParts[i].area->mColor = graph.getTextColor();
+        mParts[i].bars->mColor = graph.getTextColor();
         mParts[i].legend->mEnabled = graph.mEnabled.getValue();
         mParts[i].legend->setTextColor(graph.getTextColor());
         setTextHeight(*mParts[i].legend, NOTE_TEXT_HEIGHT, canvas);
@@ -152,21 +152,19 @@ void FrameTimeWidget::placeBars(const Canvas& canvas) {
     const float pixels = size.x * canvas.pixels.x;
     const float barPixels = std::max(std::ceil(pixels / USUAL_BARS), 1.0F);
     mBars = static_cast<std::size_t>(std::clamp(std::floor(pixels / barPixels), 1.0F, USUAL_BARS));
-    const float width = 2.0F * barPixels / std::max(pixels, 1.0F);
+    mBarWidth = 2.0F * barPixels / std::max(pixels, 1.0F);
+    const auto placeArea = [&](drawer::Drawer& drawer) {
+        setRect(drawer, position.x, position.y + top, size.x, size.y - top);
+    };
     for (const Part& part : mParts) {
-        setRect(*part.area, position.x, position.y + top, size.x, size.y - top);
-        part.area->mVertices.clear();
-        for (std::size_t i = 0; i < mBars; ++i) {
-            const float left = 1.0F - static_cast<float>(mBars - i) * width;
-            part.area->mVertices.insert(
-                part.area->mVertices.end(),
-                {{left, 1.0F}, {left, 1.0F}, {left + width, 1.0F}, {left + width, 1.0F}});
-        }
+        placeArea(*part.bars);
+        part.bars->mVertices.clear();
+        part.bars->mVertices.reserve(2 * mBars);
     }
     for (const RateLine& rate : mLines) {
-        setRect(*rate.line, position.x, position.y + top, size.x, size.y - top);
-        rate.line->mVertices = {{-1.0F, 0.0F}, {1.0F, 0.0F}};
+        placeArea(*rate.line);
     }
+    mRows = std::max(std::floor((size.y - top) * canvas.pixels.y), 1.0F);
     mTopNs = 0.0F;
 }
 
@@ -178,7 +176,7 @@ bool FrameTimeWidget::onFrame() {
     return true;
 }
 
-void FrameTimeWidget::setBar(std::size_t bar, const FrameTime& frame) {
+FrameTimeWidget::Bar FrameTimeWidget::toBar(const FrameTime& frame, float rowsPerNs) const {
     // GPU work during the swap counts for the GPU; the rest of the swap is waiting for the screen or for
     // earlier frames.
     const std::uint64_t gpu =
@@ -186,18 +184,43 @@ void FrameTimeWidget::setBar(std::size_t bar, const FrameTime& frame) {
     const std::uint64_t swap = std::min(frame.swap, frame.total - gpu);
     const std::uint64_t lengths[PARTS] = {swap, gpu, frame.total - swap - gpu};
     std::uint64_t end = 0;
+    Bar bar;
     for (std::size_t i = PARTS; i-- > 0;) {
         end += mParts[i].legend->mEnabled ? lengths[i] : 0;
-        const float height = std::min(static_cast<float>(end) / mTopNs, 1.0F);
-        gui::Vertex* const vertices = &mParts[i].area->mVertices[4 * bar];
-        vertices[0].y = vertices[2].y = 1.0F - 2.0F * height;
+        bar[i] = static_cast<int>(std::min(static_cast<float>(end) * rowsPerNs + 0.5F, mRows));
+    }
+    return bar;
+}
+
+/// Bars of one height beside each other make one rectangle.
+void FrameTimeWidget::setBars(std::size_t first, std::size_t count) {
+    for (const Part& part : mParts) {
+        part.bars->mVertices.clear();
+    }
+    const float rowsPerNs = mRows / mTopNs;
+    const float rowHeight = 2.0F / mRows;
+    std::array<Bar, 2> lastEnds{};  // of each part: lower and upper end
+    for (std::size_t i = 0; i < count; ++i) {
+        const Bar bar = toBar(mTimes.ago(first + i), rowsPerNs);
+        const float right = 1.0F - static_cast<float>(i) * mBarWidth;
+        for (std::size_t part = 0; part < PARTS; ++part) {
+            const int low = part + 1 < PARTS ? bar[part + 1] : 0;
+            const int high = bar[part];
+            std::vector<gui::Vertex>& vertices = mParts[part].bars->mVertices;
+            const bool isLonger = i > 0 && low == lastEnds[0][part] && high == lastEnds[1][part];
+            if (high > low && isLonger) {
+                vertices.back().x = right - mBarWidth;
+            } else if (high > low) {
+                vertices.push_back({right, 1.0F - static_cast<float>(low) * rowHeight});
+                vertices.push_back({right - mBarWidth, 1.0F - static_cast<float>(high) * rowHeight});
+            }
+            lastEnds[0][part] = low;
+            lastEnds[1][part] = high;
+        }
     }
 }
 
 void FrameTimeWidget::refresh(figures::Metrics&) {
-    if (mParts[0].area->mVertices.empty()) {
-        placeBars(mCanvas);  // a dump begins by clearing every drawer
-    }
     const std::size_t known = mTimes.size();
     std::size_t first = 0;
     while (first < std::min(known, GPU_DELAY) && mTimes.ago(first).gpu == FrameTime::NOT_MEASURED) {
@@ -216,9 +239,7 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
     if (mTopNs == 0.0F) {
         return;
     }
-    for (std::size_t i = 0; i < bars; ++i) {
-        setBar(mBars - 1 - i, mTimes.ago(first + i));
-    }
+    setBars(first, bars);
     placeLines();
 }
 
@@ -257,19 +278,17 @@ void FrameTimeWidget::placeLines() {
         const float height = NS_OF_RATE[i] / mTopNs;
         rate.line->mEnabled = height < 1.0F;
         const float y = 1.0F - 2.0F * height;
-        for (gui::Vertex& vertex : rate.line->mVertices) {
-            vertex.y = y;
-        }
+        rate.line->mVertices.assign({{-1.0F, y}, {1.0F, y}});
         // The label is on its line, if there is room: the lower line's must end below the upper one.
-        const drawer::MeshDrawer& bars = *rate.line;
+        const drawer::Drawer& area = *rate.line;
         const float label = NOTE_TEXT_HEIGHT / mCanvas.units.y;
-        const float lineY = bars.mPosition.y + bars.mSize.y * (1.0F - height);
-        setRect(*rate.label, bars.mPosition.x + 0.5F * MARGIN / mCanvas.units.x, lineY - label,
+        const float lineY = area.mPosition.y + area.mSize.y * (1.0F - height);
+        setRect(*rate.label, area.mPosition.x + 0.5F * MARGIN / mCanvas.units.x, lineY - label,
                 LEGEND_WIDTH / mCanvas.units.x, label);
         const float roomAbove =
-            i + 1 < RATES ? bars.mSize.y * (NS_OF_RATE[i + 1] - NS_OF_RATE[i]) / mTopNs : label;
+            i + 1 < RATES ? area.mSize.y * (NS_OF_RATE[i + 1] - NS_OF_RATE[i]) / mTopNs : label;
         rate.label->mEnabled =
-            rate.line->mEnabled && !mIsBand && roomAbove >= label && lineY - label >= bars.mPosition.y;
+            rate.line->mEnabled && !mIsBand && roomAbove >= label && lineY - label >= area.mPosition.y;
     }
 }
 
@@ -277,7 +296,7 @@ void FrameTimeWidget::draw() {
     mGround->draw();
     if (mTopNs > 0.0F) {
         for (const Part& part : mParts) {
-            part.area->draw();
+            part.bars->draw();
         }
         for (const RateLine& rate : mLines) {
             if (rate.line->mEnabled) {

@@ -45,18 +45,22 @@ private:
     static constexpr std::size_t GPU_PART = 1;
     static constexpr std::size_t RATES = 2;
 
-    /// One part of the bars. Each area reaches down to the bottom, and the next one covers it.
+    /// Each part lies on the next one.
     struct Part {
-        drawer::MeshDrawer* area = nullptr;
+        drawer::MeshDrawer* bars = nullptr;
         drawer::TextDrawer* legend = nullptr;
     };
+    /// The rows of pixels up to the upper end of each part.
+    using Bar = std::array<int, PARTS>;
+
     struct RateLine {
         drawer::MeshDrawer* line = nullptr;
         drawer::TextDrawer* label = nullptr;
     };
 
     void placeBars(const Canvas& canvas);
-    void setBar(std::size_t bar, const FrameTime& frame);
+    Bar toBar(const FrameTime& frame, float rowsPerNs) const;
+    void setBars(std::size_t first, std::size_t count);
     void setTexts();
     void setScale(std::uint64_t median, std::uint64_t longest);
     void placeLines();
@@ -66,6 +70,8 @@ private:
     Canvas mCanvas;            // of the last layout
     bool mIsBand = false;      // the bars have only the band
     std::size_t mBars = 0;     // that there is room for
+    float mBarWidth = 0.0F;    // of 2.0, which is the whole width
+    float mRows = 1.0F;        // of pixels that the bars may have
     bool mIsGpuKnown = false;  // of a recent frame
     float mTopNs = 0.0F;       // at the upper end of the bars; 0: nothing to show
 

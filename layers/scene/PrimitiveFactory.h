@@ -18,7 +18,8 @@ namespace scene {
 enum class Topology {
     TRIANGLE_STRIP,  ///< graph fills
     LINE_STRIP,      ///< graph curves
-    LINES            ///< grids: each two vertices make one segment
+    LINES,           ///< grids: each two vertices make one segment
+    BARS  ///< rectangles: each two vertices are opposite corners, moved to the nearest whole pixels
 };
 
 /// Everything that a graphics API's layer supplies to show the overlay: the primitives for the library's

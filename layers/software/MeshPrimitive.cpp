@@ -24,6 +24,12 @@ void MeshPrimitive::draw() {
         case scene::Topology::LINES:
             rasterizer.strokeSegments(image, clip, frame, mPoints.data(), mPoints.size(), width, paint);
             break;
+        case scene::Topology::BARS:
+            for (std::size_t i = 1; i < mPoints.size(); i += 2) {
+                const raster::PixelRect bar = raster::nearestPixels(mPoints[i - 1], mPoints[i], clip);
+                Rasterizer::fillRect(image, bar, raster::toBox(bar), paint);
+            }
+            break;
     }
 }
 

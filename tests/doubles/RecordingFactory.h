@@ -12,7 +12,7 @@ namespace doubles {
 class RecordingFactory : public scene::PrimitiveFactory {
 public:
     std::unique_ptr<drawer::MeshDrawer> createMesh(scene::Topology topology) override {
-        static constexpr const char* NAMES[] = {"fill", "line", "grid"};
+        static constexpr const char* NAMES[] = {"fill", "line", "grid", "bars"};
         return std::make_unique<RecordingMesh>(NAMES[static_cast<int>(topology)]);
     }
     std::unique_ptr<drawer::RectDrawer> createRect() override { return std::make_unique<RecordingRect>(); }

@@ -102,6 +102,7 @@ TEST(Software, SmallestSurfacesAreDrawnOn) {
                                                      makeMesh(factory, Topology::TRIANGLE_STRIP),
                                                      makeMesh(factory, Topology::LINE_STRIP),
                                                      makeMesh(factory, Topology::LINES),
+                                                     makeMesh(factory, Topology::BARS),
                                                      factory.createGrid(factory.createMesh(Topology::LINES)),
                                                      std::move(text)};
         surface.beginOverlay();

@@ -58,6 +58,9 @@ void addGraph(scene::PrimitiveFactory& factory, Drawers& drawers, glm::vec2 posi
     grid.mMesh->mColor = {1.0F, 1.0F, 1.0F, 0.2F};
     auto& fill = add(drawers, factory.createMesh(scene::Topology::TRIANGLE_STRIP), position, size);
     auto& line = add(drawers, factory.createMesh(scene::Topology::LINE_STRIP), position, size);
+    auto& bars = add(drawers, factory.createMesh(scene::Topology::BARS), position, size);
+    bars.mColor = {0.0F, 0.7F, 0.0F, 0.4F};
+    bars.mVertices = {{-1.2F, -0.313F}, {-0.771F, 0.9F}, {0.2F, 0.4F}, {0.1F, NOT_A_NUMBER}};
     fill.mColor = {0.0F, 0.52F, 1.0F, 0.5F};
     line.mColor = {0.0F, 0.52F, 1.0F, 1.0F};
     constexpr int SAMPLES = 100;
