@@ -62,7 +62,9 @@ DumpPlan planDump(std::uint32_t number) {
         plan.base.pop_back();
     }
     plan.name = programName() + '-' + localTime() + '-';
-    plan.runtimeDirectory = openRuntimeDirectory().path;
+    std::string ignored;
+    const std::string* const own = ownRuntimeDirectory(ignored);
+    plan.runtimeDirectory = own == nullptr ? std::string() : *own;
     return plan;
 }
 

@@ -22,10 +22,9 @@ constexpr std::chrono::seconds PAUSE{1};
 }  // namespace
 
 std::string OwnSocket::open() {
-    const RuntimeDirectory directory = openRuntimeDirectory();
-    std::string error = directory.error;
-    if (error.empty()) {
-        mDirectory = directory.path;
+    std::string error;
+    if (const std::string* const directory = ownRuntimeDirectory(error)) {
+        mDirectory = *directory;
         mPath = processSocketPath(mDirectory, getpid());
         mSocket = OwnDescriptor(openProcessSocket(mDirectory, error));
     }

@@ -111,6 +111,13 @@ const std::string* ownRuntimeDirectory(std::string& error) {
     return &own->path;
 }
 
+void useRuntimeDirectory(const std::string& directory) {
+    auto fresh =
+        std::make_unique<OwnDirectory>(OwnDirectory{directory, gOwn.load(std::memory_order_acquire)});
+    gOwn.store(fresh.release(), std::memory_order_release);
+    gIsOwnChosen.store(true, std::memory_order_release);
+}
+
 void changeRuntimeDirectory(const std::string& directory) {
     // NOLINTNEXTLINE(concurrency-mt-unsafe): the header says so
     setenv("KORDANIX_RUNTIME_DIR", directory.c_str(), 1);

@@ -35,4 +35,8 @@ const std::string* ownRuntimeDirectory(std::string& error);
 /// start (it sets the variable too). No other thread may use properties or the environment meanwhile.
 void changeRuntimeDirectory(const std::string& directory);
 
+/// Makes `directory` this process's own one, whatever its environment says, and leaves the environment alone.
+/// Any thread; others may use properties meanwhile. Throws std::bad_alloc.
+void useRuntimeDirectory(const std::string& directory);
+
 }  // namespace platform

@@ -19,6 +19,7 @@ namespace platform {
 namespace {
 
 constexpr const char* OPEN = "open";
+constexpr const char* NAMED = "named";
 /// The process namespace of the number in the claim. A process in another namespace cannot tell whether that
 /// process has ended.
 constexpr const char* NAMESPACE_PROPERTY = "kordanix.run.namespace";
@@ -59,7 +60,7 @@ std::string nextGeneration(const std::string& text) {
 template <typename Properties>
 std::optional<Claim> judge(const Properties& properties, const std::string& own) {
     const std::string claim = properties.value(CLAIM_PROPERTY);
-    if (claim.empty()) {
+    if (claim.empty() || claim == NAMED) {
         return Claim::NONE;
     }
     const auto claimant = parseClaim(claim);
@@ -99,12 +100,41 @@ Claim failed(const PropertyWriter& writer) {
     return Claim::BUSY;
 }
 
+/// Whether this process is to write its API for a name that the user has set.
+template <typename Properties>
+bool isNamed(const Properties& properties, const std::string& processName) {
+    return properties.value(CLAIM_PROPERTY) == NAMED && properties.value(NAME_PROPERTY) == processName &&
+           properties.value(CLAIM_API_PROPERTY).empty();
+}
+
+Claim nameApi(const std::string& directory, const std::string& processName, const std::string& api) {
+    PropertyWriter writer(directory, std::chrono::milliseconds(0));
+    if (!writer.error().empty()) {
+        return failed(writer);
+    }
+    if (!isNamed(writer, processName)) {
+        return Claim::NONE;
+    }
+    writer.set(API_PROPERTY, api);
+    writer.set(CLAIM_API_PROPERTY, api);
+    writer.set(GENERATION_PROPERTY, nextGeneration(writer.value(GENERATION_PROPERTY)));
+    return writer.commit().empty() ? Claim::NONE : failed(writer);
+}
+
+bool isTooEarly() {
+    return std::chrono::steady_clock::now().time_since_epoch().count() <
+           gNextAttempt.load(std::memory_order_relaxed);
+}
+
 Claim claimIn(const std::string& directory, const std::string& processName, const std::string& api) {
     const PropertiesRead read(directory);
     const auto start = read.value(CLAIM_PROPERTY).empty() ? std::nullopt : processStart(getpid());
     // If /proc does not show this process, the claim has only its number.
     const std::string own = std::to_string(getpid()) + ' ' + std::to_string(start.value_or(0));
     const auto verdict = judge(read, own);
+    if (isNamed(read, processName)) {
+        return isTooEarly() ? Claim::BUSY : nameApi(directory, processName, api);
+    }
     if (verdict) {
         return *verdict;
     }
@@ -115,8 +145,7 @@ Claim claimIn(const std::string& directory, const std::string& processName, cons
     if (isWritten(read)) {
         return Claim::OWN;
     }
-    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
-    if (now < gNextAttempt.load(std::memory_order_relaxed)) {
+    if (isTooEarly()) {
         return Claim::BUSY;
     }
     PropertyWriter writer(directory, std::chrono::milliseconds(0));
@@ -174,9 +203,9 @@ std::optional<pid_t> overlayClaimant(const std::string& folder) {
     return claimant ? std::optional(claimant->process) : std::nullopt;
 }
 
-std::string openOverlayClaim(const std::string& folder) {
+std::string openOverlayClaim(const std::string& folder, bool isNamed) {
     PropertyWriter writer(folder);
-    writer.set(CLAIM_PROPERTY, OPEN);
+    writer.set(CLAIM_PROPERTY, isNamed ? NAMED : OPEN);
     return writer.commit();
 }
 

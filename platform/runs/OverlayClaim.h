@@ -10,8 +10,8 @@
 /// gave `run` a name.
 namespace platform {
 
-/// "open", or the number and the start of the process with the claim. Missing when the user gave `run` a
-/// name.
+/// "open", or the number and the start of the process with the claim. "named" when the user gave `run` a name
+/// and no API: the first process of that name writes its API. Missing when the user gave both.
 constexpr const char* CLAIM_PROPERTY = "kordanix.run.claim";
 
 /// The name and API that the process with the claim wrote, for a reset after somebody has changed those.
@@ -38,8 +38,8 @@ Claim claimOverlay(const std::string& processName, std::int32_t api);
 /// has. Its number is that of its own namespace.
 std::optional<pid_t> overlayClaimant(const std::string& folder);
 
-/// Makes a run's overlay claimable; by `run`, before it starts a program without a name being set. Returns
-/// what went wrong, in plain words.
-std::string openOverlayClaim(const std::string& folder);
+/// Makes a run's overlay claimable: by the first process of all, or, if `isNamed`, its API by the first one
+/// with the name that is set. By `run`, before it starts a program. Returns what went wrong, in plain words.
+std::string openOverlayClaim(const std::string& folder, bool isNamed = false);
 
 }  // namespace platform

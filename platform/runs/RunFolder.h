@@ -15,6 +15,9 @@ namespace platform {
 /// The name of the marker in a run's folder.
 constexpr const char* RUN_MARKER = "run";
 
+/// In it, with a slash: what the run began with, for `reset`: a name and a value a line.
+constexpr const char* INITIAL_PROPERTIES = "/properties.begin";
+
 /// Creates the folder and its marker for a program that this process will start. Returns the path; on
 /// failure, or when the path would be too long for a socket in it, an empty text with the reason in `error`.
 std::string makeRunFolder(const std::string& userDirectory, std::string& error);

@@ -6,6 +6,7 @@
 #include "properties/SystemProperties.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
+#include "runs/OwnRun.h"
 #include "runs/RunFolder.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryDirectory.h"
@@ -140,6 +141,34 @@ TEST_F(OverlayClaimTest, IsNotTakenFromAProcessThatMayLive) {
         ASSERT_EQ(setProperties({{CLAIM_PROPERTY, claim}, {"kordanix.run.namespace", place}}), "");
         EXPECT_EQ(claimOverlay("first", 0), expected) << claim << " in " << place;
     }
+}
+
+TEST_F(OverlayClaimTest, ANamedProcessWritesItsApiOnce) {
+    ASSERT_EQ(openOverlayClaim(mRun.path(), true), "");
+    ASSERT_EQ(setProperties({{"debug.kordanix.proc", "first"}}), "");
+    EXPECT_EQ(claimElsewhere(), Claim::NONE);
+    EXPECT_EQ(value("debug.kordanix.api"), "") << "another name";
+    EXPECT_EQ(claimOverlay("first", 0), Claim::NONE);
+    EXPECT_EQ(value("debug.kordanix.api"), "0");
+    ASSERT_EQ(setProperties({{"debug.kordanix.api", "1"}}), "");
+    EXPECT_EQ(claimOverlay("first", 0), Claim::NONE);
+    EXPECT_EQ(value("debug.kordanix.api"), "1") << "what the user sets later stays";
+}
+
+TEST(OwnRunTest, IsBegunOnceWithItsOwnProperties) {
+    if (doubles::isEmulated()) {
+        GTEST_SKIP() << "QEMU tells a process that it started at no time";
+    }
+    const support::TemporaryDirectory directory;
+    changeRuntimeDirectory(directory.path());
+    beginOwnRun();
+    beginOwnRun();
+    std::string error;
+    const std::string folder = *ownRuntimeDirectory(error);
+    EXPECT_EQ(fs::path(folder).parent_path(), directory.path());
+    EXPECT_TRUE(isRunFolder(folder));
+    EXPECT_EQ(PropertyWriter(folder).value("debug.kordanix.status"), "true");
+    EXPECT_EQ(claimOverlay("program", 1), Claim::OWN);
 }
 
 TEST(OverlayNoteTest, AreReadBackAndRubbishIsPassedOver) {

@@ -2,6 +2,7 @@
 
 #include "io/EscapedText.h"
 #include "io/PlainFile.h"
+#include "runs/RunFolder.h"
 
 #include <sstream>
 
@@ -9,7 +10,7 @@ namespace control {
 
 namespace {
 
-constexpr const char* FILE_NAME = "/properties.begin";
+constexpr const char* FILE_NAME = platform::INITIAL_PROPERTIES;
 constexpr std::size_t SIZE_MAX_BYTES = std::size_t{1} << 20U;
 
 }  // namespace

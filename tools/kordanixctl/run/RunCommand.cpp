@@ -85,16 +85,16 @@ void keepLog(const std::string& folder) {
 }
 
 /// Writes the run's initial properties into its folder, which is now this process's runtime directory.
-ExitCode prepareFolder(const std::string& folder, const std::vector<Assignment>& assignments, bool isClaimed,
-                       std::ostream& err) {
+ExitCode prepareFolder(const std::string& folder, const std::vector<Assignment>& assignments, bool isNamed,
+                       bool isApiSet, std::ostream& err) {
     const platform::WriteSignalsBlocked blocked;
     const ExitCode written = writeAssignments(assignments, true, err);
     if (written != SUCCESS) {
         return written;
     }
     std::string error = writeInitialProperties(folder, assignments);
-    if (error.empty() && isClaimed) {
-        error = platform::openOverlayClaim(folder);
+    if (error.empty() && !isApiSet) {
+        error = platform::openOverlayClaim(folder, isNamed);
     }
     return failUnlessEmpty(error, err);
 }
@@ -108,13 +108,14 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
     if (understood != SUCCESS) {
         return understood;
     }
-    const bool isClaimed = !isSet("debug.kordanix.proc", all);
-    if (isClaimed && isSet("debug.kordanix.api", all)) {
+    const bool isNamed = isSet("debug.kordanix.proc", all);
+    const bool isApiSet = isSet("debug.kordanix.api", all);
+    if (!isNamed && isApiSet) {
         return fail(
             "the process that shows the overlay sets 'api' itself; --set proc=NAME chooses another way", err,
             USAGE_ERROR);
     }
-    addDefaults(isClaimed, all);
+    addDefaults(!isNamed, all);
     const std::string& name = words.front();
     const ProgramFile program = findProgram(name);
     if (program.result != SUCCESS) {
@@ -136,7 +137,7 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
     platform::RunHold hold;
     hold.take(folder);
     platform::changeRuntimeDirectory(folder);
-    const ExitCode prepared = prepareFolder(folder, all, isClaimed, err);
+    const ExitCode prepared = prepareFolder(folder, all, isNamed, isApiSet, err);
     if (prepared != SUCCESS) {
         hold.forget();
         platform::removeEndedRun(folder);

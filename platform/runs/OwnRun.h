@@ -1,0 +1,13 @@
+#pragma once
+
+/// A run that no launcher began: the layer of an API that gets into programs without one makes its folder.
+namespace platform {
+
+/// Unless this process belongs to a run: makes a run's folder, named after this process, in its runtime
+/// directory, with the overlay on and to be claimed, and makes that its runtime directory. Before the
+/// process's first frame hook. Also removes what earlier processes left of theirs. Costs some file
+/// operations; what goes wrong leaves the process where it was, and the log says why. Raises no signal. One
+/// thread at a time.
+void beginOwnRun();
+
+}  // namespace platform
