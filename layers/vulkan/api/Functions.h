@@ -13,6 +13,7 @@ namespace vulkan {
     DO(GetPhysicalDeviceFormatProperties)      \
     DO(GetPhysicalDeviceImageFormatProperties) \
     DO(GetPhysicalDeviceMemoryProperties)      \
+    DO(GetPhysicalDeviceProperties)            \
     DO(GetPhysicalDeviceQueueFamilyProperties)
 
 #define VULKAN_DEVICE_FUNCTIONS(DO) \
@@ -31,10 +32,13 @@ namespace vulkan {
     DO(CmdCopyImageToBuffer)        \
     DO(CmdDraw)                     \
     DO(CmdEndRenderPass)            \
+    DO(CmdExecuteCommands)          \
     DO(CmdPipelineBarrier)          \
     DO(CmdPushConstants)            \
+    DO(CmdResetQueryPool)           \
     DO(CmdSetScissor)               \
     DO(CmdSetViewport)              \
+    DO(CmdWriteTimestamp)           \
     DO(CreateBuffer)                \
     DO(CreateCommandPool)           \
     DO(CreateDescriptorPool)        \
@@ -45,6 +49,7 @@ namespace vulkan {
     DO(CreateImage)                 \
     DO(CreateImageView)             \
     DO(CreatePipelineLayout)        \
+    DO(CreateQueryPool)             \
     DO(CreateRenderPass)            \
     DO(CreateSampler)               \
     DO(CreateSemaphore)             \
@@ -60,6 +65,7 @@ namespace vulkan {
     DO(DestroyImageView)            \
     DO(DestroyPipeline)             \
     DO(DestroyPipelineLayout)       \
+    DO(DestroyQueryPool)            \
     DO(DestroyRenderPass)           \
     DO(DestroySampler)              \
     DO(DestroySemaphore)            \
@@ -70,6 +76,7 @@ namespace vulkan {
     DO(GetDeviceQueue)              \
     DO(GetFenceStatus)              \
     DO(GetImageMemoryRequirements)  \
+    DO(GetQueryPoolResults)         \
     DO(MapMemory)                   \
     DO(QueueSubmit)                 \
     DO(ResetFences)                 \
@@ -79,11 +86,23 @@ namespace vulkan {
 /// Of extensions or newer versions, null where the application did not ask for them.
 #define VULKAN_OPTIONAL_INSTANCE_FUNCTIONS(DO) DO(GetPhysicalDeviceSurfaceCapabilitiesKHR)
 #define VULKAN_OPTIONAL_DEVICE_FUNCTIONS(DO) \
+    DO(CmdBeginRenderPass2)                  \
+    DO(CmdBeginRenderPass2KHR)               \
+    DO(CmdBeginRendering)                    \
+    DO(CmdBeginRenderingKHR)                 \
+    DO(CmdEndRenderPass2)                    \
+    DO(CmdEndRenderPass2KHR)                 \
+    DO(CmdEndRendering)                      \
+    DO(CmdEndRenderingKHR)                   \
+    DO(CreateRenderPass2)                    \
+    DO(CreateRenderPass2KHR)                 \
     DO(CreateSwapchainKHR)                   \
     DO(DestroySwapchainKHR)                  \
     DO(GetDeviceQueue2)                      \
     DO(GetSwapchainImagesKHR)                \
-    DO(QueuePresentKHR)
+    DO(QueuePresentKHR)                      \
+    DO(QueueSubmit2)                         \
+    DO(QueueSubmit2KHR)
 
 #define VULKAN_MEMBER(name) PFN_vk##name name = nullptr;
 

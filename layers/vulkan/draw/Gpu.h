@@ -13,6 +13,7 @@ struct Gpu {
     const InstanceFunctions* instance = nullptr;
     DeviceFunctions vk;
     VkPhysicalDeviceMemoryProperties memory = {};
+    float timeStampPeriod = 0.0F;  ///< nanoseconds that a time stamp counts
 
     /// Makes a command buffer that this layer allocated one of the loader's objects.
     PFN_vkSetDeviceLoaderData setLoaderData = nullptr;

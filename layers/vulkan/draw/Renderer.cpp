@@ -76,6 +76,9 @@ entry::Obstacle Renderer::show(drawlist::DrawList& list, const Frame& frame, VkS
         return "the GPU is too far behind";
     }
     mQueue = frame.queue;
+    if (frame.queries != VK_NULL_HANDLE) {
+        mGpu.vk.CmdWriteTimestamp(commands, VK_PIPELINE_STAGE_BOTTOM_OF_PIPE_BIT, frame.queries, frame.query);
+    }
     const bool isThumbnailTaken = frame.hasOverlay && mThumbnail.isDue(list);
     if (frame.waitCount == 0) {
         // Nothing but the order of submissions stands between the application's drawing and this.

@@ -30,6 +30,10 @@ public:
         const VkSemaphore* waits;
         bool hasOverlay;
         std::string picture;  ///< file to write the frame to; empty for none
+
+        /// Query for the time at which what was submitted before is done; of no pool for none.
+        VkQueryPool queries = VK_NULL_HANDLE;
+        std::uint32_t query = 0;
     };
 
     /// `swapchain` and the others outlive it. `side` is that of the glyph texture. Throws Failure.

@@ -1,6 +1,7 @@
 #include "vulkan/draw/SubmissionRing.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace vulkan {
 
@@ -11,9 +12,13 @@ constexpr std::size_t MAX_SLOTS = 32;
 
 constexpr std::uint64_t LONGEST_WAIT_NS = 5'000'000'000;
 
+/// Relaxed order: only the number counts.
+std::atomic<std::uint64_t> gRings = 0;
+
 }  // namespace
 
-SubmissionRing::SubmissionRing(const Gpu& gpu, std::uint32_t queueFamily) : mGpu(gpu) {
+SubmissionRing::SubmissionRing(const Gpu& gpu, std::uint32_t queueFamily)
+    : mGpu(gpu), mNumber(gRings.fetch_add(1, std::memory_order_relaxed) + 1) {
     mSlots.reserve(MAX_SLOTS);
     auto info = infoOf<VkCommandPoolCreateInfo>(VK_STRUCTURE_TYPE_COMMAND_POOL_CREATE_INFO);
     info.flags = VK_COMMAND_POOL_CREATE_RESET_COMMAND_BUFFER_BIT | VK_COMMAND_POOL_CREATE_TRANSIENT_BIT;

@@ -24,6 +24,9 @@ public:
     /// Ends that and submits it; `submission` comes without it. Throws Failure; nothing is submitted then.
     void submit(VkQueue queue, VkSubmitInfo submission);
 
+    /// Which ring of the process it is; no other one has, or had, that number.
+    std::uint64_t number() const { return mNumber; }
+
     /// The number of the submission that begin() has begun, counted from 1.
     std::uint64_t current() const { return mCurrent; }
 
@@ -47,6 +50,7 @@ private:
     Slot create();
 
     const Gpu& mGpu;
+    const std::uint64_t mNumber;
     VkCommandPool mPool = VK_NULL_HANDLE;
     std::vector<Slot> mSlots;
     std::size_t mNext = 0;

@@ -18,7 +18,11 @@ constexpr VkImageUsageFlags WANTED = VK_IMAGE_USAGE_TRANSFER_SRC_BIT;
 }  // namespace
 
 Device::Device(const Instance& instance, const Gpu& gpu, bool isComplete)
-    : mInstance(instance), mGpu(gpu), mIsComplete(isComplete && instance.isComplete), mRetired(mGpu) {
+    : mInstance(instance),
+      mGpu(gpu),
+      mIsComplete(isComplete && instance.isComplete),
+      mRetired(mGpu),
+      mPassQueries(mGpu) {
     if (mIsComplete) {
         std::uint32_t count = 0;
         instance.functions.GetPhysicalDeviceQueueFamilyProperties(gpu.physicalDevice, &count, nullptr);
@@ -37,13 +41,49 @@ Device::~Device() {
 
 void Device::addQueue(VkQueue queue, std::uint32_t family) {
     if (queue != VK_NULL_HANDLE && mQueues.find(queue) == nullptr) {
-        mQueues.insert(queue, std::make_unique<std::uint32_t>(family));
+        mQueues.insert(queue, std::make_unique<Queue>(Queue{family, nullptr, false}));
     }
 }
 
 std::uint32_t Device::familyOf(VkQueue queue) const {
-    const std::uint32_t* const family = mQueues.find(queue);
-    return family == nullptr ? NO_FAMILY : *family;
+    const Queue* const found = mQueues.find(queue);
+    return found == nullptr ? NO_FAMILY : found->family;
+}
+
+TimeStampClock Device::clockOf(const Queue& queue) const {
+    const std::uint32_t bits =
+        queue.family < mFamilies.size() ? mFamilies[queue.family].timestampValidBits : 0;
+    return bits == 0 ? TimeStampClock() : TimeStampClock(bits, mGpu.timeStampPeriod);
+}
+
+void Device::expectFrame(VkQueue queue, std::uint32_t frame) {
+    Queue* const found = mQueues.find(queue);
+    const TimeStampClock clock = found == nullptr ? TimeStampClock() : clockOf(*found);
+    if (clock.mask == 0) {
+        return;
+    }
+    if (found->stamps == nullptr && !found->isUntimed) {
+        try {
+            found->stamps = std::make_unique<FrameStamps>(mGpu, found->family, clock);
+        } catch (const std::exception& error) {
+            found->isUntimed = true;
+            KORDANIX_LOG_ERROR("frames are shown without the GPU's time: %s", KORDANIX_LOG_HERE,
+                               error.what());
+        }
+    }
+    if (found->isUntimed) {
+        return;
+    }
+    found->stamps->expect(frame);
+    mExpecting.store(queue, std::memory_order_relaxed);
+}
+
+FrameStamps* Device::expectingStamps(VkQueue queue) const {
+    if (mExpecting.load(std::memory_order_relaxed) != queue) {
+        return nullptr;
+    }
+    const Queue* const found = mQueues.find(queue);
+    return found == nullptr ? nullptr : found->stamps.get();
 }
 
 bool Device::canDraw(std::uint32_t family) const {

@@ -11,6 +11,9 @@
 #include "vulkan/draw/Renderer.h"
 #include "vulkan/draw/RetiredSemaphores.h"
 #include "vulkan/entry/ObjectMap.h"
+#include "vulkan/timing/AttachmentRecords.h"
+#include "vulkan/timing/FrameStamps.h"
+#include "vulkan/timing/PassRecorder.h"
 
 namespace vulkan {
 
@@ -28,6 +31,13 @@ struct Swapchain {
     entry::Obstacle obstacle = nullptr;  ///< why it is left alone
     std::unique_ptr<Renderer> renderer;  ///< made when there is something to show
     std::uint32_t family = 0;            ///< of the queues that the renderer works for
+};
+
+/// A queue that the application has asked for.
+struct Queue {
+    std::uint32_t family;
+    std::unique_ptr<FrameStamps> stamps;  ///< made when frames are timed there; used as the queue is
+    bool isUntimed = false;               ///< they could not be made
 };
 
 /// A device of the application. Any thread.
@@ -49,6 +59,22 @@ public:
     void addQueue(VkQueue queue, std::uint32_t family);
     std::uint32_t familyOf(VkQueue queue) const;
     bool canDraw(std::uint32_t family) const;
+
+    /// Null for one that the application has not asked for.
+    Queue* findQueue(VkQueue queue) const { return mQueues.find(queue); }
+
+    /// What the time stamps of a queue count.
+    TimeStampClock clockOf(const Queue& queue) const;
+
+    /// The next submission to the queue begins a frame of that name, which is timed.
+    void expectFrame(VkQueue queue, std::uint32_t frame);
+
+    /// Null unless the next submission to the queue does. In any submission.
+    FrameStamps* expectingStamps(VkQueue queue) const;
+    void forgetExpectation() { mExpecting.store(VK_NULL_HANDLE, std::memory_order_relaxed); }
+
+    AttachmentRecords& attachments() { return mAttachments; }
+    PassRecorder::Queries& passQueries() { return mPassQueries; }
 
     /// The application's function, for which uses are added that drawing needs and the surface allows. `made`
     /// is what the layer knows of the new swapchain; null after a failure.
@@ -75,7 +101,11 @@ private:
     std::vector<VkQueueFamilyProperties> mFamilies;
     std::optional<Pipelines> mPipelines;
     RetiredSemaphores mRetired;
-    ObjectMap<VkQueue, std::uint32_t> mQueues;
+    AttachmentRecords mAttachments;
+    PassRecorder::Queries mPassQueries;
+    ObjectMap<VkQueue, Queue> mQueues;
+    /// The queue with the frame that is expected. Relaxed order: what belongs to it is used as it is.
+    std::atomic<VkQueue> mExpecting = VK_NULL_HANDLE;
     ObjectMap<VkSwapchainKHR, Swapchain> mSwapchains;
 };
 

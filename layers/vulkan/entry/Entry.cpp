@@ -1,36 +1,28 @@
-// What Vulkan's loader calls. Dispatchable handles begin with a pointer of the loader's, which the objects
-// made from an instance, or from a device, share: it tells whose a handle is.
+// What Vulkan's loader calls.
 
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <new>
 
 #include "ostra/PerProcess.h"
 #include "utils/Log.h"
+#include "vulkan/entry/Hooks.h"
 #include "vulkan/entry/Layer.h"
 
 namespace vulkan {
 
-namespace {
-
-using Key = void*;
-
-template <typename Handle>
-Key keyOf(Handle handle) {
-    return *reinterpret_cast<Key*>(handle);
-}
-
 /// Never destroyed: programs call Vulkan until their last moment.
-ObjectMap<Key, Instance>& instances() {
-    static auto* const all = new ObjectMap<Key, Instance>;
+DispatchMap<Instance>& instances() {
+    static auto* const all = new DispatchMap<Instance>;
     return *all;
 }
 
-ObjectMap<Key, Device>& devices() {
-    static auto* const all = new ObjectMap<Key, Device>;
+DispatchMap<Device>& devices() {
+    static auto* const all = new DispatchMap<Device>;
     return *all;
 }
+
+namespace {
 
 /// The loader's structure of a type in a chain; of those that come twice, the one that says `function`.
 template <typename Info>
@@ -83,7 +75,7 @@ VKAPI_ATTR void VKAPI_CALL destroyInstance(VkInstance instance, const VkAllocati
     if (instance == VK_NULL_HANDLE) {
         return;
     }
-    const Key key = keyOf(instance);
+    void* const key = keyOf(instance);
     if (const Instance* const found = instances().find(key)) {
         const PFN_vkDestroyInstance destroy = found->functions.DestroyInstance;
         // The loader may give the next instance the same key at once.
@@ -123,6 +115,11 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, con
     if (instance->functions.GetPhysicalDeviceMemoryProperties != nullptr) {
         instance->functions.GetPhysicalDeviceMemoryProperties(physicalDevice, &gpu.memory);
     }
+    if (instance->functions.GetPhysicalDeviceProperties != nullptr) {
+        VkPhysicalDeviceProperties properties = {};
+        instance->functions.GetPhysicalDeviceProperties(physicalDevice, &properties);
+        gpu.timeStampPeriod = properties.limits.timestampPeriod;
+    }
     try {
         devices().insert(keyOf(*device), std::make_unique<Device>(*instance, gpu, isComplete));
     } catch (const std::bad_alloc&) {
@@ -139,6 +136,9 @@ VKAPI_ATTR void VKAPI_CALL destroyDevice(VkDevice device, const VkAllocationCall
         return;
     }
     if (std::unique_ptr<Device> gone = devices().remove(keyOf(device))) {
+        if (Layer* const layer = platform::PerProcess<Layer>::find()) {
+            layer->passes().forget(gone->gpu());
+        }
         const PFN_vkDestroyDevice destroy = gone->gpu().vk.DestroyDevice;
         gone.reset();
         destroy(device, allocator);
@@ -199,32 +199,14 @@ VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKH
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name);
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getInstanceProcAddr(VkInstance instance, const char* name);
 
-struct Hook {
-    const char* name;
-    PFN_vkVoidFunction function;
-};
-
-template <typename Function>
-PFN_vkVoidFunction erase(Function* function) {
-    return reinterpret_cast<PFN_vkVoidFunction>(function);
-}
-
-PFN_vkVoidFunction find(const Hook* first, const Hook* end, const char* name) {
-    for (; first != end; ++first) {
-        if (std::strcmp(first->name, name) == 0) {
-            return first->function;
-        }
-    }
-    return nullptr;
-}
-
 PFN_vkVoidFunction findDeviceHook(const char* name) {
     static const Hook HOOKS[] = {
         {"vkGetDeviceProcAddr", erase(getDeviceProcAddr)}, {"vkDestroyDevice", erase(destroyDevice)},
         {"vkGetDeviceQueue", erase(getDeviceQueue)},       {"vkGetDeviceQueue2", erase(getDeviceQueue2)},
         {"vkCreateSwapchainKHR", erase(createSwapchain)},  {"vkDestroySwapchainKHR", erase(destroySwapchain)},
         {"vkQueuePresentKHR", erase(queuePresent)}};
-    return find(std::begin(HOOKS), std::end(HOOKS), name);
+    const PFN_vkVoidFunction hook = findHook(HOOKS, name);
+    return hook != nullptr ? hook : findTimingHook(name);
 }
 
 PFN_vkVoidFunction findInstanceHook(const char* name) {
@@ -232,7 +214,7 @@ PFN_vkVoidFunction findInstanceHook(const char* name) {
                                  {"vkCreateInstance", erase(createInstance)},
                                  {"vkDestroyInstance", erase(destroyInstance)},
                                  {"vkCreateDevice", erase(createDevice)}};
-    return find(std::begin(HOOKS), std::end(HOOKS), name);
+    return findHook(HOOKS, name);
 }
 
 /// A function that the application did not ask for is not there for it, hooked or not.

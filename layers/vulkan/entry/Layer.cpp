@@ -8,9 +8,11 @@
 #include <optional>
 #include <utility>
 
+#include "core/StateInfo.h"
 #include "entry/OverlaySwitch.h"
 #include "entry/SurfaceSize.h"
 #include "ostra/PictureRequest.h"
+#include "runs/OwnRun.h"
 #include "utils/Log.h"
 
 namespace vulkan {
@@ -74,10 +76,13 @@ VkResult Layer::presentWith(const Present& present) {
     try {
         if (std::exchange(mIsInFrame, false)) {
             mOverlay.endSwap();
+            std::uint64_t shown = 0;
             {
                 const std::lock_guard<std::mutex> lock(mMutex);
                 mOverlay.endFrame();
+                shown = core::StateInfo::mFrameNumber;
             }
+            expectFrame(present, static_cast<std::uint32_t>(shown));
             mOverlay.leave();
         }
     } catch (const std::exception& error) {
@@ -101,7 +106,9 @@ Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
     Swapchain& swapchain = present.swapchain;
     if (swapchain.renderer != nullptr) {
         swapchain.renderer->advance();
+        takeTimes(present);
     }
+    mPasses.onFrameEnd();
     mList.setSize(static_cast<int>(swapchain.images.size.width),
                   static_cast<int>(swapchain.images.size.height));
     Obstacle obstacle = beginFrame();
@@ -117,6 +124,9 @@ Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
 Obstacle Layer::beginFrame() {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (!mRight.isGranted()) {
+        if (!std::exchange(mHasRun, true)) {
+            platform::beginOwnRun();
+        }
         const Obstacle refusal = mRight.ask();
         if (refusal != nullptr) {
             return refusal;
@@ -165,13 +175,44 @@ Obstacle Layer::submit(const Present& present, bool hasOverlay, VkSemaphore& dra
     if (hasOverlay && swapchain.images.layers == 0) {
         return "its pictures have no layers";
     }
+    Queue* const queue = present.device.findQueue(present.queue);
+    FrameStamps* const stamps = queue == nullptr ? nullptr : queue->stamps.get();
+    if (stamps != nullptr) {
+        frame.queries = stamps->end(frame.query);
+    }
     const Obstacle failure = renderer.show(mList, frame, drawn);
     if (failure == nullptr) {
         present.device.onSubmitted(renderer);
+        mPasses.onFrameSubmitted(renderer.ring());
+        if (stamps != nullptr) {
+            stamps->onSubmitted(renderer.ring());
+        }
     } else if (!frame.picture.empty()) {
         mPicture = std::move(frame.picture);
     }
     return failure;
+}
+
+/// What the GPU took of earlier frames.
+void Layer::takeTimes(const Present& present) {
+    SubmissionRing& ring = present.swapchain.renderer->ring();
+    mPasses.advance(ring);
+    Queue* const queue = present.device.findQueue(present.queue);
+    scene::FrameTimer::Time time;
+    if (queue != nullptr && queue->stamps != nullptr && queue->stamps->take(ring, time)) {
+        mTimer.give(time);
+    }
+}
+
+void Layer::expectFrame(const Present& present, std::uint32_t shown) {
+    const Queue* const queue = present.device.findQueue(present.queue);
+    if (queue == nullptr) {
+        return;
+    }
+    mPasses.onFrameBegin(present.device.passQueries(), present.queue, present.device.clockOf(*queue), shown);
+    if (mTimer.isWanted()) {
+        present.device.expectFrame(present.queue, mTimer.frame());
+    }
 }
 
 /// A request stays until its frame could be read, or whoever asked has taken the file away.

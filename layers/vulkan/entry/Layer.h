@@ -14,6 +14,8 @@
 #include "scene/Overlay.h"
 #include "vulkan/entry/Device.h"
 #include "vulkan/entry/PresentCopy.h"
+#include "vulkan/timing/GpuTimer.h"
+#include "vulkan/timing/PassRecorder.h"
 
 namespace vulkan {
 
@@ -33,6 +35,9 @@ public:
     /// Before the swapchain is destroyed.
     void forget(const Swapchain& swapchain);
 
+    /// Of captures. Any thread.
+    PassRecorder& passes() { return mPasses; }
+
     void onForked() const {}
     void onExit();
 
@@ -51,12 +56,15 @@ private:
     entry::Obstacle draw(const Present& present, VkSemaphore& drawn);
     entry::Obstacle beginFrame();
     entry::Obstacle submit(const Present& present, bool hasOverlay, VkSemaphore& drawn);
+    void takeTimes(const Present& present);
+    void expectFrame(const Present& present, std::uint32_t shown);
     bool isPictureWanted();
     void fail(Swapchain& swapchain, const char* reason);
     void report(entry::Obstacle obstacle);
     entry::Obstacle keep(const std::string& text);
 
-    std::mutex mMutex;  ///< around the library's work, the right and the note; no call to Vulkan under it
+    std::mutex mMutex;     ///< around the library's work, the right and the note; no call to Vulkan under it
+    bool mHasRun = false;  ///< the process is in a run, its own one if need be
     entry::OverlayRight mRight{LAYER_API};
     entry::StatusNote mStatus{LAYER_API};
     std::deque<std::string> mFailures;  ///< texts of obstacles, kept for good
@@ -66,7 +74,9 @@ private:
     std::atomic<Swapchain*> mShown = nullptr;
     drawlist::DrawList mList;
     drawlist::DrawListFactory mFactory{mList};
-    scene::Overlay mOverlay{mFactory, LAYER_API};
+    PassRecorder mPasses;
+    GpuTimer mTimer;
+    scene::Overlay mOverlay{mFactory, LAYER_API, &mPasses, &mTimer};
     PresentCopy mCopy;
     bool mIsInFrame = false;  ///< the library's frame has begun
     std::string mPicture;     ///< file to write the next picture to; empty for none
