@@ -20,6 +20,8 @@ public:
     /// is granted. Costs some file operations. One thread at a time, together with isGranted().
     Obstacle ask();
 
+    core::RenderingApiType api() const { return mApi; }
+
     /// Once true, always true.
     bool isGranted() const { return mIsGranted; }
 

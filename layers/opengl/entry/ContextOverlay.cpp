@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "core/StateInfo.h"
-#include "entry/OverlaySwitch.h"
+#include "entry/LibraryFrame.h"
 #include "entry/PictureFile.h"
 #include "opengl/entry/LayerApi.h"
 #include "ostra/PictureRequest.h"
@@ -128,27 +128,11 @@ void ContextOverlay::release() {
 /// The library's part.
 Obstacle ContextOverlay::beginFrame(bool isLookedAt) {
     const std::lock_guard<std::mutex> lock(mShared.mutex);
-    if (!mShared.right.isGranted()) {
-        // Launchers have windows of a single pixel, which are not to be taken for the program.
-        const Obstacle refusal = mSurface.size.isDrawable() ? mShared.right.ask() : entry::TOO_SMALL;
-        if (refusal != nullptr) {
-            return refusal;
-        }
-    }
-    mIsInFrame = true;
-    mOverlay.attach();
-    mOverlay.beginFrame();
-    if (!mOverlay.isShown()) {
-        return entry::whyIsOff(LAYER_API);
-    }
-    if (!isLookedAt) {
-        return "it has just been switched on";
-    }
-    if (!mSurface.size.isDrawable()) {
-        return entry::TOO_SMALL;
-    }
-    mOverlay.draw();
-    return nullptr;
+    // Launchers have windows of a single pixel, which are not to be taken for the program.
+    const bool isDrawable = mSurface.size.isDrawable();
+    Obstacle surface = isDrawable ? nullptr : entry::TOO_SMALL;
+    surface = isLookedAt ? surface : "it has just been switched on";
+    return entry::beginFrame(mOverlay, mShared.right, surface, isDrawable, mIsInFrame);
 }
 
 void ContextOverlay::lookAtSurface(const WindowLibrary& library, const Swap& swap,

@@ -1,0 +1,28 @@
+#include "entry/LibraryFrame.h"
+
+#include "entry/OverlaySwitch.h"
+#include "scene/Overlay.h"
+
+namespace entry {
+
+Obstacle beginFrame(scene::Overlay& overlay, OverlayRight& right, Obstacle surface, bool mayAsk,
+                    bool& isInFrame) {
+    if (!right.isGranted()) {
+        const Obstacle refusal = mayAsk ? right.ask() : surface;
+        if (refusal != nullptr) {
+            return refusal;
+        }
+    }
+    isInFrame = true;
+    overlay.attach();
+    overlay.beginFrame();
+    if (!overlay.isShown()) {
+        return whyIsOff(right.api());
+    }
+    if (surface == nullptr) {
+        overlay.draw();
+    }
+    return surface;
+}
+
+}  // namespace entry
