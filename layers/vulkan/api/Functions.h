@@ -10,6 +10,7 @@ namespace vulkan {
 
 #define VULKAN_INSTANCE_FUNCTIONS(DO)          \
     DO(DestroyInstance)                        \
+    DO(EnumerateDeviceExtensionProperties)     \
     DO(GetPhysicalDeviceFormatProperties)      \
     DO(GetPhysicalDeviceImageFormatProperties) \
     DO(GetPhysicalDeviceMemoryProperties)      \
@@ -84,7 +85,9 @@ namespace vulkan {
     DO(WaitForFences)
 
 /// Of extensions or newer versions, null where the application did not ask for them.
-#define VULKAN_OPTIONAL_INSTANCE_FUNCTIONS(DO) DO(GetPhysicalDeviceSurfaceCapabilitiesKHR)
+#define VULKAN_OPTIONAL_INSTANCE_FUNCTIONS(DO)       \
+    DO(GetPhysicalDeviceCalibrateableTimeDomainsEXT) \
+    DO(GetPhysicalDeviceSurfaceCapabilitiesKHR)
 #define VULKAN_OPTIONAL_DEVICE_FUNCTIONS(DO) \
     DO(CmdBeginRenderPass2)                  \
     DO(CmdBeginRenderPass2KHR)               \
@@ -98,6 +101,7 @@ namespace vulkan {
     DO(CreateRenderPass2KHR)                 \
     DO(CreateSwapchainKHR)                   \
     DO(DestroySwapchainKHR)                  \
+    DO(GetCalibratedTimestampsEXT)           \
     DO(GetDeviceQueue2)                      \
     DO(GetSwapchainImagesKHR)                \
     DO(QueuePresentKHR)                      \

@@ -1,5 +1,7 @@
 #include "vulkan/entry/Device.h"
 
+#include <ostra/ExtraColumns.h>
+
 #include <algorithm>
 #include <exception>
 
@@ -148,6 +150,11 @@ Renderer& Device::renderer(Swapchain& swapchain, std::uint32_t family, drawlist:
         swapchain.renderer =
             std::make_unique<Renderer>(mGpu, *mPipelines, swapchain.images, family, list.glyphs.side());
         swapchain.family = family;
+        if (Ostra::setDumpSubject != nullptr) {
+            VkPhysicalDeviceProperties properties = {};
+            mInstance.functions.GetPhysicalDeviceProperties(mGpu.physicalDevice, &properties);
+            Ostra::setDumpSubject("GPU", properties.deviceName);
+        }
     }
     return *swapchain.renderer;
 }

@@ -21,7 +21,8 @@ namespace vulkan {
 struct Instance {
     VkInstance handle;
     InstanceFunctions functions;
-    bool isComplete;  ///< with all functions that the layer needs
+    bool isComplete;      ///< with all functions that the layer needs
+    bool hasProperties2;  ///< see Calibration.h
 };
 
 /// A swapchain of the application. Used by the thread that presents or destroys it.

@@ -8,6 +8,7 @@
 #include "utils/Log.h"
 #include "vulkan/entry/Hooks.h"
 #include "vulkan/entry/Layer.h"
+#include "vulkan/timing/Calibration.h"
 
 namespace vulkan {
 
@@ -59,8 +60,8 @@ VKAPI_ATTR VkResult VKAPI_CALL createInstance(const VkInstanceCreateInfo* info,
     InstanceFunctions functions;
     const bool isComplete = functions.load(*instance, lookUp);
     try {
-        instances().insert(keyOf(*instance),
-                           std::make_unique<Instance>(Instance{*instance, functions, isComplete}));
+        instances().insert(keyOf(*instance), std::make_unique<Instance>(Instance{
+                                                 *instance, functions, isComplete, hasProperties2(*info)}));
     } catch (const std::bad_alloc&) {
         // Without a record nothing could be passed on.
         if (functions.DestroyInstance != nullptr) {
@@ -96,13 +97,23 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, con
     }
     const PFN_vkGetInstanceProcAddr instanceLookUp = link->u.pLayerInfo->pfnNextGetInstanceProcAddr;
     const PFN_vkGetDeviceProcAddr lookUp = link->u.pLayerInfo->pfnNextGetDeviceProcAddr;
-    link->u.pLayerInfo = link->u.pLayerInfo->pNext;
+    VkLayerDeviceLink* const next = link->u.pLayerInfo->pNext;
     const auto create =
         reinterpret_cast<PFN_vkCreateDevice>(instanceLookUp(instance->handle, "vkCreateDevice"));
     if (create == nullptr) {
         return VK_ERROR_INITIALIZATION_FAILED;
     }
-    const VkResult result = create(physicalDevice, info, allocator, device);
+    const CalibratedDeviceInfo calibrated(instance->functions, physicalDevice, instance->hasProperties2,
+                                          *info);
+    link->u.pLayerInfo = next;
+    VkResult result = create(physicalDevice, calibrated.info(), allocator, device);
+    bool isCalibrated = calibrated.isOurs();
+    if (result != VK_SUCCESS && isCalibrated) {
+        // What we added may be the reason. The layers below have moved the link on.
+        isCalibrated = false;
+        link->u.pLayerInfo = next;
+        result = create(physicalDevice, info, allocator, device);
+    }
     if (result != VK_SUCCESS) {
         return result;
     }
@@ -110,6 +121,7 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, con
     gpu.device = *device;
     gpu.physicalDevice = physicalDevice;
     gpu.instance = &instance->functions;
+    gpu.isCalibrated = isCalibrated;
     const bool isComplete = gpu.vk.load(*device, lookUp);
     gpu.setLoaderData = callback == nullptr ? nullptr : callback->u.pfnSetDeviceLoaderData;
     if (instance->functions.GetPhysicalDeviceMemoryProperties != nullptr) {
@@ -221,6 +233,9 @@ PFN_vkVoidFunction findInstanceHook(const char* name) {
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name) {
     const Device* const record = device == VK_NULL_HANDLE ? nullptr : devices().find(keyOf(device));
     if (record == nullptr || name == nullptr) {
+        return nullptr;
+    }
+    if (record->gpu().isCalibrated && std::strcmp(name, "vkGetCalibratedTimestampsEXT") == 0) {
         return nullptr;
     }
     const PFN_vkVoidFunction next = record->gpu().vk.GetDeviceProcAddr(device, name);

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "core/StateInfo.h"
-#include "entry/OverlaySwitch.h"
+#include "entry/LibraryFrame.h"
 #include "entry/SurfaceSize.h"
 #include "ostra/PictureRequest.h"
 #include "runs/OwnRun.h"
@@ -28,6 +28,7 @@ VkResult Layer::present(Device& device, VkQueue queue, const VkPresentInfoKHR& i
             return presentWith({device, queue, info, *swapchain, index});
         }
         if (obstacle != nullptr) {
+            tellOnce(obstacle);
             report(obstacle);
         }
     }
@@ -117,29 +118,19 @@ Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
         return obstacle;
     }
     const Obstacle failure = submit(present, hasOverlay, drawn);
+    if (failure != nullptr) {
+        tellOnce(failure);
+    }
     return failure != nullptr ? failure : obstacle;
 }
 
 /// The library's part.
 Obstacle Layer::beginFrame() {
     const std::lock_guard<std::mutex> lock(mMutex);
-    if (!mRight.isGranted()) {
-        if (!std::exchange(mHasRun, true)) {
-            platform::beginOwnRun();
-        }
-        const Obstacle refusal = mRight.ask();
-        if (refusal != nullptr) {
-            return refusal;
-        }
+    if (!std::exchange(mHasRun, true)) {
+        platform::beginOwnRun();
     }
-    mIsInFrame = true;
-    mOverlay.attach();
-    mOverlay.beginFrame();
-    if (!mOverlay.isShown()) {
-        return entry::whyIsOff(LAYER_API);
-    }
-    mOverlay.draw();
-    return nullptr;
+    return entry::beginFrame(mOverlay, mRight, nullptr, true, mIsInFrame);
 }
 
 /// The GPU's part.
@@ -244,6 +235,8 @@ void Layer::forget(const Swapchain& swapchain) {
 void Layer::fail(Swapchain& swapchain, const char* reason) {
     try {
         swapchain.obstacle = keep(reason);
+        const std::lock_guard<std::mutex> lock(mMutex);
+        mTold.push_back(swapchain.obstacle);
     } catch (const std::exception&) {
         swapchain.obstacle = "there is no memory left";
     }
@@ -254,6 +247,19 @@ Obstacle Layer::keep(const std::string& text) {
     const std::lock_guard<std::mutex> lock(mMutex);
     const auto found = std::find(mFailures.begin(), mFailures.end(), text);
     return found != mFailures.end() ? found->c_str() : mFailures.emplace_back(text).c_str();
+}
+
+/// A swapchain or its presents are left alone: in the log once for each reason.
+void Layer::tellOnce(Obstacle obstacle) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    try {
+        if (std::find(mTold.begin(), mTold.end(), obstacle) == mTold.end()) {
+            mTold.push_back(obstacle);
+            KORDANIX_LOG_ERROR("a swapchain goes without the overlay: %s", KORDANIX_LOG_HERE, obstacle);
+        }
+    } catch (const std::bad_alloc&) {
+        // Told another time.
+    }
 }
 
 /// What became of a present, for the note and the log.

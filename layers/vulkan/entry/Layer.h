@@ -5,6 +5,7 @@
 #include <deque>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "core/RenderingApiType.h"
 #include "drawlist/DrawList.h"
@@ -60,6 +61,7 @@ private:
     void expectFrame(const Present& present, std::uint32_t shown);
     bool isPictureWanted();
     void fail(Swapchain& swapchain, const char* reason);
+    void tellOnce(entry::Obstacle obstacle);
     void report(entry::Obstacle obstacle);
     entry::Obstacle keep(const std::string& text);
 
@@ -67,7 +69,8 @@ private:
     bool mHasRun = false;  ///< the process is in a run, its own one if need be
     entry::OverlayRight mRight{LAYER_API};
     entry::StatusNote mStatus{LAYER_API};
-    std::deque<std::string> mFailures;  ///< texts of obstacles, kept for good
+    std::deque<std::string> mFailures;   ///< texts of obstacles, kept for good
+    std::vector<entry::Obstacle> mTold;  ///< in the log
 
     /// Where the overlay is shown; what follows is its thread's. Written under the mutex; acquire and
     /// release, since what follows goes with it from thread to thread.

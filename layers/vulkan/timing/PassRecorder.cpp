@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "utils/Log.h"
+#include "vulkan/timing/Calibration.h"
 
 namespace vulkan {
 
@@ -203,6 +204,10 @@ void PassRecorder::readPasses() {
                                          sizeof(stamps[0]), VK_QUERY_RESULT_64_BIT) == VK_SUCCESS;
         pass.begin = stamps[0];
         pass.end = stamps[1];
+        if (pass.isComplete && mKnownTime == 0) {
+            mKnownStamp = pass.begin;
+            mKnownTime = monotonicTime(*mGpu, mClock, pass.begin).value_or(0);
+        }
     }
 }
 
@@ -239,6 +244,11 @@ bool PassRecorder::readFrame(gui::FrameData& frame, scene::Reading /*captureStar
     const auto first = std::find_if(mOrder.begin(), mOrder.end(), isKnown);
     const std::uint64_t start = first == mOrder.end() ? 0 : mPasses[*first].begin;
     frame.mFrameId = mFrameNumber;
+    const long double base = mKnownTime == 0
+                                 ? 0.0L
+                                 : (static_cast<long double>(mKnownTime) +
+                                    static_cast<long double>(mClock.nanoseconds(mKnownStamp, start))) /
+                                       NS_PER_MS;
     std::uint64_t last = 0;
     unsigned int index = 0;
     for (auto each = first; each != mOrder.end(); ++each) {
@@ -254,12 +264,12 @@ bool PassRecorder::readFrame(gui::FrameData& frame, scene::Reading /*captureStar
             data.addValue(static_cast<unsigned int>(format));
         }
         data.setIndex(index++);
-        data.addTimestampInfo(static_cast<long double>(begin) / NS_PER_MS,
-                              static_cast<long double>(end) / NS_PER_MS);
+        data.addTimestampInfo(base + static_cast<long double>(begin) / NS_PER_MS,
+                              base + static_cast<long double>(end) / NS_PER_MS);
         frame.addRenderPassInfo(data);
         last = std::max(last, end);
     }
-    frame.addFrameTimeInfo(0.0L, static_cast<long double>(last) / NS_PER_MS);
+    frame.addFrameTimeInfo(base, base + static_cast<long double>(last) / NS_PER_MS);
     enterLocked(State::IDLE);
     return index != 0;
 }
@@ -293,6 +303,7 @@ void PassRecorder::enterLocked(State state) {
         mElsewhere = 0;
         mIsFull = false;
         mFrameNumber = 0;
+        mKnownTime = 0;
     }
     gIsListening.store(isStamping() || state == State::ENDED || state == State::READING,
                        std::memory_order_relaxed);

@@ -25,8 +25,8 @@ namespace vulkan {
 /// - A pass that is suspended and resumed in the same command buffer is one pass.
 ///
 /// A pass's values are its GPU time in microseconds, the width and height of what it draws into, and the
-/// formats of its attachments (VkFormat); 0 for a size that is not known. Times start from 0, the beginning
-/// of the first pass.
+/// formats of its attachments (VkFormat); 0 for a size that is not known. Times are those of CLOCK_MONOTONIC
+/// where the device relates its own clock to it; otherwise they start from 0 with the first pass.
 ///
 /// Any thread calls the functions of commands and submissions, and only while isListening(); all others are
 /// the rendering thread's. Command buffers may keep the stamps of a capture, so their queries stay as long as
@@ -135,6 +135,8 @@ private:
     std::uint64_t mRing = 0;
     std::uint64_t mSubmission = 0;
     std::uint32_t mFrameNumber = 0;
+    std::uint64_t mKnownStamp = 0;  ///< the GPU took this one
+    std::int64_t mKnownTime = 0;    ///< at that time in nanoseconds; 0: not known
 };
 
 }  // namespace vulkan
