@@ -131,6 +131,11 @@ void PassRecorder::onSubmitted(VkQueue queue, VkCommandBuffer commands) {
     } else if (isInFrame && queue == mQueue) {
         recording.isSubmitted = true;
         mUnknown += recording.unknown;
+        for (const std::uint32_t pass : recording.passes) {
+            // A secondary command buffer may be in several others.
+            mPasses[pass].isRepeated = mPasses[pass].isRepeated || mPasses[pass].isInFrame;
+            mPasses[pass].isInFrame = true;
+        }
         try {
             mOrder.insert(mOrder.end(), recording.passes.begin(), recording.passes.end());
         } catch (const std::bad_alloc&) {

@@ -97,6 +97,7 @@ private:
     struct Pass {
         PassTargets targets;
         bool isComplete = false;  ///< has both stamps
+        bool isInFrame = false;   ///< has been submitted in it
         bool isRepeated = false;  ///< its stamps are of more than one submission
         std::uint64_t begin = 0;
         std::uint64_t end = 0;
