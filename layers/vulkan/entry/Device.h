@@ -19,10 +19,10 @@ namespace vulkan {
 
 /// An instance of the application.
 struct Instance {
-    VkInstance handle;
+    VkInstance handle = VK_NULL_HANDLE;
     InstanceFunctions functions;
-    bool isComplete;      ///< with all functions that the layer needs
-    bool hasProperties2;  ///< see Calibration.h
+    bool isComplete = false;      ///< with all functions that the layer needs
+    bool hasProperties2 = false;  ///< see Calibration.h
 };
 
 /// A swapchain of the application. Used by the thread that presents or destroys it.
