@@ -23,10 +23,28 @@ std::string format(const Figure& figure, const Reading& reading) {
                               reading.suffix() != nullptr ? reading.suffix() : figure.format.suffix);
 }
 
+std::string formatWithTop(const Figure& figure, const Reading& reading, double top) {
+    const auto unitAt = [](const std::string& text) {
+        const std::size_t last = text.find_last_of("0123456789");
+        return last == std::string::npos ? text.size() : last + 1;
+    };
+    std::string value = format(figure, reading);
+    const std::string scale = format(figure, top);
+    const std::size_t unit = unitAt(value);
+    if (value.compare(unit, std::string::npos, scale, unitAt(scale), std::string::npos) == 0) {
+        value.resize(unit);
+    }
+    return value + '/' + scale;
+}
+
 std::string formatNumber(const Reading& reading, int decimals, const char* suffix) {
     // The font has no minus sign.
     if (!reading || !std::isfinite(*reading) || *reading < 0.0) {
         return NOT_AVAILABLE;
+    }
+    constexpr double LONG = 999.95;
+    if (*reading >= LONG) {
+        decimals = 0;
     }
     char digits[320];  // the largest double has 309 digits
     const auto result = std::to_chars(digits, digits + sizeof(digits), std::abs(*reading),

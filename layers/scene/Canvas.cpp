@@ -8,12 +8,25 @@
 
 namespace scene {
 
-Canvas::Canvas(const glm::uvec2& surface, float scale)
-    : isPortrait(surface.y > surface.x),
-      units((isPortrait ? glm::vec2(gui::SCREEN_HEIGHT, gui::SCREEN_WIDTH)
-                        : glm::vec2(gui::SCREEN_WIDTH, gui::SCREEN_HEIGHT)) /
-            scale),
-      pixels(surface) {}
+namespace {
+
+bool isUpright(const glm::uvec2& surface) {
+    return surface.y > surface.x;
+}
+
+glm::vec2 sizeInUnits(const glm::uvec2& surface) {
+    return isUpright(surface) ? glm::vec2(gui::SCREEN_HEIGHT, gui::SCREEN_WIDTH)
+                              : glm::vec2(gui::SCREEN_WIDTH, gui::SCREEN_HEIGHT);
+}
+
+}  // namespace
+
+Canvas::Canvas(const glm::uvec2& surface, const glm::vec2& scale)
+    : isPortrait(isUpright(surface)), units(sizeInUnits(surface) / scale), pixels(surface) {}
+
+glm::vec2 Canvas::unitOf(const glm::uvec2& surface) {
+    return glm::vec2(surface) / sizeInUnits(surface);
+}
 
 float Canvas::pixelsPerUnit() const {
     return std::min(pixels.x / units.x, pixels.y / units.y);

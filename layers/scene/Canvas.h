@@ -13,7 +13,10 @@ namespace scene {
 /// of the canvas; the scene uses canvas units.
 struct Canvas {
     /// Widgets of twice the scale have units of twice the size.
-    explicit Canvas(const glm::uvec2& surface, float scale = 1.0F);
+    explicit Canvas(const glm::uvec2& surface, const glm::vec2& scale = glm::vec2(1.0F));
+
+    /// Pixels of a unit at a scale of 1.
+    static glm::vec2 unitOf(const glm::uvec2& surface);
 
     /// Whether the surface, and so the canvas, is higher than wide.
     bool isPortrait;

@@ -25,13 +25,18 @@ constexpr unsigned int HISTORY = 100;
 constexpr float NAME_GAP = 3.0F;
 
 /// The gap around a name in a shared strip, in units of a line, which is 2 high.
-constexpr float SHARED_GAP = 0.7F;
+constexpr float SHARED_GAP = 1.4F;
 
 /// As wide as most values of the figure.
 std::string typicalValue(const figures::Figure& figure) {
-    const bool isLong = figure.format.kind == figures::Kind::MEMORY || figure.format.decimals > 0;
-    return isLong ? "8888MB"
-                  : std::string(*figure.format.suffix == '%' ? "888" : "8888") + figure.format.suffix;
+    if (figure.format.kind == figures::Kind::MEMORY) {
+        return "888MB";
+    }
+    const bool isShort = *figure.format.suffix == '%';
+    return std::string(figure.format.decimals > 0 ? "888.8"
+                       : isShort                  ? "888"
+                                                  : "8888") +
+           figure.format.suffix;
 }
 
 /// Left and right of the text, in canvas units.
@@ -138,6 +143,28 @@ void FigureWidget::noteReadability(View& view, bool hasValue) {
     view.isReadable = isReadable;
 }
 
+/// Without regard to what the strip has room for, so that a text that says its scale never goes back and
+/// forth.
+void FigureWidget::noteScales() {
+    std::vector<float>& tops = mTops;
+    tops.clear();
+    for (const View& view : mViews) {
+        const bool isCurve = view.graph != nullptr && view.isOn() && view.isReadable;
+        const float top = isCurve ? view.graph->mMaxValue : 0.0F;
+        tops.push_back(top);
+    }
+    for (std::size_t i = 0; i < mViews.size(); ++i) {
+        View& view = mViews[i];
+        const auto isOther = [&](float top) { return top > 0.0F && top != tops[i]; };
+        const bool isPercent = *view.figure->format.suffix == '%';
+        const bool saysScale =
+            tops[i] > 0.0F && !isPercent && std::any_of(tops.begin(), tops.end(), isOther) &&
+            std::find(tops.begin(), tops.end(), tops[i]) == tops.begin() + static_cast<std::ptrdiff_t>(i);
+        mIsLayoutStale = mIsLayoutStale || saysScale != view.saysScale;
+        view.saysScale = saysScale;
+    }
+}
+
 void FigureWidget::collectFigures(figures::FigureSet& wanted) const {
     for (const figures::Figure& figure : figures::catalogue()) {
         if (figure.widget == mLayout.type &&
@@ -150,15 +177,20 @@ void FigureWidget::collectFigures(figures::FigureSet& wanted) const {
 void FigureWidget::applySettings(const Canvas& canvas) {
     mCanvas = canvas;
     mStrip->mColor = backgroundColor();
-    unsigned int shares = 1;
-    bool isShared = false;
-    for (const View& view : mViews) {
-        shares += view.graph != nullptr && view.isShown ? 1 : 0;
-        // What is missing leaves no gap.
-        isShared = isShared || (view.hasCell ? view.isOn() && !view.isShown : view.isShown);
+    // What is missing leaves no gap.
+    const bool isShared = std::any_of(mViews.begin(), mViews.end(), [](const View& view) {
+        return view.hasCell ? view.isOn() && !view.isShown : view.isShown;
+    });
+    for (View& view : mViews) {
+        view.hasRoom = true;
     }
-    if (isShared) {
+    if (isShared || !isEveryCellWideEnough(canvas)) {
+        leaveOutWhatDoesNotFit(canvas);
         shareStrip(canvas);
+    }
+    unsigned int shares = 1;
+    for (const View& view : mViews) {
+        shares += view.graph != nullptr && view.isDrawn() ? 1 : 0;
     }
     for (const View& view : mViews) {
         const gui::WidgetsSettings::Graph& settings = figures::settingsOf(*view.figure);
@@ -182,31 +214,76 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     for (const Note& note : mNotes) {
         note.text->setTextColor(plainTextColor());
         setTextHeight(*note.text, NOTE_TEXT_HEIGHT, canvas);
+        const float height = textHeight(NOTE_TEXT_HEIGHT, canvas);
+        if (note.text->mSize.y < height) {  // grows upwards, over the graph
+            note.text->mPosition.y -= height - note.text->mSize.y;
+            note.text->mSize.y = height;
+        }
         if (note.backdrop != nullptr) {
             note.backdrop->mColor = backdropColor();
         }
-        fitBackdrop(note, canvas);
+        fitNote(note, canvas);
     }
+}
+
+/// In canvas units.
+float FigureWidget::labelWidth() const {
+    constexpr float NO_LABEL = 6.0F;
+    const bool hasLabel = mNotes.empty() || !mNotes.front().text->mText.empty();
+    return hasLabel ? mLayout.labelWidth : std::min(mLayout.labelWidth, NO_LABEL);
+}
+
+/// Whether lines of LINE_PIXELS fit into the figures' own cells.
+bool FigureWidget::isEveryCellWideEnough(const Canvas& canvas) const {
+    const auto isWide = [&canvas](const drawer::Drawer& cell, float width) {
+        return cell.mSize.x * canvas.pixels.x >= 0.5F * width * LINE_PIXELS;
+    };
+    return std::all_of(mViews.begin(), mViews.end(), [&](const View& view) {
+        const float name = lineWidth(view.figure->label) + SHARED_GAP;
+        const float value = widthOf(view) - name;
+        return !view.isShown ||
+               (view.name == nullptr ? isWide(*view.value, name + value)
+                                     : isWide(*view.name, name) && isWide(*view.value, value));
+    });
+}
+
+/// Leaves out the last figures of a shared strip until lines of LINE_PIXELS fit; the first one stays. A dump
+/// has them all.
+void FigureWidget::leaveOutWhatDoesNotFit(const Canvas& canvas) {
+    const float room = (mStrip->mSize.x - labelWidth() / canvas.units.x) * canvas.pixels.x;
+    float used = 0.0F;
+    bool isFirst = true;
+    for (View& view : mViews) {
+        if (view.isShown) {
+            used += 0.5F * LINE_PIXELS * widthOf(view);
+            view.hasRoom = isFirst || used <= room;
+            isFirst = false;
+        }
+    }
+}
+
+/// In units of a line, which is 2 high.
+float FigureWidget::widthOf(const View& view) {
+    return lineWidth(view.figure->label) + SHARED_GAP +
+           lineWidth((view.saysScale ? "8888/" : "") + typicalValue(*view.figure));
 }
 
 /// Divides the strip among the visible figures, in proportion to the widths of their texts.
 void FigureWidget::shareStrip(const Canvas& canvas) {
-    const auto valueWidth = [](const View& view) { return lineWidth(typicalValue(*view.figure)); };
-    const auto nameWidth = [](const View& view) { return lineWidth(view.figure->label) + SHARED_GAP; };
     float all = 0.0F;
     for (const View& view : mViews) {
-        all += view.isShown ? nameWidth(view) + valueWidth(view) : 0.0F;
+        all += view.isDrawn() ? widthOf(view) : 0.0F;
     }
-    const float left = mLayout.labelWidth / canvas.units.x;
+    const float left = labelWidth() / canvas.units.x;
     const float unit = (mStrip->mSize.x - left) / all;
     glm::vec2 position(mStrip->mPosition.x + left, mStrip->mPosition.y);
     for (const View& view : mViews) {
-        if (!view.isShown) {
+        if (!view.isDrawn()) {
             continue;
         }
-        const float name = nameWidth(view) * unit;
+        const float name = (lineWidth(view.figure->label) + SHARED_GAP) * unit;
         view.value->mPosition = position;
-        view.value->mSize = {name + valueWidth(view) * unit, mStrip->mSize.y};
+        view.value->mSize = {widthOf(view) * unit, mStrip->mSize.y};
         position.x += view.value->mSize.x;
         if (view.name != nullptr) {
             view.name->mPosition = view.value->mPosition;
@@ -219,10 +296,31 @@ void FigureWidget::shareStrip(const Canvas& canvas) {
 
 bool FigureWidget::isPlotted(const View& view) {
     // A graph has no scale before its first sample.
-    return view.graph != nullptr && view.graph->mEnabled && view.graph->mMaxValue > 0.0F;
+    return view.graph != nullptr && view.isDrawn() && view.graph->mMaxValue > 0.0F;
+}
+
+/// Gives a note that needs more room than its cell has the rest of its row.
+void FigureWidget::fitNote(const Note& note, const Canvas& canvas) {
+    drawer::TextDrawer& text = *note.text;
+    const float needed =
+        0.5F * lineWidth(text.mText) * textPixels(NOTE_TEXT_HEIGHT, canvas) / canvas.pixels.x;
+    if (needed > text.mSize.x) {
+        const float margin = BACKDROP_MARGIN / canvas.units.x;
+        const float left = mStrip->mPosition.x + margin;
+        const float right = mStrip->mPosition.x + mStrip->mSize.x - margin;
+        if (text.mTextGravity == gui::TextGravity::RIGHT) {
+            const float end = text.mPosition.x + text.mSize.x;
+            text.mSize.x = std::min(needed, end - left);
+            text.mPosition.x = end - text.mSize.x;
+        } else {
+            text.mSize.x = std::min(needed, right - text.mPosition.x);
+        }
+    }
+    fitBackdrop(note, canvas);
 }
 
 void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
+    note.text->mEnabled = !note.text->mText.empty() && isLegible(*note.text, canvas);
     if (note.backdrop == nullptr) {
         return;
     }
@@ -230,7 +328,7 @@ void FigureWidget::fitBackdrop(const Note& note, const Canvas& canvas) {
     const glm::vec2 size = measureText(text, canvas);
     const glm::vec2 room = text.mSize - size;
     const bool isRight = text.mTextGravity == gui::TextGravity::RIGHT;
-    note.backdrop->mEnabled = !text.mText.empty();
+    note.backdrop->mEnabled = text.mEnabled;
     note.backdrop->mSize = size;
     note.backdrop->mPosition = text.mPosition + glm::vec2(isRight ? room.x : 0.0F, room.y * 0.5F);
     inset(*note.backdrop, {-BACKDROP_MARGIN, 0.0F}, canvas);
@@ -245,13 +343,17 @@ void FigureWidget::refresh(figures::Metrics& metrics) {
         const figures::Reading& reading = metrics.reading(figure);
         noteReadability(view, reading.has_value());
         if (reading || !view.isReadable) {
-            const std::string value = figures::format(figure, reading);
+            const std::string value =
+                view.saysScale && reading
+                    ? figures::formatWithTop(figure, reading, view.graph->mMaxValue / view.headroom)
+                    : figures::format(figure, reading);
             setText(*view.value, view.name != nullptr ? value : figure.label + (' ' + value));
         }
         // A graph does not move while its figure cannot be read, and is not drawn before the first reading.
         if (view.graph != nullptr && reading) {
             const auto sample = static_cast<float>(*reading);
             const figures::Reading top = metrics.top(figure);
+            view.headroom = top ? HEADROOM : 1.0F;
             if (top) {
                 view.graph->addValue(sample, static_cast<float>(*top) * HEADROOM);
             } else {
@@ -259,9 +361,10 @@ void FigureWidget::refresh(figures::Metrics& metrics) {
             }
         }
     }
+    noteScales();
     for (const Note& note : mNotes) {
         if (setText(*note.text, note.row->text(metrics))) {
-            fitBackdrop(note, mCanvas);
+            fitNote(note, mCanvas);
         }
     }
 }
@@ -270,7 +373,7 @@ void FigureWidget::draw() {
     mStrip->draw();
     for (const View& view : mViews) {
         for (drawer::TextDrawer* text : {view.name, view.value}) {
-            if (text != nullptr && text->mEnabled) {
+            if (text != nullptr && view.isDrawn()) {
                 text->draw();
             }
         }
@@ -294,7 +397,9 @@ void FigureWidget::draw() {
         if (note.backdrop != nullptr && note.backdrop->mEnabled) {
             note.backdrop->draw();
         }
-        note.text->draw();
+        if (note.text->mEnabled) {
+            note.text->draw();
+        }
     }
 }
 

@@ -23,6 +23,8 @@ namespace scene {
 /// order of the catalogue, and the notes on top. So no fill covers a line. The fill of n graphs has an alpha
 /// of 1 / (n + 1), so that all fills and the grid stay visible.
 ///
+/// Where curves have different scales, the first one with each says it.
+///
 /// A figure that cannot be read takes no room, unless its user has switched it on by hand, and neither does a
 /// widget without any.
 class FigureWidget : public WidgetView {
@@ -51,7 +53,11 @@ private:
         bool isReadable = false;
         int missed = 0;        // refreshes without a value since the last one with
         bool isShown = false;  // since the last layout
+        bool hasRoom = true;   // in the strip
+        bool saysScale = false;
+        float headroom = 1.0F;  // of the graph, over the top of its scale
 
+        bool isDrawn() const { return isShown && hasRoom; }
         bool isOn() const { return figures::settingsOf(*figure).mEnabled.getValue(); }
     };
     struct Note {
@@ -63,8 +69,14 @@ private:
     void addView(PrimitiveFactory& factory, const figures::Figure& figure);
     bool isReadable() const;
     void noteReadability(View& view, bool hasValue);
+    void noteScales();
+    float labelWidth() const;
+    bool isEveryCellWideEnough(const Canvas& canvas) const;
+    void leaveOutWhatDoesNotFit(const Canvas& canvas);
+    static float widthOf(const View& view);
     void shareStrip(const Canvas& canvas);
     static bool isPlotted(const View& view);
+    void fitNote(const Note& note, const Canvas& canvas);
     static void fitBackdrop(const Note& note, const Canvas& canvas);
 
     const FigureWidgetLayout& mLayout;
@@ -72,6 +84,7 @@ private:
     drawer::RectDrawer* mStrip;
     std::vector<View> mViews;
     std::vector<Note> mNotes;
+    std::vector<float> mTops;                      // of the views' graphs
     drawer::GraphicDrawer* mFirstGraph = nullptr;  // whose background and grid are drawn
 };
 

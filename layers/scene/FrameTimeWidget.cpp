@@ -138,7 +138,7 @@ void FrameTimeWidget::placeBars(const Canvas& canvas) {
     const gui::RenderArea band = gui::LayoutManager::getInstance()->getRenderArea(Area::GPU_ACTIVITY_BAND);
     const glm::vec2 position = mGround->mPosition + (mIsBand ? glm::vec2(band.x, band.y) : glm::vec2(0.0F));
     const glm::vec2 size = mIsBand ? glm::vec2(band.width, band.height) : mGround->mSize;
-    const float line = LINE_HEIGHT * unit.y;
+    const float line = std::max(LINE_HEIGHT * unit.y, textHeight(NOTE_TEXT_HEIGHT, canvas));
     const float margin = MARGIN * unit.x;
     setRect(*mText, position.x + margin, position.y, size.x - 2.0F * margin, line);
     float right = position.x + size.x - margin;
@@ -259,8 +259,15 @@ void FrameTimeWidget::setTexts() {
     const std::uint64_t slow = at((count * 99 + 99) / 100 - 1);
     const std::uint64_t longest = *std::max_element(mSorted.begin(), mSorted.end());
     setScale(median, longest);
-    mText->setText("Frame " + milliseconds(median) + "  99% " + milliseconds(slow) + "  Max " +
-                   milliseconds(longest));
+    mText->setText("Frame " + milliseconds(median));
+    for (const std::string& more : {"  99% " + milliseconds(slow), "  Max " + milliseconds(longest)}) {
+        const std::string shorter = mText->mText;
+        mText->setText(shorter + more);
+        if (!isLegible(*mText, mCanvas)) {
+            mText->setText(shorter);
+            break;
+        }
+    }
     const glm::vec2 size = measureText(*mText, mCanvas);
     setRect(*mBackdrop, mText->mPosition.x, mText->mPosition.y + 0.5F * (mText->mSize.y - size.y), size.x,
             size.y);
@@ -281,7 +288,7 @@ void FrameTimeWidget::placeLines() {
         rate.line->mVertices.assign({{-1.0F, y}, {1.0F, y}});
         // The label is on its line, if there is room: the lower line's must end below the upper one.
         const drawer::Drawer& area = *rate.line;
-        const float label = NOTE_TEXT_HEIGHT / mCanvas.units.y;
+        const float label = textHeight(NOTE_TEXT_HEIGHT, mCanvas);
         const float lineY = area.mPosition.y + area.mSize.y * (1.0F - height);
         setRect(*rate.label, area.mPosition.x + 0.5F * MARGIN / mCanvas.units.x, lineY - label,
                 LEGEND_WIDTH / mCanvas.units.x, label);

@@ -9,6 +9,7 @@
 #include "scene/FrameTimer.h"
 #include "scene/GpuActivityWidget.h"
 #include "scene/ThumbnailWidget.h"
+#include "scene/WidgetRoom.h"
 #include "scene/WidgetScale.h"
 
 #include <algorithm>
@@ -31,17 +32,18 @@ Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSo
 }
 
 void Scene::layout() {
-    const Canvas canvas(mFactory.getSurfaceSize(), scaleAreas());
+    const Canvas canvas(mFactory.getSurfaceSize(), scaleAreas(mFactory.getSurfaceSize()));
     for (const auto& widget : mWidgets) {
         widget->enable();
     }
     gui::LayoutManager::getInstance()->updateWidgetsLayouts(canvas.isPortrait);
+    const WidgetSet withoutRoom = widgetsWithoutRoom();
     figures::FigureSet wanted;
     mWanted.clear();
     mShown.clear();
     mShownDrawers.clear();
     for (const auto& widget : mWidgets) {
-        widget->layout(canvas);
+        widget->layout(canvas, withoutRoom);
         if (widget->isShown()) {
             mShown.push_back(widget.get());
             widget->collectDrawers(mShownDrawers);
@@ -125,7 +127,9 @@ void Scene::draw() {
         return;
     }
     for (WidgetView* widget : mShown) {
-        widget->draw();
+        if (widget->hasRoom()) {
+            widget->draw();
+        }
     }
     if (mIsDumping) {
         mDumpMark.draw();

@@ -57,8 +57,20 @@ glm::vec4 noColor() {
 
 void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas) {
     // 0 would mean no limit.
-    text.setTextSizeHint(
-        static_cast<unsigned int>(std::max(std::lround(canvasUnits * canvas.pixelsPerUnit()), 1L)));
+    text.setTextSizeHint(static_cast<unsigned int>(std::lround(textPixels(canvasUnits, canvas))));
+}
+
+float textPixels(float canvasUnits, const Canvas& canvas) {
+    return std::max(canvasUnits * canvas.pixelsPerUnit(), LINE_PIXELS);
+}
+
+float textHeight(float canvasUnits, const Canvas& canvas) {
+    return textPixels(canvasUnits, canvas) / canvas.pixels.y;
+}
+
+bool isLegible(const drawer::TextDrawer& text, const Canvas& canvas) {
+    constexpr float ROUNDING = 0.25F;
+    return measureText(text, canvas).y * canvas.pixels.y >= LINE_PIXELS - ROUNDING;
 }
 
 float lineWidth(const std::string& text) {

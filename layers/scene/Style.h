@@ -38,6 +38,18 @@ glm::vec4 noColor();
 constexpr float FIGURE_TEXT_HEIGHT = 12.0F;
 constexpr float NOTE_TEXT_HEIGHT = 10.0F;
 
+/// A line of text is never lower than this on the surface: its capitals are 8 pixels high then.
+constexpr float LINE_PIXELS = 14.0F;
+
+/// The height of such a line in pixels.
+float textPixels(float canvasUnits, const Canvas& canvas);
+
+/// The same in canvas fractions.
+float textHeight(float canvasUnits, const Canvas& canvas);
+
+/// Whether the text is in its cell without being squeezed below LINE_PIXELS.
+bool isLegible(const drawer::TextDrawer& text, const Canvas& canvas);
+
 /// Limits the text's height; a text that is too wide for its cell is squeezed.
 void setTextHeight(drawer::TextDrawer& text, float canvasUnits, const Canvas& canvas);
 

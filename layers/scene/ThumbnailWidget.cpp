@@ -8,6 +8,8 @@
 #include "scene/Style.h"
 #include "utils/StringFormat.h"
 
+#include <glm/common.hpp>
+
 namespace scene {
 
 namespace {
@@ -53,7 +55,9 @@ void ThumbnailWidget::applySettings(const Canvas& canvas) {
         }
     }
     inset(*mPicture, glm::vec2(FRAME_WIDTH), canvas);
-    inset(*mLabel, glm::vec2(FRAME_WIDTH), canvas);
+    const glm::vec2 text = 0.5F * LINE_PIXELS * glm::vec2(lineWidth("8888x8888"), 2.0F * LABEL_LINES);
+    mLabel->mSize = glm::min(glm::max(mLabel->mSize, text / canvas.pixels), mPicture->mSize);
+    mLabel->mPosition = glm::max(mLabel->mPosition, mPicture->mPosition);
     mLabel->setTextColor(plainTextColor());
     mLabel->setBackgroundColor(backgroundColor());
 }

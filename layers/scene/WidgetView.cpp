@@ -15,8 +15,9 @@ bool WidgetView::isShown() const {
     return mWidget->mEnabled && position >= Position::TOP_LEFT && position <= Position::BOTTOM_RIGHT;
 }
 
-void WidgetView::layout(const Canvas& canvas) {
+void WidgetView::layout(const Canvas& canvas, const WidgetSet& withoutRoom) {
     mIsLayoutStale = false;
+    mHasRoom = !withoutRoom.test(static_cast<std::size_t>(mWidget->mType));
     for (const auto& drawer : mDrawers) {
         gui::LayoutManager::getInstance()->updateDrawerLayout(drawer.get());
     }

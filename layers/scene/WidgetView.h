@@ -3,6 +3,7 @@
 #include "drawers/Drawer.h"
 #include "figures/Catalogue.h"
 #include "gui/LayoutDef.h"
+#include "scene/WidgetRoom.h"
 
 #include <memory>
 #include <utility>
@@ -41,7 +42,10 @@ public:
 
     /// Called after a change of the settings or of the surface, when the layout manager has placed the
     /// widgets: gives every drawer its rectangle, and applies colours and switches.
-    void layout(const Canvas& canvas);
+    void layout(const Canvas& canvas, const WidgetSet& withoutRoom = {});
+
+    /// Whether the surface has room for the widget. One without is not drawn; a dump has its figures.
+    bool hasRoom() const { return mHasRoom; }
 
     /// Called once a frame while the widget is shown. Returns whether the widget has to be drawn again even
     /// without a refresh.
@@ -80,6 +84,7 @@ protected:
 
 private:
     gui::Widget* mWidget;
+    bool mHasRoom = true;  // since the last layout
     std::vector<std::unique_ptr<drawer::Drawer>> mDrawers;
 };
 

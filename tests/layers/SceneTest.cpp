@@ -291,7 +291,7 @@ TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
     const unsigned before = doubles::timesOpened("/proc/meminfo");
     frames(8);
     EXPECT_EQ(doubles::timesOpened("/proc/meminfo"), before + 1) << "all of a refresh comes from one text";
-    EXPECT_THAT(drawn(), IsSupersetOf({"37%", "450", "100MB", "6.0MB", "Used 3.0MB"}));
+    EXPECT_THAT(drawn(), IsSupersetOf({"37%", "450/598", "100/125MB", "6.0/9.0MB", "Used 3.0MB"}));
     EXPECT_THAT(drawn(), Contains(testing::HasSubstr("62.5"))) << "frames of 16 ms";
 }
 
@@ -313,6 +313,7 @@ TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
 
 // 735 frames in 10 seconds, a second slow and a second fast in turn; then a dump, whose start forgets them.
 TEST_F(SceneOverlay, TheMeanRateIsFramesByTimeSinceADumpBegan) {
+    mFactory.mSize *= 2U;
     publish({{"widget_fps_low1", "true"}});
     frame();
     for (int second = 0; second < 10; ++second) {
@@ -351,6 +352,7 @@ private:
 
 TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
     publish({{"widget_gpu_activity", "false"}});
+    mFactory.mSize *= 2U;
     frames(20);
     EXPECT_THAT(drawn(), AllOf(Contains("@Swap"), Not(Contains("@GPU")))) << "nobody times it";
     mOverlay.detach();
@@ -401,7 +403,8 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
         const auto fps = std::find_if(texts.begin(), texts.end(),
                                       [](const auto& call) { return call.what.rfind("FPS", 0) == 0; });
         ASSERT_NE(fps, texts.end());
-        EXPECT_NEAR(fps->size.y * static_cast<float>(size.y), 12.0F * std::strtof(scale, nullptr), 0.5F)
+        EXPECT_NEAR(fps->size.y * static_cast<float>(size.y),
+                    std::max(scene::LINE_PIXELS, 12.0F * std::strtof(scale, nullptr)), 0.5F)
             << scale;
         EXPECT_NE(std::exchange(lastPosition, texts.back().position), texts.back().position);
         for (const doubles::DrawCall& text : texts) {

@@ -1,5 +1,6 @@
 #include "gui/LayoutManager.h"
 #include "opengl/context/VirtualDisplay.h"
+#include "scene/WidgetScale.h"
 #include "software/Png.h"
 
 #include <gmock/gmock.h>
@@ -48,6 +49,7 @@ struct Share {
 std::vector<Share> differences(const Image& bare, const Image& overlaid) {
     gui::LayoutManager& layout = *gui::LayoutManager::getInstance();
     layout.updateConfig();
+    scene::scaleAreas({bare.mWidth, bare.mHeight});
     layout.updateWidgetsLayouts(bare.mHeight > bare.mWidth);
     std::vector<glm::vec4> areas;
     for (const gui::Widget* widget : layout.mWidgets) {
