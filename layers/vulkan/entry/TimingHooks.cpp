@@ -20,15 +20,15 @@ PassRecorder* listener() {
     return layer == nullptr ? nullptr : &layer->passes();
 }
 
-void report(PassRecorder& passes, VkQueue queue, const VkSubmitInfo& submit) {
+void report(PassRecorder& passes, const Gpu& gpu, VkQueue queue, const VkSubmitInfo& submit) {
     for (std::uint32_t i = 0; i < submit.commandBufferCount; ++i) {
-        passes.onSubmitted(queue, submit.pCommandBuffers[i]);
+        passes.onSubmitted(gpu, queue, submit.pCommandBuffers[i]);
     }
 }
 
-void report(PassRecorder& passes, VkQueue queue, const VkSubmitInfo2& submit) {
+void report(PassRecorder& passes, const Gpu& gpu, VkQueue queue, const VkSubmitInfo2& submit) {
     for (std::uint32_t i = 0; i < submit.commandBufferInfoCount; ++i) {
-        passes.onSubmitted(queue, submit.pCommandBufferInfos[i].commandBuffer);
+        passes.onSubmitted(gpu, queue, submit.pCommandBufferInfos[i].commandBuffer);
     }
 }
 
@@ -38,7 +38,7 @@ VKAPI_ATTR VkResult VKAPI_CALL queueSubmit(VkQueue queue, std::uint32_t count, c
     Device& device = deviceOf(queue);
     PassRecorder* const passes = listener();
     for (std::uint32_t i = 0; passes != nullptr && i < count; ++i) {
-        report(*passes, queue, submits[i]);
+        report(*passes, device.gpu(), queue, submits[i]);
     }
     FrameStamps* const stamps = device.expectingStamps(queue);
     if (stamps == nullptr) {

@@ -112,10 +112,10 @@ void PassRecorder::onExecuted(VkCommandBuffer commands, std::uint32_t count,
     }
 }
 
-void PassRecorder::onSubmitted(VkQueue queue, VkCommandBuffer commands) {
+void PassRecorder::onSubmitted(const Gpu& gpu, VkQueue queue, VkCommandBuffer commands) {
     const std::lock_guard<std::mutex> lock(mMutex);
     const bool isInFrame = mState == State::RECORDING;
-    if (!isInFrame && mState != State::ENDED && mState != State::READING) {
+    if (&gpu != mGpu || (!isInFrame && mState != State::ENDED && mState != State::READING)) {
         return;
     }
     const auto found = mRecordings.find(commands);
@@ -288,8 +288,8 @@ void PassRecorder::tellWhatIsMissing() const {
         return;
     }
     KORDANIX_LOG_ERROR(
-        "not shown in the captured frame: the render passes of %u command buffers that were recorded before, "
-        "%u passes of other queues, %u that ended or were submitted elsewhere or twice%s",
+        "not shown in the captured frame: what passes there are in %u command buffers that were recorded "
+        "before, %u passes of other queues, %u that ended or were submitted elsewhere or twice%s",
         KORDANIX_LOG_HERE, mUnknown, mElsewhere, lost, mIsFull ? ", and all after the first 256" : "");
 }
 

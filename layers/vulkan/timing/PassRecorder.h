@@ -60,7 +60,7 @@ public:
     void beginPass(const Gpu& gpu, VkCommandBuffer commands, PassTargets targets, VkRenderingFlags flags = 0);
     void endPass(const Gpu& gpu, VkCommandBuffer commands);
     void onExecuted(VkCommandBuffer commands, std::uint32_t count, const VkCommandBuffer* executed);
-    void onSubmitted(VkQueue queue, VkCommandBuffer commands);
+    void onSubmitted(const Gpu& gpu, VkQueue queue, VkCommandBuffer commands);
 
     /// Before the overlay's submission in a present.
     void onFrameEnd();
