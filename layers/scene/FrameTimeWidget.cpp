@@ -147,6 +147,11 @@ void FrameTimeWidget::placeBars(const Canvas& canvas) {
         setRect(*part.legend, right, position.y, LEGEND_WIDTH * unit.x, line);
     }
     mText->mSize.x = right - mText->mPosition.x;
+    mTimesShown = 1;
+    for (const char* const text : {"Frame 88.8ms  99% 88.8ms", "Frame 88.8ms  99% 88.8ms  Max 88.8ms"}) {
+        const float pixels = 0.5F * lineWidth(text) * LINE_PIXELS;
+        mTimesShown += pixels <= mText->mSize.x * canvas.pixels.x ? 1 : 0;
+    }
 
     const float top = mIsBand ? 0.0F : line;
     const float pixels = size.x * canvas.pixels.x;
@@ -259,15 +264,14 @@ void FrameTimeWidget::setTexts() {
     const std::uint64_t slow = at((count * 99 + 99) / 100 - 1);
     const std::uint64_t longest = *std::max_element(mSorted.begin(), mSorted.end());
     setScale(median, longest);
-    mText->setText("Frame " + milliseconds(median));
-    for (const std::string& more : {"  99% " + milliseconds(slow), "  Max " + milliseconds(longest)}) {
-        const std::string shorter = mText->mText;
-        mText->setText(shorter + more);
-        if (!isLegible(*mText, mCanvas)) {
-            mText->setText(shorter);
-            break;
-        }
+    std::string text = "Frame " + milliseconds(median);
+    if (mTimesShown > 1) {
+        text += "  99% " + milliseconds(slow);
     }
+    if (mTimesShown > 2) {
+        text += "  Max " + milliseconds(longest);
+    }
+    mText->setText(text);
     const glm::vec2 size = measureText(*mText, mCanvas);
     setRect(*mBackdrop, mText->mPosition.x, mText->mPosition.y + 0.5F * (mText->mSize.y - size.y), size.x,
             size.y);

@@ -72,6 +72,7 @@ private:
     std::size_t mBars = 0;     // that there is room for
     float mBarWidth = 0.0F;    // of 2.0, which is the whole width
     float mRows = 1.0F;        // of pixels that the bars may have
+    int mTimesShown = 1;       // of median, 99th percentile and longest
     bool mIsGpuKnown = false;  // of a recent frame
     float mTopNs = 0.0F;       // at the upper end of the bars; 0: nothing to show
 
