@@ -28,6 +28,8 @@ constexpr double NONE = std::numeric_limits<double>::quiet_NaN();
 constexpr char THREAD_NAME[] = "kordanix-figure";  // 15 bytes at most
 constexpr auto PERIOD = 500ms;
 constexpr auto LONGEST_SETTLING = 3s;
+/// After so many looks without a new frame the drivers' libraries are given back.
+constexpr int LOOKS_BEFORE_REST = 5s / PERIOD;
 constexpr double START_PERIOD_US = 1000000.0;
 
 /// How often this process was forked off since the library was loaded; relaxed.
@@ -104,11 +106,13 @@ void MachineReader::Shared::run() {
     MachineFigures figures(tree, getpid());
     figures.beSparing();
     std::uint32_t seenFrames = frames.load(std::memory_order_relaxed) - 1;
+    int looks = 0;  // since the last new frame
     std::unique_lock<std::mutex> lock(mutex);
     while (wanted.any()) {
         const std::uint32_t drawnFrames = frames.load(std::memory_order_relaxed);
         if (drawnFrames != seenFrames || isUrgent) {
             seenFrames = drawnFrames;
+            looks = 0;
             isUrgent = false;
             const sources::Wanted toRead = wanted;
             lock.unlock();
@@ -120,6 +124,10 @@ void MachineReader::Shared::run() {
             lock.lock();
             ++finishedReadings;
             changed.notify_all();
+        } else if (++looks == LOOKS_BEFORE_REST) {
+            lock.unlock();
+            figures.rest();
+            lock.lock();
         }
         changed.wait_for(lock, PERIOD, [&] { return wanted.none() || isUrgent; });
     }

@@ -397,6 +397,27 @@ TEST(MachineFigures, ReadsThisMachine) {
     EXPECT_TRUE(figures.value(Id::CPU_LOAD_SYSTEM));
 }
 
+// The counters of what the number stands for now have nothing to do with those before.
+TEST(MachineFigures, ADescriptorThatIsClosedAndUsedAgainIsAnother) {
+    const Machine machine("");
+    const sources::FileTree tree(machine.folder());
+    sources::GpuClients clients(tree, "/proc/self");
+    const auto readAt = [&](double now, const std::string& text) {
+        machine.write({{"/proc/self/fdinfo/7", "pos:\t0\n" + text}});
+        clients.read(now);
+        return clients.load().number.value_or(NONE);
+    };
+    const auto client = [](const std::string& id, const std::string& milliseconds) {
+        return "drm-driver:\tamdgpu\ndrm-pdev:\t0000:03:00.0\ndrm-client-id:\t" + id + "\ndrm-engine-gfx:\t" +
+               milliseconds + "000000 ns\n";
+    };
+    readAt(1.0, client("5", "9000"));
+    EXPECT_EQ(readAt(2.0, client("5", "9500")), 50.0);
+    EXPECT_LE(readAt(3.0, client("6", "100")), 10.0) << "a new client";
+    EXPECT_EQ(readAt(4.0, client("6", "300")), 20.0);
+    EXPECT_LE(readAt(5.0, ""), 0.0) << "a pipe";
+}
+
 TEST(FdInfo, UnitsAreOfEachLine) {
     const auto info = sources::parseFdInfo(
         "drm-driver: x\ndrm-engine-a: 5 ns\ndrm-engine-a: 7 ns\ndrm-memory-r: \t2 MiB\n"

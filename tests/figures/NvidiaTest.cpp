@@ -1,4 +1,6 @@
 #include <cstdlib>
+#include <memory>
+#include <string>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -40,6 +42,25 @@ TEST(NvidiaLibrary, WhatIsMissingOrNonsenseIsNoFigure) {
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0) << "a forked child asks it";
+}
+
+TEST(NvidiaLibrary, IsShutDownWhenItIsNotNeededButNotByAForkedChild) {
+    const auto isShutDown = [] {
+        const char* const state = getenv("FAKE_NVIDIA");
+        return state != nullptr && std::string(state) == "shut down";
+    };
+    auto library = std::make_unique<NvidiaLibrary>("", 0);
+    ASSERT_TRUE(waitForAnswer(*library, 100));
+    const pid_t child = fork();
+    if (child == 0) {
+        library.reset();
+        _exit(isShutDown() ? 1 : 0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    library.reset();
+    EXPECT_TRUE(isShutDown());
 }
 
 TEST(NvidiaLibrary, AStartThatHangsIsNotWaitedFor) {

@@ -57,6 +57,23 @@ TEST_F(RunShown, WhoeverPresentsFirstShowsItAndElseItIsSaidWhyNot) {
     }
 }
 
+// Of programs that nobody here wrote: positive, and seldom more than the frame that it belongs to.
+TEST_F(RunShown, ADumpHasTheGpusTimeOfEachFrame) {
+    std::ofstream(mHome.path("count.awk"))
+        << "NR == 1 { for (i = 1; i <= NF; ++i) { at[$i] = i } }\n"
+           "NR > 1 { gpu = $at[\"GpuTime(us)\"]; frame = $at[\"FrameTime(us)\"] }\n"
+           "NR > 1 && gpu != \"\" { ++known; odd += gpu <= 0 || gpu > 2 * frame }\n"
+           "END { print (known > 10 && 2 * known > NR), (odd * 5 < known) }\n";
+    for (const char* const program : {"glxgears", "glmark2-es2 -b build -s 320x240", "vkcube"}) {
+        const support::Outcome outcome = run(
+            std::string("rm -rf dumps; KORDANIX_DUMP_DIR=$PWD/dumps $CTL run --set devmode=true sh -c '") +
+            program +
+            " >/dev/null & sleep 1.5; $CTL key dump; sleep 0.7; $CTL key dump; sleep 0.3; kill $!; wait' "
+            ">/dev/null; awk -F, -f count.awk dumps/*/frames.csv");
+        EXPECT_EQ(outcome.out, "1 1\n") << program << ": " << outcome.err;
+    }
+}
+
 TEST_F(RunShown, TheSecondProcessOfARunIsKnown) {
     support::ChildProcess program(
         {KORDANIXCTL, "run", "sh", "-c", "$CLIENT pause=20 frames=500 & $CLIENT pause=20 frames=500; wait"});

@@ -67,6 +67,10 @@ public:
     /// have values from the second reading on.
     void read(double now, const Wanted& wanted = Wanted().set());
 
+    /// No readings are needed for a while: gives back what keeps a device awake. A later reading opens it
+    /// again.
+    void rest() { mNvidia.reset(); }
+
     const Value& value(Id id) const { return mValues[static_cast<std::size_t>(id)]; }
     const char* unit(Id id) const;
 

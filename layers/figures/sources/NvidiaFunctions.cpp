@@ -71,6 +71,7 @@ Reason Library::open(void* file, const std::string& pciDevice, int number) {
     if (result != SUCCESS) {
         return reasonOfResult(result);
     }
+    find(file, "nvmlShutdown", shutDown);
     find(file, "nvmlDeviceGetUtilizationRates", getUtilization);
     find(file, "nvmlDeviceGetProcessUtilization", getProcessUtilization);
     find(file, "nvmlDeviceGetMemoryInfo", getMemory);

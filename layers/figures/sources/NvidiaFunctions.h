@@ -54,6 +54,7 @@ struct Library {
     Reason failure = Reason::NO_FILE;
     Handle device = nullptr;
 
+    int (*shutDown)() = nullptr;
     int (*getUtilization)(Handle, Utilization*) = nullptr;
     int (*getProcessUtilization)(Handle, ProcessSample*, unsigned int*, unsigned long long) = nullptr;
     int (*getMemory)(Handle, Memory*) = nullptr;

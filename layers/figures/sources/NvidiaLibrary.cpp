@@ -47,7 +47,12 @@ NvidiaLibrary::NvidiaLibrary(std::string pciDevice, int number)
     }
 }
 
-NvidiaLibrary::~NvidiaLibrary() = default;
+NvidiaLibrary::~NvidiaLibrary() {
+    const bool isReady = mLibrary->state.load(std::memory_order_acquire) == Library::State::READY;
+    if (isReady && getpid() == mOwner && mLibrary->shutDown != nullptr) {
+        mLibrary->shutDown();
+    }
+}
 
 bool NvidiaLibrary::hasAnswered() {
     return mLibrary->state.load(std::memory_order_acquire) != Library::State::LOADING;

@@ -24,7 +24,8 @@ public:
     /// order.
     NvidiaLibrary(std::string pciDevice, int number);
 
-    /// Neither unloads the library nor stops its thread.
+    /// Tells the library that it is not needed any more, so that the device may sleep. Neither unloads it nor
+    /// stops a thread that is still loading it.
     ~NvidiaLibrary();
     NvidiaLibrary(const NvidiaLibrary&) = delete;
     NvidiaLibrary& operator=(const NvidiaLibrary&) = delete;
