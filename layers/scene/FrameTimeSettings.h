@@ -3,11 +3,14 @@
 #include "core/SysPropWatcher.h"
 #include "gui/WidgetsSettings.h"
 
+#include <string>
+
 namespace scene {
 
 /// Switches and colours of the frame times.
 struct FrameTimeSettings {
     const SysProp<bool>& isOn;
+    const SysProp<std::string>& screenRate;  ///< frames a second; empty: not known
     // The parts of a bar, from its top to its bottom.
     gui::WidgetsSettings::Graph swap;
     gui::WidgetsSettings::Graph gpu;

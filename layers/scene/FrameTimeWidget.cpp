@@ -37,8 +37,20 @@ constexpr std::uint64_t LARGEST_SHARE = 4;
 /// How many of the latest frames may be left out because their GPU time is not known yet.
 constexpr std::size_t GPU_DELAY = 8;
 
-constexpr float NS_OF_RATE[] = {1e9F / 60.0F, 1e9F / 30.0F};
-constexpr const char* RATE_NAMES[] = {"60", "30"};
+constexpr float NS_PER_S = 1e9F;
+constexpr int USUAL_SCREEN_RATE = 60;
+constexpr int HALF_RATE = 30;
+
+/// As the settings know it, if they do.
+int screenRate() {
+    constexpr std::size_t LONGEST = 4;
+    const std::string text = frameTimeSettings().screenRate.getValue();
+    int rate = 0;
+    for (const char digit : text) {
+        rate = digit >= '0' && digit <= '9' && text.size() <= LONGEST ? 10 * rate + (digit - '0') : 0;
+    }
+    return rate > HALF_RATE ? rate : USUAL_SCREEN_RATE;
+}
 
 constexpr const char* PART_NAMES[] = {"@Swap", "@GPU", "@CPU"};
 
@@ -90,7 +102,7 @@ FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& ti
     }
     for (std::size_t i = 0; i < RATES; ++i) {
         mLines[i].line = &place(factory.createMesh(Topology::LINES), Area::GPU_ACTIVITY_WHOLE);
-        mLines[i].label = addText(RATE_NAMES[i], gui::TextGravity::LEFT);
+        mLines[i].label = addText("", gui::TextGravity::LEFT);
     }
     mBackdrop = &place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE);
     mText = addText("", gui::TextGravity::LEFT);
@@ -123,7 +135,11 @@ void FrameTimeWidget::applySettings(const Canvas& canvas) {
         mParts[i].legend->setTextColor(graph.getTextColor());
         setTextHeight(*mParts[i].legend, NOTE_TEXT_HEIGHT, canvas);
     }
-    for (const RateLine& rate : mLines) {
+    const int rates[RATES] = {screenRate(), HALF_RATE};
+    for (std::size_t i = 0; i < RATES; ++i) {
+        RateLine& rate = mLines[i];
+        rate.nanoseconds = NS_PER_S / static_cast<float>(rates[i]);
+        rate.label->setText(std::to_string(rates[i]));
         rate.line->mColor = gridColor();
         rate.label->setTextColor(plainTextColor());
         setTextHeight(*rate.label, NOTE_TEXT_HEIGHT, canvas);
@@ -286,7 +302,7 @@ void FrameTimeWidget::setScale(std::uint64_t median, std::uint64_t longest) {
 void FrameTimeWidget::placeLines() {
     for (std::size_t i = 0; i < RATES; ++i) {
         const RateLine& rate = mLines[i];
-        const float height = NS_OF_RATE[i] / mTopNs;
+        const float height = rate.nanoseconds / mTopNs;
         rate.line->mEnabled = height < 1.0F;
         const float y = 1.0F - 2.0F * height;
         rate.line->mVertices.assign({{-1.0F, y}, {1.0F, y}});
@@ -297,7 +313,7 @@ void FrameTimeWidget::placeLines() {
         setRect(*rate.label, area.mPosition.x + 0.5F * MARGIN / mCanvas.units.x, lineY - label,
                 LEGEND_WIDTH / mCanvas.units.x, label);
         const float roomAbove =
-            i + 1 < RATES ? area.mSize.y * (NS_OF_RATE[i + 1] - NS_OF_RATE[i]) / mTopNs : label;
+            i + 1 < RATES ? area.mSize.y * (mLines[i + 1].nanoseconds - rate.nanoseconds) / mTopNs : label;
         rate.label->mEnabled =
             rate.line->mEnabled && !mIsBand && roomAbove >= label && lineY - label >= area.mPosition.y;
     }

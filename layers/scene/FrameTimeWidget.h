@@ -21,8 +21,8 @@ class GpuActivityWidget;
 
 /// The last frames, one bar for each, with the newest at the right. From bottom to top, a bar shows the
 /// processor's time, the GPU's time and the rest of the swap call. So a program that waits for the screen has
-/// a high upper part. Lines mark 60 and 30 frames a second if the scale includes them; above the bars are
-/// their median, their 99th percentile and the longest time.
+/// a high upper part. Lines mark the screen's rate, or 60, and 30 frames a second if the scale includes them;
+/// above the bars are their median, their 99th percentile and the longest time.
 ///
 /// Takes the place of the shader activity if the device has no counters for that. When a frame's passes were
 /// captured they take the upper part, and the bars get the band below.
@@ -55,6 +55,7 @@ private:
 
     struct RateLine {
         drawer::MeshDrawer* line = nullptr;
+        float nanoseconds = 0.0F;  ///< of a frame at the rate
         drawer::TextDrawer* label = nullptr;
     };
 

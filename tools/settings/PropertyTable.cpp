@@ -62,6 +62,8 @@ constexpr Property GPU_ACTIVITY[] = {
 
 constexpr Property FRAME_TIME[] = {
     {"widget_frame_time", BOOLEAN, ON, "frame times, where a device has no counters of its GPU's activity"},
+    {"screen_rate", PropertyType::TEXT, 0,
+     "their upper line, in frames a second; 'run' asks X for the screen's"},
     {"widget_frame_time_swap", BOOLEAN, ON, "their part that is spent in the swap"},
     {"widget_frame_time_swap_color", COLOR, BLUE, "its colour"},
     {"widget_frame_time_gpu", BOOLEAN, ON, "their part in which the GPU works"},

@@ -8,6 +8,7 @@
 #include "properties/SetCommand.h"
 #include "run/InitialProperties.h"
 #include "run/ProgramFile.h"
+#include "run/ScreenRate.h"
 #include "run/Supervisor.h"
 #include "run/Verdict.h"
 #include "run/WaysIn.h"
@@ -58,6 +59,17 @@ void addDefaults(bool isClaimed, std::vector<Assignment>& assignments) {
     }
     all.insert(all.end(), assignments.begin(), assignments.end());
     assignments = std::move(all);
+}
+
+/// The frame times have a line at the screen's rate, which the overlay cannot ask for in the program.
+void addScreenRate(std::vector<Assignment>& assignments) {
+    constexpr const char* NAME = "debug.kordanix.screen_rate";
+    if (isSet(NAME, assignments)) {
+        return;
+    }
+    if (const std::optional<int> rate = screenRate()) {
+        assignments.push_back({NAME, std::to_string(*rate)});
+    }
 }
 
 /// Removes ended runs, except those in some process's environment, which may still show the overlay.
@@ -116,6 +128,7 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
             USAGE_ERROR);
     }
     addDefaults(!isNamed, all);
+    addScreenRate(all);
     const std::string& name = words.front();
     const ProgramFile program = findProgram(name);
     if (program.result != SUCCESS) {
