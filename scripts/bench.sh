@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # Measures what the library costs and prints a table of the figures against their targets; with "opengl",
-# what the overlay costs an OpenGL program, beside other overlays.
+# what the overlay costs an OpenGL program, beside other overlays; with "sources", what each figure of the
+# machine costs the thread that reads it.
 # Usage: scripts/bench.sh [options of Google Benchmark, e.g. --benchmark_filter=Hooks]
+#        scripts/bench.sh sources
 #        scripts/bench.sh opengl [options of kordanix-opengl-bench, see --help]
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -28,6 +30,12 @@ if [ "${1-}" = opengl ]; then
     echo "Measuring, some fifteen minutes; files of the runs: build/bench-opengl" >&2
     DISPLAY=:$(cat "$display") build/release/bin/kordanix-opengl-bench "$@"
     exit
+fi
+
+if [ "${1-}" = sources ]; then
+    scripts/install-dependencies.sh build bench
+    build kordanix-sources-bench
+    exec build/release/bin/kordanix-sources-bench tests/figures/machines
 fi
 
 scripts/install-dependencies.sh build bench

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs an OpenGL program under the overlay, in a window of an X server without a screen, and takes a picture of
-# one of its frames. With devmode=true it captures the GPU's work of a frame in between.
+# Runs an OpenGL or Vulkan program under the overlay, in a window of an X server without a screen, and takes a
+# picture of one of its frames. With devmode=true it captures the GPU's work of a frame in between.
 # Usage: scripts/screenshot.sh OUT.png SECONDS [NAME=VALUE]... -- PROGRAM [ARGUMENT]...
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -16,7 +16,7 @@ scripts/install-dependencies.sh build test
 options=()
 [ -f build/release/CMakeCache.txt ] || options=(-DKORDANIX_BENCH=OFF -DBUILD_TESTING=OFF)
 cmake --preset release "${options[@]}" >/dev/null
-cmake --build --preset release --target kordanixctl kordanix_preload kordanix_opengl >/dev/null
+cmake --build --preset release --target kordanixctl kordanix_preload kordanix_opengl kordanix_vulkan >/dev/null
 control=build/release/bin/kordanixctl
 
 # The server writes its number into this when it is ready.

@@ -177,9 +177,9 @@ void FigureWidget::collectFigures(figures::FigureSet& wanted) const {
 void FigureWidget::applySettings(const Canvas& canvas) {
     mCanvas = canvas;
     mStrip->mColor = backgroundColor();
-    // What is missing leaves no gap.
+    // What is missing leaves no gap, and what says its scale needs more room than others.
     const bool isShared = std::any_of(mViews.begin(), mViews.end(), [](const View& view) {
-        return view.hasCell ? view.isOn() && !view.isShown : view.isShown;
+        return view.saysScale || (view.hasCell ? view.isOn() && !view.isShown : view.isShown);
     });
     for (View& view : mViews) {
         view.hasRoom = true;
