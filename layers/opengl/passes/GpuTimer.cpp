@@ -1,10 +1,21 @@
 #include "opengl/passes/GpuTimer.h"
 
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "opengl/passes/TimeStamps.h"
 
 namespace opengl {
+
+namespace {
+
+std::uint64_t monotonicNanoseconds() {
+    const auto time = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(std::chrono::nanoseconds(time).count());
+}
+
+}  // namespace
 
 void GpuTimer::beginFrame(std::uint32_t frame, bool isTimed) {
     mNextFrame = frame;
@@ -25,11 +36,8 @@ void GpuTimer::onFrameBegin(bool isProgramMeasuring) {
         return;
     }
     if (mStamped - mRead < LONGEST_DELAY && canPutTimeStamp(mGl)) {
-        mGl.queryCounter(queriesOf(mStamped)[0], GL_TIMESTAMP);
-        // A software renderer draws a whole frame tile by tile, and takes both stamps at the end of the last
-        // tile.
-        if (mGl.features.softwareRaster) {
-            mGl.flush();
+        if (!mGl.features.softwareRaster) {
+            mGl.queryCounter(queriesOf(mStamped)[0], GL_TIMESTAMP);
         }
         mNames[mStamped % LONGEST_DELAY] = mNextFrame;
         mIsOpen = true;
@@ -52,6 +60,7 @@ void GpuTimer::onFrameEnd() {
         return;
     }
     if (std::exchange(mIsOpen, false) && canPutTimeStamp(mGl)) {
+        mSwaps[mStamped % LONGEST_DELAY] = monotonicNanoseconds();
         mGl.queryCounter(queriesOf(mStamped)[1], GL_TIMESTAMP);
         ++mStamped;
     }
@@ -70,15 +79,18 @@ void GpuTimer::read() {
     if (isAvailable == GL_FALSE) {
         return;
     }
-    GLuint64 times[2] = {};
-    for (int i = 0; i < 2; ++i) {
-        mGl.getQueryObjectui64v(queries[i], GL_QUERY_RESULT, &times[i]);
+    GLuint64 start = std::max(mSwaps[mRead % LONGEST_DELAY], mLastEnd);
+    GLuint64 end = 0;
+    if (!mGl.features.softwareRaster) {
+        mGl.getQueryObjectui64v(queries[0], GL_QUERY_RESULT, &start);
     }
+    mGl.getQueryObjectui64v(queries[1], GL_QUERY_RESULT, &end);
+    mLastEnd = mGl.features.softwareRaster ? end : 0;
     if (wasDisjoint(mGl)) {
         mDistrusted = mStamped - mRead;
     }
     if (mDistrusted == 0) {
-        mTime = {mNames[mRead % LONGEST_DELAY], (times[1] - times[0]) & mMask};
+        mTime = {mNames[mRead % LONGEST_DELAY], (end - start) & mMask};
         mHasTime = true;
     } else {
         --mDistrusted;

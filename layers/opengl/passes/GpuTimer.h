@@ -13,6 +13,9 @@ namespace opengl {
 /// the overlay draws in the next. If a driver sends work to the GPU as it comes, the time includes the GPU's
 /// waiting for the program.
 ///
+/// A software renderer collects a frame, begins to draw it when it is swapped, and takes all time stamps at
+/// its end, by the monotonic clock. There the frame's time starts with the swap.
+///
 /// The rules are those of PassTimer: call everything on the thread that draws with the context. Only
 /// onFrameBegin(), onFrameEnd() and release() call OpenGL; they raise no error and never wait. It asks for
 /// results once a frame; when LONGEST_DELAY frames are unfinished, the next frames are not measured.
@@ -50,7 +53,9 @@ private:
 
     std::array<GLuint, std::size_t{2}* LONGEST_DELAY> mQueries = {};
     std::array<std::uint32_t, LONGEST_DELAY> mNames = {};
-    std::uint32_t mStamped = 0;  ///< frames that have both stamps
+    std::array<std::uint64_t, LONGEST_DELAY> mSwaps = {};  ///< of a software renderer's frames, nanoseconds
+    std::uint64_t mLastEnd = 0;                            ///< of such a frame
+    std::uint32_t mStamped = 0;                            ///< frames that have both stamps
     std::uint32_t mRead = 0;
     std::uint32_t mDistrusted = 0;  ///< how many unfinished frames have unreliable stamps
 

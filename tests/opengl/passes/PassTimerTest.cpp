@@ -223,7 +223,26 @@ TEST_P(PassTimerTest, EveryFramebufferDrawnToIsAPass) {
     }
 }
 
+// A program that sleeps between its frames leaves the GPU idle.
+TEST_P(PassTimerTest, ASoftwareRenderersTimeStartsWithTheSwap) {
+    opengl::GpuTimer timer(gl());
+    scene::FrameTimer::Time time;
+    bool isKnown = false;
+    for (std::uint32_t name = 1; name < 100 && !isKnown; ++name) {
+        timer.beginFrame(name, true);
+        timer.onFrameBegin(false);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        timer.onFrameEnd();
+        mContext->swap();
+        isKnown = timer.take(time);
+    }
+    ASSERT_TRUE(isKnown);
+    EXPECT_LT(time.nanoseconds, 25000000U);
+    timer.release();
+}
+
 TEST_P(PassTimerTest, AFramesGpuTimeComesWithoutWaitingUnlessTheProgramMeasures) {
+    mFunctions.features.softwareRaster = false;
     opengl::GpuTimer timer(mFunctions);
     const auto frame = [&](std::uint32_t name, bool isProgramMeasuring = false) {
         timer.beginFrame(name, true);
