@@ -1,6 +1,7 @@
 // A Vulkan program that does what its arguments say, one after another, in a window of 500 by 400:
 //   present N    N frames of one colour
 //   resize W H   the window gets that size, and the swapchain is made anew from the old one
+//   passes N     N frames with render passes of every kind
 //   renew        the swapchain is destroyed and made anew
 //   random SEED  30 of these, and others like them, as the seed decides
 // Exits with 1, and says why, when a call fails.
@@ -10,28 +11,21 @@
 #define VK_USE_PLATFORM_XLIB_KHR
 #include <vulkan/vulkan.h>
 
+#include "Check.h"
+#include "Passes.h"
+
 #include <array>
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 #include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
-void check(VkResult result, const char* what) {
-    if (result != VK_SUCCESS && result != VK_SUBOPTIMAL_KHR) {
-        std::cerr << what << " failed: " << result << '\n';
-        std::exit(1);  // NOLINT(concurrency-mt-unsafe): one thread
-    }
-}
-
-template <typename Info>
-Info infoOf(VkStructureType type) {
-    Info info = {};
-    info.sType = type;
-    return info;
-}
+using client::check;
+using client::infoOf;
 
 class Client {
 public:
@@ -43,6 +37,9 @@ public:
 
     ~Client() {
         destroySwapchain();
+        if (mPasses) {
+            mPasses->destroy();
+        }
         vkDestroyCommandPool(mDevice, mPool, nullptr);
         vkDestroyDevice(mDevice, nullptr);
         vkDestroySurfaceKHR(mInstance, mSurface, nullptr);
@@ -79,6 +76,15 @@ public:
         vkDestroySemaphore(mDevice, acquired, nullptr);
     }
 
+    /// As present(), after render passes.
+    void presentPasses() {
+        if (!mPasses) {
+            mPasses.emplace(mPhysicalDevice, mDevice, mPool);
+        }
+        mPasses->submit(mQueue);
+        present();
+    }
+
     void resize(unsigned int width, unsigned int height) {
         XResizeWindow(mDisplay, mWindow, width, height);
         XSync(mDisplay, False);
@@ -109,6 +115,9 @@ private:
         const std::array<const char*, 2> instanceNames = {VK_KHR_SURFACE_EXTENSION_NAME,
                                                           VK_KHR_XLIB_SURFACE_EXTENSION_NAME};
         auto instance = infoOf<VkInstanceCreateInfo>(VK_STRUCTURE_TYPE_INSTANCE_CREATE_INFO);
+        auto application = infoOf<VkApplicationInfo>(VK_STRUCTURE_TYPE_APPLICATION_INFO);
+        application.apiVersion = VK_API_VERSION_1_3;
+        instance.pApplicationInfo = &application;
         instance.enabledExtensionCount = instanceNames.size();
         instance.ppEnabledExtensionNames = instanceNames.data();
         check(vkCreateInstance(&instance, nullptr, &mInstance), "vkCreateInstance");
@@ -127,6 +136,10 @@ private:
         queue.pQueuePriorities = &PRIORITY;
         const char* const name = VK_KHR_SWAPCHAIN_EXTENSION_NAME;
         auto device = infoOf<VkDeviceCreateInfo>(VK_STRUCTURE_TYPE_DEVICE_CREATE_INFO);
+        auto features =
+            infoOf<VkPhysicalDeviceVulkan13Features>(VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_VULKAN_1_3_FEATURES);
+        features.dynamicRendering = features.synchronization2 = VK_TRUE;
+        device.pNext = &features;
         device.queueCreateInfoCount = 1;
         device.pQueueCreateInfos = &queue;
         device.enabledExtensionCount = 1;
@@ -134,6 +147,7 @@ private:
         check(vkCreateDevice(mPhysicalDevice, &device, nullptr, &mDevice), "vkCreateDevice");
         vkGetDeviceQueue(mDevice, 0, 0, &mQueue);
         auto pool = infoOf<VkCommandPoolCreateInfo>(VK_STRUCTURE_TYPE_COMMAND_POOL_CREATE_INFO);
+        pool.flags = VK_COMMAND_POOL_CREATE_RESET_COMMAND_BUFFER_BIT;
         check(vkCreateCommandPool(mDevice, &pool, nullptr, &mPool), "vkCreateCommandPool");
     }
 
@@ -223,6 +237,7 @@ private:
     VkCommandPool mPool = VK_NULL_HANDLE;
     VkSwapchainKHR mSwapchain = VK_NULL_HANDLE;
     std::vector<VkCommandBuffer> mCommands;
+    std::optional<client::Passes> mPasses;
     std::vector<VkSemaphore> mDrawn;
 };
 
@@ -246,7 +261,7 @@ void runRandom(Client& client, unsigned int seed) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    Client client;
+    Client program;
     const std::vector<std::string> words(argv + 1, argv + argc);
     const auto number = [&words](std::size_t i) {
         return static_cast<unsigned int>(std::stoul(words.at(i)));
@@ -255,15 +270,20 @@ int main(int argc, char** argv) {
         if (words[i] == "present") {
             const unsigned int count = number(++i);
             for (unsigned int frame = 0; frame < count; ++frame) {
-                client.present();
+                program.present();
+            }
+        } else if (words[i] == "passes") {
+            const unsigned int count = number(++i);
+            for (unsigned int frame = 0; frame < count; ++frame) {
+                program.presentPasses();
             }
         } else if (words[i] == "resize") {
-            client.resize(number(i + 1), number(i + 2));
+            program.resize(number(i + 1), number(i + 2));
             i += 2;
         } else if (words[i] == "renew") {
-            client.renew();
+            program.renew();
         } else if (words[i] == "random") {
-            runRandom(client, number(++i));
+            runRandom(program, number(++i));
         } else {
             std::cerr << words[i] << ": not understood\n";
             return 2;

@@ -1,5 +1,6 @@
 #include "opengl/context/VirtualDisplay.h"
 #include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
@@ -46,7 +47,7 @@ TEST_P(UnderValidation, NothingIsSaidOfTheOverlayNorOfTheProgram) {
 
 INSTANTIATE_TEST_SUITE_P(Each, UnderValidation,
                          testing::Values("vkcube --c 90", "vkcube --c 90 --present_mode 0",
-                                         "vkcube --c 90 --present_mode 1",
+                                         "vkcube --c 90 --present_mode 1", "'" CLIENT "' passes 40",
                                          "'" CLIENT "' present 40 resize 300 200 present 40 renew present 40",
                                          "for i in 1 2 3 4 5 6 7 8; do '" CLIENT
                                          "' random $i || exit 1; done"));
@@ -73,6 +74,27 @@ TEST(VulkanPrograms, TheOverlayIsInThePictureAndNothingElseHasChanged) {
     const std::size_t all = std::size_t{picture->mWidth} * picture->mHeight;
     EXPECT_GT(changed, all / 20);
     EXPECT_LT(changed, all / 2);
+}
+
+TEST(VulkanPrograms, ACaptureHasEveryPassThatWasRecordedInItsFrame) {
+    ASSERT_THAT(VirtualDisplay::get().name(), testing::Not(testing::IsEmpty()));
+    const support::TemporaryDirectory folder;
+    auto variables = environment();
+    variables["KORDANIX_DUMP_DIR"] = folder.path();
+    variables["CTL"] = KORDANIXCTL;
+    const auto outcome = support::run(
+        {KORDANIXCTL, "run", "--set", "devmode=true", "sh", "-c",
+         "'" CLIENT "' passes 100000 & sleep 1; \"$CTL\" key dump; \"$CTL\" key capture; sleep 1.5; "
+         "\"$CTL\" key dump; sleep 0.3; kill $!; wait"},
+        variables);
+    const auto passes = support::run({"sh", "-c", "cat '" + folder.path() + "'/*/passes.csv"});
+    // The pass's number, microseconds and width; the command buffer that was recorded before has none.
+    std::string expected;
+    for (const char* const pass :
+         {",0,[0-9]+,256,", ",1,[0-9]+,256,", ",2,[0-9]+,100,", ",3,[0-9]+,101,", ",4,[0-9]+,102,"}) {
+        expected += std::string("[^\n]*") + pass + "[^\n]*\n";
+    }
+    EXPECT_THAT(passes.out, testing::MatchesRegex("Frame[^\n]*\n" + expected)) << outcome.out << outcome.err;
 }
 
 TEST(VulkanPrograms, AreLeftAloneWhenTheLayerIsDisabled) {
