@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Measures what the library costs and prints a table of the figures against their targets; with "opengl",
-# what the overlay costs an OpenGL program, beside other overlays; with "sources", what each figure of the
-# machine costs the thread that reads it.
+# Measures what the library costs and prints a table of the figures against their targets; with "opengl" or
+# "vulkan", what the overlay costs such a program, beside other overlays; with "sources", what each figure of
+# the machine costs the thread that reads it.
 # Usage: scripts/bench.sh [options of Google Benchmark, e.g. --benchmark_filter=Hooks]
 #        scripts/bench.sh sources
-#        scripts/bench.sh opengl [options of kordanix-opengl-bench, see --help]
+#        scripts/bench.sh opengl|vulkan [options of kordanix-overlay-bench, see --help]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -14,10 +14,9 @@ build() {
     cmake --build --preset release --target "$@" >/dev/null
 }
 
-if [ "${1-}" = opengl ]; then
-    shift
-    scripts/install-dependencies.sh build opengl-bench
-    build kordanix-opengl-bench kordanix-opengl-client kordanixctl kordanix_opengl kordanix_preload
+if [ "${1-}" = opengl ] || [ "${1-}" = vulkan ]; then
+    scripts/install-dependencies.sh build test opengl-bench
+    build kordanix-overlay-bench "kordanix-$1-client" kordanixctl kordanix_opengl kordanix_preload kordanix_vulkan
     display=$(mktemp)
     # A server that starts afresh whenever the last program leaves would now and then refuse the next one.
     Xvfb -displayfd 3 -screen 0 1920x1080x24 -nolisten tcp -noreset 3>"$display" 2>/dev/null &
@@ -27,8 +26,8 @@ if [ "${1-}" = opengl ]; then
         kill -0 "$server" 2>/dev/null || { echo "Xvfb did not start" >&2; exit 1; }
         sleep 0.1
     done
-    echo "Measuring, some fifteen minutes; files of the runs: build/bench-opengl" >&2
-    DISPLAY=:$(cat "$display") build/release/bin/kordanix-opengl-bench "$@"
+    echo "Measuring, some fifteen minutes; files of the runs: build/bench-$1" >&2
+    DISPLAY=:$(cat "$display") build/release/bin/kordanix-overlay-bench "$@"
     exit
 fi
 

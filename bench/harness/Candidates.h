@@ -21,12 +21,14 @@ inline constexpr char OURS[] = "kordanix";
 inline constexpr char MANGOHUD[] = "mangohud";
 inline constexpr char MANGOHUD_RATE[] = "mangohud, frame rate only";
 
+enum class Api { OPENGL, VULKAN };
+
 /// Returns "no overlay", then everything that is compared with it. `build` is the build folder with our
 /// libraries and tools, `runtime` a private folder for our properties.
-std::vector<Candidate> candidates(const std::string& build, const std::string& runtime);
+std::vector<Candidate> candidates(Api api, const std::string& build, const std::string& runtime);
 
 /// Writes the properties that show our overlay in `program`, named as it is started. On failure prints why
 /// and returns false.
-bool enableOurs(const std::string& build, const std::string& runtime, const std::string& program);
+bool enableOurs(Api api, const std::string& build, const std::string& runtime, const std::string& program);
 
 }  // namespace bench

@@ -1,13 +1,13 @@
 #include "Window.h"
 
+#include "WindowPicture.h"
+
 #include <GL/glx.h>
 #include <GL/glxext.h>
 #include <X11/Xutil.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <vector>
 
 namespace client {
 namespace {
@@ -105,27 +105,7 @@ void Window::swap() {
 bool Window::writePicture(const std::string& path) const {
     glXWaitGL();
     XSync(mHandles->display, False);
-    const auto w = static_cast<unsigned>(mWidth);
-    const auto h = static_cast<unsigned>(mHeight);
-    XImage* image = XGetImage(mHandles->display, mHandles->window, 0, 0, w, h, AllPlanes, ZPixmap);
-    if (image == nullptr) {
-        return false;
-    }
-    std::vector<char> pixels;
-    pixels.reserve(static_cast<std::size_t>(w) * h * 3);
-    for (int y = 0; y < mHeight; ++y) {
-        for (int x = 0; x < mWidth; ++x) {
-            const unsigned long pixel = XGetPixel(image, x, y);
-            for (const int shift : {16, 8, 0}) {
-                pixels.push_back(static_cast<char>((pixel >> shift) & 0xFFu));
-            }
-        }
-    }
-    XDestroyImage(image);
-    std::ofstream file(path, std::ios::binary);
-    file << "P6\n" << w << ' ' << h << "\n255\n";
-    file.write(pixels.data(), static_cast<std::streamsize>(pixels.size()));
-    return file.good();
+    return writeWindowPicture(mHandles->display, mHandles->window, mWidth, mHeight, path);
 }
 
 }  // namespace client

@@ -5,7 +5,21 @@
 
 namespace bench {
 
-std::vector<Candidate> candidates(const std::string& build, const std::string& runtime) {
+std::vector<Candidate> candidates(Api api, const std::string& build, const std::string& runtime) {
+    if (api == Api::VULKAN) {
+        return {
+            {BARE, {}, {}, ""},
+            {OURS,
+             {},
+             {{"XDG_CONFIG_DIRS", build + "/lib/kordanix:/etc/xdg"},
+              {"KORDANIX", "1"},
+              {"KORDANIX_RUNTIME_DIR", runtime}},
+             "libkordanix-vulkan.so"},
+            {MANGOHUD, {"mangohud"}, {}, "libMangoHud.so"},
+            {MANGOHUD_RATE, {"mangohud"}, {{"MANGOHUD_CONFIG", "fps_only"}}, "libMangoHud.so"},
+            {"Mesa's overlay", {}, {{"VK_INSTANCE_LAYERS", "VK_LAYER_MESA_overlay"}}, "MESA_overlay"},
+        };
+    }
     const std::string shim = build + "/lib/libkordanix-preload.so";
     return {
         {BARE, {}, {}, ""},
@@ -17,13 +31,14 @@ std::vector<Candidate> candidates(const std::string& build, const std::string& r
     };
 }
 
-bool enableOurs(const std::string& build, const std::string& runtime, const std::string& program) {
+bool enableOurs(Api api, const std::string& build, const std::string& runtime, const std::string& program) {
     std::filesystem::create_directories(runtime);
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);
     const std::string log = runtime + "/set.log";
     const Environment environment = environmentWith({{"KORDANIX_RUNTIME_DIR", runtime}});
-    const Command settings[] = {
-        {"debug.kordanix.status", "true"}, {"debug.kordanix.proc", program}, {"debug.kordanix.api", "0"}};
+    const Command settings[] = {{"debug.kordanix.status", "true"},
+                                {"debug.kordanix.proc", program},
+                                {"debug.kordanix.api", api == Api::VULKAN ? "1" : "0"}};
     for (const Command& setting : settings) {
         const int status = run({build + "/bin/kordanixctl", "set", setting[0], setting[1]}, environment, log);
         if (status != 0) {

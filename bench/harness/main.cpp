@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ namespace {
 
 struct Options {
     std::string build = "build/release";
-    std::string folder = "build/bench-opengl";
+    std::string folder;
+    bench::Api api = bench::Api::OPENGL;
     int rounds = 7;
     std::vector<std::string> modes;
     std::vector<std::string> without;
@@ -75,7 +77,7 @@ bool count(const bench::Client& client, const bench::Mode& mode,
 }
 
 std::vector<bench::Candidate> chosenCandidates(const Options& options, const std::string& runtime) {
-    std::vector<bench::Candidate> chosen = bench::candidates(options.build, runtime);
+    std::vector<bench::Candidate> chosen = bench::candidates(options.api, options.build, runtime);
     chosen.erase(std::remove_if(chosen.begin() + 1, chosen.end(),
                                 [&](const bench::Candidate& c) { return contains(options.without, c.name); }),
                  chosen.end());
@@ -83,16 +85,19 @@ std::vector<bench::Candidate> chosenCandidates(const Options& options, const std
 }
 
 bool runAll(const Options& options) {
-    const std::string program = options.build + "/bin/kordanix-opengl-client";
+    const bool isVulkan = options.api == bench::Api::VULKAN;
+    const std::string program =
+        options.build + "/bin/kordanix-" + (isVulkan ? "vulkan" : "opengl") + "-client";
     const std::string runtime = options.folder + "/runtime";
     std::filesystem::create_directories(options.folder);
-    if (!contains(options.without, bench::OURS) && !bench::enableOurs(options.build, runtime, program)) {
+    if (!contains(options.without, bench::OURS) &&
+        !bench::enableOurs(options.api, options.build, runtime, program)) {
         return false;
     }
     const bench::Client client(program, options.folder);
     const std::vector<bench::Candidate> candidates = chosenCandidates(options, runtime);
     std::vector<std::pair<std::string, std::vector<bench::Samples>>> results;
-    for (const bench::Mode& mode : bench::modes()) {
+    for (const bench::Mode& mode : bench::modes(options.api)) {
         if (!options.modes.empty() && !contains(options.modes, mode.name)) {
             continue;
         }
@@ -109,7 +114,7 @@ bool runAll(const Options& options) {
             return false;
         }
         mode.pace > 0 ? bench::printPacing(std::cout, mode, rows) : bench::printTable(std::cout, mode, rows);
-        if (!mode.hasPixels && !options.isUncounted) {
+        if (mode.hasTargets && !options.isUncounted) {
             bench::printTargets(std::cout, mode, rows);
         }
         results.emplace_back(mode.name, std::move(rows));
@@ -122,8 +127,11 @@ bool runAll(const Options& options) {
 
 /// Exit status 1: something did not run, or an overlay was missing. The figures do not affect it.
 int main(int argc, char** argv) {
-    CLI::App app{"Measures what overlays cost an OpenGL program, on the display of the environment."};
+    CLI::App app{"Measures what overlays cost a program, on the display of the environment."};
     Options options;
+    const std::map<std::string, bench::Api> apis{{"opengl", bench::Api::OPENGL},
+                                                 {"vulkan", bench::Api::VULKAN}};
+    app.add_option("api", options.api, "opengl or vulkan")->transform(CLI::CheckedTransformer(apis));
     app.add_option("--build", options.build, "The build folder")->check(CLI::ExistingDirectory);
     app.add_option("--folder", options.folder, "Where the files of the runs go");
     app.add_option("--rounds", options.rounds, "How often each is measured")->check(CLI::PositiveNumber);
@@ -132,6 +140,9 @@ int main(int argc, char** argv) {
     app.add_flag("--no-instructions", options.isUncounted, "Leave callgrind out");
     CLI11_PARSE(app, argc, argv);
     options.build = std::filesystem::absolute(options.build);
+    if (options.folder.empty()) {
+        options.folder = options.api == bench::Api::VULKAN ? "build/bench-vulkan" : "build/bench-opengl";
+    }
     options.folder = std::filesystem::absolute(options.folder);
     return runAll(options) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -18,12 +18,13 @@ struct Mode {
     int countedWarmUp;  ///< frames
     int countedFrames;  ///< in which instructions are counted
     bool hasPixels;     ///< whether the window shows the overlay
+    bool hasTargets = true;
     int pace = 0;       ///< frames per second of real time, whose intervals are measured; 0: no pace
     Command size = {};  ///< options of the client
 };
 
 /// First the modes without pixels, then those with them.
-const std::vector<Mode>& modes();
+const std::vector<Mode>& modes(Api api);
 
 /// The costs of a run for the client's rendering thread, in microseconds a frame.
 struct Times {
