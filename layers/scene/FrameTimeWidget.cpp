@@ -208,36 +208,50 @@ FrameTimeWidget::Bar FrameTimeWidget::toBar(const FrameTime& frame, float rowsPe
     Bar bar;
     for (std::size_t i = PARTS; i-- > 0;) {
         end += mParts[i].legend->mEnabled ? lengths[i] : 0;
-        bar[i] = static_cast<int>(std::min(static_cast<float>(end) * rowsPerNs + 0.5F, mRows));
+        const auto nanoseconds = static_cast<float>(static_cast<std::int64_t>(end));
+        bar[i] = static_cast<int>(std::min(nanoseconds * rowsPerNs + 0.5F, mRows));
     }
     return bar;
 }
 
-/// Bars of one height beside each other make one rectangle.
+/// Bars whose part is the same beside each other make one rectangle of that part.
 void FrameTimeWidget::setBars(std::size_t first, std::size_t count) {
     for (const Part& part : mParts) {
         part.bars->mVertices.clear();
     }
     const float rowsPerNs = mRows / mTopNs;
-    const float rowHeight = 2.0F / mRows;
-    std::array<Bar, 2> lastEnds{};  // of each part: lower and upper end
-    for (std::size_t i = 0; i < count; ++i) {
-        const Bar bar = toBar(mTimes.ago(first + i), rowsPerNs);
-        const float right = 1.0F - static_cast<float>(i) * mBarWidth;
-        for (std::size_t part = 0; part < PARTS; ++part) {
-            const int low = part + 1 < PARTS ? bar[part + 1] : 0;
-            const int high = bar[part];
-            std::vector<gui::Vertex>& vertices = mParts[part].bars->mVertices;
-            const bool isLonger = i > 0 && low == lastEnds[0][part] && high == lastEnds[1][part];
-            if (high > low && isLonger) {
-                vertices.back().x = right - mBarWidth;
-            } else if (high > low) {
-                vertices.push_back({right, 1.0F - static_cast<float>(low) * rowHeight});
-                vertices.push_back({right - mBarWidth, 1.0F - static_cast<float>(high) * rowHeight});
-            }
-            lastEnds[0][part] = low;
-            lastEnds[1][part] = high;
+    const auto lowerEnd = [](const Bar& bar, std::size_t part) {
+        return part + 1 < PARTS ? bar[part + 1] : 0;
+    };
+    std::array<std::size_t, PARTS> starts{};
+    Bar last = toBar(mTimes.ago(first), rowsPerNs);
+    for (std::size_t i = 1; i <= count; ++i) {
+        const bool isOver = i == count;
+        const Bar bar = isOver ? last : toBar(mTimes.ago(first + i), rowsPerNs);
+        if (bar == last && !isOver) {
+            continue;
         }
+        for (std::size_t part = 0; part < PARTS; ++part) {
+            const int low = lowerEnd(last, part);
+            if (isOver || bar[part] != last[part] || lowerEnd(bar, part) != low) {
+                addBars(part, {starts[part], i}, {low, last[part]});
+                starts[part] = i;
+            }
+        }
+        last = bar;
+    }
+}
+
+/// From the right, bars from one to before the other; of these rows.
+void FrameTimeWidget::addBars(std::size_t part, const std::array<std::size_t, 2>& bars,
+                              const std::array<int, 2>& rows) {
+    if (rows[0] < rows[1]) {
+        const float rowHeight = 2.0F / mRows;
+        const auto x = [this](std::size_t bar) { return 1.0F - static_cast<float>(bar) * mBarWidth; };
+        const auto y = [rowHeight](int row) { return 1.0F - static_cast<float>(row) * rowHeight; };
+        std::vector<gui::Vertex>& vertices = mParts[part].bars->mVertices;
+        vertices.push_back({x(bars[0]), y(rows[0])});
+        vertices.push_back({x(bars[1]), y(rows[1])});
     }
 }
 
@@ -266,9 +280,11 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
 
 /// Writes the statistics of mSorted, and chooses the scale.
 void FrameTimeWidget::setTexts() {
-    const auto at = [this](std::size_t index) {
+    auto start = mSorted.begin();  // of what is not in order yet
+    const auto at = [&](std::size_t index) {
         const auto place = mSorted.begin() + static_cast<std::ptrdiff_t>(index);
-        std::nth_element(mSorted.begin(), place, mSorted.end());
+        std::nth_element(start, place, mSorted.end());
+        start = place;
         return *place;
     };
     mTopNs = 0.0F;
@@ -278,7 +294,7 @@ void FrameTimeWidget::setTexts() {
     const std::size_t count = mSorted.size();
     const std::uint64_t median = at(count / 2);
     const std::uint64_t slow = at((count * 99 + 99) / 100 - 1);
-    const std::uint64_t longest = *std::max_element(mSorted.begin(), mSorted.end());
+    const std::uint64_t longest = *std::max_element(start, mSorted.end());
     setScale(median, longest);
     std::string text = "Frame " + milliseconds(median);
     if (mTimesShown > 1) {
@@ -288,6 +304,9 @@ void FrameTimeWidget::setTexts() {
         text += "  Max " + milliseconds(longest);
     }
     mText->setText(text);
+    if (!mIsBand) {
+        return;
+    }
     const glm::vec2 size = measureText(*mText, mCanvas);
     setRect(*mBackdrop, mText->mPosition.x, mText->mPosition.y + 0.5F * (mText->mSize.y - size.y), size.x,
             size.y);

@@ -62,6 +62,7 @@ private:
     void placeBars(const Canvas& canvas);
     Bar toBar(const FrameTime& frame, float rowsPerNs) const;
     void setBars(std::size_t first, std::size_t count);
+    void addBars(std::size_t part, const std::array<std::size_t, 2>& bars, const std::array<int, 2>& rows);
     void setTexts();
     void setScale(std::uint64_t median, std::uint64_t longest);
     void placeLines();
