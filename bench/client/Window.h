@@ -5,16 +5,16 @@
 
 namespace client {
 
-/// A window with a Vulkan swapchain whose pictures are cleared. Use it on one thread.
+/// A window to draw in: each API implements it, with a current OpenGL 3.3 core context, or with a Vulkan
+/// swapchain whose pictures are cleared. Create and destroy it on the same thread.
 class Window {
 public:
-    /// Ends the program with a message when there is no display or no such device.
+    /// Ends the program with a message when there is no display or no such context or device.
     Window(int width, int height);
     ~Window();
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
 
-    /// Acquires a picture, clears and presents it.
     void swap();
 
     /// Writes the window's content as a PPM picture. False when it cannot be read or written.
