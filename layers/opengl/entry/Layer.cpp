@@ -62,6 +62,9 @@ SwapResult Layer::beforeSwap(const Swap& swap) {
 Obstacle Layer::draw(Context& context, const Swap& swap) {
     try {
         if (context.overlay == nullptr) {
+            if (context.library->isOpenGlEs1(context.display, context.context)) {
+                throw Unusable("its context is of OpenGL ES 1");
+            }
             context.overlay = std::make_unique<ContextOverlay>(context.library->lookUp(), mShared);
         }
         const unsigned int changes = gShim->surfaceChanges->load(std::memory_order_relaxed);

@@ -44,7 +44,7 @@ WindowLibrary::WindowLibrary(const Swap& swap, const ShimCalls& shim)
     : mWindowSystem(swap.windowSystem),
       mSwapFunction(swap.function),
       mFindSymbol(shim.findSymbol),
-      mLibrary(libraryOf(swap.function)),
+      mLibrary(shim.findSymbol != nullptr ? libraryOf(swap.function) : nullptr),
       mLookUp(swap.lookUp) {
     const bool isEgl = mWindowSystem == WindowSystem::EGL;
     const char* const lookUpName = isEgl ? "eglGetProcAddress" : "glXGetProcAddressARB";
@@ -94,6 +94,15 @@ bool WindowLibrary::isDrawnOn(const Swap& swap) const {
     }
     // Displays share no surfaces, so the surface is enough; each call costs a system call in libglvnd.
     return mGetCurrentSurface(EGL_DRAW) == eglSurface(swap.surface);
+}
+
+bool WindowLibrary::isOpenGlEs1(void* display, void* context) const {
+    int api = 0;
+    int version = 0;
+    return mWindowSystem == WindowSystem::EGL &&
+           mQueryContext(display, context, EGL_CONTEXT_CLIENT_TYPE, &api) != EGL_FALSE &&
+           api == EGL_OPENGL_ES_API &&
+           mQueryContext(display, context, EGL_CONTEXT_CLIENT_VERSION, &version) != EGL_FALSE && version < 2;
 }
 
 bool WindowLibrary::isAlive(void* display, void* context) const {

@@ -34,6 +34,10 @@ public:
     /// Whether the current context draws on the surface of this swap.
     bool isDrawnOn(const Swap& swap) const;
 
+    /// Whether the context is of OpenGL ES 1, whose functions may be in another library than those that
+    /// lookUp() returns.
+    bool isOpenGlEs1(void* display, void* context) const;
+
     /// Whether the context, which is current, can be made current again. A destroyed context lives until it
     /// is released.
     bool isAlive(void* display, void* context) const;

@@ -169,7 +169,7 @@ void lookUp(Function& function, GetProcAddress getProcAddress, const char* name)
     function = reinterpret_cast<Function>(getProcAddress(name));
 }
 
-/// glMember with a suffix, or oldName with it when there is a suffix and an old name.
+/// glMember with a suffix, or oldName with it when there is an old name and the suffix is EXT.
 template <typename Function>
 void lookUp(Function& function, GetProcAddress getProcAddress, const char* member, const char* oldName,
             const char* suffix) {
@@ -256,10 +256,11 @@ bool Functions::load(GetProcAddress getProcAddress) {
         lookUp(member, getProcAddress, #member, nullptr, suffixOf(&Features::feature)); \
         features.feature = member != nullptr;                                           \
     }
-#define OPENGL_FUNCTION_RENAMED(feature, TYPE, member, oldName)                         \
-    if (features.feature) {                                                             \
-        lookUp(member, getProcAddress, #member, oldName, suffixOf(&Features::feature)); \
-        features.feature = member != nullptr;                                           \
+#define OPENGL_FUNCTION_RENAMED(feature, TYPE, member, oldName)                   \
+    if (features.feature) {                                                       \
+        lookUp(member, getProcAddress, #member, version.isEs ? nullptr : oldName, \
+               suffixOf(&Features::feature));                                     \
+        features.feature = member != nullptr;                                     \
     }
 #include "opengl/gl/FunctionList.inc"
 #undef OPENGL_FUNCTION

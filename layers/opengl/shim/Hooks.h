@@ -7,7 +7,7 @@
 
 namespace opengl {
 
-/// Every function that the shim replaces, with the class that wraps it (`Wrappers.cpp`).
+/// Every function that the shim replaces, with the class that wraps it (`WrappedCalls.h`, `Wrappers.cpp`).
 #define OPENGL_HOOKS(HOOK)                           \
     HOOK(eglSwapBuffers, EglSwap)                    \
     HOOK(eglSwapBuffersWithDamageKHR, EglDamageSwap) \
@@ -20,6 +20,9 @@ namespace opengl {
     HOOK(eglDestroyContext, EglDestroy)              \
     HOOK(eglTerminate, EglTerminate)                 \
     HOOK(eglSurfaceAttrib, EglAttribute)             \
+    HOOK(eglQuerySurface, EglQuery)                  \
+    HOOK(eglSetDamageRegionKHR, EglDamageRegion)     \
+    HOOK(glXQueryDrawable, GlxQuery)                 \
     HOOK(glXDestroyContext, GlxDestroy)              \
     HOOK(glXFreeContextEXT, GlxDestroy)              \
     HOOK(glBindFramebuffer, FramebufferBind)         \

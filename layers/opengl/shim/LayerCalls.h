@@ -3,8 +3,9 @@
 #include <atomic>
 #include <cstdint>
 
-/// The interface between the preloaded shim and the layer that it loads. Both come from the same build. The
-/// shim looks up only the function below. No call throws.
+/// The interface between the preloaded shim and the layer that it loads; also that between Android's entry
+/// points and the layer in the same library. Both come from the same build. The shim looks up only the
+/// function below. No call throws.
 namespace opengl {
 
 enum class WindowSystem : std::uint8_t { EGL, GLX };
@@ -30,9 +31,10 @@ struct SwapResult {
 /// Called after a thread has bound a framebuffer, on that thread.
 using FramebufferListener = void (*)();
 
-/// What the shim provides.
+/// What the shim, or whatever is in its place, provides.
 struct ShimCalls {
-    void* (*findSymbol)(void* handle, const char* name);  ///< dlsym without the hooks
+    /// dlsym without the hooks; null where the look-up function of a swap finds everything.
+    void* (*findSymbol)(void* handle, const char* name);
     /// The layer sets it to a function that wants to know every glBindFramebuffer of the program, or null.
     /// Relaxed order.
     std::atomic<FramebufferListener>* framebufferListener;

@@ -1,25 +1,14 @@
 #include <dlfcn.h>
-#include <errno.h>
-#include <string.h>
 
 #include "opengl/shim/Hooks.h"
-#include "opengl/shim/LayerLoader.h"
 #include "opengl/shim/RealFunctions.h"
+#include "opengl/shim/WrappedCalls.h"
 
 // The window systems' own headers are not needed: handles are pointers, drawables unsigned long.
 
 namespace opengl {
 
 namespace {
-
-/// How many hooked functions this thread is in. Calls from inside one of them pass straight through.
-[[gnu::tls_model("initial-exec")]] thread_local int gDepth = 0;
-
-/// A real function and the one that returned it.
-struct Real {
-    void* function;  ///< null only for an exported function that the program does not have
-    const Slot& slot;
-};
 
 template <Hook HOOK, std::size_t SLOT>
 Real findReal(const void* caller) {
@@ -28,87 +17,8 @@ Real findReal(const void* caller) {
     if (SLOT == 0 && __builtin_expect(function == nullptr, 0)) {
         function = resolveExported(HOOK, caller);
     }
-    return {function, slot};
+    return {function, slot.lookUp};
 }
-
-/// A program that measures with OpenGL ES's timer queries looks these up; we must not clear its flag.
-void noteTimerQueries(const char* name) {
-    constexpr const char* NAMES[] = {"glQueryCounterEXT", "glBeginQueryEXT", "glGetQueryObjectui64vEXT",
-                                     "glGetQueryObjecti64vEXT"};
-    if (name == nullptr || strncmp(name, "gl", 2) != 0) {
-        return;
-    }
-    for (const char* const each : NAMES) {
-        if (strcmp(name, each) == 0) {
-            gIsMeasuring.store(true, std::memory_order_relaxed);
-        }
-    }
-}
-
-/// Calls the layer around a swap; of nested swaps only around the outermost.
-class Frame {
-public:
-    [[gnu::noinline]] Frame(Real real, WindowSystem windowSystem, void* display, std::uintptr_t surface) {
-        if (gDepth++ == 0 && real.function != nullptr) {
-            begin({windowSystem, display, surface, real.function,
-                   real.slot.lookUp.load(std::memory_order_relaxed)});
-        }
-    }
-
-    [[gnu::noinline]] ~Frame() {
-        if (mResult.frame != nullptr) {
-            end();
-        }
-        --gDepth;
-    }
-
-    Frame(const Frame&) = delete;
-    Frame& operator=(const Frame&) = delete;
-
-    bool hasDrawn() const { return mResult.hasDrawn; }
-
-private:
-    void begin(const Swap& swap) {
-        const int callersErrno = errno;
-        mLayer = loadLayer();
-        if (mLayer != nullptr) {
-            mResult = mLayer->beforeSwap(swap);
-        }
-        errno = callersErrno;
-    }
-
-    void end() {
-        const int callsErrno = errno;
-        mLayer->afterSwap(mResult.frame);
-        errno = callsErrno;
-    }
-
-    const LayerCalls* mLayer = nullptr;
-    SwapResult mResult;
-};
-
-struct EglSwap {
-    using Type = unsigned int(void* display, void* surface);
-    [[gnu::noinline]] static unsigned int run(Real real, void* display, void* surface) {
-        const Frame frame(real, WindowSystem::EGL, display, reinterpret_cast<std::uintptr_t>(surface));
-        return real.function == nullptr ? 0 : reinterpret_cast<Type*>(real.function)(display, surface);
-    }
-};
-
-struct EglDamageSwap {
-    using Type = unsigned int(void* display, void* surface, const int* rects, int count);
-    [[gnu::noinline]] static unsigned int run(Real real, void* display, void* surface, const int* rects,
-                                              int count) {
-        const Frame frame(real, WindowSystem::EGL, display, reinterpret_cast<std::uintptr_t>(surface));
-        if (real.function == nullptr) {
-            return 0;
-        }
-        // The overlay may be outside the program's rectangles; none means the whole surface.
-        const bool isWhole = frame.hasDrawn();
-        return reinterpret_cast<Type*>(real.function)(display, surface, isWhole ? nullptr : rects,
-                                                      isWhole ? 0 : count);
-    }
-};
 
 struct GlxSwap {
     using Type = void(void* display, unsigned long drawable);
@@ -145,59 +55,18 @@ struct AnyLookUp {
     }
 };
 
-/// Tells the layer before the real call, so that a new context with the same handle finds nothing of the old
-/// one, and again after it, in case another thread swapped in between. Without a context or a display the
-/// call destroys nothing.
-class Destruction {
-public:
-    [[gnu::noinline]] Destruction(WindowSystem windowSystem, void* display, void* context)
-        : mWindowSystem(windowSystem), mDisplay(display), mContext(context) {
-        tell();
-    }
-    ~Destruction() { tell(); }
-    Destruction(const Destruction&) = delete;
-    Destruction& operator=(const Destruction&) = delete;
-
-private:
-    void tell() const {
-        const LayerCalls* const layer = mDisplay != nullptr ? loadedLayer() : nullptr;
-        if (layer != nullptr) {
-            const int callersErrno = errno;
-            layer->contextDestroyed(mWindowSystem, mDisplay, mContext);
-            errno = callersErrno;
+struct GlxQuery {
+    using Type = void(void* display, unsigned long drawable, int attribute, unsigned int* value);
+    static void run(Real real, void* display, unsigned long drawable, int attribute, unsigned int* value) {
+        constexpr int BACK_BUFFER_AGE = 0x20F4;
+        if (real.function == nullptr) {
+            return;
         }
-    }
-
-    WindowSystem mWindowSystem;
-    void* mDisplay;
-    void* mContext;
-};
-
-struct EglDestroy {
-    using Type = unsigned int(void* display, void* context);
-    [[gnu::noinline]] static unsigned int run(Real real, void* display, void* context) {
-        const Destruction destruction(WindowSystem::EGL, context != nullptr ? display : nullptr, context);
-        return real.function == nullptr ? 0 : reinterpret_cast<Type*>(real.function)(display, context);
-    }
-};
-
-struct EglTerminate {
-    using Type = unsigned int(void* display);
-    [[gnu::noinline]] static unsigned int run(Real real, void* display) {
-        const Destruction destruction(WindowSystem::EGL, display, nullptr);
-        return real.function == nullptr ? 0 : reinterpret_cast<Type*>(real.function)(display);
-    }
-};
-
-struct EglAttribute {
-    using Type = unsigned int(void* display, void* surface, int attribute, int value);
-    [[gnu::noinline]] static unsigned int run(Real real, void* display, void* surface, int attribute,
-                                              int value) {
-        const unsigned int result = real.function == nullptr ? 0
-                                                             : reinterpret_cast<Type*>(real.function)(
-                                                                   display, surface, attribute, value);
-        gSurfaceChanges.fetch_add(1, std::memory_order_relaxed);
-        return result;
+        reinterpret_cast<Type*>(real.function)(display, drawable, attribute, value);
+        if (attribute == BACK_BUFFER_AGE && value != nullptr && gDepth == 0 &&
+            isBufferOverlaid(drawable, static_cast<int>(*value))) {
+            *value = 0;
+        }
     }
 };
 
@@ -207,23 +76,6 @@ struct GlxDestroy {
         const Destruction destruction(WindowSystem::GLX, context != nullptr ? display : nullptr, context);
         if (real.function != nullptr) {
             reinterpret_cast<Type*>(real.function)(display, context);
-        }
-    }
-};
-
-struct FramebufferBind {
-    using Type = void(unsigned int target, unsigned int framebuffer);
-    static void run(Real real, unsigned int target, unsigned int framebuffer) {
-        if (real.function == nullptr) {
-            return;
-        }
-        const FramebufferListener listener = gFramebufferListener.load(std::memory_order_relaxed);
-        if (__builtin_expect(listener == nullptr, 1)) {
-            return reinterpret_cast<Type*>(real.function)(target, framebuffer);
-        }
-        reinterpret_cast<Type*>(real.function)(target, framebuffer);
-        if (gDepth == 0) {
-            listener();
         }
     }
 };
@@ -240,6 +92,10 @@ struct Wrapper<HOOK, Way, SLOT, Result(Arguments...)> {
 };
 
 }  // namespace
+
+void* realQuerySurface(void* sibling) {
+    return resolveExported(Hook::eglQuerySurface, sibling);
+}
 
 }  // namespace opengl
 
@@ -293,6 +149,19 @@ OPENGL_EXPORT unsigned int eglTerminate(void* display) {
 
 OPENGL_EXPORT unsigned int eglSurfaceAttrib(void* display, void* surface, int attribute, int value) {
     return OPENGL_RUN(eglSurfaceAttrib, EglAttribute, display, surface, attribute, value);
+}
+
+OPENGL_EXPORT unsigned int eglQuerySurface(void* display, void* surface, int attribute, int* value) {
+    return OPENGL_RUN(eglQuerySurface, EglQuery, display, surface, attribute, value);
+}
+
+OPENGL_EXPORT unsigned int eglSetDamageRegionKHR(void* display, void* surface, int* rects, int count) {
+    return OPENGL_RUN(eglSetDamageRegionKHR, EglDamageRegion, display, surface, rects, count);
+}
+
+OPENGL_EXPORT void glXQueryDrawable(void* display, unsigned long drawable, int attribute,
+                                    unsigned int* value) {
+    OPENGL_RUN(glXQueryDrawable, GlxQuery, display, drawable, attribute, value);
 }
 
 OPENGL_EXPORT void glXDestroyContext(void* display, void* context) {

@@ -20,7 +20,8 @@ constexpr opengl::LayerCalls CALLS = {
                     swap.lookUp != nullptr ? ", looked up" : "");
         errno = EDOM;
         gShim->framebufferListener->store([] { std::printf("layer: framebuffer\n"); });
-        return SwapResult{&gFrames, ++gFrames > 1};
+        ++gFrames;
+        return SwapResult{&gFrames, gFrames == 2 || gFrames == 3};
     },
     [](void* frame) {
         std::printf("layer: after%s\n", frame == &gFrames ? "" : " something else");

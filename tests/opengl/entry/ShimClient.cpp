@@ -108,6 +108,23 @@ int run(const std::string& way, const char* fake, const char* other) {
         damage(&gObject, &gObject, rects, 2);
         destroy(&gObject, nullptr);
         destroy(&gObject, &gObject);
+    } else if (way == "parts") {
+        void* const library = dlopen(fake, RTLD_NOW | RTLD_LOCAL);
+        const auto query = find<unsigned int (*)(void*, void*, int, int*)>(library, "eglQuerySurface");
+        const auto setRegion =
+            find<unsigned int (*)(void*, void*, int*, int)>(library, "eglSetDamageRegionKHR");
+        const auto queryDrawable =
+            find<void (*)(void*, unsigned long, int, unsigned int*)>(library, "glXQueryDrawable");
+        for (int frame = 0; frame < 6; ++frame) {
+            int rects[8] = {1, 2, 3, 4};
+            int age = -1;
+            unsigned int drawablesAge = 0;
+            query(&gObject, &gObject, 0x313D, &age);
+            queryDrawable(&gObject, reinterpret_cast<std::uintptr_t>(&gObject), 0x20F4, &drawablesAge);
+            std::printf("ages %d, %u\n", age, drawablesAge);
+            setRegion(&gObject, &gObject, rects, 2);
+            find(library, "eglSwapBuffers")(&gObject, &gObject);
+        }
     } else if (way == "next") {
         std::printf("next %d\n", askNext());
     }

@@ -1,12 +1,10 @@
-#include "gui/LayoutManager.h"
 #include "opengl/context/VirtualDisplay.h"
-#include "scene/WidgetScale.h"
+#include "opengl/context/WidgetPixels.h"
 #include "software/Png.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
 
-#include <glm/vector_relational.hpp>
 #include <regex>
 
 namespace {
@@ -41,39 +39,6 @@ std::optional<Image> pictureOf(const Command& command, bool isStill) {
     return display().windowPicture(isStill);
 }
 
-/// Pixels in each widget that is on by default, and how many of them differ; outside them all in the last
-/// place.
-struct Share {
-    int differing, all;
-};
-std::vector<Share> differences(const Image& bare, const Image& overlaid) {
-    gui::LayoutManager& layout = *gui::LayoutManager::getInstance();
-    layout.updateConfig();
-    scene::scaleAreas({bare.mWidth, bare.mHeight});
-    layout.updateWidgetsLayouts(bare.mHeight > bare.mWidth);
-    std::vector<glm::vec4> areas;
-    for (const gui::Widget* widget : layout.mWidgets) {
-        if (widget->mEnabled) {
-            areas.push_back(widget->mRect);
-        }
-    }
-    std::vector<Share> shares(areas.size() + 1);
-    for (std::size_t i = 0; i < bare.mPixels.size(); ++i) {
-        const glm::vec2 size(bare.mWidth, bare.mHeight);
-        const glm::vec2 pixel(i % bare.mWidth, i / bare.mWidth);
-        const auto area = std::find_if(areas.begin(), areas.end(), [&](const glm::vec4& each) {
-            const glm::vec2 start(each.x, each.y);
-            const glm::vec2 end = start + glm::vec2(each.z, each.w);
-            return glm::all(glm::lessThan(start * size, pixel + 1.0F)) &&
-                   glm::all(glm::lessThan(pixel, end * size));
-        });
-        Share& share = shares[static_cast<std::size_t>(area - areas.begin())];
-        ++share.all;
-        share.differing += bare.mPixels[i] == overlaid.mPixels[i] ? 0 : 1;
-    }
-    return shares;
-}
-
 struct RealProgram {
     const char* name;
     Command command;
@@ -93,11 +58,11 @@ TEST_P(OverRealPrograms, TheWidgetsAreInThePictureAndNothingElseHasChanged) {
     std::string error;
     software::writePng(*overlaid, std::string("program-") + program.name + ".png", error);
 
-    std::vector<Share> shares = differences(*bare, *overlaid);
+    std::vector<PixelShare> shares = compareWidgets(*bare, *overlaid);
     EXPECT_TRUE(shares.back().differing == 0 || !program.isStill) << "pixels outside the widgets";
     shares.pop_back();
     ASSERT_FALSE(shares.empty());
-    for (const Share& widget : shares) {
+    for (const PixelShare& widget : shares) {
         EXPECT_GT(widget.differing, widget.all / 4) << "widget " << &widget - shares.data();
     }
 }
