@@ -4,6 +4,7 @@
 #include "core/SysPropWatcher.h"
 #include "figures/Catalogue.h"
 #include "figures/FigureSettings.h"
+#include "gles/ToolkitThread.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/FrameTimeSettings.h"
 #include "scene/WidgetScale.h"
@@ -71,6 +72,7 @@ TEST(PropertyTable, HasExactlyThePropertiesOfTheLibrary) {
     WidgetsSettings::getWidgets();
     scene::frameTimeSettings();
     scene::scaleSetting();
+    gles::isToolkitIncluded();
     for (const figures::Figure& figure : figures::catalogue()) {
         if (!figure.isNote()) {
             figures::settingsOf(figure);

@@ -35,6 +35,7 @@ constexpr Property BACKGROUND[] = {
     {"bg_color", COLOR, BLACK, "background of the widgets"},
     {"bg_transparency", PropertyType::OPACITY, 128, "opacity of the background: 0 clear, 255 opaque"},
     {"scale", PropertyType::SCALE, 0, "size of the widgets: 0.5 half, 1.8 nearly double"},
+    {"renderthread", BOOLEAN, OFF, "on Android: also over what the UI toolkit draws, on its RenderThread"},
 };
 
 // The widgets' own properties. Those of their figures come after them, from the catalogue.
