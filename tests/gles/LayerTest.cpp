@@ -1,0 +1,156 @@
+#include "opengl/context/VirtualDisplay.h"
+#include "opengl/context/WidgetPixels.h"
+#include "software/Png.h"
+#include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <signal.h>
+
+namespace {
+
+using support::ChildProcess;
+using testing::HasSubstr;
+using testing::Not;
+using Command = std::vector<std::string>;
+
+/// Programs on a device with the layer switched on.
+class GlesLayer : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_THAT(VirtualDisplay::get().name(), Not(testing::IsEmpty())); }
+
+    /// As `kordanixctl android` leaves a device.
+    void switchOn(const std::string& program, const Command& settings = {}) {
+        Command command = {KORDANIXCTL, "set", "status", "true", "proc", program, "bg_color", "#FFFFFF"};
+        command.insert(command.end(), settings.begin(), settings.end());
+        const support::Outcome outcome = support::run(command, mEnvironment);
+        ASSERT_EQ(outcome.status, 0) << outcome.err;
+    }
+
+    support::Outcome runClient(const std::string& way, const std::string& argument = "") {
+        return support::run({CLIENT, way, argument}, mEnvironment);
+    }
+
+    support::TemporaryDirectory mRuntime;
+    ChildProcess::Environment mEnvironment = {{"LD_LIBRARY_PATH", LOADER},
+                                              {"LOADER_LAYERS", LAYER},
+                                              {"KORDANIX_RUNTIME_DIR", mRuntime.path()},
+                                              {"DISPLAY", VirtualDisplay::get().name()},
+                                              {"LIBGL_ALWAYS_SOFTWARE", "1"},
+                                              {"vblank_mode", "0"}};
+};
+
+TEST_F(GlesLayer, IsInThePictureOfUnchangedProgramsAndNothingElseHasChanged) {
+    const struct {
+        Command command;
+        ChildProcess::Environment variables;
+    } programs[] = {
+        {{"es2gears_x11"}, {}},
+        {{"glmark2-es2", "-b", "shading", "-s", "800x600"}, {}},
+        // A driver without OpenGL ES 3, whose functions are there all the same and do nothing.
+        {{"es2gears_x11"}, {{"MESA_GLES_VERSION_OVERRIDE", "2.0"}, {"LOADER_ES2", "yes"}}},
+        // A driver that has only the other extension for blending by draw buffer.
+        {{"es2gears_x11"}, {{"LOADER_WITHOUT", "GL_OES_draw_buffers_indexed"}}},
+        // A list with a layer that is not there, and ours twice.
+        {{"es2gears_x11"}, {{"LOADER_LAYERS", LAYER ":/nowhere/libOther.so:" LAYER}}},
+    };
+    for (const auto& [command, variables] : programs) {
+        SCOPED_TRACE(command[0] + (variables.empty() ? "" : ", " + variables.rbegin()->first));
+        ChildProcess::Environment environment = mEnvironment;
+        environment.insert({"LD_PRELOAD", FROZEN_CLOCK});
+        for (const auto& [name, value] : variables) {
+            environment[name] = value;
+        }
+        const auto pictureOf = [&](std::string& errors) {
+            const ChildProcess program(command, environment);
+            const auto picture = VirtualDisplay::get().windowPicture(true);
+            errors = program.errors();
+            return picture;
+        };
+        switchOn("none", {"widget_fps", "true", "widget_cpu_gpu", "true"});
+        std::string errors;
+        const auto bare = pictureOf(errors);
+        switchOn(command[0]);
+        const auto overlaid = pictureOf(errors);
+        ASSERT_TRUE(bare && overlaid) << errors;
+        EXPECT_THAT(errors, Not(HasSubstr("loader: called unimplemented")));
+        ASSERT_EQ(bare->mPixels.size(), overlaid->mPixels.size());
+        std::vector<PixelShare> shares = compareWidgets(*bare, *overlaid);
+        EXPECT_EQ(shares.back().differing, 0) << "pixels outside the widgets";
+        shares.pop_back();
+        for (const PixelShare& widget : shares) {
+            EXPECT_GT(widget.differing, widget.all / 4);
+        }
+        EXPECT_FALSE(shares.empty());
+    }
+}
+
+TEST_F(GlesLayer, IsLeftWholeByProgramsThatRedrawInPartAndLeavesNothingBehind) {
+    switchOn(CLIENT);
+    mEnvironment["LOADER_TRACE"] = "yes";
+    const support::Outcome outcome = runClient("parts", KORDANIXCTL " set status false");
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_THAT(outcome.out, HasSubstr("10 of 10 frames drawn whole, overlay shown\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("damage of 0 rectangles\nregion 0 0 740 360\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("region 0 0 8 8\ndamage of 1 rectangles\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("20 frames in part, then 0 values changed\n"));
+    EXPECT_THAT(outcome.out, Not(HasSubstr("no damage region")));
+}
+
+TEST_F(GlesLayer, PassesTheToolkitsThreadThroughUnlessToldOtherwise) {
+    switchOn(CLIENT);
+    EXPECT_THAT(runClient("toolkit").out, HasSubstr("1 of 60 frames drawn whole, overlay gone\n"));
+    switchOn(CLIENT, {"renderthread", "true"});
+    EXPECT_THAT(runClient("toolkit").out, HasSubstr("overlay shown\n"));
+}
+
+TEST_F(GlesLayer, FollowsContextsAndLateNames) {
+    switchOn(CLIENT);
+    const std::string round = "shown, no error\n";
+    EXPECT_EQ(runClient("threads").out, round + round + round);
+    mEnvironment["LOADER_TRACE"] = "yes";
+    const support::Outcome late = runClient("late");
+    EXPECT_THAT(late.out, HasSubstr("damage of 0 rectangles\n")) << late.err;
+    EXPECT_THAT(late.out, HasSubstr("\nshown\n"));
+}
+
+TEST_F(GlesLayer, PassesContextsOfOpenGlEs1Through) {
+    switchOn(CLIENT);
+    const support::Outcome outcome = runClient("es1");
+    EXPECT_EQ(outcome.out, "0 values changed, error 0\n") << outcome.err;
+    EXPECT_THAT(outcome.err, HasSubstr("its context is of OpenGL ES 1"));
+}
+
+TEST_F(GlesLayer, TheStandInFindsWhateverBreaksTheLoadersRules) {
+    const std::pair<const char*, const char*> rules[] = {
+        {"public", "loader: a layer called a function of EGL while it was loaded"},
+        {"unknown", "loader: a layer asked for a name that the platform does not know"},
+        {"waits", "loader: a layer waits for itself"},
+    };
+    mEnvironment["LOADER_LAYERS"] = RULE_BREAKER;
+    for (const auto& [rule, complaint] : rules) {
+        mEnvironment["BREAKS"] = rule;
+        const support::Outcome outcome = runClient("late");
+        EXPECT_EQ(outcome.status, -SIGABRT) << rule;
+        EXPECT_THAT(outcome.err, HasSubstr(complaint));
+    }
+}
+
+TEST(GlesLayerFile, IsSelfContained) {
+    const auto outputOf = [](const std::string& command) {
+        const support::Outcome outcome = support::run({"/bin/sh", "-c", command});
+        EXPECT_EQ(outcome.status, 0) << command;
+        return outcome.out;
+    };
+    EXPECT_EQ(outputOf("nm -D --defined-only -j " LAYER " | LC_ALL=C sort"),
+              "AndroidGLESLayer_GetProcAddress\nAndroidGLESLayer_Initialize\n");
+    EXPECT_THAT(outputOf("readelf -dW " LAYER), HasSubstr("NODELETE"));
+    EXPECT_EQ(outputOf("readelf -dW " LAYER
+                       " | sed -n 's/.*NEEDED.*\\[\\(lib\\(c\\|m\\|dl\\)\\.so\\|ld-linux\\).*//p; "
+                       "s/.*NEEDED.*\\[\\(.*\\)\\]/\\1/p' | grep -v '^$' || :"),
+              "");
+    EXPECT_THAT(outputOf("nm -D --undefined-only -j " LAYER),
+                Not(testing::ContainsRegex("(^|\n)(egl|gl)[A-Z]")));
+    EXPECT_EQ(outputOf("readelf -lW " LAYER " | awk '$1 == \"LOAD\" && $NF != \"0x4000\"'"), "");
+}
+
+}  // namespace
