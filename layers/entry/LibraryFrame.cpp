@@ -16,7 +16,7 @@ Obstacle beginFrame(scene::Overlay& overlay, OverlayRight& right, Obstacle surfa
     isInFrame = true;
     overlay.attach();
     overlay.beginFrame();
-    if (!overlay.isShown()) {
+    if (!overlay.isDrawn()) {
         return whyIsOff(right.api());
     }
     if (surface == nullptr) {

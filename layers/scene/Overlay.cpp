@@ -2,6 +2,7 @@
 
 #include "core/KeyEventInterceptor.h"
 #include "core/StateInfo.h"
+#include "utils/SystemInfoHelper.h"
 
 #include <mutex>
 #include <utility>
@@ -20,6 +21,12 @@ std::mutex& backgroundMutex() {
 
 /// Publications so far. The library reports each one in a single frame, which may be another layer's.
 std::uint32_t publications = 0;
+
+/// Whether this process and API show the overlay when it is switched on.
+bool isChosen(core::RenderingApiType api) {
+    return core::StateInfo::mRenderApiProp.getValue() == api &&
+           utils::getProcessName() == core::StateInfo::mDebugProcessNameProp.getValue();
+}
 
 }  // namespace
 
@@ -43,6 +50,7 @@ void Overlay::onDetach() {
     core::StateInfo::onDetached();
     mScene.suspend();
     mIsShown = false;
+    mHasNotice = false;
 }
 
 void Overlay::enter() {
@@ -73,11 +81,18 @@ void Overlay::beginFrame() {
             mScene.suspend();
         }
     }
+    const glm::uvec2 size = mFactory.getSurfaceSize();
+    const bool isStale = isChanged || size != mSurfaceSize;
     if (!mIsShown) {
+        if (isChanged || (mHasNotice && isStale)) {
+            mSurfaceSize = size;
+            mHasNotice = isChosen(mApi) && mScene.layoutNotice();
+        }
+        mHasNotice = mHasNotice && mScene.updateNotice();
         return;
     }
-    const glm::uvec2 size = mFactory.getSurfaceSize();
-    if (isChanged || size != mSurfaceSize) {
+    mHasNotice = false;
+    if (isStale) {
         mSurfaceSize = size;
         mScene.layout();
     }
@@ -89,6 +104,8 @@ void Overlay::draw() {
         onPreDraw();
         mScene.draw();
         mScene.mFrameTimes.onSwap();
+    } else if (mHasNotice) {
+        mScene.drawNotice();
     }
 }
 

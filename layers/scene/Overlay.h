@@ -57,6 +57,9 @@ public:
     /// Whether the overlay is shown in this frame.
     bool isShown() const { return mIsShown; }
 
+    /// Whether there is something to draw in this frame: the overlay or, while it is switched off, a notice.
+    bool isDrawn() const { return mIsShown || mHasNotice; }
+
     void onAttach() override;
     void onDetach() override;
 
@@ -67,6 +70,7 @@ private:
     KeyEventInterceptor& mKeys;
     core::RenderingApiType mApi;
     bool mIsShown = false;
+    bool mHasNotice = false;         // although it is not shown
     bool mIsDumpKeyPressed = false;  // in the poll of this frame
     bool mIsSwapped = false;         // endSwap() was called in this frame
     std::uint32_t mSeenPublications = 0;

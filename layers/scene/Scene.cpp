@@ -19,7 +19,7 @@ namespace scene {
 
 Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSource* passes,
              FrameTimer* timer)
-    : mFactory(factory), mTimer(timer), mDumpMark(factory) {
+    : mFactory(factory), mTimer(timer), mDumpMark(factory), mNotice(factory) {
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, FPS_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, CPU_GPU_WIDGET));
     mWidgets.push_back(std::make_unique<FigureWidget>(factory, MEMORY_WIDGET));
@@ -54,6 +54,8 @@ void Scene::layout() {
         }
     }
     mDumpMark.layout(canvas);
+    mNotice.read();
+    mNotice.layout(canvas);
     mExtraDump.tellSurface(mFactory.getSurfaceSize());
     mIsStripShown = mStrip->isShown();
     mIsChanged = true;
@@ -63,7 +65,7 @@ void Scene::layout() {
 void Scene::update() {
     takeGpuTimes();
     const bool wasDumping = std::exchange(mIsDumping, core::StateInfo::isDumpingEnabled());
-    mIsChanged = mIsChanged || mIsDumping != wasDumping;
+    mIsChanged = mNotice.expire() || mIsChanged || mIsDumping != wasDumping;
     for (WidgetView* widget : mShown) {
         mIsChanged = widget->onFrame() || mIsChanged;
     }
@@ -133,6 +135,29 @@ void Scene::draw() {
     }
     if (mIsDumping) {
         mDumpMark.draw();
+    }
+    if (mNotice.isShown()) {
+        mNotice.draw();
+    }
+}
+
+bool Scene::layoutNotice() {
+    mNotice.read();
+    if (mNotice.isShown()) {
+        mNotice.layout(Canvas(mFactory.getSurfaceSize(), scaleAreas(mFactory.getSurfaceSize())));
+        mIsChanged = true;
+    }
+    return mNotice.isShown();
+}
+
+bool Scene::updateNotice() {
+    mIsChanged = mNotice.expire() || mIsChanged;
+    return mNotice.isShown();
+}
+
+void Scene::drawNotice() {
+    if (mFactory.beginDrawing(!std::exchange(mIsChanged, false)) && mNotice.isShown()) {
+        mNotice.draw();
     }
 }
 

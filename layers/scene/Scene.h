@@ -5,6 +5,7 @@
 #include "scene/DumpMark.h"
 #include "scene/ExtraDump.h"
 #include "scene/FrameTimes.h"
+#include "scene/Notice.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
 #include "utils/UpdateHelper.h"
@@ -40,8 +41,14 @@ public:
     /// The overlay is not shown from now on: ends what runs in the background.
     void suspend();
 
+    /// While the overlay is switched off, a new notice is shown all the same, and nothing else: looks for one
+    /// after a publication, and returns whether it is to be shown in this frame.
+    bool layoutNotice();
+    bool updateNotice();
+
     /// Draws the widgets that are shown, unless the factory shows again what was drawn last.
     void draw();
+    void drawNotice();
 
     /// What is on the screen, in drawing order, for the post-swap hook.
     const std::vector<drawer::Drawer*>& drawers() const { return mShownDrawers; }
@@ -60,6 +67,7 @@ private:
     ExtraDump mExtraDump;
     DumpMark mDumpMark;
     bool mIsDumping = false;  // as the last drawing says
+    Notice mNotice;
     UpdateHelper mPacing;
     bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;

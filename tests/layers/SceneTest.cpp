@@ -18,6 +18,7 @@
 #include "scene/FigureWidgets.h"
 #include "scene/FrameTimer.h"
 #include "scene/GpuCapture.h"
+#include "scene/NoticeText.h"
 #include "scene/Overlay.h"
 #include "scene/Style.h"
 #include "utils/SystemInfoHelper.h"
@@ -309,6 +310,34 @@ TEST_F(SceneOverlay, FollowsThePublishedSwitches) {
     publish({{"status", "true"}});
     frame();
     EXPECT_THAT(drawn(), Contains("PSS"));
+}
+
+TEST_F(SceneOverlay, ANoticeStandsForASecondEvenWhenTheOverlayIsSwitchedOff) {
+    const auto notice = [] {
+        return std::pair<std::string, std::string>("notice", scene::encodeNotice("Overlay off"));
+    };
+    constexpr std::size_t BACKDROP_AND_TEXT = 2;
+    publish({notice()});
+    doubles::advanceWallClock(5000000);
+    frame();
+    EXPECT_THAT(drawn(), Not(Contains("Overlay off"))) << "it was written before this process looked";
+    publish({notice()});
+    frame();
+    EXPECT_THAT(drawn(), Contains("Overlay off"));
+    publish({{"status", "false"}, notice()});
+    for (int i = 0; i < 60; ++i) {
+        frame();
+        ASSERT_EQ(drawn().size(), BACKDROP_AND_TEXT);
+        ASSERT_EQ(drawn().back(), "Overlay off");
+    }
+    frames(5);
+    EXPECT_TRUE(drawn().empty());
+    publish({{"proc", "another"}, notice()});
+    frame();
+    EXPECT_TRUE(drawn().empty());
+    publish({{"proc", "app"}, {"status", "true"}, {"notice", "7 text that nobody wrote!"}});
+    frame();
+    EXPECT_THAT(drawn(), AllOf(Contains("thumbnail"), Not(Contains("text that nobody wrote!"))));
 }
 
 // 735 frames in 10 seconds, a second slow and a second fast in turn; then a dump, whose start forgets them.

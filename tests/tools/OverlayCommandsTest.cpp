@@ -46,7 +46,7 @@ protected:
     /// Presents nothing. Returns the error.
     std::string picture(const std::string& path, std::optional<pid_t> process = std::nullopt) {
         mErr.str({});
-        EXPECT_NE(savePicture(process, path, 0.02, mErr), SUCCESS);
+        EXPECT_NE(savePicture(process, path, 0.02, mOut, mErr), SUCCESS);
         EXPECT_FALSE(std::filesystem::exists(path));
         return mErr.str();
     }

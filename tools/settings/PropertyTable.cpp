@@ -78,6 +78,10 @@ constexpr Property MEMORY[] = {
     {"widget_memory_position", POSITION, 1, "its place"},
 };
 
+constexpr Property KEYS[] = {
+    {"keys", BOOLEAN, ON, "keys in the program's windows on X11, if 'run' starts with them"},
+};
+
 constexpr Property GENERATION[] = {
     {"settingsgeneration", PropertyType::GENERATION, 0, "writing it publishes all the others"},
 };
@@ -95,6 +99,7 @@ public:
         add(FRAME_TIME);
         add(MEMORY);
         addFigures(gui::WidgetType::MEMORY);
+        add(KEYS);
         add(GENERATION);
     }
 

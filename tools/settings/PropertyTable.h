@@ -32,6 +32,9 @@ inline constexpr std::string_view PREFIX = "debug.kordanix.";
 /// Writing this property publishes all others.
 inline constexpr std::string_view GENERATION_NAME = "debug.kordanix.settingsgeneration";
 
+/// This one is read by 'kordanixctl run', not by the library.
+inline constexpr std::string_view KEYS_NAME = "debug.kordanix.keys";
+
 /// Every property of the library: the control properties, the settings in the library's order, and the
 /// generation property. Iterable; the rows live as long as the process.
 struct PropertyRows {

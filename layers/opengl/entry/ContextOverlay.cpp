@@ -71,7 +71,7 @@ Obstacle ContextOverlay::drawOverlay(const WindowLibrary& library, const Swap& s
     mPasses.onFrameEnd();
     // While the overlay is off nobody asks for the surface. When it has just been switched on, this frame is
     // laid out for what the surface once was, and goes without.
-    const bool isLookedAt = mOverlay.isShown() || !mOverlay.mIsAttached;
+    const bool isLookedAt = mOverlay.isDrawn() || !mOverlay.mIsAttached;
     if (isLookedAt) {
         lookAtSurface(library, swap, attributeChanges);
         if (mSurface.obstacle != nullptr) {

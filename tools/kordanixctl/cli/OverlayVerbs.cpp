@@ -4,6 +4,7 @@
 #include "overlays/Doctor.h"
 #include "overlays/PictureCommand.h"
 #include "overlays/ProcessCommands.h"
+#include "overlays/ToggleCommand.h"
 #include "processes/ProcessInfo.h"
 
 #include <iostream>
@@ -23,8 +24,8 @@ std::string takeProcess(std::vector<std::string>& words, std::optional<pid_t>& p
     if (words.size() > 2) {
         return "picture takes a process and a file; '" + words[2] + "' is one word too many";
     }
-    if (words.size() == 2) {
-        const std::optional<pid_t> first = toProcess(words.front());
+    const std::optional<pid_t> first = words.empty() ? std::nullopt : toProcess(words.front());
+    if (words.size() == 2 || first) {
         if (!first) {
             return "'" + words.front() + "' is not the number of a process";
         }
@@ -40,11 +41,13 @@ std::string takeProcess(std::vector<std::string>& words, std::optional<pid_t>& p
 void addPicture(CLI::App& app, Invocation& invocation) {
     const auto options = std::make_shared<PictureOptions>();
     CLI::App* const verb = addVerb(app, "picture", "Save a program's next frame with the overlay in it");
-    setUsage(*verb, "picture [OPTIONS] [PID] OUT.png");
-    verb->add_option("OUT.png", options->words,
-                     "File to write or replace. PID may be left out when only one process shows an overlay")
-        ->type_name("")
-        ->required();
+    setUsage(*verb, "picture [OPTIONS] [PID] [OUT.png]");
+    verb->add_option(
+            "OUT.png", options->words,
+            "File to write or replace; without one a new file in ~/.local/share/kordanix/logs, which "
+            "is told here and on the screen. PID may be left out when only one process shows an "
+            "overlay")
+        ->type_name("");
     verb->add_option("--seconds", options->seconds, "How long to wait for the frame")
         ->capture_default_str()
         ->type_name("SECONDS")
@@ -55,9 +58,17 @@ void addPicture(CLI::App& app, Invocation& invocation) {
             throw CLI::ParseError(error, USAGE_ERROR);
         }
         invocation.action = [=, &invocation] {
-            return savePicture(invocation.process, options->words.front(), options->seconds, std::cerr);
+            const std::string path = options->words.empty() ? std::string() : options->words.front();
+            return savePicture(invocation.process, path, options->seconds, std::cout, std::cerr);
         };
     });
+}
+
+void addToggle(CLI::App& app, Invocation& invocation) {
+    addVerb(app, "toggle", "Hide the overlay, or show it again: for a desktop's keyboard shortcuts")
+        ->callback([&] {
+            invocation.action = [&] { return toggleOverlay(invocation.process, std::cout, std::cerr); };
+        });
 }
 
 void addKey(CLI::App& app, Invocation& invocation) {
@@ -146,6 +157,7 @@ void addDoctor(CLI::App& app, Invocation& invocation) {
 
 void addOverlayVerbs(CLI::App& app, Invocation& invocation) {
     addPicture(app, invocation);
+    addToggle(app, invocation);
     addKey(app, invocation);
     addBackground(app, invocation);
     addDoctor(app, invocation);

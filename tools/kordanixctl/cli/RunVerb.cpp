@@ -23,6 +23,11 @@ void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::st
         ->type_name("NAME=VALUE")
         ->expected(1)
         ->take_all();
+    verb->add_flag_callback(
+        "--no-keys", [=] { assignments->emplace_back("keys=off"); },
+        "Leave the program's keys alone: the same as --set keys=off. Otherwise right Shift+F12 hides and "
+        "shows "
+        "the overlay, and right Shift+F9 saves a picture, in the program's windows on X11");
     verb->callback([=, &invocation, &program] {
         invocation.address = Invocation::Address::NONE;
         if (program.empty()) {

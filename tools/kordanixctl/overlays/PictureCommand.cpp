@@ -4,11 +4,13 @@
 #include "io/ProcessStart.h"
 #include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
+#include "overlays/LogsFolder.h"
 #include "overlays/OverlayState.h"
 #include "overlays/Pam.h"
 #include "overlays/PictureDelivery.h"
 #include "processes/Addressing.h"
 #include "processes/ProcessInfo.h"
+#include "properties/Notices.h"
 #include "properties/RuntimeDirectory.h"
 #include "software/Image.h"
 #include "software/Png.h"
@@ -17,6 +19,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <thread>
 
 namespace control {
 
@@ -101,9 +104,10 @@ std::string fetch(const std::string& directory, pid_t process, double seconds, s
 
 }  // namespace
 
-ExitCode savePicture(std::optional<pid_t> process, const std::string& path, double seconds,
+ExitCode savePicture(std::optional<pid_t> process, const std::string& path, double seconds, std::ostream& out,
                      std::ostream& err) {
-    if (!endsInPng(path)) {
+    const bool isNamed = !path.empty();
+    if (isNamed && !endsInPng(path)) {
         return fail(path + ": pictures are PNG files; the name must end in .png", err, USAGE_ERROR);
     }
     const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
@@ -117,10 +121,22 @@ ExitCode savePicture(std::optional<pid_t> process, const std::string& path, doub
         }
     }
     software::Image image;
+    std::string file = path;
+    if (error.empty() && !isNamed) {
+        file = newLogsFile(targets.front(), ".png", error);
+        std::this_thread::sleep_for(noticeRest());  // what the last key did is not for this picture
+    }
     if (error.empty()) {
         error = fetch(directory.path, targets.front(), seconds, image);
     }
-    return error.empty() && software::writePng(image, path, error) ? SUCCESS : fail(error, err);
+    const bool isSaved = error.empty() && software::writePng(image, file, error);
+    if (!isNamed) {
+        showNotice(isSaved ? "Picture saved" : "No picture");
+    }
+    if (isSaved && !isNamed) {
+        out << "Saved " << file << '\n';
+    }
+    return isSaved ? SUCCESS : fail(error, err);
 }
 
 }  // namespace control

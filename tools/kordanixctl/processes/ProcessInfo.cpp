@@ -47,6 +47,15 @@ std::optional<std::uint64_t> startTime(pid_t process) {
     return fields >> time && !hasEnded ? std::optional(time) : std::nullopt;
 }
 
+std::optional<pid_t> parentProcess(pid_t process) {
+    std::string line;
+    std::getline(openFile(process, "stat"), line, '\0');
+    std::istringstream fields(line.substr(std::min(line.rfind(')') + 1, line.size())));
+    std::string state;
+    pid_t parent = 0;
+    return fields >> state >> parent ? std::optional(parent) : std::nullopt;
+}
+
 bool isStopped(pid_t process) {
     std::string line;
     std::getline(openFile(process, "stat"), line, '\0');

@@ -18,6 +18,9 @@ std::string processName(pid_t process);
 /// process for good, through every exec. Nothing when it has ended.
 std::optional<std::uint64_t> startTime(pid_t process);
 
+/// Nothing when it has ended.
+std::optional<pid_t> parentProcess(pid_t process);
+
 /// Whether a signal or a debugger has stopped it.
 bool isStopped(pid_t process);
 

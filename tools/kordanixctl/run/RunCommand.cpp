@@ -2,6 +2,7 @@
 
 #include "Diagnostic.h"
 #include "io/WriteSignalsBlocked.h"
+#include "keys/RunKeys.h"
 #include "processes/ProcessInfo.h"
 #include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
@@ -157,10 +158,16 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
         return prepared;
     }
     keepLog(folder);
+    SideProcess keys = areKeysOn() ? listenForRun(folder, hold) : SideProcess();
     const ProgramEnd end = superviseProgram(words);
+    const std::string told = keys.finish(std::chrono::milliseconds(0));
     const std::string reason = end.startError == 0 ? notShownReason(folder, kind.obstacle) : std::string();
     hold.forget();
     removeEndedRuns(user);
+    if (!told.empty()) {
+        const platform::WriteSignalsBlocked blocked;
+        err << told;
+    }
     if (end.startError != 0) {
         return fail(name + ": " + std::generic_category().message(end.startError), err,
                     end.startError == ENOENT ? NOT_FOUND : NOT_EXECUTABLE);

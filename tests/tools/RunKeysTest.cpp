@@ -1,0 +1,119 @@
+#include <gmock/gmock.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "RunFixture.h"
+#include "keys/KeyChords.h"
+#include "opengl/context/VirtualDisplay.h"
+
+namespace control {
+namespace {
+
+using testing::HasSubstr;
+
+TEST(KeyChords, AreOneShiftAndAFunctionKeyAndNothingElse) {
+    KeyChords chords;
+    std::array<KeyChords::Meaning, KeyChords::KEYS> meanings = {};
+    meanings['<'] = KeyChords::LEFT_SHIFT;
+    meanings['>'] = KeyChords::RIGHT_SHIFT;
+    meanings['^'] = KeyChords::MODIFIER;
+    meanings['2'] = KeyChords::F2;
+    meanings['9'] = KeyChords::F9;
+    meanings['T'] = KeyChords::F10;
+    meanings['W'] = KeyChords::F12;
+    chords.setMeanings(meanings);
+    const auto press = [&](const std::string& keys) {
+        std::string actions;
+        for (const char key : keys) {
+            if (const auto action = chords.onPress(static_cast<std::size_t>(key))) {
+                actions += "tplc"[static_cast<int>(*action)];
+            }
+        }
+        for (const char key : keys) {
+            chords.onRelease(static_cast<std::size_t>(key));
+        }
+        return actions;
+    };
+    const std::pair<const char*, const char*> cases[] = {
+        {">W", "t"}, {">T", "p"}, {"<2", "l"}, {">9", "c"}, {"W>", ""},   {"W", ""},     {"<W", ""},
+        {">2", ""},  {"<>W", ""}, {">^W", ""}, {">a", ""},  {">WW", "t"}, {">aW9", "tc"}};
+    for (const auto& [keys, actions] : cases) {
+        EXPECT_EQ(press(keys), actions) << keys;
+    }
+}
+
+class RunKeys : public RunFixture {
+protected:
+    RunKeys() {
+        setenv("DISPLAY", VirtualDisplay::get().name().c_str(), 1);
+        setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
+        setenv("XDG_DATA_HOME", mHome.path("data").c_str(), 1);
+        setenv("TYPED", SDL_PROGRAMS "checkkeys", 1);
+        // A press of 30 ms of keys by their numbers: 50 and 62 are left and right Shift, 75 and 96 F9 and
+        // F12.
+        std::ofstream(mHome.path("press"))
+            << "xdotool windowfocus --sync $1 keydown $2 keydown $3 sleep 0.03 keyup $3 keyup $2\n";
+        std::ofstream(mHome.path("window"))
+            << "until xdotool search --onlyvisible --name \"$1\" 2>/dev/null; do sleep 0.1; done | tail -1\n";
+        std::ofstream(mHome.path("until"))
+            << "for i in $(seq 100); do [ \"$($CTL get $1)\" = $2 ] && exit 0; sleep 0.05; done\n"
+               "echo \"$1 is not $2\"\n";
+    }
+    ~RunKeys() override { setenv("DISPLAY", VirtualDisplay::get().name().c_str(), 1); }
+};
+
+TEST_F(RunKeys, ActInTheFocusedWindowAloneAndReachTheProgramToo) {
+    const support::Outcome outcome =
+        run("glxgears >/dev/null 2>&1 & bare=$! other=$(sh window glxgears)\n"
+            "$CTL run $TYPED >typed 2>&1 & ours=$(sh window CheckKeys)\n"
+            // The program may have started before its keys are listened to, and the focus is asked for a
+            // moment after a press.
+            "for i in $(seq 30); do sh press $ours 62 75; sleep 0.3; ls data/kordanix/logs/*.png "
+            ">/dev/null 2>&1 && break; done; ls data/kordanix/logs | grep -c '^checkkeys-.*png$'\n"
+            "sh press $ours 50 96; sh press $other 62 96; sleep 1; sh press $ours 62 96\n"
+            "sh until status false\n"
+            "sh press $ours 62 96; sh until status true\n"
+            "$CTL set keys off; sh press $ours 62 96; sleep 1; $CTL toggle; sh until status false\n"
+            "kill $! $bare; wait $!; grep -c F12 typed; grep -c Saved typed\n");
+    EXPECT_THAT(outcome.out,
+                testing::MatchesRegex("[1-9][0-9]*\nOverlay hidden\n[1-9][0-9]*\n[1-9][0-9]*\n"));
+    EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(RunKeys, AreNotListenedToWhenTheyAreOff) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "kordanix-keys sleep "}, {"--no-keys", "sleep "}, {"--set keys=off", "sleep "}};
+    for (const auto& [options, children] : cases) {
+        const support::Outcome outcome = run("$CTL run " + options +
+                                             " sleep 60 & for i in $(seq 100); do sleep 0.05; found=$(ps -o "
+                                             "comm= --ppid $! | sort | tr '\\n' ' '); [ \"$found\" = '" +
+                                             children + "' ] && break; done; echo \"$found\"; kill $!");
+        EXPECT_EQ(outcome.out, children + '\n');
+    }
+}
+
+// A server that takes connections and says nothing, and one that dies.
+TEST_F(RunKeys, AServerNeitherHoldsUpNorEndsTheRun) {
+    const int silent = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address = {AF_UNIX, {}};
+    const std::string number = std::to_string(getpid());
+    const std::string name = "/tmp/.X11-unix/X" + number;
+    name.copy(address.sun_path + 1, sizeof(address.sun_path) - 1);  // a name of Linux's own, without a file
+    const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
+    ASSERT_EQ(bind(silent, reinterpret_cast<const sockaddr*>(&address), size), 0);
+    ASSERT_EQ(listen(silent, 8), 0);
+    const support::Outcome hanging = run("DISPLAY=:" + number + " $CTL run sh -c 'exit 3'");
+    EXPECT_EQ(hanging.status, 3);
+    close(silent);
+
+    const support::Outcome dying = run(
+        "Xvfb -displayfd 5 -nolisten tcp 5>number 2>/dev/null & until grep -q . number; do sleep 0.1; done\n"
+        "export DISPLAY=:$(cat number) X=$!; $CTL run sh -c 'sleep 0.5; kill $X; sleep 0.5; exit 4'");
+    EXPECT_EQ(dying.status, 4);
+    EXPECT_THAT(dying.err, HasSubstr("the overlay was not shown"));
+    EXPECT_EQ(std::count(dying.err.begin(), dying.err.end(), '\n'), 1) << dying.err;
+}
+
+}  // namespace
+}  // namespace control

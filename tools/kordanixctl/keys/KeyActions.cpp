@@ -1,0 +1,28 @@
+#include "keys/KeyActions.h"
+
+#include "overlays/PictureCommand.h"
+#include "overlays/ToggleCommand.h"
+
+namespace control {
+
+bool takesTime(KeyAction action) {
+    return action == KeyAction::PICTURE;
+}
+
+void performKeyAction(KeyAction action, std::ostream& told) {
+    constexpr double PICTURE_SECONDS = 2.0;
+    std::ostream nowhere(nullptr);
+    switch (action) {
+        case KeyAction::TOGGLE:
+            toggleOverlay(std::nullopt, nowhere, told);
+            break;
+        case KeyAction::PICTURE:
+            savePicture(std::nullopt, {}, PICTURE_SECONDS, told, told);
+            break;
+        case KeyAction::PRESET:
+        case KeyAction::LOG:
+            break;  // there is nothing yet for them to do
+    }
+}
+
+}  // namespace control

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <functional>
+
+#include "keys/KeyChords.h"
+
+namespace control {
+
+/// Who is told of the keys, and which windows count.
+struct KeyTarget {
+    std::function<bool(pid_t)> isMember;      ///< whether a process belongs to the program
+    std::function<void(KeyAction)> onAction;  ///< keys pressed meanwhile are looked at after it
+};
+
+/// Listens to the keyboard of DISPLAY's X server, and passes on the chords that are pressed while a window of
+/// a member has the focus. Takes no key from anybody. Returns when it cannot listen (there is no server,
+/// X Input 2 or library), or never; may hang while a server is silent, and ends the process when one dies.
+void listenForKeys(const KeyTarget& target);
+
+}  // namespace control

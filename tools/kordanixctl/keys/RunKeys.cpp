@@ -1,0 +1,93 @@
+#include "keys/RunKeys.h"
+
+#include "io/PlainFile.h"
+#include "keys/KeyActions.h"
+#include "keys/KeyListener.h"
+#include "ostra/ProcessSocket.h"
+#include "overlays/OverlayState.h"
+#include "processes/ProcessInfo.h"
+#include "settings/PropertyTable.h"
+
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <sstream>
+#include <vector>
+
+namespace control {
+
+namespace {
+
+/// Whether the process is the run's: what it was started with says so, or that it shows the overlay, or its
+/// ancestors, since a program may write over its environment.
+bool isMember(pid_t process, const std::string& folder, pid_t run) {
+    const auto directory = environmentVariable(process, "KORDANIX_RUNTIME_DIR");
+    if (directory && !directory->empty()) {
+        return *directory == folder;
+    }
+    const std::vector<pid_t> listening = platform::listeningProcesses(folder);
+    if (std::find(listening.begin(), listening.end(), process) != listening.end()) {
+        return true;
+    }
+    while (process > 1 && process != run) {
+        process = parentProcess(process).value_or(0);
+    }
+    return process == run;
+}
+
+/// Does it in a process of its own, so that the focus is asked for when a key is pressed, not when the last
+/// one's work is done. Nobody waits for it.
+void doAside(const std::function<void()>& work) {
+    const pid_t listener = getpid();
+    if (fork() != 0) {
+        return;
+    }
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (getppid() == listener) {
+        work();
+    }
+    _exit(0);
+}
+
+}  // namespace
+
+bool areKeysOn() {
+    return displayedValue(KEYS_NAME) == "true";
+}
+
+SideProcess listenForRun(const std::string& folder, platform::RunHold& hold) {
+    const char* const display = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): there is one thread
+    if (display == nullptr || *display == '\0') {
+        return {};
+    }
+    const pid_t run = getpid();
+    return SideProcess([&](int output) {
+        hold.forget();
+        prctl(PR_SET_NAME, "kordanix-keys");
+        KeyTarget target;
+        target.isMember = [&](pid_t process) { return isMember(process, folder, run); };
+        const auto perform = [output](KeyAction action) {
+            std::ostringstream told;
+            performKeyAction(action, told);
+            platform::writeAll(output, told.str());
+        };
+        target.onAction = [perform](KeyAction action) {
+            if (!areKeysOn()) {
+                return;
+            }
+            if (takesTime(action)) {
+                doAside([&] { perform(action); });
+            } else {
+                perform(action);
+            }
+        };
+        std::signal(SIGCHLD, SIG_IGN);
+        listenForKeys(target);
+    });
+}
+
+}  // namespace control

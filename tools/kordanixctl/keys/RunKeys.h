@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "run/SideProcess.h"
+#include "runs/RunFolder.h"
+
+namespace control {
+
+/// Whether the property `keys` of this process's runtime directory is on.
+bool areKeysOn();
+
+/// Listens to the keys of the run in `folder`, which is this process's runtime directory and locked by
+/// `hold`, in a process of its own until it is finished. That returns what is to be told on the terminal.
+/// None without an X server.
+SideProcess listenForRun(const std::string& folder, platform::RunHold& hold);
+
+}  // namespace control
