@@ -81,6 +81,15 @@ TEST_F(RunKeys, ActInTheFocusedWindowAloneAndReachTheProgramToo) {
     EXPECT_EQ(outcome.err, "");
 }
 
+// Without the library that asks the server whose a window is, by what the window says of itself.
+TEST_F(RunKeys, AWindowIsAlsoKnownByItself) {
+    const support::Outcome outcome =
+        run("mkdir none; : >none/libXRes.so.1; LD_LIBRARY_PATH=$PWD/none $CTL run $TYPED >/dev/null 2>&1 &\n"
+            "ours=$(sh window CheckKeys); for i in $(seq 30); do sh press $ours 62 96; sleep 0.3; "
+            "[ $($CTL get status) = false ] && break; done; $CTL get status; kill $!");
+    EXPECT_EQ(outcome.out, "false\n") << outcome.err;
+}
+
 TEST_F(RunKeys, AreNotListenedToWhenTheyAreOff) {
     const std::pair<std::string, std::string> cases[] = {
         {"", "kordanix-keys sleep "}, {"--no-keys", "sleep "}, {"--set keys=off", "sleep "}};
@@ -105,6 +114,8 @@ TEST_F(RunKeys, AServerNeitherHoldsUpNorEndsTheRun) {
     ASSERT_EQ(listen(silent, 8), 0);
     const support::Outcome hanging = run("DISPLAY=:" + number + " $CTL run sh -c 'exit 3'");
     EXPECT_EQ(hanging.status, 3);
+    EXPECT_THAT(run("DISPLAY=:" + number + " $CTL doctor").out, HasSubstr("the X server does not answer"));
+    EXPECT_THAT(run("$CTL doctor").out, HasSubstr("hears keys in the windows"));
     close(silent);
 
     const support::Outcome dying = run(

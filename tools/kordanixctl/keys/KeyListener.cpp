@@ -45,11 +45,14 @@ class KeyListener {
 public:
     explicit KeyListener(const KeyTarget& target) : mTarget(target) {}
 
-    /// Returns whether there will be events.
-    bool open() {
-        mDisplay = mX.load() ? mX.openDisplay(nullptr) : nullptr;
+    /// Returns why there will be no events; empty when there will.
+    std::string open() {
+        if (!mX.load()) {
+            return "libX11.so.6 and libXi.so.6 are not installed";
+        }
+        mDisplay = mX.openDisplay(nullptr);
         if (mDisplay == nullptr) {
-            return false;
+            return "no X server answers there";
         }
         // A window may be gone before we ask about it.
         mX.setErrorHandler([](Display* /*display*/, XErrorEvent* /*error*/) { return 0; });
@@ -58,7 +61,7 @@ public:
         int minor = 1;  // from this version on, also while a program has grabbed the keyboard
         if (mX.queryExtension(mDisplay, "XInputExtension", &mInput, &ignored, &ignored) == 0 ||
             mX.queryInputVersion(mDisplay, &major, &minor) != Success) {
-            return false;
+            return "the X server has no X Input 2";
         }
         std::array<unsigned char, XIMaskLen(XI_LASTEVENT)> wanted = {};
         XISetMask(wanted.data(), XI_RawKeyPress);
@@ -67,7 +70,7 @@ public:
         mX.selectInputEvents(mDisplay, DefaultRootWindow(mDisplay), &mask, 1);
         readLayout();
         noteKeysDown();
-        return true;
+        return {};
     }
 
     void takeEvent() {
@@ -125,9 +128,13 @@ private:
 
 }  // namespace
 
+std::string keyListenerObstacle() {
+    return KeyListener({}).open();
+}
+
 void listenForKeys(const KeyTarget& target) {
     KeyListener listener(target);
-    if (listener.open()) {
+    if (listener.open().empty()) {
         for (;;) {
             listener.takeEvent();
         }

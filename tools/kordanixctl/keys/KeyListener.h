@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <string>
 
 #include "keys/KeyChords.h"
 
@@ -14,9 +15,13 @@ struct KeyTarget {
     std::function<void(KeyAction)> onAction;  ///< keys pressed meanwhile are looked at after it
 };
 
+/// Why the keyboard of DISPLAY's X server cannot be listened to, as the end of a sentence; empty when it can.
+/// Hangs and ends like listenForKeys().
+std::string keyListenerObstacle();
+
 /// Listens to the keyboard of DISPLAY's X server, and passes on the chords that are pressed while a window of
-/// a member has the focus. Takes no key from anybody. Returns when it cannot listen (there is no server,
-/// X Input 2 or library), or never; may hang while a server is silent, and ends the process when one dies.
+/// a member has the focus. Takes no key from anybody. Returns when it cannot listen, or never; may hang while
+/// a server is silent, and ends the process when one dies.
 void listenForKeys(const KeyTarget& target);
 
 }  // namespace control

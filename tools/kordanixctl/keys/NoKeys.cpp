@@ -4,6 +4,10 @@
 
 namespace control {
 
+std::string keyListenerObstacle() {
+    return "this kordanixctl was built without X";
+}
+
 void listenForKeys(const KeyTarget& /*target*/) {}
 
 }  // namespace control

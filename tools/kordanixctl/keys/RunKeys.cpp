@@ -12,10 +12,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <sstream>
+#include <string_view>
 #include <vector>
 
 namespace control {
@@ -53,15 +55,37 @@ void doAside(const std::function<void()>& work) {
     _exit(0);
 }
 
+/// Empty when there is none.
+std::string displayName() {
+    const char* const display = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): there is one thread
+    return display == nullptr ? std::string() : display;
+}
+
 }  // namespace
 
 bool areKeysOn() {
     return displayedValue(KEYS_NAME) == "true";
 }
 
+std::string describeKeys() {
+    constexpr std::chrono::milliseconds PATIENCE(500);
+    constexpr std::string_view HEARD = "heard";
+    const std::string display = displayName();
+    std::string answer = "DISPLAY is not set";
+    if (!display.empty()) {
+        answer = SideProcess([&](int output) {
+                     const std::string obstacle = keyListenerObstacle();
+                     platform::writeAll(output, obstacle.empty() ? HEARD : std::string_view(obstacle));
+                 }).finish(PATIENCE);
+        answer = answer.empty() ? "the X server does not answer" : answer;
+    }
+    return answer == HEARD ? "'run' hears keys in the windows of X server " + display
+                           : "'run' hears no keys" + (display.empty() ? "" : " on X server " + display) +
+                                 ": " + answer + "; a desktop's own shortcuts can call 'kordanixctl toggle'";
+}
+
 SideProcess listenForRun(const std::string& folder, platform::RunHold& hold) {
-    const char* const display = std::getenv("DISPLAY");  // NOLINT(concurrency-mt-unsafe): there is one thread
-    if (display == nullptr || *display == '\0') {
+    if (displayName().empty()) {
         return {};
     }
     const pid_t run = getpid();

@@ -1,6 +1,7 @@
 #include "overlays/Doctor.h"
 
 #include "io/ProcessStart.h"
+#include "keys/RunKeys.h"
 #include "overlays/MetricChecks.h"
 #include "overlays/OverlayState.h"
 #include "processes/ProcessInfo.h"
@@ -179,6 +180,7 @@ ExitCode runDoctor(std::ostream& out, std::ostream& err) {
         describeProperties(out);
         describeProcesses(directory.path, out);
         describeRuns(directory.path, out);
+        out << "\nKeys: " << describeKeys() << '\n';
     }
     describeMetrics(out);
     return result;

@@ -77,7 +77,8 @@ std::string newLogsFile(pid_t process, const std::string& ending, std::string& e
     }
     const std::string beginning = folder + '/' + plainName(process) + '-' + localTime() + '-';
     for (int number = 1; number <= MAX_FILES_A_SECOND; ++number) {
-        std::string path = beginning + std::to_string(number) + ending;
+        std::string path = beginning + std::to_string(number);
+        path += ending;
         std::error_code failure;
         if (!fs::exists(fs::symlink_status(path, failure))) {
             return path;
