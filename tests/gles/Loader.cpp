@@ -2,8 +2,8 @@
 // to be found before the real ones. Each name that the platform knows is a jump through a table, whose end is
 // the real function; the layers that $LOADER_LAYERS lists (files, ":" between them, the first nearest to the
 // program) put theirs in between. It keeps Android's rules, and where a device would hang or call a wrong
-// function, it says so and aborts. $LOADER_ES2 set: the driver has nothing of OpenGL ES 3. $LOADER_WITHOUT: an
-// extension that it lacks. $LOADER_TRACE set: what reaches the driver is printed.
+// function, it says so and aborts. $LOADER_ES2 set: the driver has nothing of OpenGL ES 3. $LOADER_WITHOUT:
+// an extension that it lacks. $LOADER_TRACE set: what reaches the driver is printed.
 
 #include <dlfcn.h>
 
