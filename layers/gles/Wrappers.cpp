@@ -81,10 +81,9 @@ void* wrap(const char* name, void* real) {
         if (real == nullptr || std::strcmp(name, TABLE[i].name) != 0) {
             continue;
         }
-        // When a list has the layer twice, its own wrapper is below it.
+        // When a list has the layer twice, what is below the second one is our own wrapper.
         void* known = nullptr;
-        const bool isOurs =
-            real != TABLE[i].wrapper && (gReal[i].compare_exchange_strong(known, real) || known == real);
+        const bool isOurs = gReal[i].compare_exchange_strong(known, real) || known == real;
         return isOurs ? TABLE[i].wrapper : real;
     }
     return real;

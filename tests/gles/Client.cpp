@@ -120,16 +120,32 @@ int drawAsToolkit() {
     return 0;
 }
 
-/// A context that another thread destroys while it is current, and a new one.
+/// Another context for the same window, current.
+EGLContext makeAnother(const HeadlessContext& window, EGLint version) {
+    EGLint id = 0;
+    eglQueryContext(window.display(), window.context(), EGL_CONFIG_ID, &id);
+    const EGLint wanted[] = {EGL_CONFIG_ID, id, EGL_NONE};
+    const EGLint attributes[] = {EGL_CONTEXT_CLIENT_VERSION, version, EGL_NONE};
+    EGLConfig config = nullptr;
+    EGLint count = 0;
+    eglChooseConfig(window.display(), wanted, &config, 1, &count);
+    const EGLContext context = eglCreateContext(window.display(), config, EGL_NO_CONTEXT, attributes);
+    eglMakeCurrent(window.display(), window.surface(), window.surface(), context);
+    return context;
+}
+
+/// Contexts that another thread destroys while they are current; a new one may have the handle of the last.
 int destroyElsewhere() {
-    for (int round = 0; round < 3; ++round) {
-        const auto context = makeContext(3);
-        const bool wasShown = isShown(*context, [&] { context->swap(); });
-        std::thread([&] { eglDestroyContext(context->display(), context->context()); }).join();
+    const auto window = makeContext();
+    for (int round = 0; round < 5; ++round) {
+        const EGLContext context = makeAnother(*window, 2);
+        const bool wasShown = isShown(*window, [&] { window->swap(); });
+        std::thread([&] { eglDestroyContext(window->display(), context); }).join();
         clear();
-        context->swap();
+        window->swap();
         std::printf("%s, %s\n", wasShown ? "shown" : "not shown",
                     CALL(GetError)() == GL_NO_ERROR ? "no error" : "an error");
+        eglMakeCurrent(window->display(), EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
     }
     return 0;
 }
@@ -147,20 +163,11 @@ int swapByLateName() {
 int drawWithEs1() {
     const auto window = makeContext();
     void* const library = dlopen("libGLESv1_CM.so.1", RTLD_NOW | RTLD_LOCAL);
-    EGLint id = 0;
-    eglQueryContext(window->display(), window->context(), EGL_CONFIG_ID, &id);
-    const EGLint wanted[] = {EGL_CONFIG_ID, id, EGL_NONE};
-    const EGLint version[] = {EGL_CONTEXT_CLIENT_VERSION, 1, EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    eglChooseConfig(window->display(), wanted, &config, 1, &count);
-    const EGLContext context = eglCreateContext(window->display(), config, EGL_NO_CONTEXT, version);
     const auto get = [&](const char* name) { return library != nullptr ? dlsym(library, name) : nullptr; };
     const auto clearColor = reinterpret_cast<decltype(&glClearColor)>(get("glClearColor"));
     const auto clearBuffers = reinterpret_cast<decltype(&glClear)>(get("glClear"));
     const auto getError = reinterpret_cast<decltype(&glGetError)>(get("glGetError"));
-    if (getError == nullptr ||
-        eglMakeCurrent(window->display(), window->surface(), window->surface(), context) == 0) {
+    if (getError == nullptr || makeAnother(*window, 1) == EGL_NO_CONTEXT) {
         return 1;
     }
     for (int frame = 0; frame < 30; ++frame) {
