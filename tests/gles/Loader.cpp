@@ -7,6 +7,7 @@
 
 #include <dlfcn.h>
 
+#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -14,6 +15,7 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -62,6 +64,7 @@ struct Layer {
     Function (*getProcAddress)(const char* name, Function next);
 };
 
+Function gReal[COUNT];
 Function gDriver[COUNT];
 std::vector<Layer*> gLayers;  // the one next to the driver first
 Function (*gRealLookUp)(const char*) = nullptr;
@@ -98,6 +101,12 @@ Function& of(Function (&table)[COUNT], const char* name) {
     return table[indexOf(name)];
 }
 
+/// The real function of that name.
+template <typename Type>
+Type* real(const char* name) {
+    return reinterpret_cast<Type*>(of(gReal, name));
+}
+
 // The driver: the real functions, but for what Mesa lacks without a screen. Its back buffer keeps its
 // picture.
 
@@ -110,18 +119,13 @@ struct Surface {
 std::mutex gSurfacesMutex;
 std::map<void*, Surface> gSurfaces;
 
-using Swap = unsigned int (*)(void*, void*);
-using Query = unsigned int (*)(void*, void*, int, int*);
-Swap gRealSwap = nullptr;
-Query gRealQuery = nullptr;
-
 unsigned int swap(void* display, void* surface) {
     {
         const std::lock_guard<std::mutex> lock(gSurfacesMutex);
         Surface& state = gSurfaces[surface];
         state = {state.swaps + 1, false, false};
     }
-    return gRealSwap(display, surface);
+    return real<unsigned int(void*, void*)>("eglSwapBuffers")(display, surface);
 }
 
 unsigned int swapWithDamage(void* display, void* surface, const int*, int count) {
@@ -132,7 +136,8 @@ unsigned int swapWithDamage(void* display, void* surface, const int*, int count)
 unsigned int query(void* display, void* surface, int attribute, int* value) {
     constexpr int BUFFER_AGE = 0x313D;
     if (attribute != BUFFER_AGE) {
-        return gRealQuery(display, surface, attribute, value);
+        return real<unsigned int(void*, void*, int, int*)>("eglQuerySurface")(display, surface, attribute,
+                                                                              value);
     }
     const std::lock_guard<std::mutex> lock(gSurfacesMutex);
     Surface& state = gSurfaces[surface];
@@ -152,11 +157,55 @@ unsigned int setDamageRegion(void*, void* surface, const int* rects, int count) 
     return isAllowed ? 1 : 0;
 }
 
-using GetStringi = const char* (*)(unsigned int, unsigned int);
-GetStringi gRealGetStringi = nullptr;
+// A context's handle is Android's own, not the driver's, and the next context after a destroyed one has its
+// handle.
+
+constexpr std::size_t CONTEXTS = 64;
+std::atomic<void*> gContexts[CONTEXTS];
+thread_local void* gCurrent = nullptr;
+
+void* driversContext(void* handle) {
+    return handle != nullptr ? static_cast<std::atomic<void*>*>(handle)->load() : nullptr;
+}
+
+void* createContext(void* display, void* config, void* share, const int* attributes) {
+    void* const created = real<void*(void*, void*, void*, const int*)>("eglCreateContext")(
+        display, config, driversContext(share), attributes);
+    for (std::atomic<void*>& each : gContexts) {
+        void* none = nullptr;
+        if (created != nullptr && each.compare_exchange_strong(none, created)) {
+            return &each;
+        }
+    }
+    return nullptr;
+}
+
+unsigned int destroyContext(void* display, void* handle) {
+    void* const context =
+        handle != nullptr ? static_cast<std::atomic<void*>*>(handle)->exchange(nullptr) : nullptr;
+    return real<unsigned int(void*, void*)>("eglDestroyContext")(display, context);
+}
+
+unsigned int makeCurrent(void* display, void* draw, void* read, void* handle) {
+    const unsigned int result = real<unsigned int(void*, void*, void*, void*)>("eglMakeCurrent")(
+        display, draw, read, driversContext(handle));
+    gCurrent = result != 0 ? handle : gCurrent;
+    return result;
+}
+
+void* getCurrentContext() {
+    return gCurrent;
+}
+
+unsigned int queryContext(void* display, void* handle, int attribute, int* value) {
+    void* const context = driversContext(handle);
+    return context == nullptr ? 0
+                              : real<unsigned int(void*, void*, int, int*)>("eglQueryContext")(
+                                    display, context, attribute, value);
+}
 
 const char* getStringi(unsigned int name, unsigned int index) {
-    const char* const text = gRealGetStringi(name, index);
+    const char* const text = real<const char*(unsigned int, unsigned int)>("glGetStringi")(name, index);
     const char* const without = std::getenv("LOADER_WITHOUT");
     return text != nullptr && without != nullptr && std::strcmp(text, without) == 0 ? "" : text;
 }
@@ -274,15 +323,24 @@ constexpr char GET_PROC_ADDRESS[] = "eglGetProcAddress";
         found = found != nullptr ? found : gRealLookUp(name.text);
         gDriver[i] = found != nullptr && !isMissing ? found : reinterpret_cast<Function>(&unimplemented);
     }
-    gRealSwap = reinterpret_cast<Swap>(of(gDriver, "eglSwapBuffers"));
-    gRealQuery = reinterpret_cast<Query>(of(gDriver, "eglQuerySurface"));
-    gRealGetStringi = reinterpret_cast<GetStringi>(of(gDriver, "glGetStringi"));
-    of(gDriver, "glGetStringi") = reinterpret_cast<Function>(&getStringi);
-    of(gDriver, "eglSwapBuffers") = reinterpret_cast<Function>(&swap);
-    of(gDriver, "eglSwapBuffersWithDamageKHR") = reinterpret_cast<Function>(&swapWithDamage);
-    of(gDriver, "eglQuerySurface") = reinterpret_cast<Function>(&query);
-    of(gDriver, "eglSetDamageRegionKHR") = reinterpret_cast<Function>(&setDamageRegion);
-    of(gDriver, GET_PROC_ADDRESS) = reinterpret_cast<Function>(&lookUp);
+    const std::pair<const char*, Function> own[] = {
+        {"eglCreateContext", reinterpret_cast<Function>(&createContext)},
+        {"eglDestroyContext", reinterpret_cast<Function>(&destroyContext)},
+        {"eglMakeCurrent", reinterpret_cast<Function>(&makeCurrent)},
+        {"eglGetCurrentContext", reinterpret_cast<Function>(&getCurrentContext)},
+        {"eglQueryContext", reinterpret_cast<Function>(&queryContext)},
+        {"eglSwapBuffers", reinterpret_cast<Function>(&swap)},
+        {"eglSwapBuffersWithDamageKHR", reinterpret_cast<Function>(&swapWithDamage)},
+        {"eglQuerySurface", reinterpret_cast<Function>(&query)},
+        {"eglSetDamageRegionKHR", reinterpret_cast<Function>(&setDamageRegion)},
+        {"glGetStringi", reinterpret_cast<Function>(&getStringi)},
+        {GET_PROC_ADDRESS, reinterpret_cast<Function>(&lookUp)},
+    };
+    std::memcpy(gReal, gDriver, sizeof gReal);
+    for (const auto& [name, function] : own) {
+        Function& driver = of(gDriver, name);
+        driver = driver != reinterpret_cast<Function>(&unimplemented) ? function : driver;
+    }
     std::memcpy(gPublic, gDriver, sizeof gDriver);
     of(gPublic, GET_DISPLAY) = reinterpret_cast<Function>(&First<void*>::call<GET_DISPLAY>);
     of(gPublic, GET_PLATFORM_DISPLAY) =
