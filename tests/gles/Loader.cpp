@@ -157,23 +157,28 @@ unsigned int setDamageRegion(void*, void* surface, const int* rects, int count) 
     return isAllowed ? 1 : 0;
 }
 
-// A context's handle is Android's own, not the driver's, and the next context after a destroyed one has its
-// handle.
+// A context's handle is Android's own, not the driver's. The next context after one that was destroyed, and
+// is no longer current, has its handle.
+
+struct Context {
+    std::atomic<void*> drivers{nullptr};
+    std::atomic<int> threads{0};  // on which it is current
+};
 
 constexpr std::size_t CONTEXTS = 64;
-std::atomic<void*> gContexts[CONTEXTS];
-thread_local void* gCurrent = nullptr;
+Context gContexts[CONTEXTS];
+thread_local Context* gCurrent = nullptr;
 
 void* driversContext(void* handle) {
-    return handle != nullptr ? static_cast<std::atomic<void*>*>(handle)->load() : nullptr;
+    return handle != nullptr ? static_cast<Context*>(handle)->drivers.load() : nullptr;
 }
 
 void* createContext(void* display, void* config, void* share, const int* attributes) {
     void* const created = real<void*(void*, void*, void*, const int*)>("eglCreateContext")(
         display, config, driversContext(share), attributes);
-    for (std::atomic<void*>& each : gContexts) {
+    for (Context& each : gContexts) {
         void* none = nullptr;
-        if (created != nullptr && each.compare_exchange_strong(none, created)) {
+        if (created != nullptr && each.threads == 0 && each.drivers.compare_exchange_strong(none, created)) {
             return &each;
         }
     }
@@ -182,14 +187,22 @@ void* createContext(void* display, void* config, void* share, const int* attribu
 
 unsigned int destroyContext(void* display, void* handle) {
     void* const context =
-        handle != nullptr ? static_cast<std::atomic<void*>*>(handle)->exchange(nullptr) : nullptr;
+        handle != nullptr ? static_cast<Context*>(handle)->drivers.exchange(nullptr) : nullptr;
     return real<unsigned int(void*, void*)>("eglDestroyContext")(display, context);
 }
 
 unsigned int makeCurrent(void* display, void* draw, void* read, void* handle) {
     const unsigned int result = real<unsigned int(void*, void*, void*, void*)>("eglMakeCurrent")(
         display, draw, read, driversContext(handle));
-    gCurrent = result != 0 ? handle : gCurrent;
+    if (result != 0) {
+        Context* const last = std::exchange(gCurrent, static_cast<Context*>(handle));
+        if (handle != nullptr) {
+            ++gCurrent->threads;
+        }
+        if (last != nullptr) {
+            --last->threads;
+        }
+    }
     return result;
 }
 
