@@ -7,7 +7,9 @@
 #include "drawers/TextDrawer.h"
 #include "figures/TextFormat.h"
 #include "scene/Canvas.h"
+#include "scene/ShapeSettings.h"
 #include "scene/Style.h"
+#include "scene/WidgetScale.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -26,6 +28,15 @@ constexpr float NAME_GAP = 3.0F;
 
 /// The gap around a name in a shared strip, in units of a line, which is 2 high.
 constexpr float SHARED_GAP = 1.4F;
+
+/// Around each figure of a strip that is as wide as its texts, besides; and right of the last one, in canvas
+/// units.
+constexpr float FITTED_GAP = 0.6F;
+constexpr float FITTED_MARGIN = 6.0F;
+
+bool isFitted() {
+    return shapeSettings().isWidthFitted.getValue();
+}
 
 /// As wide as most values of the figure.
 std::string typicalValue(const figures::Figure& figure) {
@@ -123,15 +134,34 @@ bool FigureWidget::isWanted() const {
 
 void FigureWidget::enable() {
     // What a user has asked for by hand is there, with or without a value.
-    const bool isWholeByHand = !isReadable() && figures::isSetByHand(mLayout.widgetSwitch().mName);
+    const bool isHiding = shapeSettings().hidesUnreadable.getValue();
+    const auto isByHand = [isHiding](const std::string& name) {
+        return figures::isSetByHand(name) && !isHiding;
+    };
+    const bool isWholeByHand = !isReadable() && isByHand(mLayout.widgetSwitch().mName);
     bool hasContent = false;
     for (View& view : mViews) {
-        view.isShown =
-            view.isOn() && (view.isReadable || isWholeByHand ||
-                            figures::isSetByHand(figures::settingsOf(*view.figure).mEnabled.mName));
+        view.isShown = view.isOn() && (view.isReadable || isWholeByHand ||
+                                       isByHand(figures::settingsOf(*view.figure).mEnabled.mName));
         hasContent = hasContent || view.isShown;
     }
     widget().mEnabled = isWanted() && hasContent;
+}
+
+void FigureWidget::collectShapes(const Canvas& canvas, std::vector<WidgetShape>& shapes) const {
+    const ShapeSettings& settings = shapeSettings();
+    WidgetShape shape = {mLayout.type, 0.0F, !settings.hasGraphs.getValue()};
+    if (isFitted()) {
+        float lines = 0.0F;
+        for (const View& view : mViews) {
+            lines += view.isShown ? widthOf(view) + FITTED_GAP : 0.0F;
+        }
+        shape.width = (labelWidth() + FITTED_MARGIN) / canvas.units.x +
+                      0.5F * lines * textPixels(FIGURE_TEXT_HEIGHT, canvas) / canvas.pixels.x;
+    }
+    if (shape.width != 0.0F || shape.isLine) {
+        shapes.push_back(shape);
+    }
 }
 
 /// One that cannot be read for a moment stays: the widget must not jump.
@@ -178,9 +208,11 @@ void FigureWidget::applySettings(const Canvas& canvas) {
     mCanvas = canvas;
     mStrip->mColor = backgroundColor();
     // What is missing leaves no gap, and what says its scale needs more room than others.
-    const bool isShared = std::any_of(mViews.begin(), mViews.end(), [](const View& view) {
-        return view.saysScale || (view.hasCell ? view.isOn() && !view.isShown : view.isShown);
-    });
+    const bool isShared =
+        shapeSettings().isWidthFitted.getValue() ||
+        std::any_of(mViews.begin(), mViews.end(), [](const View& view) {
+            return view.saysScale || (view.hasCell ? view.isOn() && !view.isShown : view.isShown);
+        });
     for (View& view : mViews) {
         view.hasRoom = true;
     }
@@ -229,7 +261,8 @@ void FigureWidget::applySettings(const Canvas& canvas) {
 /// In canvas units.
 float FigureWidget::labelWidth() const {
     constexpr float NO_LABEL = 6.0F;
-    const bool hasLabel = mNotes.empty() || !mNotes.front().text->mText.empty();
+    const bool hasLabel =
+        mNotes.empty() || (!mNotes.front().text->mText.empty() && shapeSettings().hasGraphs.getValue());
     return hasLabel ? mLayout.labelWidth : std::min(mLayout.labelWidth, NO_LABEL);
 }
 
@@ -275,7 +308,8 @@ void FigureWidget::shareStrip(const Canvas& canvas) {
         all += view.isDrawn() ? widthOf(view) : 0.0F;
     }
     const float left = labelWidth() / canvas.units.x;
-    const float unit = (mStrip->mSize.x - left) / all;
+    const float right = isFitted() ? FITTED_MARGIN / canvas.units.x : 0.0F;
+    const float unit = (mStrip->mSize.x - left - right) / all;
     glm::vec2 position(mStrip->mPosition.x + left, mStrip->mPosition.y);
     for (const View& view : mViews) {
         if (!view.isDrawn()) {
@@ -377,6 +411,9 @@ void FigureWidget::draw() {
                 text->draw();
             }
         }
+    }
+    if (!shapeSettings().hasGraphs.getValue()) {
+        return;
     }
     if (mFirstGraph != nullptr) {
         mFirstGraph->drawBackground();

@@ -26,7 +26,7 @@ namespace scene {
 /// Where curves have different scales, the first one with each says it.
 ///
 /// A figure that cannot be read takes no room, unless its user has switched it on by hand, and neither does a
-/// widget without any.
+/// widget without any. ShapeSettings can leave out the graphs and notes, and fit the widget to its figures.
 class FigureWidget : public WidgetView {
 public:
     /// `widget` must outlive the object.
@@ -34,6 +34,7 @@ public:
 
     bool isWanted() const override;
     void enable() override;
+    void collectShapes(const Canvas& canvas, std::vector<WidgetShape>& shapes) const override;
     void collectFigures(figures::FigureSet& wanted) const override;
     void refresh(figures::Metrics& metrics) override;
     void draw() override;

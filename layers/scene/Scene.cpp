@@ -32,10 +32,14 @@ Scene::Scene(PrimitiveFactory& factory, core::RenderingApiType api, RenderPassSo
 }
 
 void Scene::layout() {
-    const Canvas canvas(mFactory.getSurfaceSize(), scaleAreas(mFactory.getSurfaceSize()));
+    const glm::vec2 scale = widgetScale(mFactory.getSurfaceSize());
+    const Canvas canvas(mFactory.getSurfaceSize(), scale);
+    std::vector<WidgetShape> shapes;
     for (const auto& widget : mWidgets) {
         widget->enable();
+        widget->collectShapes(canvas, shapes);
     }
+    arrangeAreas(scale, shapes);
     gui::LayoutManager::getInstance()->updateWidgetsLayouts(canvas.isPortrait);
     const WidgetSet withoutRoom = widgetsWithoutRoom();
     figures::FigureSet wanted;

@@ -58,6 +58,57 @@ Areas scaled(Areas areas, const glm::vec2& scale) {
     return areas;
 }
 
+/// The areas of a widget of figures.
+struct FigureAreas {
+    gui::WidgetType type;
+    Area strip;
+    Area graph;
+    Area whole;
+    Area outline;
+    Area note;       // over the graph
+    bool isAtRight;  // the note
+};
+
+constexpr FigureAreas FIGURE_AREAS[] = {
+    {gui::WidgetType::FPS, Area::FPS_STRIP, Area::FPS_GRAPH, Area::FPS_WHOLE, Area::OUTLINE_FPS,
+     Area::FPS_NOTE, true},
+    {gui::WidgetType::CPU_GPU, Area::CPU_GPU_STRIP, Area::CPU_GPU_GRAPH, Area::CPU_GPU_WHOLE,
+     Area::OUTLINE_CPU_GPU, Area::CPU_GPU_FOOTER, false},
+    {gui::WidgetType::MEMORY, Area::MEMORY_STRIP, Area::MEMORY_GRAPH, Area::MEMORY_WHOLE,
+     Area::OUTLINE_MEMORY, Area::MEMORY_LABEL, false},
+};
+
+void shape(Areas& areas, const WidgetShape& wanted) {
+    const auto at = [&areas](Area type) -> gui::RenderArea& { return areas[static_cast<std::size_t>(type)]; };
+    for (const FigureAreas& widget : FIGURE_AREAS) {
+        if (widget.type != wanted.type) {
+            continue;
+        }
+        gui::RenderArea& outline = at(widget.outline);
+        const float width = wanted.width == 0.0F
+                                ? outline.width
+                                : std::min(wanted.width, 1.0F - 2.0F * at(Area::MARGIN).width);
+        const float more = width - outline.width;
+        for (const Area area : {widget.strip, widget.graph, widget.whole, widget.outline}) {
+            at(area).width = width;
+        }
+        gui::RenderArea& note = at(widget.note);
+        if (widget.isAtRight) {
+            const float end = note.x + note.width + more;
+            note.x = std::max(0.0F, note.x + more);
+            note.width = end - note.x;
+        } else {
+            note.width = std::min(note.width, width - note.x);
+        }
+        if (wanted.isLine && wanted.width != 0.0F) {
+            at(Area::SPACING).width = 0.0F;  // such widgets make one line together
+        }
+        if (wanted.isLine) {
+            outline.height = at(widget.whole).height = at(widget.strip).height;
+        }
+    }
+}
+
 }  // namespace
 
 const SysProp<std::string>& scaleSetting() {
@@ -65,22 +116,31 @@ const SysProp<std::string>& scaleSetting() {
     return setting;
 }
 
-glm::vec2 scaleAreas(const glm::uvec2& surface) {
+glm::vec2 widgetScale(const glm::uvec2& surface) {
+    const float wanted = parseScale(scaleSetting().getValue()).value_or(1.0F);
+    const glm::vec2 legible =
+        LINE_PIXELS / FIGURE_TEXT_HEIGHT / glm::max(Canvas::unitOf(surface), glm::vec2(SMALLEST_UNIT));
+    return glm::max(glm::vec2(wanted), legible);
+}
+
+void arrangeAreas(const glm::vec2& scale, const std::vector<WidgetShape>& shapes) {
     gui::LayoutManager& manager = *gui::LayoutManager::getInstance();
     // Never destroyed: a thread may draw a frame while another one ends the process.
     static const auto* const landscape = new Areas(manager.mLandscapeAreas);
     static const auto* const portrait = new Areas(manager.mPortraitAreas);
-    static glm::vec2 applied(1.0F);
-    const float wanted = parseScale(scaleSetting().getValue()).value_or(1.0F);
-    const glm::vec2 legible =
-        LINE_PIXELS / FIGURE_TEXT_HEIGHT / glm::max(Canvas::unitOf(surface), glm::vec2(SMALLEST_UNIT));
-    const glm::vec2 scale = glm::max(glm::vec2(wanted), legible);
-    if (scale != applied) {
-        manager.mLandscapeAreas = scaled(*landscape, scale);
-        manager.mPortraitAreas = scaled(*portrait, scale);
-        applied = scale;
+    static glm::vec2 appliedScale(1.0F);
+    static auto& appliedShapes = *new std::vector<WidgetShape>;
+    if (scale == appliedScale && shapes == appliedShapes) {
+        return;
     }
-    return scale;
+    manager.mLandscapeAreas = scaled(*landscape, scale);
+    manager.mPortraitAreas = scaled(*portrait, scale);
+    for (const WidgetShape& each : shapes) {
+        shape(manager.mLandscapeAreas, each);
+        shape(manager.mPortraitAreas, each);
+    }
+    appliedScale = scale;
+    appliedShapes = shapes;
 }
 
 }  // namespace scene

@@ -16,6 +16,7 @@ class Metrics;
 namespace scene {
 
 struct Canvas;
+struct WidgetShape;
 
 /// One widget on the screen: its drawers and their render areas, their figures, and the order of drawing.
 /// Rendering thread only.
@@ -39,6 +40,9 @@ public:
 
     /// Before a layout: switches the widget on if the settings want it and it has something to show.
     virtual void enable() {}
+
+    /// After enable(): adds the widget's shape if that is another than the layout's.
+    virtual void collectShapes(const Canvas& /*canvas*/, std::vector<WidgetShape>& /*shapes*/) const {}
 
     /// Called after a change of the settings or of the surface, when the layout manager has placed the
     /// widgets: gives every drawer its rectangle, and applies colours and switches.

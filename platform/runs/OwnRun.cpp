@@ -8,6 +8,7 @@
 #include <string>
 #include <system_error>
 
+#include "io/EscapedText.h"
 #include "io/PlainFile.h"
 #include "io/WriteSignalsBlocked.h"
 #include "properties/PropertyWriter.h"
@@ -23,7 +24,6 @@ namespace fs = std::filesystem;
 
 /// Tells these runs from those of a launcher.
 constexpr const char* OWN_MARKER = "/own";
-constexpr const char* ON = "debug.kordanix.status true\n";
 
 /// Those of processes that have ended. What a launcher began may have processes that have no overlay yet, and
 /// stays.
@@ -38,8 +38,12 @@ void removeEnded(const std::string& directory) {
 }
 
 /// Returns what went wrong, in plain words.
-std::string fill(const std::string& folder) {
-    for (const auto& [name, text] : {std::pair{OWN_MARKER, ""}, {INITIAL_PROPERTIES, ON}}) {
+std::string fill(const std::string& folder, const OwnProperties& properties) {
+    std::string begin;
+    for (const auto& [name, text] : properties) {
+        begin += name + ' ' + escapeText(text) + '\n';
+    }
+    for (const auto& [name, text] : {std::pair{OWN_MARKER, std::string()}, {INITIAL_PROPERTIES, begin}}) {
         const int failure = replaceFile(folder + name, text);
         if (failure != 0) {
             return "cannot write " + folder + name + ": " + plainFileError(failure);
@@ -48,7 +52,9 @@ std::string fill(const std::string& folder) {
     std::string error = openOverlayClaim(folder);
     if (error.empty()) {
         PropertyWriter writer(folder);
-        writer.set("debug.kordanix.status", "true");
+        for (const auto& [name, text] : properties) {
+            writer.set(name, text);
+        }
         writer.set("debug.kordanix.settingsgeneration", "1");
         error = writer.commit();
     }
@@ -57,7 +63,7 @@ std::string fill(const std::string& folder) {
 
 }  // namespace
 
-void beginOwnRun() {
+void beginOwnRun(OwnProperties (*readProperties)()) {
     const WriteSignalsBlocked blocked;
     std::string error;
     try {
@@ -66,9 +72,14 @@ void beginOwnRun() {
             return;
         }
         removeEnded(*directory);
+        OwnProperties all = {{"debug.kordanix.status", "true"}};
+        if (readProperties != nullptr) {
+            const OwnProperties more = readProperties();
+            all.insert(all.end(), more.begin(), more.end());
+        }
         const std::string folder = makeRunFolder(*directory, error);
         if (!folder.empty()) {
-            error = fill(folder);
+            error = fill(folder, all);
             if (error.empty()) {
                 useRuntimeDirectory(folder);
                 return;

@@ -7,6 +7,7 @@
 #include "gles/ToolkitThread.h"
 #include "gui/WidgetsSettings.h"
 #include "scene/FrameTimeSettings.h"
+#include "scene/ShapeSettings.h"
 #include "scene/WidgetScale.h"
 
 #include <gmock/gmock.h>
@@ -73,6 +74,7 @@ TEST(PropertyTable, HasExactlyThePropertiesOfTheLibrary) {
     scene::frameTimeSettings();
     scene::scaleSetting();
     gles::isToolkitIncluded();
+    scene::shapeSettings();
     for (const figures::Figure& figure : figures::catalogue()) {
         if (!figure.isNote()) {
             figures::settingsOf(figure);

@@ -8,12 +8,13 @@
 
 namespace control {
 
-/// kordanixctl as it was built, for a user whose runtime directory is empty.
+/// kordanixctl as it was built, for a user whose runtime directory and profiles are empty.
 class RunFixture : public testing::Test {
 protected:
     RunFixture() {
         unsetenv("KORDANIX_RUNTIME_DIR");
         setenv("XDG_RUNTIME_DIR", mHome.path().c_str(), 1);
+        setenv("XDG_CONFIG_HOME", mHome.path("config").c_str(), 1);
         setenv("CTL", (doubles::emulator() + KORDANIXCTL).c_str(), 1);
         // A kordanixctl with that sanitizer minds that anything is preloaded before it.
         setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);

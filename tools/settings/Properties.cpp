@@ -24,11 +24,14 @@ std::optional<std::string> readProperty(const std::string& name) {
     return text.empty() ? std::nullopt : std::optional(std::move(text));
 }
 
-std::string nextGeneration() {
-    const std::string last = readProperty(std::string(GENERATION_NAME)).value_or(std::string());
+std::string generationAfter(const std::string& last) {
     std::uint32_t generation = 0;
     std::from_chars(last.data(), last.data() + last.size(), generation);
     return std::to_string(generation + 1);
+}
+
+std::string nextGeneration() {
+    return generationAfter(readProperty(std::string(GENERATION_NAME)).value_or(std::string()));
 }
 
 std::string publish() {

@@ -10,6 +10,9 @@ namespace control {
 /// cannot be deleted.
 std::optional<std::string> readProperty(const std::string& name);
 
+/// Returns the generation after the one with this text.
+std::string generationAfter(const std::string& last);
+
 /// Returns the text that the next publication writes to the generation property: the number after the present
 /// one.
 std::string nextGeneration();

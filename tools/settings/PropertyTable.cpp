@@ -36,6 +36,9 @@ constexpr Property BACKGROUND[] = {
     {"bg_transparency", PropertyType::OPACITY, 128, "opacity of the background: 0 clear, 255 opaque"},
     {"scale", PropertyType::SCALE, 0, "size of the widgets: 0.5 half, 1.8 nearly double"},
     {"renderthread", BOOLEAN, OFF, "on Android: also over what the UI toolkit draws, on its RenderThread"},
+    {"graphs", BOOLEAN, ON, "graphs and notes below the figures; without them a widget is one line"},
+    {"fit_width", BOOLEAN, OFF, "widgets as wide as their figures' texts"},
+    {"hide_unreadable", BOOLEAN, OFF, "leave out what cannot be read, even if it was switched on"},
 };
 
 // The widgets' own properties. Those of their figures come after them, from the catalogue.

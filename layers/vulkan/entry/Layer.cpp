@@ -14,6 +14,7 @@
 #include "ostra/PictureRequest.h"
 #include "runs/OwnRun.h"
 #include "utils/Log.h"
+#include "vulkan/entry/ProgramSettings.h"
 
 namespace vulkan {
 
@@ -128,7 +129,7 @@ Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
 Obstacle Layer::beginFrame() {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (!std::exchange(mHasRun, true)) {
-        platform::beginOwnRun();
+        platform::beginOwnRun(programSettings);
     }
     return entry::beginFrame(mOverlay, mRight, nullptr, true, mIsInFrame);
 }

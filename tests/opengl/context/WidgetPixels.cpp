@@ -10,7 +10,7 @@
 std::vector<PixelShare> compareWidgets(const software::Image& bare, const software::Image& overlaid) {
     gui::LayoutManager& layout = *gui::LayoutManager::getInstance();
     layout.updateConfig();
-    scene::scaleAreas({bare.mWidth, bare.mHeight});
+    scene::arrangeAreas(scene::widgetScale({bare.mWidth, bare.mHeight}), {});
     layout.updateWidgetsLayouts(bare.mHeight > bare.mWidth);
     std::vector<glm::vec4> areas;
     for (const gui::Widget* widget : layout.mWidgets) {

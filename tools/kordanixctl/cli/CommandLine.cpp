@@ -44,6 +44,7 @@ void setUp(CLI::App& app, Invocation& invocation, const std::vector<std::string>
         ->check(isProcessNumber());
     addRunVerb(app, invocation, program);
     addPropertyVerbs(app, invocation);
+    addProfileVerbs(app, invocation);
     addOverlayVerbs(app, invocation);
     addDumpVerbs(app, invocation);
     setUsage(app, "[OPTIONS] VERB ...");  // set last, because a new verb copies the formatter

@@ -24,6 +24,7 @@ CLI::Validator isCount();
 
 void addPropertyVerbs(CLI::App& app, Invocation& invocation);  ///< set, get, list, publish, watch, reset
 void addOverlayVerbs(CLI::App& app, Invocation& invocation);   ///< picture, toggle, key, background, doctor
+void addProfileVerbs(CLI::App& app, Invocation& invocation);   ///< save, profile, preset
 void addDumpVerbs(CLI::App& app, Invocation& invocation);      ///< report, trace
 
 /// `program` is the program and its arguments, which the parser does not see.

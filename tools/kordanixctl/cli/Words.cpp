@@ -32,7 +32,7 @@ std::size_t findVerb(const std::vector<std::string>& words) {
 std::vector<std::string> cutProgram(std::vector<std::string>& words, std::size_t verb) {
     std::size_t i = verb + 1;
     while (i < words.size() && words[i] != END_OF_OPTIONS && isOption(words[i])) {
-        i += words[i] == "--set" || words[i] == PROCESS_OPTION ? 2 : 1;
+        i += words[i] == "--set" || words[i] == "--preset" || words[i] == PROCESS_OPTION ? 2 : 1;
     }
     i = std::min(i, words.size());
     const std::size_t first = i + (i < words.size() && words[i] == END_OF_OPTIONS ? 1 : 0);

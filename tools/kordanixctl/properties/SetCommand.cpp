@@ -5,11 +5,11 @@
 #include "properties/SystemProperties.h"
 #include "run/InitialProperties.h"
 #include "runs/OverlayClaim.h"
+#include "settings/Presets.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
 
 #include <cstddef>
-#include <map>
 #include <optional>
 #include <utility>
 
@@ -49,11 +49,8 @@ ExitCode publishProperties(std::ostream& err) {
 }
 
 ExitCode resetProperties(bool keepsControl, std::ostream& err) {
-    std::map<std::string, std::string> beginning;
-    for (Assignment& assignment :
-         readInitialProperties(platform::openRuntimeDirectory().path).value_or(std::vector<Assignment>())) {
-        beginning[assignment.name] = std::move(assignment.text);
-    }
+    PropertyTexts beginning =
+        readInitialProperties(platform::openRuntimeDirectory().path).value_or(PropertyTexts());
     // The process that claimed the overlay wrote its name and API, which a reset restores.
     for (const auto& [name, claimed] : {std::pair{"debug.kordanix.proc", platform::CLAIM_NAME_PROPERTY},
                                         {"debug.kordanix.api", platform::CLAIM_API_PROPERTY}}) {
@@ -62,6 +59,9 @@ ExitCode resetProperties(bool keepsControl, std::ostream& err) {
         }
     }
     std::vector<Assignment> changes;
+    if (readProperty(PRESET_PROPERTY).value_or(std::string()) != beginning[PRESET_PROPERTY]) {
+        changes.push_back({PRESET_PROPERTY, beginning[PRESET_PROPERTY]});
+    }
     for (const Property& property : properties()) {
         const std::string name = fullName(property);
         const bool isKept =

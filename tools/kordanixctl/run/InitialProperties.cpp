@@ -10,36 +10,52 @@ namespace control {
 
 namespace {
 
-constexpr const char* FILE_NAME = platform::INITIAL_PROPERTIES;
+constexpr const char* BEGIN_FILE = platform::INITIAL_PROPERTIES;
+constexpr const char* DEFAULT_FILE = "/properties.default";
 constexpr std::size_t SIZE_MAX_BYTES = std::size_t{1} << 20U;
 
-}  // namespace
-
-std::string writeInitialProperties(const std::string& folder, const std::vector<Assignment>& assignments) {
-    std::string text;
-    for (const Assignment& assignment : assignments) {
-        text += assignment.name + ' ' + platform::escapeText(assignment.text) + '\n';
+std::string writeTexts(const std::string& path, const PropertyTexts& texts) {
+    std::string lines;
+    for (const auto& [name, text] : texts) {
+        lines += name + ' ' + platform::escapeText(text) + '\n';
     }
-    const int error = platform::replaceFile(folder + FILE_NAME, text);
-    return error == 0 ? std::string()
-                      : "cannot write " + folder + FILE_NAME + ": " + platform::plainFileError(error);
+    const int error = platform::replaceFile(path, lines);
+    return error == 0 ? std::string() : "cannot write " + path + ": " + platform::plainFileError(error);
 }
 
-std::optional<std::vector<Assignment>> readInitialProperties(const std::string& folder) {
-    std::string text;
-    if (platform::readPlainFile(folder + FILE_NAME, text, SIZE_MAX_BYTES) != 0) {
+std::optional<PropertyTexts> readTexts(const std::string& path) {
+    std::string bytes;
+    if (platform::readPlainFile(path, bytes, SIZE_MAX_BYTES) != 0) {
         return std::nullopt;
     }
-    std::vector<Assignment> assignments;
-    std::istringstream lines(text);
+    PropertyTexts texts;
+    std::istringstream lines(bytes);
     for (std::string line; std::getline(lines, line);) {
         const std::size_t blank = line.find(' ');
         const auto value = platform::unescapeText(line.substr(blank + 1));
         if (blank != std::string::npos && value) {
-            assignments.push_back({line.substr(0, blank), *value});
+            texts[line.substr(0, blank)] = *value;
         }
     }
-    return assignments;
+    return texts;
+}
+
+}  // namespace
+
+std::string writeInitialProperties(const std::string& folder, const RunSettings& settings) {
+    std::string error = writeTexts(folder + DEFAULT_FILE, settings.withoutPreset());
+    return error.empty() ? writeTexts(folder + BEGIN_FILE, settings.all()) : error;
+}
+
+std::optional<PropertyTexts> readInitialProperties(const std::string& folder) {
+    return readTexts(folder + BEGIN_FILE);
+}
+
+PropertyTexts readDefaultProperties(const std::string& folder) {
+    if (std::optional<PropertyTexts> texts = readTexts(folder + DEFAULT_FILE)) {
+        return *std::move(texts);
+    }
+    return readInitialProperties(folder).value_or(PropertyTexts());
 }
 
 }  // namespace control

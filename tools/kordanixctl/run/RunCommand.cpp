@@ -8,13 +8,17 @@
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
 #include "run/InitialProperties.h"
+#include "run/ProfileWatch.h"
 #include "run/ProgramFile.h"
+#include "run/RunSettings.h"
 #include "run/ScreenRate.h"
 #include "run/Supervisor.h"
 #include "run/Verdict.h"
 #include "run/WaysIn.h"
 #include "runs/OverlayClaim.h"
 #include "runs/RunFolder.h"
+#include "settings/Presets.h"
+#include "settings/ProgramNames.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -22,6 +26,7 @@
 #include <filesystem>
 #include <set>
 #include <system_error>
+#include <utility>
 
 namespace control {
 
@@ -52,25 +57,23 @@ bool isSet(const char* name, const std::vector<Assignment>& assignments) {
                        [&](const Assignment& assignment) { return assignment.name == name; });
 }
 
-/// Turns the overlay on for the program; the user's own assignments come later and so win.
-void addDefaults(bool isClaimed, std::vector<Assignment>& assignments) {
+/// What every run begins with: the overlay is on, and the frame times have a line at the screen's rate, which
+/// the overlay cannot ask for in the program.
+std::vector<Assignment> everyRuns(bool isClaimed) {
     std::vector<Assignment> all{{"debug.kordanix.status", "true"}};
     if (!isClaimed) {
         all.push_back({"debug.kordanix.api", "0"});
     }
-    all.insert(all.end(), assignments.begin(), assignments.end());
-    assignments = std::move(all);
+    if (const std::optional<int> rate = screenRate()) {
+        all.push_back({"debug.kordanix.screen_rate", std::to_string(*rate)});
+    }
+    return all;
 }
 
-/// The frame times have a line at the screen's rate, which the overlay cannot ask for in the program.
-void addScreenRate(std::vector<Assignment>& assignments) {
-    constexpr const char* NAME = "debug.kordanix.screen_rate";
-    if (isSet(NAME, assignments)) {
-        return;
-    }
-    if (const std::optional<int> rate = screenRate()) {
-        assignments.push_back({NAME, std::to_string(*rate)});
-    }
+std::vector<std::string> namesOf(const std::vector<std::string>& words, const std::string& path) {
+    std::error_code ignored;
+    const fs::path file = fs::canonical(path, ignored);
+    return programNames({file.empty() ? path : file.string(), words, fs::current_path(ignored).string()});
 }
 
 /// Removes ended runs, except those in some process's environment, which may still show the overlay.
@@ -98,14 +101,18 @@ void keepLog(const std::string& folder) {
 }
 
 /// Writes the run's initial properties into its folder, which is now this process's runtime directory.
-ExitCode prepareFolder(const std::string& folder, const std::vector<Assignment>& assignments, bool isNamed,
-                       bool isApiSet, std::ostream& err) {
+ExitCode prepareFolder(const std::string& folder, const RunSettings& settings, bool isNamed, bool isApiSet,
+                       std::ostream& err) {
     const platform::WriteSignalsBlocked blocked;
+    std::vector<Assignment> assignments;
+    for (const auto& [name, text] : settings.all()) {
+        assignments.push_back({name, text});
+    }
     const ExitCode written = writeAssignments(assignments, true, err);
     if (written != SUCCESS) {
         return written;
     }
-    std::string error = writeInitialProperties(folder, assignments);
+    std::string error = writeInitialProperties(folder, settings);
     if (error.empty() && !isApiSet) {
         error = platform::openOverlayClaim(folder, isNamed);
     }
@@ -114,22 +121,23 @@ ExitCode prepareFolder(const std::string& folder, const std::vector<Assignment>&
 
 }  // namespace
 
-ExitCode runProgram(const std::vector<std::string>& assignments, const std::vector<std::string>& words,
-                    std::ostream& err) {
-    std::vector<Assignment> all;
-    const ExitCode understood = readAssignments(assignments, all, err);
+ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& words, std::ostream& err) {
+    std::vector<Assignment> chosen;
+    const ExitCode understood = readAssignments(options.assignments, chosen, err);
     if (understood != SUCCESS) {
         return understood;
     }
-    const bool isNamed = isSet("debug.kordanix.proc", all);
-    const bool isApiSet = isSet("debug.kordanix.api", all);
+    const std::string wrongPreset = options.preset.empty() ? std::string() : presetError(options.preset);
+    if (!wrongPreset.empty()) {
+        return fail(wrongPreset, err, USAGE_ERROR);
+    }
+    const bool isNamed = isSet("debug.kordanix.proc", chosen);
+    const bool isApiSet = isSet("debug.kordanix.api", chosen);
     if (!isNamed && isApiSet) {
         return fail(
             "the process that shows the overlay sets 'api' itself; --set proc=NAME chooses another way", err,
             USAGE_ERROR);
     }
-    addDefaults(!isNamed, all);
-    addScreenRate(all);
     const std::string& name = words.front();
     const ProgramFile program = findProgram(name);
     if (program.result != SUCCESS) {
@@ -151,15 +159,23 @@ ExitCode runProgram(const std::vector<std::string>& assignments, const std::vect
     platform::RunHold hold;
     hold.take(folder);
     platform::changeRuntimeDirectory(folder);
-    const ExitCode prepared = prepareFolder(folder, all, isNamed, isApiSet, err);
+    const std::vector<std::string> names = namesOf(words, program.path);
+    RunSettings settings(everyRuns(!isNamed), options.preset, std::move(chosen));
+    settings.readProfilesOf(names);
+    const ExitCode prepared = prepareFolder(folder, settings, isNamed, isApiSet, err);
     if (prepared != SUCCESS) {
         hold.forget();
         platform::removeEndedRun(folder);
         return prepared;
     }
+    for (const std::string& wrong : settings.profiles().errors) {
+        const platform::WriteSignalsBlocked blocked;
+        printDiagnostic(wrong, err);
+    }
     keepLog(folder);
     SideProcess keys = areKeysOn() ? listenForRun(folder, hold) : SideProcess();
-    const ProgramEnd end = superviseProgram(words);
+    ProfileWatch profiles(folder, std::move(settings), names, err);
+    const ProgramEnd end = superviseProgram(words, {&profiles});
     const std::string told = keys.finish(std::chrono::milliseconds(0));
     const std::string reason = end.startError == 0 ? notShownReason(folder, kind.obstacle) : std::string();
     hold.forget();

@@ -1,7 +1,9 @@
 #include "run/Supervisor.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/prctl.h>
+#include <sys/signalfd.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -69,10 +71,32 @@ pid_t start(const std::vector<std::string>& words, const sigset_t& mask, const s
     return error == 0 ? child : -1;
 }
 
+/// Waits for a signal of `set`, which is blocked, and meanwhile lets the attendants do their work. `signals`
+/// is a descriptor for the set, or -1: then there is nothing but signals. Returns -1 when another one came
+/// first.
+int nextSignal(int signals, const sigset_t& set, const Attendants& attendants) {
+    if (signals < 0) {
+        return sigwaitinfo(&set, nullptr);
+    }
+    std::vector<pollfd> watched = {{signals, POLLIN, 0}};
+    for (const Attendant* const attendant : attendants) {
+        watched.push_back({attendant->descriptor(), POLLIN, 0});
+    }
+    poll(watched.data(), watched.size(), -1);
+    for (std::size_t i = 0; i < attendants.size(); ++i) {
+        if (watched[i + 1].revents != 0) {
+            attendants[i]->attend();
+        }
+    }
+    signalfd_siginfo came = {};
+    return read(signals, &came, sizeof(came)) == sizeof(came) ? static_cast<int>(came.ssi_signo) : -1;
+}
+
 /// Waits until the program has ended, with the signals of `set` blocked, and returns its status.
-int attend(pid_t program, const sigset_t& set) {
+int attend(pid_t program, const sigset_t& set, const Attendants& attendants) {
+    const int signals = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
     while (true) {
-        const int signal = sigwaitinfo(&set, nullptr);
+        const int signal = nextSignal(signals, set, attendants);
         if (contains(PASSED_ON, signal)) {
             kill(program, signal);
         }
@@ -80,6 +104,7 @@ int attend(pid_t program, const sigset_t& set) {
         int last = 0;
         while (waitpid(program, &status, WNOHANG | WUNTRACED | WCONTINUED) > 0) {
             if (WIFEXITED(status) || WIFSIGNALED(status)) {
+                close(signals);
                 return status;
             }
             last = status;
@@ -93,7 +118,7 @@ int attend(pid_t program, const sigset_t& set) {
 
 }  // namespace
 
-ProgramEnd superviseProgram(const std::vector<std::string>& words) {
+ProgramEnd superviseProgram(const std::vector<std::string>& words, const Attendants& attendants) {
     sigset_t set;
     sigset_t mask;
     sigemptyset(&set);
@@ -108,7 +133,7 @@ ProgramEnd superviseProgram(const std::vector<std::string>& words) {
     sigaction(SIGCHLD, &standard, &onChild);
 
     const pid_t program = start(words, mask, onChild);
-    return program < 0 ? ProgramEnd{errno, 0} : ProgramEnd{0, attend(program, set)};
+    return program < 0 ? ProgramEnd{errno, 0} : ProgramEnd{0, attend(program, set, attendants)};
 }
 
 ExitCode endAs(int status) {

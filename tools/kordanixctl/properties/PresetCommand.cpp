@@ -1,0 +1,27 @@
+#include "properties/PresetCommand.h"
+
+#include "Diagnostic.h"
+#include "properties/RuntimeDirectory.h"
+#include "properties/SetCommand.h"
+#include "run/InitialProperties.h"
+#include "settings/Presets.h"
+#include "settings/Properties.h"
+
+namespace control {
+
+ExitCode switchPreset(const std::string& name, std::ostream& out, std::ostream& err) {
+    const std::string wrong = name.empty() ? std::string() : presetError(name);
+    if (!wrong.empty()) {
+        return fail(wrong, err, USAGE_ERROR);
+    }
+    const std::string chosen =
+        name.empty() ? presetAfter(readProperty(PRESET_PROPERTY).value_or(std::string())) : name;
+    const PropertyTexts base = readDefaultProperties(platform::openRuntimeDirectory().path);
+    const ExitCode written = writeAssignments(presetAssignments(chosen, base), true, err);
+    if (written == SUCCESS) {
+        out << chosen << '\n';
+    }
+    return written;
+}
+
+}  // namespace control

@@ -1,0 +1,102 @@
+#include "settings/Profile.h"
+
+#include "io/EscapedText.h"
+#include "settings/PropertyTable.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace control {
+
+namespace {
+
+constexpr std::string_view BLANKS = " \t\v\f";
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+bool isBlank(char c) {
+    return BLANKS.find(c) != std::string_view::npos;
+}
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = std::min(text.find_first_not_of(BLANKS), text.size());
+    return text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
+}
+
+std::string_view withoutComment(std::string_view line) {
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const bool isAfterBlank = i == 0 || isBlank(line[i - 1]);
+        if (line[i] == '#' && isAfterBlank && (i == 0 || i + 1 == line.size() || isBlank(line[i + 1]))) {
+            return line.substr(0, i);
+        }
+    }
+    return line;
+}
+
+/// Returns what is wrong with the line, or an empty text.
+std::string readLine(const ProfileLine& line, Assignment& assignment) {
+    const std::string name(line.name);
+    const Property* const property = findProperty(name);
+    const bool isWhere =
+        property != nullptr && (property->type == PropertyType::GENERATION || property->shortName == "api" ||
+                                property->shortName == "proc");
+    if (isWhere) {
+        return "'" + name + "' cannot be set in a profile";
+    }
+    if (property != nullptr && line.value.empty()) {
+        return "'" + name + "' has no value; expected NAME VALUE";
+    }
+    return readAssignment(name, std::string(line.value), false, assignment);
+}
+
+}  // namespace
+
+ProfileLine splitProfileLine(std::string_view line) {
+    const std::string_view words = trimmed(withoutComment(trimmed(line)));
+    const std::size_t end =
+        std::find_if(words.begin(), words.end(), [](char c) { return isBlank(c) || c == '='; }) -
+        words.begin();
+    std::string_view value = trimmed(words.substr(end));
+    if (!value.empty() && value.front() == '=') {
+        value = trimmed(value.substr(1));
+    }
+    return {words.substr(0, end), value};
+}
+
+std::vector<std::string_view> splitLines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    if (text.substr(0, BYTE_ORDER_MARK.size()) == BYTE_ORDER_MARK) {
+        text.remove_prefix(BYTE_ORDER_MARK.size());
+    }
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        if (!line.empty() && line.back() == '\r') {
+            line.remove_suffix(1);
+        }
+        lines.push_back(line);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return lines;
+}
+
+Profile parseProfile(std::string_view text) {
+    Profile profile;
+    int number = 0;
+    for (const std::string_view line : splitLines(text)) {
+        ++number;
+        const ProfileLine parts = splitProfileLine(line);
+        if (parts.name.empty() && parts.value.empty()) {
+            continue;
+        }
+        Assignment assignment;
+        std::string error = readLine(parts, assignment);
+        if (error.empty()) {
+            profile.assignments.push_back(std::move(assignment));
+        } else {
+            profile.errors.push_back({number, platform::escapeText(error)});  // they are for a terminal
+        }
+    }
+    return profile;
+}
+
+}  // namespace control

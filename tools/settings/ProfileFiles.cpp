@@ -1,0 +1,86 @@
+#include "settings/ProfileFiles.h"
+
+#include "io/PlainFile.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <memory>
+
+namespace control {
+
+namespace {
+
+constexpr std::string_view ENDING = ".conf";
+constexpr std::size_t SIZE_MAX_BYTES = std::size_t{1} << 20U;
+
+std::string absolutePath(const char* variable) {
+    const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): the header says so
+    return value == nullptr || value[0] != '/' ? std::string() : std::string(value);
+}
+
+}  // namespace
+
+std::string profileFolder() {
+    const std::string config = absolutePath("XDG_CONFIG_HOME");
+    if (!config.empty()) {
+        return config + "/kordanix";
+    }
+    const std::string home = absolutePath("HOME");
+    return home.empty() ? home : home + "/.config/kordanix";
+}
+
+std::string profilePath(const std::string& name) {
+    return name.find('/') == std::string::npos ? profileFolder() + '/' + name + std::string(ENDING) : name;
+}
+
+std::vector<std::string> profileNames() {
+    std::vector<std::string> names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(profileFolder().c_str()), closedir);
+    // No other thread has this stream.
+    while (const dirent* const entry = folder == nullptr ? nullptr : readdir(folder.get())) {  // NOLINT
+        const std::string_view name(entry->d_name);
+        if (name.size() > ENDING.size() && name.substr(name.size() - ENDING.size()) == ENDING) {
+            names.emplace_back(name.substr(0, name.size() - ENDING.size()));
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool readProfile(const std::string& path, ProgramProfiles& all) {
+    all.paths.push_back(path);
+    std::string text;
+    const int error = platform::readPlainFile(path, text, SIZE_MAX_BYTES, true);
+    if (error == ENOENT || error == ENOTDIR) {
+        return false;
+    }
+    if (error != 0) {
+        all.errors.push_back(path + ": " + platform::plainFileError(error));
+        return true;
+    }
+    Profile profile = parseProfile(text);
+    for (const ProfileError& wrong : profile.errors) {
+        all.errors.push_back(path + ':' + std::to_string(wrong.line) + ": " + wrong.text);
+    }
+    all.assignments.insert(all.assignments.end(), profile.assignments.begin(), profile.assignments.end());
+    return true;
+}
+
+ProgramProfiles readProfiles(const std::vector<std::string>& names) {
+    ProgramProfiles all;
+    if (profileFolder().empty()) {
+        return all;
+    }
+    readProfile(profilePath(DEFAULT_PROFILE), all);
+    for (const std::string& name : names) {
+        if (name != DEFAULT_PROFILE && readProfile(profilePath(name), all)) {
+            break;
+        }
+    }
+    return all;
+}
+
+}  // namespace control
