@@ -340,6 +340,32 @@ TEST_F(SceneOverlay, ANoticeStandsForASecondEvenWhenTheOverlayIsSwitchedOff) {
     EXPECT_THAT(drawn(), AllOf(Contains("thumbnail"), Not(Contains("text that nobody wrote!"))));
 }
 
+// Two widgets that are lines of their figures stand in one line, without graphs, notes and a gap.
+TEST_F(SceneOverlay, AWidgetCanBeALineAsWideAsItsFigures) {
+    publish({{"graphs", "false"},
+             {"fit_width", "true"},
+             {"hide_unreadable", "true"},
+             {"widget_cpu_gpu_position", "0"},
+             {"widget_cpu_gpu_gpu_power", "true"},
+             {"widget_gpu_activity", "false"}});
+    frames(20);
+    EXPECT_THAT(drawn(), AllOf(Contains("FPS 62.5"), Not(Contains("grid")), Not(Contains("fill")),
+                               Not(Contains("Avg 62.5")), Not(Contains("Power"))));
+    std::vector<doubles::DrawCall> strips;
+    for (const doubles::DrawCall& call : doubles::drawCalls()) {
+        if (call.what == "background") {
+            strips.push_back(call);
+        }
+    }
+    ASSERT_EQ(strips.size(), 2U);
+    EXPECT_FLOAT_EQ(strips[0].position.x + strips[0].size.x, strips[1].position.x);
+    EXPECT_EQ(strips[0].position.y, strips[1].position.y);
+    EXPECT_LT(strips[1].size.x, strips[0].size.x) << "one short figure";
+    publish({{"graphs", ""}, {"fit_width", ""}});
+    frames(10);
+    EXPECT_THAT(drawn(), IsSupersetOf({"fill", "Avg 62.5"})) << "and back";
+}
+
 // 735 frames in 10 seconds, a second slow and a second fast in turn; then a dump, whose start forgets them.
 TEST_F(SceneOverlay, TheMeanRateIsFramesByTimeSinceADumpBegan) {
     mFactory.mSize *= 2U;
@@ -414,12 +440,20 @@ TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
 // the legend, whose second half covers the end of the first.
 TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
     glm::vec2 lastPosition(0.0F);
-    const std::pair<const char*, glm::uvec2> cases[] = {
-        {"1", {740, 360}}, {"1", {360, 740}}, {"1.5", {740, 360}}, {"0.6", {360, 740}}, {"1", {320, 240}},
-        {"1", {240, 320}}, {"1", {480, 320}}, {"1", {3840, 1080}}, {"1.8", {640, 480}}, {"0.5", {1280, 720}}};
-    for (const auto& [scale, size] : cases) {
+    const std::tuple<const char*, glm::uvec2, const char*> cases[] = {
+        {"1", {740, 360}, ""},     {"1", {360, 740}, ""},        {"1.5", {740, 360}, ""},
+        {"0.6", {360, 740}, ""},   {"1", {320, 240}, ""},        {"1", {240, 320}, ""},
+        {"1", {480, 320}, ""},     {"1", {3840, 1080}, ""},      {"1.8", {640, 480}, ""},
+        {"0.5", {1280, 720}, ""},  {"1", {740, 360}, "true"},    {"1", {640, 480}, "true"},
+        {"1", {360, 740}, "true"}, {"1.4", {1280, 720}, "true"}, {"1", {300, 300}, "true"}};
+    for (const auto& [scale, size, isFitted] : cases) {
         mFactory.mSize = size;
-        publish({{"widget_memory", "true"}, {"widget_cpu_gpu_gpu_freq", "true"}, {"scale", scale}});
+        publish({{"widget_memory", "true"},
+                 {"widget_cpu_gpu_gpu_freq", "true"},
+                 {"scale", scale},
+                 {"fit_width", isFitted},
+                 {"widget_fps_low1", isFitted},
+                 {"widget_fps_low01", isFitted}});
         frames(20);
         std::vector<doubles::DrawCall> texts;
         for (const doubles::DrawCall& call : doubles::drawCalls()) {
