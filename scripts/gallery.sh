@@ -78,5 +78,7 @@ picture docs/pictures/settings.png mali-b31 1110x540 14 12.4 widget_cpu_gpu_gpu_
 scripts/screenshot.sh docs/pictures/over-glmark2.png 14 widget_memory=true -- \
     glmark2 -b jellyfish:duration=60 -s 1280x720
 scripts/screenshot.sh docs/pictures/over-glxgears.png 14 -- glxgears -geometry 740x360
+scripts/screenshot.sh docs/pictures/preset-small.png 10 preset=small -- glxgears -geometry 740x360
+scripts/screenshot.sh docs/pictures/preset-full.png 14 preset=full -- glxgears -geometry 1280x720
 scripts/screenshot.sh docs/pictures/over-vkcube.png 14 -- vkcube --width 1280 --height 720
 printf '  %s\n' docs/pictures/*.png

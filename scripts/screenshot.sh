@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs an OpenGL or Vulkan program under the overlay, in a window of an X server without a screen, and takes a
 # picture of one of its frames. With devmode=true it captures the GPU's work of a frame in between.
-# Usage: scripts/screenshot.sh OUT.png SECONDS [NAME=VALUE]... -- PROGRAM [ARGUMENT]...
+# Usage: scripts/screenshot.sh OUT.png SECONDS [preset=NAME] [NAME=VALUE]... -- PROGRAM [ARGUMENT]...
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,7 +9,13 @@ cd "$(dirname "$0")/.."
 out=$1 seconds=$2
 shift 2
 settings=()
-while [ "$1" != -- ]; do settings+=(--set "$1"); shift; done
+while [ "$1" != -- ]; do
+    case $1 in
+        preset=*) settings+=(--preset "${1#preset=}") ;;
+        *) settings+=(--set "$1") ;;
+    esac
+    shift
+done
 shift
 
 scripts/install-dependencies.sh build test

@@ -343,15 +343,17 @@ TEST_F(SceneOverlay, ANoticeStandsForASecondEvenWhenTheOverlayIsSwitchedOff) {
 
 // Two widgets that are lines of their figures stand in one line, without graphs, notes and a gap.
 TEST_F(SceneOverlay, AWidgetCanBeALineAsWideAsItsFigures) {
+    doubles::setFile("/sys/kernel/gpu/gpu_busy", "37\n");
     publish({{"graphs", "false"},
              {"fit_width", "true"},
              {"hide_unreadable", "true"},
              {"widget_cpu_gpu_position", "0"},
              {"widget_cpu_gpu_gpu_power", "true"},
+             {"widget_frame_time", "false"},
              {"widget_gpu_activity", "false"}});
     frames(20);
-    EXPECT_THAT(drawn(), AllOf(Contains("FPS 62.5"), Not(Contains("grid")), Not(Contains("fill")),
-                               Not(Contains("Avg 62.5")), Not(Contains("Power"))));
+    EXPECT_THAT(drawn(), AllOf(Contains("FPS 62.5"), Contains("37%"), Not(Contains("grid")),
+                               Not(Contains("fill")), Not(Contains("Avg 62.5")), Not(Contains("Power"))));
     std::vector<doubles::DrawCall> strips;
     for (const doubles::DrawCall& call : doubles::drawCalls()) {
         if (call.what == "background") {

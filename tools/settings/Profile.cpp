@@ -10,7 +10,7 @@ namespace control {
 
 namespace {
 
-constexpr std::string_view BLANKS = " \t\v\f";
+constexpr std::string_view BLANKS = " \t\v\f\r";
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 bool isBlank(char c) {
@@ -51,6 +51,9 @@ std::string readLine(const ProfileLine& line, Assignment& assignment) {
 }  // namespace
 
 ProfileLine splitProfileLine(std::string_view line) {
+    while (line.substr(0, BYTE_ORDER_MARK.size()) == BYTE_ORDER_MARK) {
+        line.remove_prefix(BYTE_ORDER_MARK.size());
+    }
     const std::string_view words = trimmed(withoutComment(trimmed(line)));
     const std::size_t end =
         std::find_if(words.begin(), words.end(), [](char c) { return isBlank(c) || c == '='; }) -
@@ -64,16 +67,9 @@ ProfileLine splitProfileLine(std::string_view line) {
 
 std::vector<std::string_view> splitLines(std::string_view text) {
     std::vector<std::string_view> lines;
-    if (text.substr(0, BYTE_ORDER_MARK.size()) == BYTE_ORDER_MARK) {
-        text.remove_prefix(BYTE_ORDER_MARK.size());
-    }
     while (!text.empty()) {
         const std::size_t end = std::min(text.find('\n'), text.size());
-        std::string_view line = text.substr(0, end);
-        if (!line.empty() && line.back() == '\r') {
-            line.remove_suffix(1);
-        }
-        lines.push_back(line);
+        lines.push_back(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return lines;

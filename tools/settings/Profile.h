@@ -30,7 +30,7 @@ struct ProfileLine {
 /// at the beginning of the line, or with one between blanks; so a colour is none.
 ProfileLine splitProfileLine(std::string_view line);
 
-/// Returns the lines of a text without their ends, whichever system wrote them.
+/// Returns the lines of a text without the line ends; the other half of Windows' own counts as a blank.
 std::vector<std::string_view> splitLines(std::string_view text);
 
 /// Reads a profile: lines as 'kordanixctl set' takes them, whatever the bytes. Which process shows the

@@ -30,7 +30,8 @@ std::string updateProfile(std::string_view old, std::map<std::string_view, std::
     for (const std::string_view line : splitLines(old)) {
         const ProfileLine parts = splitProfileLine(line);
         const Property* const property = findProperty(parts.name);
-        if (property == nullptr || !isSaved(*property) || !toPropertyText(property->type, parts.value)) {
+        if (property == nullptr || parts.value.empty() || !isSaved(*property) ||
+            !toPropertyText(property->type, parts.value)) {
             text.append(line).append(1, '\n');
             continue;
         }
