@@ -148,7 +148,7 @@ void Scene::draw() {
 bool Scene::layoutNotice() {
     mNotice.read();
     if (mNotice.isShown()) {
-        mNotice.layout(Canvas(mFactory.getSurfaceSize(), scaleAreas(mFactory.getSurfaceSize())));
+        mNotice.layout(Canvas(mFactory.getSurfaceSize(), widgetScale(mFactory.getSurfaceSize())));
         mIsChanged = true;
     }
     return mNotice.isShown();
