@@ -1,8 +1,10 @@
-// What programs on Android do, one of them a word: parts, toolkit, threads, late, es1. Each draws white
-// frames and prints how the overlay got on with it; nothing that the program draws itself is anything but
-// white.
+// What programs on Android do, one of them a word: parts, toolkit, threads, late, state, es1. Each draws
+// white frames and prints how the overlay got on with it; nothing that the program draws itself is anything
+// but white.
 
 #include "opengl/context/Call.h"
+#include "opengl/state/RandomState.h"
+#include "opengl/state/StateDump.h"
 
 #include <EGL/eglext.h>
 #include <dlfcn.h>
@@ -25,9 +27,9 @@ Function find(const char* name) {
     return reinterpret_cast<Function>(eglGetProcAddress(name));
 }
 
-std::unique_ptr<HeadlessContext> makeContext(int major = 2) {
+std::unique_ptr<HeadlessContext> makeContext(const HeadlessContext* shareWith = nullptr) {
     HeadlessContext::Options options;
-    options.major = major;
+    options.shareWith = shareWith;
     options.width = 740;
     options.height = 360;
     options.surface = HeadlessContext::Surface::WINDOW;
@@ -159,6 +161,26 @@ int swapByLateName() {
     return 0;
 }
 
+/// Frames in random states, each of which is as it was before the swap.
+int keepState() {
+    constexpr unsigned FRAMES = 200;
+    const auto context = makeContext();
+    const auto other = makeContext(context.get());
+    context->makeCurrent();
+    const bool wasShown = isShown(*context, [&] { context->swap(); });
+    RandomState program(*context, *other, context->functions());
+    const StateDump dump;
+    for (unsigned seed = 0; seed < FRAMES; ++seed) {
+        const bool mayBind = program.set(seed, dump).rebinds;
+        const auto before = dump.read(mayBind);
+        context->swap();
+        std::printf("%s", StateDump::compare(before, dump.read(mayBind)).c_str());
+        program.end();
+    }
+    std::printf("%s\n", wasShown ? "shown" : "not shown");
+    return 0;
+}
+
 /// A context of OpenGL ES 1, whose functions are in a library that no layer sees.
 int drawWithEs1() {
     const auto window = makeContext();
@@ -187,6 +209,7 @@ int main(int count, char** words) {
            : way == "toolkit" ? drawAsToolkit()
            : way == "threads" ? destroyElsewhere()
            : way == "late"    ? swapByLateName()
+           : way == "state"   ? keepState()
            : way == "es1"     ? drawWithEs1()
                               : 9;
 }

@@ -114,6 +114,12 @@ TEST_F(GlesLayer, FollowsContextsAndLateNames) {
     EXPECT_THAT(late.out, HasSubstr("\nshown\n"));
 }
 
+TEST_F(GlesLayer, LeavesTheProgramsStateAsItWas) {
+    switchOn(CLIENT);
+    const support::Outcome outcome = runClient("state");
+    EXPECT_EQ(outcome.out, "shown\n") << outcome.err;
+}
+
 TEST_F(GlesLayer, PassesContextsOfOpenGlEs1Through) {
     switchOn(CLIENT);
     const support::Outcome outcome = runClient("es1");

@@ -57,6 +57,9 @@ WindowLibrary::WindowLibrary(const Swap& swap, const ShimCalls& shim)
     // If somebody has put another library in front of this one, its look-up usually leads here; otherwise try
     // the usual library.
     if (!findLookUp()) {
+        if (mFindSymbol == nullptr) {
+            return;
+        }
         mLibrary = dlopen(isEgl ? "libEGL.so.1" : "libGLX.so.0", RTLD_LAZY | RTLD_NOLOAD);
         if (!findLookUp()) {
             return;
