@@ -50,8 +50,8 @@ protected:
         setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
         setenv("XDG_DATA_HOME", mHome.path("data").c_str(), 1);
         setenv("TYPED", SDL_PROGRAMS "checkkeys", 1);
-        // A press of 30 ms of keys by their numbers: 50 and 62 are left and right Shift, 75 and 96 F9 and
-        // F12.
+        // A press of 30 ms of keys by their numbers: 50 and 62 are left and right Shift, 75, 76 and 96 F9,
+        // F10 and F12.
         std::ofstream(mHome.path("press"))
             << "xdotool windowfocus --sync $1 keydown $2 keydown $3 sleep 0.03 keyup $3 keyup $2\n";
         std::ofstream(mHome.path("window"))
@@ -74,6 +74,7 @@ TEST_F(RunKeys, ActInTheFocusedWindowAloneAndReachTheProgramToo) {
             "sh press $ours 50 96; sh press $other 62 96; sleep 1; sh press $ours 62 96\n"
             "sh until status false\n"
             "sh press $ours 62 96; sh until status true\n"
+            "sh press $ours 62 76; sh until kordanix.run.preset full\n"
             "$CTL set keys off; sh press $ours 62 96; sleep 1; $CTL toggle; sh until status false\n"
             "kill $! $bare; wait $!; grep -c F12 typed; grep -c Saved typed\n");
     EXPECT_THAT(outcome.out,

@@ -98,6 +98,15 @@ TEST_F(RunShown, TheSecondProcessOfARunIsKnown) {
     run("kill " + std::to_string(notes[0].process) + ' ' + std::to_string(notes[1].process));
 }
 
+TEST_F(RunShown, TheProgramThatShowsItHasItsProfileAndGivesItItsName) {
+    const support::Outcome outcome =
+        run("mkdir -p config/kordanix; echo 'scale 1.3' >config/kordanix/plain_client.conf\n"
+            "$CTL run sh -c '$CLIENT pause=10 frames=3000 & for i in $(seq 100); do [ $($CTL get scale) = "
+            "1.3 ] && break; "
+            "sleep 0.05; done; $CTL set widget_memory on; $CTL save; kill $!; wait'; cat config/kordanix/*");
+    EXPECT_THAT(outcome.out, HasSubstr("/plain_client.conf\nscale 1.3\nwidget_memory true\n")) << outcome.err;
+}
+
 TEST_F(RunShown, APictureIsTheNextFrame) {
     const support::ChildProcess program(
         {KORDANIXCTL, "run", "sh", "-c", "echo $$; exec $CLIENT pause=10 frames=2000"});

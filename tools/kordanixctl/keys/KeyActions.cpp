@@ -2,6 +2,7 @@
 
 #include "overlays/PictureCommand.h"
 #include "overlays/ToggleCommand.h"
+#include "properties/PresetCommand.h"
 
 namespace control {
 
@@ -20,6 +21,8 @@ void performKeyAction(KeyAction action, std::ostream& told) {
             savePicture(std::nullopt, {}, PICTURE_SECONDS, told, told);
             break;
         case KeyAction::PRESET:
+            switchPreset({}, nowhere, told);
+            break;
         case KeyAction::LOG:
             break;  // there is nothing yet for them to do
     }

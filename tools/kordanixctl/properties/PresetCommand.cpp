@@ -1,11 +1,14 @@
 #include "properties/PresetCommand.h"
 
 #include "Diagnostic.h"
+#include "properties/Notices.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
 #include "run/InitialProperties.h"
 #include "settings/Presets.h"
 #include "settings/Properties.h"
+
+#include <vector>
 
 namespace control {
 
@@ -17,7 +20,9 @@ ExitCode switchPreset(const std::string& name, std::ostream& out, std::ostream& 
     const std::string chosen =
         name.empty() ? presetAfter(readProperty(PRESET_PROPERTY).value_or(std::string())) : name;
     const PropertyTexts base = readDefaultProperties(platform::openRuntimeDirectory().path);
-    const ExitCode written = writeAssignments(presetAssignments(chosen, base), true, err);
+    std::vector<Assignment> assignments = presetAssignments(chosen, base);
+    assignments.push_back(noticeOf("Preset " + chosen));
+    const ExitCode written = writeAssignments(assignments, true, err);
     if (written == SUCCESS) {
         out << chosen << '\n';
     }
