@@ -25,6 +25,8 @@ cmake --preset release "${options[@]}" >/dev/null
 cmake --build --preset release --target kordanixctl kordanix_preload kordanix_opengl kordanix_vulkan >/dev/null
 control=build/release/bin/kordanixctl
 
+export XDG_CONFIG_HOME=/nowhere  # your profiles are not in the picture
+
 # The server writes its number into this when it is ready.
 pipe=$(mktemp -u)
 mkfifo "$pipe"

@@ -11,7 +11,9 @@ namespace {
 using software::Image;
 
 std::map<std::string, std::string> environment() {
-    return {{"DISPLAY", VirtualDisplay::get().name()}, {"VK_ICD_FILENAMES", LAVAPIPE}};
+    return {{"DISPLAY", VirtualDisplay::get().name()},
+            {"VK_ICD_FILENAMES", LAVAPIPE},
+            {"XDG_CONFIG_HOME", "/nowhere"}};
 }
 
 /// Validation with synchronisation, its messages in the program's output, and the loader's list of layers.
@@ -95,6 +97,26 @@ TEST(VulkanPrograms, ACaptureHasEveryPassThatWasRecordedInItsFrame) {
         expected += std::string("[^\n]*") + pass + "[^\n]*\n";
     }
     EXPECT_THAT(passes.out, testing::MatchesRegex("Frame[^\n]*\n" + expected)) << outcome.out << outcome.err;
+}
+
+TEST(VulkanPrograms, HaveTheirProfileAlsoWithoutALauncher) {
+    ASSERT_THAT(VirtualDisplay::get().name(), testing::Not(testing::IsEmpty()));
+    const support::TemporaryDirectory home;
+    auto variables = environment();
+    variables["KORDANIX"] = "1";
+    variables["XDG_CONFIG_DIRS"] = LAYER_FOLDER;
+    variables["XDG_CONFIG_HOME"] = variables["XDG_RUNTIME_DIR"] = home.path();
+    variables["CTL"] = KORDANIXCTL;
+    ASSERT_TRUE(home.shell("mkdir kordanix; printf 'scale 1.5\\nscal 1\\n' >kordanix/vulkan_client.conf"));
+    const auto outcome = support::run(
+        {"sh", "-c",
+         "'" CLIENT
+         "' present 100000 & for i in $(seq 100); do \"$CTL\" --process $! get scale | grep 1.5 && break; "
+         "sleep 0.1; done; kill $!"},
+        variables);
+    EXPECT_EQ(outcome.out, "1.5\n");
+    EXPECT_THAT(outcome.err, testing::HasSubstr(
+                                 "vulkan_client.conf:2: there is no property 'scal'; did you mean 'scale'?"));
 }
 
 TEST(VulkanPrograms, AreLeftAloneWhenTheLayerIsDisabled) {

@@ -27,7 +27,8 @@ Command underOverlay(const Command& command) {
 }
 
 std::map<std::string, std::string> environment(bool isFrozen) {
-    std::map<std::string, std::string> variables{{"DISPLAY", display().name()}, {"vblank_mode", "0"}};
+    std::map<std::string, std::string> variables{
+        {"DISPLAY", display().name()}, {"vblank_mode", "0"}, {"XDG_CONFIG_HOME", "/nowhere"}};
     if (isFrozen) {
         variables["LD_PRELOAD"] = FROZEN_CLOCK;
     }
