@@ -55,9 +55,7 @@ ProfileLine splitProfileLine(std::string_view line) {
         line.remove_prefix(BYTE_ORDER_MARK.size());
     }
     const std::string_view words = trimmed(withoutComment(trimmed(line)));
-    const std::size_t end =
-        std::find_if(words.begin(), words.end(), [](char c) { return isBlank(c) || c == '='; }) -
-        words.begin();
+    const std::size_t end = std::min(words.find_first_of(std::string(BLANKS) + '='), words.size());
     std::string_view value = trimmed(words.substr(end));
     if (!value.empty() && value.front() == '=') {
         value = trimmed(value.substr(1));

@@ -18,6 +18,11 @@ namespace {
 constexpr std::string_view INTERPRETERS[] = {"sh",   "bash", "dash", "zsh",  "ksh", "python",
                                              "perl", "ruby", "lua",  "node", "php"};
 
+/// What a system call has read; nothing when it failed.
+std::size_t sizeOf(ssize_t result) {
+    return result > 0 ? static_cast<std::size_t>(result) : 0;
+}
+
 std::string_view baseName(std::string_view path) {
     return path.substr(path.find_last_of("/\\") + 1);
 }
@@ -43,7 +48,7 @@ std::string firstLine(const std::string& path) {
     std::array<char, 256> bytes{};
     const ssize_t size = read(file, bytes.data(), bytes.size());
     close(file);
-    const std::string_view text(bytes.data(), std::max<ssize_t>(size, 0));
+    const std::string_view text(bytes.data(), sizeOf(size));
     return std::string(text.substr(0, text.find('\n')));
 }
 
@@ -74,7 +79,7 @@ std::string_view scriptOf(const ProgramCall& call) {
 std::string linkTarget(const std::string& path) {
     std::string target(PATH_MAX, '\0');
     const ssize_t size = readlink(path.c_str(), target.data(), target.size());
-    target.resize(std::max<ssize_t>(size, 0));
+    target.resize(sizeOf(size));
     return target;
 }
 
@@ -86,7 +91,7 @@ std::vector<std::string> readWords(const std::string& path) {
     if (file >= 0) {
         close(file);
     }
-    text.resize(std::max<ssize_t>(size, 0));
+    text.resize(sizeOf(size));
     std::vector<std::string> words;
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t end = std::min(text.find('\0', begin), text.size());
