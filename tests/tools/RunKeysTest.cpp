@@ -92,14 +92,24 @@ TEST_F(RunKeys, AWindowIsAlsoKnownByItself) {
 }
 
 TEST_F(RunKeys, AreNotListenedToWhenTheyAreOff) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"", "kordanix-keys sleep "}, {"--no-keys", "sleep "}, {"--set keys=off", "sleep "}};
-    for (const auto& [options, children] : cases) {
-        const support::Outcome outcome = run("$CTL run " + options +
-                                             " sleep 60 & for i in $(seq 100); do sleep 0.05; found=$(ps -o "
-                                             "comm= --ppid $! | sort | tr '\\n' ' '); [ \"$found\" = '" +
-                                             children + "' ] && break; done; echo \"$found\"; kill $!");
-        EXPECT_EQ(outcome.out, children + '\n');
+    const struct {
+        const char* options;
+        const char* profile;
+        const char* children;
+    } cases[] = {{"", "", "kordanix-keys sleep "},
+                 {"--no-keys", "", "sleep "},
+                 {"--set keys=off", "", "sleep "},
+                 {"", "keys = off", "sleep "},
+                 {"--set keys=on", "keys = off", "kordanix-keys sleep "}};
+    std::filesystem::create_directories(mHome.path("config/kordanix"));
+    for (const auto& [options, profile, children] : cases) {
+        std::ofstream(mHome.path("config/kordanix/default.conf")) << profile << '\n';
+        const support::Outcome outcome =
+            run(std::string("$CTL run ") + options +
+                " sleep 60 & for i in $(seq 100); do sleep 0.05; found=$(ps -o comm= --ppid $! | sort | tr "
+                "'\\n' ' '); [ \"$found\" = '" +
+                children + "' ] && break; done; echo \"$found\"; kill $!");
+        EXPECT_EQ(outcome.out, std::string(children) + '\n') << options << profile;
     }
 }
 
