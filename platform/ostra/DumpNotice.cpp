@@ -42,9 +42,11 @@ void removeDumpNotice(const std::string& directory, pid_t process) {
 
 std::optional<DumpNotice> readDumpNotice(const std::string& directory, pid_t process) {
     std::string text;
-    if (readPlainFile(noticePath(directory, process), text, MAX_SIZE) != 0) {
-        return std::nullopt;
-    }
+    return readPlainFile(noticePath(directory, process), text, MAX_SIZE) == 0 ? parseDumpNotice(text)
+                                                                              : std::nullopt;
+}
+
+std::optional<DumpNotice> parseDumpNotice(const std::string& text) {
     DumpNotice notice;
     std::string state;
     std::istringstream stream(text);

@@ -24,6 +24,9 @@ void writeDumpNotice(const std::string& directory, const DumpNotice& notice);
 
 void removeDumpNotice(const std::string& directory, pid_t process);
 
+/// Reads the text of a notice; nothing when it is none.
+std::optional<DumpNotice> parseDumpNotice(const std::string& text);
+
 /// Reads a process's notice; nothing when the process has not dumped yet.
 std::optional<DumpNotice> readDumpNotice(const std::string& directory, pid_t process);
 

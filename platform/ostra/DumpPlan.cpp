@@ -1,17 +1,17 @@
 #include "ostra/DumpPlan.h"
 
 #include "io/PlainFile.h"
-#include "properties/RuntimeDirectory.h"
+#include "ostra/DumpPlace.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace platform {
 
@@ -52,19 +52,15 @@ std::string localTime() {
 }  // namespace
 
 DumpPlan planDump(std::uint32_t number) {
-    const char* const directory = std::getenv("KORDANIX_DUMP_DIR");  // NOLINT(concurrency-mt-unsafe)
+    DumpPlace place = findDumpPlace();
     DumpPlan plan;
     plan.number = number;
-    plan.base = std::filesystem::absolute(directory != nullptr && *directory != '\0' ? directory : ".")
-                    .lexically_normal()
-                    .string();
+    plan.base = std::filesystem::absolute(place.base).lexically_normal().string();
     while (plan.base.size() > 1 && plan.base.back() == '/') {
         plan.base.pop_back();
     }
     plan.name = programName() + '-' + localTime() + '-';
-    std::string ignored;
-    const std::string* const own = ownRuntimeDirectory(ignored);
-    plan.runtimeDirectory = own == nullptr ? std::string() : *own;
+    plan.runtimeDirectory = std::move(place.noticeDirectory);
     return plan;
 }
 

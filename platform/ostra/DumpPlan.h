@@ -14,8 +14,9 @@ struct DumpPlan {
     std::string runtimeDirectory;  ///< for the dump's notice; empty when there is none
 };
 
-/// Plans a dump into the directory that KORDANIX_DUMP_DIR names, or else the working directory. The folder's
-/// name has the program and the local time. Throws std::exception.
+/// Plans a dump into the directory that KORDANIX_DUMP_DIR names, or else the working directory; in an Android
+/// application the one of FilesFolder.h. The folder's name has the program and the local time. Throws
+/// std::exception.
 DumpPlan planDump(std::uint32_t number);
 
 /// Creates a new folder for the dump, and the directories above it: BASE/PROGRAM-YYYYMMDD-HHMMSS-N with the

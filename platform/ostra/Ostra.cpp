@@ -1,27 +1,16 @@
 #include "ostra/DumpControl.h"
 #include "ostra/PerProcess.h"
-#include "ostra/ProcessChannel.h"
 
 #include <android/log.h>
 #include <ostra/ExtraColumns.h>
 #include <ostra/Ostra.h>
 
 #include <atomic>
-#include <utility>
 
 namespace Ostra {
 
 using platform::DumpControl;
 using platform::PerProcess;
-using platform::ProcessChannel;
-
-void registerAppBecomeBackgroundListener(std::function<void()> listener) {
-    PerProcess<ProcessChannel>::get().addListener(std::move(listener));
-}
-
-std::vector<KeyEvent> receiveKeyEvents() {
-    return PerProcess<ProcessChannel>::get().takeKeys();
-}
 
 bool fixClock(unsigned long long /*cpuClock*/, unsigned long long /*gpuClock*/) {
     static std::atomic<bool> isSaid{false};
