@@ -12,6 +12,7 @@
 namespace Ostra {
 
 // Nobody tells a native layer that its application goes to the background, so no listener is ever called.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the interface's
 void registerAppBecomeBackgroundListener(std::function<void()> /*listener*/) {
     platform::PerProcess<platform::CommandChannel>::get().listen();
 }

@@ -27,7 +27,7 @@ void addOverlayVerbs(CLI::App& app, Invocation& invocation);   ///< picture, tog
 void addProfileVerbs(CLI::App& app, Invocation& invocation);   ///< save, profile, preset
 void addDumpVerbs(CLI::App& app, Invocation& invocation);      ///< report, trace
 
-void addAndroidVerb(CLI::App& app, Invocation& invocation);    ///< android
+void addAndroidVerb(CLI::App& app, Invocation& invocation);  ///< android
 
 /// `program` is the program and its arguments, which the parser does not see.
 void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::string>& program);
