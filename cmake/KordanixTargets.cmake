@@ -1,3 +1,12 @@
+# kordanix_versioned(TARGET): a shared library of the host that others link. Before 1.0 a minor version may change
+# everything, so it is part of the library's name. Android's loader wants names without a version.
+function(kordanix_versioned target)
+  if(KORDANIX_PLATFORM STREQUAL host)
+    set_target_properties(${target} PROPERTIES
+      VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
+  endif()
+endfunction()
+
 # kordanix_add_core(TARGET COUNTER_SOURCE): the library with the given GPU counter source in it.
 # Everything else of the library is compiled once and shared by all such targets.
 function(kordanix_add_core target counter_source)

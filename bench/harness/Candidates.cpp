@@ -20,7 +20,7 @@ std::vector<Candidate> candidates(Api api, const std::string& build, const std::
             {"Mesa's overlay", {}, {{"VK_INSTANCE_LAYERS", "VK_LAYER_MESA_overlay"}}, "MESA_overlay"},
         };
     }
-    const std::string shim = build + "/lib/libkordanix-preload.so";
+    const std::string shim = build + "/lib/kordanix/libkordanix-preload.so";
     return {
         {BARE, {}, {}, ""},
         {OURS, {}, {{"LD_PRELOAD", shim}, {"KORDANIX_RUNTIME_DIR", runtime}}, "libkordanix-opengl.so"},

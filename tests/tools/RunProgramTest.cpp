@@ -22,7 +22,7 @@ using RunProgram = RunFixture;
 
 TEST_F(RunProgram, RunsAsIfByItself) {
     const std::string preload =
-        fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/libkordanix-preload.so";
+        fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/kordanix/libkordanix-preload.so";
     const std::string vulkan =
         "1 " + (fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/kordanix").string();
     const struct {
@@ -69,8 +69,9 @@ TEST_F(RunProgram, RunsAsIfByItself) {
         {"(ulimit -f 0; exec $CTL run ls 2>&1) | cat", 0, "kordanixctl: .*File too large.*", ""},
 #endif
         {"mkdir -p a/bin; cp $CTL a/bin; a/bin/kordanixctl run ls", 1, "", ".*preload.so.*not installed.*"},
-        {"mkdir a/lib; cp " + preload + " a/lib; mv a 'a b'; 'a b'/bin/kordanixctl run ls", 1, "",
-         ".*blank.*"},
+        {"mkdir -p a/lib/kordanix; cp " + preload +
+             " a/lib/kordanix; mv a 'a b'; 'a b'/bin/kordanixctl run ls",
+         1, "", ".*blank.*"},
         {"mv 'a b' 'a${LIB}b'; 'a${LIB}b'/bin/kordanixctl run ls", 1, "", ".*means something else.*"},
         {"D=" + std::string(90, 'x') + "; mkdir $D; XDG_RUNTIME_DIR=$PWD/$D $CTL run ls", 1, "",
          ".*too long for the sockets.*"},

@@ -15,7 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr WayIn WAYS_IN[] = {
-    {"OpenGL, OpenGL ES", "LD_PRELOAD", "libkordanix-preload.so", ':', true, true, false, "", ""},
+    {"OpenGL, OpenGL ES", "LD_PRELOAD", "kordanix/libkordanix-preload.so", ':', true, true, false, "", ""},
     // Vulkan's loader looks for implicit layers in the folders of this variable before the user's own ones.
     {"Vulkan", "XDG_CONFIG_DIRS", "kordanix", ':', false, false, true, "/etc/xdg", "KORDANIX"},
 };

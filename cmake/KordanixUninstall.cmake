@@ -1,0 +1,35 @@
+# Usage: cmake -DMANIFEST=FILE -P KordanixUninstall.cmake
+# Removes the files that an installation's manifest names, below DESTDIR if that is set, and then the folders that
+# became empty by it. Files that are gone already are no failure; the manifest goes last, so that a run that fails
+# may be repeated.
+if(NOT EXISTS ${MANIFEST})
+  message(FATAL_ERROR "Nothing is installed from this build folder: there is no ${MANIFEST}")
+endif()
+file(STRINGS ${MANIFEST} files)
+set(folders "")
+foreach(name IN LISTS files)
+  set(file "$ENV{DESTDIR}${name}")
+  if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+    file(REMOVE "${file}")
+    if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+      message(FATAL_ERROR "${file} cannot be removed")
+    endif()
+    message(STATUS "Removed ${file}")
+  endif()
+  get_filename_component(folder "${file}" DIRECTORY)
+  list(APPEND folders "${folder}")
+endforeach()
+
+# Only folders of our own names: others, even empty ones, may be somebody else's.
+list(REMOVE_DUPLICATES folders)
+foreach(folder IN LISTS folders)
+  while(folder MATCHES "/(kordanix|KordanixCore)(/|$)")
+    file(GLOB rest LIST_DIRECTORIES true "${folder}/*" "${folder}/.*")
+    if(rest OR NOT IS_DIRECTORY "${folder}" OR IS_SYMLINK "${folder}")
+      break()
+    endif()
+    file(REMOVE_RECURSE "${folder}")
+    get_filename_component(folder "${folder}" DIRECTORY)
+  endwhile()
+endforeach()
+file(REMOVE ${MANIFEST})
