@@ -1,17 +1,19 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, measuring and the demo need; those already there
-# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|arm]...   (default: build)
+# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|arm|package]...   (default: build)
 set -euo pipefail
 
 build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev
-       libvulkan-dev glslang-tools libx11-dev libxi-dev libxres-dev)
+       libvulkan-dev glslang-tools libx11-dev libxi-dev libxres-dev help2man)
 test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind
       libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils glmark2-x11 glmark2-es2-x11
       mesa-vulkan-drivers vulkan-tools vulkan-validationlayers
       libsdl2-tests libx11-dev xdotool procps pkg-config strace locales
-      android-libutils-dev android-liblog-dev)
+      android-libutils-dev android-liblog-dev
+      zsh fish groff-base)
 bench=(libbenchmark-dev)
 opengl_bench=(mangohud xvfb valgrind libx11-dev libgl1-mesa-dri libglx-mesa0)
+package=(lintian dpkg-dev file man-db)
 arm=(g++-arm-linux-gnueabihf qemu-user googletest libc++-14-dev libc++abi-14-dev)
 
 packages=()
@@ -22,7 +24,8 @@ for group in "${@:-build}"; do
         bench) packages+=("${bench[@]}") ;;
         opengl-bench) packages+=("${opengl_bench[@]}") ;;
         arm) packages+=("${arm[@]}") ;;
-        *) echo "unknown group '$group': build, test, bench, opengl-bench or arm" >&2; exit 2 ;;
+        package) packages+=("${package[@]}") ;;
+        *) echo "unknown group '$group': build, test, bench, opengl-bench, arm or package" >&2; exit 2 ;;
     esac
 done
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the build, moves the result, and checks that it is whole: no file of it names a folder of the build,
 # every header compiles on its own, and the example, copied out of the sources, builds as a CMake package and with
-# pkg-config, and draws what is expected.
+# pkg-config, and draws what is expected. Then a user without root has all of it below HOME, and takes it away again.
 # Usage: check_installed_tree.sh CMAKE BUILD_FOLDER SOURCE_FOLDER COMPILER PKG_CONFIG PREFIX LIBRARY_FOLDER
 # PREFIX and LIBRARY_FOLDER, below it, are those that the build was configured with.
 set -euo pipefail
@@ -22,12 +22,12 @@ cp -r "$source/examples/null-layer" "$work/by-cmake"
 cp -r "$source/examples/null-layer" "$work/by-pkg-config"
 
 # What debuggers are told may name the sources.
-strip --strip-debug "$prefix"/bin/* "$lib"/*.so "$lib"/*.a
+strip --strip-debug "$prefix"/bin/* "$lib"/*.so "$lib"/kordanix/*.so "$lib"/*.a
 named=$(grep -rlaF -e "$build" -e "$source" -e "$work/installed" "$prefix" || true)
 [ -z "$named" ] || fail "These files name a folder of the build:" "$named"
 
 # Programs and libraries find each other where they lie.
-for file in "$prefix"/bin/* "$lib"/*.so; do
+for file in "$prefix"/bin/* "$lib"/*.so "$lib"/kordanix/*.so; do
     missing=$(ldd "$file" | grep 'not found' || true)
     [ -z "$missing" ] || fail "$file:" "$missing"
     strange=$(ldd "$file" | grep -E 'libKordanix|libkordanix|libostra' | grep -vF "$prefix/" || true)
@@ -67,6 +67,9 @@ END
 "$cmake" -S "$work/scene" -B "$work/scene" -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$prefix" \
     >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 "$cmake" --build "$work/scene" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+read -ra flags < <("$pkg_config" --cflags --libs kordanix-scene)
+"$compiler" -std=c++17 "$work/scene/main.cpp" -o "$work/scene/by-pkg-config" "${flags[@]}" >"$work/log" 2>&1 ||
+    fail "$(cat "$work/log")"
 
 # What one frame draws, once the first figure is there.
 expected='rectangle
@@ -98,9 +101,28 @@ done
 
 # 'run' finds what it brings into programs.
 ran=$("$prefix/bin/kordanixctl" run -- sh -c 'echo "$LD_PRELOAD"' 2>"$work/log") || fail "$(cat "$work/log")"
-[ "$ran" = "$lib/libkordanix-preload.so" ] || fail "A program is started with $ran"
+[ "$ran" = "$lib/kordanix/libkordanix-preload.so" ] || fail "A program is started with $ran"
 
 # The demo finds its devices.
 "$prefix/bin/kordanix-demo" --private --fixed-step --device mali-b31 --size 370x180 --seconds 1 --png "$work/out.png" \
     >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 [ -s "$work/out.png" ] || fail "The demo has drawn nothing"
+
+# Whom an older binary needs: the library's own name has the version.
+readelf -d "$lib/libKordanixCore.so" | grep -qE 'SONAME.*libKordanixCore\.so\.[0-9]+\.[0-9]+\]' ||
+    fail "The library's name has no version"
+
+# At home, with another prefix than the build was made for. The manual and the completions come along.
+export HOME=$work/home
+"$cmake" --install "$build" --prefix "$HOME/.local" >"$work/install.log" || fail "$(cat "$work/install.log")"
+unset XDG_DATA_HOME XDG_CONFIG_HOME XDG_CONFIG_DIRS XDG_DATA_DIRS
+export PATH=$HOME/.local/bin:$PATH
+"$source/tests/install/show_overlay.sh" "$work"
+for shell in bash zsh fish; do
+    "$source/tests/install/check_completions.sh" "$shell" "$HOME/.local/share"
+done
+warnings=$(groff -man -Tutf8 -ww -z "$HOME/.local/share/man/man1/kordanixctl.1" 2>&1)
+[ -z "$warnings" ] || fail "The manual page:" "$warnings"
+"$cmake" --build "$build" --target uninstall >"$work/log" 2>&1 || fail "$(cat "$work/log")"
+left=$(find "$HOME/.local" ! -type d -o -name 'kordanix' -o -name KordanixCore)
+[ -z "$left" ] || fail "After 'uninstall' there are still" "$left"

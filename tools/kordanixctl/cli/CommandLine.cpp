@@ -100,14 +100,20 @@ ExitCode address(const Invocation& invocation) {
 
 }  // namespace
 
+std::unique_ptr<CLI::App> makeCommandLine(Invocation& invocation, const std::vector<std::string>& program) {
+    auto app = std::make_unique<CLI::App>(
+        "Starts programs with the overlay, shows and changes its properties, reaches running overlays, and "
+        "turns their frame dumps into reports and traces.",
+        "kordanixctl");
+    setUp(*app, invocation, program);
+    return app;
+}
+
 ExitCode runCommandLine(std::vector<std::string> words) {
     Invocation invocation;
     std::vector<std::string> program;
-    CLI::App app{
-        "Starts programs with the overlay, shows and changes its properties, reaches running overlays, and "
-        "turns their frame dumps into reports and traces.",
-        "kordanixctl"};
-    setUp(app, invocation, program);
+    const std::unique_ptr<CLI::App> parser = makeCommandLine(invocation, program);
+    CLI::App& app = *parser;
     replaceHelpVerbs(words, findVerb(words));
     const std::size_t verb = findVerb(words);
     if (verb < words.size() && !hasVerb(app, words[verb])) {
