@@ -38,6 +38,8 @@ program and shows them over its picture.")
 set(CPACK_DEBIAN_OVERLAY_PACKAGE_NAME kordanix)
 set(CPACK_DEBIAN_OVERLAY_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_OVERLAY_PACKAGE_DEPENDS "libkordanixcore (= ${package_version})")
+# Loaded when they are there.
+set(CPACK_DEBIAN_OVERLAY_PACKAGE_RECOMMENDS "libx11-6, libxi6, libxrandr2, libxres1")
 set(CPACK_DEBIAN_OVERLAY_PACKAGE_SUGGESTS "mesa-utils, vulkan-tools")
 set(CPACK_DEBIAN_OVERLAY_DESCRIPTION "performance overlay over OpenGL and Vulkan programs
 ${about}

@@ -4,8 +4,8 @@
 # Usage: scripts/package-test.sh [BUILD_FOLDER]    default: build/hardened, which is built first
 #
 # The root is this machine's own under a layer that takes every change, in a mount namespace: nothing outside of it is
-# touched, and dpkg checks dependencies and runs its triggers as everywhere. That needs the right to mount, which root has
-# and on most machines everybody in a namespace of their own.
+# touched, and dpkg checks dependencies and runs its triggers as everywhere. That is for root; for others, and where root
+# may not mount, the packages are unpacked into a folder and used from there.
 set -euo pipefail
 source_folder=$(cd "$(dirname "$0")/.." && pwd)
 
@@ -59,14 +59,12 @@ fi
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir "$work"/{layer,root}
-(cd "$build" && cpack -G DEB -B "$work/packages") >"$work/log" || { cat "$work/log" >&2; exit 1; }
+(cd "$build" && cpack -G DEB -B "$work/packages") >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
 rm -rf "$work/packages/_CPack_Packages"
 lintian --fail-on error --allow-root "$work"/packages/*.deb
 
-namespace=(unshare --mount)
-[ "$(id -u)" -eq 0 ] || namespace+=(--map-root-user)
-if "${namespace[@]}" mount -t tmpfs none "$work/layer" 2>/dev/null; then
-    "${namespace[@]}" -- "$0" --in-namespace "$work"
+if unshare --mount mount -t tmpfs none "$work/layer" 2>/dev/null; then
+    unshare --mount -- "$0" --in-namespace "$work"
 else
     echo "Nothing may be mounted here: the packages are unpacked and not installed, so dpkg has no part in the test"
     for package in "$work"/packages/*.deb; do dpkg-deb --extract "$package" "$work/root"; done

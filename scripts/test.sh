@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds everything and runs every test.
-#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, a hardened build, format, lint, budgets
+#   scripts/test.sh            all of it: GCC, clang, both sanitizer builds, a hardened build and its packages, format, lint, budgets
 #   scripts/test.sh --quick    one debug build with GCC and its tests, without the slow ones
 #   scripts/test.sh --arm      32-bit ARM with GCC and with clang, run by QEMU
 #   scripts/test.sh --only P   one preset: release, debug, asan, tsan, clang, arm or arm-clang
@@ -56,6 +56,9 @@ if [ "$everything" = yes ]; then
         echo "== hardened: building in build/hardened"
         cmake --preset hardened >/dev/null
         cmake --build --preset hardened
+        echo
+        echo "== packages"
+        scripts/package-test.sh build/hardened
     fi
     echo
     echo "== lint"

@@ -24,6 +24,7 @@ export DISPLAY=:$display
 check_picture() {
     local process=$! try
     programs+=("$process")
+    rm -f "$folder/$1.png"
     for try in {1..60}; do
         ! kordanixctl picture "$process" "$folder/$1.png" 2>"$folder/$1.log" || break
         kill -0 "$process" 2>/dev/null || fail "$1 has ended:" "$(cat "$folder/$1.out")"
