@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, measuring and the demo need; those already there
-# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|arm|package]...   (default: build)
+# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|apk|arm|package]...   (default: build)
 set -euo pipefail
 
 build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev
@@ -14,6 +14,7 @@ test=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev libgmock-dev
 bench=(libbenchmark-dev)
 opengl_bench=(mangohud xvfb valgrind libx11-dev libgl1-mesa-dri libglx-mesa0)
 package=(lintian dpkg-dev file man-db)
+apk=(aapt zipalign apksigner android-framework-res default-jre-headless)
 arm=(g++-arm-linux-gnueabihf qemu-user googletest libc++-14-dev libc++abi-14-dev)
 
 packages=()
@@ -23,9 +24,10 @@ for group in "${@:-build}"; do
         test) packages+=("${test[@]}") ;;
         bench) packages+=("${bench[@]}") ;;
         opengl-bench) packages+=("${opengl_bench[@]}") ;;
+        apk) packages+=("${apk[@]}") ;;
         arm) packages+=("${arm[@]}") ;;
         package) packages+=("${package[@]}") ;;
-        *) echo "unknown group '$group': build, test, bench, opengl-bench, arm or package" >&2; exit 2 ;;
+        *) echo "unknown group '$group': build, test, bench, opengl-bench, apk, arm or package" >&2; exit 2 ;;
     esac
 done
 

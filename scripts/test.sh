@@ -22,7 +22,7 @@ case "${1:-}" in
 esac
 
 started=$SECONDS
-packages=(build test bench)
+packages=(build test bench apk)
 [[ ${presets[*]} != *arm* ]] || packages+=(arm)
 scripts/install-dependencies.sh "${packages[@]}"
 

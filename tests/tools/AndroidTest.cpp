@@ -192,7 +192,8 @@ TEST_F(AndroidTest, ShownCommandsAreThoseThatAreRun) {
 }
 
 TEST(ShellWord, EveryByteReachesTheOtherSide) {
-    std::vector<std::string> words = {"", "plain-1.2:3", "a b", "it's", "$x `y` \\ \"", "~", "#", "-n", "*"};
+    std::vector<std::string> words = {"",  "plain-1.2:3", "a b", "it's", "it's $5", "$x `y` \\ \"",
+                                      "~", "#",           "-n",  "*"};
     std::string all;
     for (int byte = 1; byte < 256; ++byte) {
         all += static_cast<char>(byte);

@@ -8,6 +8,11 @@ std::string shellWord(std::string_view text) {
     if (!text.empty() && text.find_first_not_of(PLAIN) == std::string_view::npos) {
         return std::string(text);
     }
+    // Easier to read, where nothing is special within double quotes.
+    if (text.find('\'') != std::string_view::npos &&
+        text.find_first_of("\"$`\\!") == std::string_view::npos) {
+        return '"' + std::string(text) + '"';
+    }
     std::string word = "'";
     for (const char symbol : text) {
         // Within single quotes nothing is special but the quote, which cannot be there at all.

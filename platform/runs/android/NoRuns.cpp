@@ -1,0 +1,16 @@
+#include "runs/OverlayClaim.h"
+#include "runs/OverlayNote.h"
+#include "runs/OwnRun.h"
+
+// Nobody starts an Android application by 'run': the properties alone say which process shows the overlay.
+namespace platform {
+
+Claim claimOverlay(const std::string& /*processName*/, std::int32_t /*api*/) {
+    return Claim::NONE;
+}
+
+void writeOverlayNote(const OverlayNote& /*note*/) {}
+
+void beginOwnRun() {}
+
+}  // namespace platform

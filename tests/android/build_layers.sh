@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# Builds the layers for applications as for Android, against a tree that offers what an NDK would, and looks at the
+# result: one file, which needs nothing that an application's process does not have.
+#   build_layers.sh SOURCE PLATFORM_LIBRARY CMAKE_OPTIONS...
+set -euo pipefail
+source=$1
+platform=$2
+shift 2
+tree=$(mktemp -d)
+trap 'rm -rf "$tree"' EXIT
+
+# bionic's properties and liblog are in the stand-in; EGL's headers are where an NDK has them too.
+mkdir "$tree/include" "$tree/lib"
+for folder in sys android; do
+    ln -s "$source/platform/include/$folder" "$tree/include/$folder"
+done
+ln -s "$platform" "$tree/lib/liblog.so"
+
+cmake -S "$source" -B "$tree/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKORDANIX_PLATFORM=android \
+    -DKORDANIX_ANDROID_LAYERS=ON "-DKORDANIX_ANDROID_HEADERS=$tree/include" \
+    "-DCMAKE_MODULE_LINKER_FLAGS=-L$tree/lib" "$@" >"$tree/log" 2>&1 || { cat "$tree/log"; exit 1; }
+cmake --build "$tree/build" -j 2 | tail -40
+
+built=$(find "$tree/build" -name '*.so*')
+[ "$built" = "$tree/build/lib/libKordanixGles.so" ] || { echo "built something else: $built"; exit 1; }
+exported=$(nm -D --defined-only "$built" | awk '{ print $3 }' | sort | tr '\n' ' ')
+[ "$exported" = "AndroidGLESLayer_GetProcAddress AndroidGLESLayer_Initialize " ] || { echo "exports $exported"; exit 1; }
+if readelf -d "$built" | grep NEEDED | grep -vE '\[(libkordanix_platform|liblog|libstdc\+\+|libgcc_s|libm|libc|libdl|ld-linux[^]]*)\.so'; then
+    echo "needs more than an application's process has"
+    exit 1
+fi
+# Of the stand-in only what bionic and liblog have in its place.
+others=$(nm -D --undefined-only "$built" | awk '{ print $2 }' | grep -vE '@|^__system_property_|^__android_log_print$|^(_ITM_|__gmon_start__|__cxa_finalize)' || true)
+[ -z "$others" ] || { echo "takes from elsewhere: $others"; exit 1; }
+grep -q debug.kordanix.command "$built" || { echo "does not know the property of commands"; exit 1; }
