@@ -13,11 +13,15 @@ cases=(  # a beginning, and the only word that completes it
     'kordanixctl get widget_memory_pos' widget_memory_position
     'kordanixctl run --set widget_fps_position=TOP_R' TOP_RIGHT
     'kordanixctl run -- kordanixctl.no' kordanixctl.nowhere
+    'kordanixctl run --preset sm' small
+    'kordanixctl profile edit glxg' glxgears
     'kordanixctl help rese' reset
 )
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+mkdir "$work/kordanix"
+touch "$work/kordanix/glxgears.conf"
 printf '#!/bin/sh\n' >"$work/kordanixctl.nowhere"
 chmod +x "$work/kordanixctl.nowhere"
 export PATH=$work:$PATH HOME=$work XDG_CONFIG_HOME=$work XDG_DATA_HOME=$data TERM=dumb

@@ -1,5 +1,6 @@
 #include "manual/CompletionTable.h"
 
+#include "settings/Presets.h"
 #include "settings/PropertyTable.h"
 
 #include <algorithm>
@@ -22,13 +23,17 @@ constexpr Kind KINDS[] = {
     {"", "FOLDER", "folder"},         {"", "FILE", "file"},
     {"", "NAME=VALUE", "assignment"}, {"set", "NAME", "pairs"},
     {"get", "NAME", "property"},      {"key", "KEY", "=dump capture"},
+    {"run", "NAME", "preset"},        {"preset", "NAME", "preset"},
+    {"save", "NAME", "profile"},      {"profile", "ACTION", "=list edit check"},
+    {"profile", "NAME", "profile"},
 };
 
 std::string kindOf(std::string_view verb, std::string_view name, std::string_view otherwise) {
     const auto* const found = std::find_if(std::begin(KINDS), std::end(KINDS), [&](const Kind& row) {
         return row.name == name && (row.verb.empty() || row.verb == verb);
     });
-    return std::string(found == std::end(KINDS) ? otherwise : found->kind);
+    const std::string_view kind = found == std::end(KINDS) ? otherwise : found->kind;
+    return kind == "preset" ? "=" + CLI::detail::join(control::presetNames(), " ") : std::string(kind);
 }
 
 void writeWords(const Description& verb, const std::string& name, std::ostream& out) {

@@ -68,6 +68,10 @@ void writeItem(const std::string& tag, std::string_view text, std::ostream& out)
     out << ".TP\n" << tag << '\n' << plain(text) << '\n';
 }
 
+std::string sentence(const std::string& text) {
+    return text + (text.empty() || text.back() == '.' ? "" : ".");
+}
+
 void writeWords(const std::vector<Word>& words, std::ostream& out) {
     for (const Word& word : words) {
         std::string tag;
@@ -75,7 +79,8 @@ void writeWords(const std::vector<Word>& words, std::ostream& out) {
             tag += (tag.empty() ? "" : ", ") + bold(name);
         }
         tag += word.value.empty() ? "" : " \\fI" + plain(word.value) + "\\fR";
-        writeItem(tag, word.meaning + (word.standard.empty() ? "" : " (default " + word.standard + ")") + ".",
+        writeItem(tag,
+                  sentence(word.meaning + (word.standard.empty() ? "" : " (default " + word.standard + ")")),
                   out);
     }
 }
@@ -93,7 +98,7 @@ std::vector<Word> ownOptions(const Description& verb) {
 
 void writeVerb(const Description& verb, std::ostream& out) {
     out << ".SS " << plain(verb.name) << "\n.B " << plain(verb.usage) << "\n.PP\n"
-        << plain(verb.meaning + ".") << '\n';
+        << plain(sentence(verb.meaning)) << '\n';
     if (!verb.footer.empty()) {
         out << ".PP\n" << plain(verb.footer) << '\n';
     }

@@ -32,6 +32,14 @@ _kordanixctl_values() {
 
 _kordanixctl_names() { _kordanixctl_rows property | cut -d '|' -f 1; }
 
+_kordanixctl_profiles() {
+    local file
+    for file in "${XDG_CONFIG_HOME:-$HOME/.config}"/kordanix/*.conf; do
+        file=${file##*/}
+        [[ $file == '*.conf' ]] || printf '%s\n' "${file%.conf}"
+    done
+}
+
 # Offers what a word of that kind may be. $1: kind, $2: what is typed of it, $3: the word before it.
 _kordanixctl_offer() {
     local kind=$1 typed=$2 before=$3
@@ -39,6 +47,7 @@ _kordanixctl_offer() {
         file) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$typed") ;;
         folder) compopt -o filenames; mapfile -t COMPREPLY < <(compgen -d -- "$typed") ;;
         process) mapfile -t COMPREPLY < <(compgen -W "$(ps -o pid= -u "$UID")" -- "$typed") ;;
+        profile) mapfile -t COMPREPLY < <(compgen -W "$(_kordanixctl_profiles)" -- "$typed") ;;
         property) mapfile -t COMPREPLY < <(compgen -W "$(_kordanixctl_names)" -- "$typed") ;;
         value) mapfile -t COMPREPLY < <(compgen -W "$(_kordanixctl_values "$before")" -- "$typed") ;;
         assignment)

@@ -54,6 +54,14 @@ function __kordanixctl_properties
     end
 end
 
+function __kordanixctl_profiles
+    set -l folder ~/.config
+    test -n "$XDG_CONFIG_HOME"; and set folder $XDG_CONFIG_HOME
+    for file in $folder/kordanix/*.conf
+        string replace -r '^.*/(.*)\.conf$' '$1' -- $file
+    end
+end
+
 function __kordanixctl_values
     set -l row (__kordanixctl_rows property (string replace -r '^debug\.kordanix\.' '' -- $argv[1]))
     test -n "$row"; and string split -n ' ' -- (string split '|' -- $row)[1]
@@ -104,6 +112,8 @@ function __kordanixctl_offer
             printf '%s\n' -f -a '(__fish_complete_directories)'
         case process
             printf '%s\n' -f -a '(__fish_complete_pids)'
+        case profile
+            printf '%s\n' -f -a '(__kordanixctl_profiles)'
         case property
             printf '%s\n' -f -a '(__kordanixctl_properties)'
         case pairs
