@@ -25,8 +25,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # What other packages that link the libraries depend on; before 1.0, on the very minor version.
 set(shlibs "")
+set(abi ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 foreach(library KordanixCore kordanix_platform ostra)
-  string(APPEND shlibs "lib${library} ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR} libkordanixcore (>= ${package_version})\n")
+  string(APPEND shlibs "lib${library} ${abi} libkordanixcore (>= ${package_version})\n")
 endforeach()
 file(WRITE ${PROJECT_BINARY_DIR}/debian/shlibs "${shlibs}")
 file(WRITE ${PROJECT_BINARY_DIR}/debian/triggers "activate-noawait ldconfig\n")
@@ -50,7 +51,8 @@ have it when they start with KORDANIX=1 in their environment.")
 
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME libkordanixcore)
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/shlibs ${PROJECT_BINARY_DIR}/debian/triggers)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_BINARY_DIR}/debian/shlibs ${PROJECT_BINARY_DIR}/debian/triggers)
 set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "core of a performance overlay (shared libraries)
 ${about}
 .

@@ -1,18 +1,19 @@
 #!/usr/bin/env bash
-# Makes the Debian packages, lets lintian look at them, installs them in a root of its own, shows the overlay over glxgears
-# and vkcube from there, builds the example as its packages say, and removes them again.
+# Makes the Debian packages, lets lintian look at them, installs them in a root of its own, shows the overlay over
+# glxgears and vkcube from there, builds the example with them, and removes them again.
 # Usage: scripts/package-test.sh [BUILD_FOLDER]    default: build/hardened, which is built first
 #
 # The root is this machine's own under a layer that takes every change, in a mount namespace: nothing outside of it is
-# touched, and dpkg checks dependencies and runs its triggers as everywhere. That is for root; for others, and where root
-# may not mount, the packages are unpacked into a folder and used from there.
+# touched, and dpkg checks dependencies and runs its triggers as everywhere. That is for root; for others, and where
+# root may not mount, the packages are unpacked into a folder and used from there.
 set -euo pipefail
 source_folder=$(cd "$(dirname "$0")/.." && pwd)
 
 if [ "${1:-}" = --in-root ]; then  # the part inside
     work=$2
     cd "$work"
-    export PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=$work/home DEBIAN_FRONTEND=noninteractive
+    export PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin HOME=$work/home
+    export DEBIAN_FRONTEND=noninteractive
     mkdir -p "$HOME"
     packages=(kordanix libkordanixcore libkordanixcore-dev)
     find /usr /etc /var/lib -xdev 2>/dev/null | sort >before

@@ -67,7 +67,8 @@ END
 }
 
 for ((i = 0; i < ${#cases[@]}; i += 2)); do
-    offered=$(timeout 30 bash -c "$(declare -f "ask_$shell"); data='$data' work='$work' ask_$shell \"\$1\"" - "${cases[i]}")
+    offered=$(timeout 30 bash -c "$(declare -f "ask_$shell"); data='$data' work='$work' ask_$shell \"\$1\"" \
+        - "${cases[i]}")
     [ "$offered" = "${cases[i + 1]}" ] || {
         echo "$shell: '${cases[i]}' is completed by '$offered', not '${cases[i + 1]}'" >&2
         exit 1
