@@ -14,7 +14,7 @@ namespace control {
 namespace {
 
 constexpr std::string_view ENDING = ".conf";
-constexpr std::size_t SIZE_MAX_BYTES = std::size_t{1} << 20U;
+constexpr std::size_t SIZE_MAX_BYTES = std::size_t{1} << 16U;
 
 std::string absolutePath(const char* variable) {
     const char* const value = std::getenv(variable);  // NOLINT(concurrency-mt-unsafe): the header says so
@@ -48,6 +48,17 @@ std::vector<std::string> profileNames() {
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+std::vector<std::string> firstErrors(const ProgramProfiles& profiles) {
+    constexpr std::size_t MOST = 10;
+    std::vector<std::string> errors = profiles.errors;
+    if (errors.size() > MOST) {
+        errors.resize(MOST);
+        errors.push_back("and " + std::to_string(profiles.errors.size() - MOST) +
+                         " more wrong lines; 'kordanixctl profile check' names them");
+    }
+    return errors;
 }
 
 bool readProfile(const std::string& path, ProgramProfiles& all) {

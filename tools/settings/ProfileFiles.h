@@ -27,7 +27,10 @@ struct ProgramProfiles {
     std::vector<std::string> paths;   ///< that were looked for, existing or not
 };
 
-/// Reads one profile into `all`. Returns whether there is such a file.
+/// The errors to print where nobody has asked for all of them: the first ones, and how many more there are.
+std::vector<std::string> firstErrors(const ProgramProfiles& profiles);
+
+/// Reads one profile, of at most 64 kB, into `all`. Returns whether there is such a file.
 bool readProfile(const std::string& path, ProgramProfiles& all);
 
 /// Reads the profiles for a program that may have these names (see ProgramNames.h); the first one for which

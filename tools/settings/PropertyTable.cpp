@@ -194,7 +194,9 @@ std::string hintFor(std::string_view name) {
     std::size_t smallest = std::max<std::size_t>(2, wanted.size() / 4) + 1;
     const Property* nearest = nullptr;
     for (const Property& row : properties()) {
-        const std::size_t distance = editDistance(wanted, row.shortName);
+        const std::size_t length = row.shortName.size();
+        const std::size_t difference = std::max(wanted.size(), length) - std::min(wanted.size(), length);
+        const std::size_t distance = difference < smallest ? editDistance(wanted, row.shortName) : smallest;
         if (distance < smallest) {
             smallest = distance;
             nearest = &row;

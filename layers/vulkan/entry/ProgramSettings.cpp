@@ -8,7 +8,7 @@ namespace vulkan {
 
 platform::OwnProperties programSettings() {
     const control::ProgramProfiles profiles = control::readProfiles(control::processNames("/proc/self"));
-    for (const std::string& error : profiles.errors) {
+    for (const std::string& error : control::firstErrors(profiles)) {
         KORDANIX_LOG_ERROR("%s", KORDANIX_LOG_HERE, error.c_str());
     }
     platform::OwnProperties properties;

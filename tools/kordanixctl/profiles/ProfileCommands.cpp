@@ -13,6 +13,7 @@
 #include "settings/ValueText.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <iomanip>
 #include <system_error>
@@ -125,7 +126,10 @@ ExitCode saveProfile(const std::string& name, std::optional<pid_t> process, std:
     }
     keep(forAll.assignments, defaults);
     std::string text;
-    platform::readPlainFile(path, text, SIZE_MAX_BYTES, true);
+    const int unread = platform::readPlainFile(path, text, SIZE_MAX_BYTES, true);
+    if (unread != 0 && unread != ENOENT) {
+        return fail(path + ": " + platform::plainFileError(unread), err);
+    }
     if (text.empty()) {
         text = "# Saved by 'kordanixctl save'; lines as 'kordanixctl set' takes them.\n";
     }

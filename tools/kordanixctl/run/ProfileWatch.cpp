@@ -124,7 +124,7 @@ void ProfileWatch::update() {
     mSettings.readProfilesOf(mNames);
     const platform::WriteSignalsBlocked blocked;
     if (mSettings.profiles().errors != known) {
-        for (const std::string& error : mSettings.profiles().errors) {
+        for (const std::string& error : firstErrors(mSettings.profiles())) {
             printDiagnostic(error, mErr);
         }
     }

@@ -168,7 +168,7 @@ ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& w
         platform::removeEndedRun(folder);
         return prepared;
     }
-    for (const std::string& wrong : settings.profiles().errors) {
+    for (const std::string& wrong : firstErrors(settings.profiles())) {
         const platform::WriteSignalsBlocked blocked;
         printDiagnostic(wrong, err);
     }
