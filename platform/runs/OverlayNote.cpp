@@ -137,6 +137,11 @@ void writeOverlayNote(const OverlayNote& note) {
     const std::string* const directory = ownRuntimeDirectory(error);
     if (directory != nullptr) {
         const std::string path = notePath(*directory, getpid());
+        const std::optional<OverlayNote> last = note.wasShown ? std::nullopt : readNote(*directory, getpid());
+        if (last && last->wasShown && last->api != note.api) {
+            errno = callersErrno;
+            return;
+        }
         if (runProcess(*directory) == 0 && access(path.c_str(), F_OK) != 0) {
             removeOldNotes(*directory);
         }

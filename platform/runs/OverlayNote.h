@@ -23,7 +23,8 @@ struct OverlayNote {
 };
 
 /// Writes this process's note over the last one. Call it when something changes, not at every frame: it costs
-/// some file operations, but raises no signal and never waits. Does nothing without a runtime directory.
+/// some file operations, but raises no signal and never waits. Does nothing without a runtime directory, nor
+/// over the note of another API that has shown the overlay when this one has not: a picture may pass both.
 void writeOverlayNote(const OverlayNote& note);
 
 /// Reads the notes in a runtime directory, in ascending order of their processes; skips files that are no

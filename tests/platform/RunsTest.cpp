@@ -185,6 +185,7 @@ TEST(OverlayNoteTest, AreReadBackAndRubbishIsPassedOver) {
     const OverlayNote note = {getpid(), " a\nname\\ ", -7, true, 1ULL << 63, "its state\nkeeps it away", 7};
     writeOverlayNote({getpid(), "first", 0, false, 0, ""});
     writeOverlayNote(note);
+    writeOverlayNote({getpid(), "of another API that is not shown", 1, false, 9, ""});
     ASSERT_TRUE(directory.shell(R"(
         N='kordanix note 2\nname a\n' R='api 0\nshown 1\nframes 5\nreason '
         touch note.1; printf "$N$R\\\\" >note.2; printf "${N}api 99999999999\nshown 1\nframes 5\nreason \nown 0\n" >note.3

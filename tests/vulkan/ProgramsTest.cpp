@@ -47,12 +47,17 @@ TEST_P(UnderValidation, NothingIsSaidOfTheOverlayNorOfTheProgram) {
     EXPECT_LT(validation, ours);
 }
 
-INSTANTIATE_TEST_SUITE_P(Each, UnderValidation,
-                         testing::Values("vkcube --c 90", "vkcube --c 90 --present_mode 0",
-                                         "vkcube --c 90 --present_mode 1", "'" CLIENT "' passes 40",
-                                         "'" CLIENT "' present 40 resize 300 200 present 40 renew present 40",
-                                         "for i in 1 2 3 4 5 6 7 8; do '" CLIENT
-                                         "' random $i || exit 1; done"));
+#define STAND_IN "VK_ICD_FILENAMES='" STAND_IN_DRIVER "' '" CLIENT "' headless "
+
+INSTANTIATE_TEST_SUITE_P(
+    Each, UnderValidation,
+    testing::Values("vkcube --c 90", "vkcube --c 90 --present_mode 0", "vkcube --c 90 --present_mode 1",
+                    "'" CLIENT "' passes 40 nulls", "'" CLIENT "' swapchains=2 minor=1 random 3 present 20",
+                    "'" CLIENT "' present 40 resize 300 200 present 40 renew present 40 surfaces present 20",
+                    STAND_IN "format=half layers=2 minor=2 random 4", STAND_IN "format=hdr random 5",
+                    STAND_IN "format=srgb swapchains=3 present 20", STAND_IN "format=ten queues=2 present 9",
+                    STAND_IN "minor=0 nowait chain=regions random 6", STAND_IN "threads=3 random 7",
+                    "for i in 1 2 3 4 5 6 7 8; do '" CLIENT "' random $i || exit 1; done"));
 
 /// What the largest window shows of a program that presents one picture for long.
 std::optional<Image> pictureOf(std::vector<std::string> command) {
@@ -117,6 +122,133 @@ TEST(VulkanPrograms, HaveTheirProfileAlsoWithoutALauncher) {
     EXPECT_EQ(outcome.out, "1.5\n");
     EXPECT_THAT(outcome.err, testing::HasSubstr(
                                  "vulkan_client.conf:2: there is no property 'scal'; did you mean 'scale'?"));
+}
+
+/// The client on the driver that has more than Mesa's, bare or with the overlay.
+support::Outcome onStandIn(const std::string& words, const std::string& standIn, bool hasOverlay = true) {
+    auto variables = environment();
+    variables["VK_ICD_FILENAMES"] = STAND_IN_DRIVER;
+    variables["STAND_IN"] = standIn;
+    const std::string run = hasOverlay ? "'" KORDANIXCTL "' run -- " : "";
+    return support::run({"sh", "-c", run + "'" CLIENT "' " + words}, variables);
+}
+
+TEST(VulkanPrograms, ArePassedThroughForAReasonThatIsTold) {
+    const struct {
+        const char* words;
+        const char* standIn;
+        const char* reason;
+    } cases[] = {
+        {"headless protected present 9", "", "its pictures are protected"},
+        {"headless mode=1000111000 present 9", "", "it shares its picture with the screen while it draws"},
+        {"headless family=1 present 9", "", "it presents on a queue that cannot draw"},
+        {"headless family=2 present 9", "", "it presents on a queue that cannot draw"},
+        {"headless present 9", "plain", "its surface does not let its images be drawn into"},
+        {"headless chain=unknown present 9", "", "its presents carry something that is not known"},
+        {"headless present 9", "refuse=1", "failed (-2)"},
+        {"headless present 9", "submit=2", "vkQueueSubmit failed (-1)"},
+        {"headless resize 1 1 present 9 resize 1 5 present 9", "", "one row or column"},
+    };
+    for (const auto& [words, standIn, reason] : cases) {
+        SCOPED_TRACE(std::string(words) + ' ' + standIn);
+        const support::Outcome outcome = onStandIn(words, standIn);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_THAT(outcome.out, testing::EndsWith("done\n"));
+        EXPECT_THAT(outcome.err, testing::HasSubstr(reason));
+    }
+}
+
+TEST(VulkanPrograms, SeeTheSameResultsAsWithoutTheOverlay) {
+    for (const char* const standIn :
+         {"lose=7", "outdated=7", "surfacelost=7", "suboptimal=7", "lose=1", "outdated=1"}) {
+        for (const char* const words : {"headless passes 12", "headless swapchains=2 present 12"}) {
+            SCOPED_TRACE(std::string(words) + ' ' + standIn);
+            const support::Outcome bare = onStandIn(words, standIn, false);
+            const support::Outcome overlaid = onStandIn(words, standIn);
+            EXPECT_EQ(bare.status, 0) << bare.err;
+            EXPECT_EQ(overlaid.status, 0) << overlaid.err;
+            EXPECT_EQ(overlaid.out, bare.out);
+        }
+    }
+}
+
+/// A number that the environment sets; the checks of scripts/vulkan-checks.sh are longer than these.
+int setting(const char* name, int usual) {
+    const char* const text = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): nobody sets it
+    return text == nullptr ? usual : std::stoi(text);
+}
+
+/// Each call that makes something fails once, the program's own among them.
+TEST(VulkanPrograms, GoOnWhateverTheOverlayIsRefused) {
+    int refused = 0;
+    for (int call = 1;; call += setting("EVERY_REFUSAL", 9)) {
+        const support::Outcome outcome =
+            onStandIn("headless present 9 resize 300 200 present 5", "refuse=" + std::to_string(call));
+        const bool isProgramsOwn = outcome.err.find(" failed: -2\n") != std::string::npos;
+        EXPECT_EQ(outcome.status, isProgramsOwn ? 1 : 0) << outcome.out << outcome.err;
+        if (outcome.out.find("refused") == std::string::npos) {
+            break;
+        }
+        ++refused;
+    }
+    EXPECT_GT(refused, 5);
+}
+
+/// Of the pixels in a layer of a picture that the driver wrote; -1 without one.
+double shareThatIsNotBlack(const std::string& file, std::size_t layer) {
+    std::ifstream in(file, std::ios::binary);
+    std::size_t width = 0, height = 0, layers = 0, format = 0, bytes = 0;
+    if (!(in >> width >> height >> layers >> format >> bytes) || in.get() != '\n' || layer >= layers) {
+        return -1.0;
+    }
+    std::string pixels(width * height * bytes, '\0');
+    in.ignore(static_cast<std::streamsize>(layer * pixels.size()));
+    in.read(pixels.data(), static_cast<std::streamsize>(pixels.size()));
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < pixels.size(); i += bytes) {
+        count += pixels.compare(i, bytes, pixels, 0, bytes) == 0 ? 0 : 1;
+    }
+    return static_cast<double>(count) / static_cast<double>(width * height);
+}
+
+TEST(VulkanPrograms, HaveTheOverlayInEveryFormatAndLayerOfTheFirstSwapchain) {
+    for (const std::string words : {"format=unorm", "format=rgba", "format=srgb", "format=ten", "format=hdr",
+                                    "format=half layers=2", "swapchains=2 layers=2"}) {
+        SCOPED_TRACE(words);
+        const support::TemporaryDirectory folder;
+        const std::string file = folder.path() + "/picture";
+        const support::Outcome outcome = onStandIn("headless " + words + " present 30", "shot=30:" + file);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        const std::size_t layers = words.find("layers") == std::string::npos ? 1 : 2;
+        for (std::size_t layer = 0; layer < layers; ++layer) {
+            EXPECT_GT(shareThatIsNotBlack(file, layer), 0.002);
+            EXPECT_LT(shareThatIsNotBlack(file, layer), 0.5);
+        }
+        EXPECT_EQ(shareThatIsNotBlack(file + '1', 0), words.find("swapchains") == 0 ? 0.0 : -1.0);
+    }
+}
+
+/// OpenGL that is drawn with Vulkan, and a window of Wayland.
+TEST(VulkanPrograms, HaveOneOverlayWhereverTheirPictureGoes) {
+    const support::TemporaryDirectory folder;
+    const struct {
+        const char* command;
+        const char* api;
+    } cases[] = {
+        {"LIBGL_ALWAYS_SOFTWARE=1 MESA_LOADER_DRIVER_OVERRIDE=zink timeout 2 glxgears", "api 0"},
+        {"weston --backend=headless-backend.so --socket=wl 2>weston.log & sleep 1; "
+         "WAYLAND_DISPLAY=wl vkcube-wayland --c 60; kill $!",
+         "api 1"},
+    };
+    for (const auto& [command, api] : cases) {
+        auto variables = environment();
+        variables["XDG_RUNTIME_DIR"] = folder.path();
+        const support::Outcome outcome = support::run(
+            {KORDANIXCTL, "run", "sh", "-c", std::string(command) + "; cat $KORDANIX_RUNTIME_DIR/note.*"},
+            variables);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_THAT(outcome.out, testing::HasSubstr(api + std::string("\nshown 1"))) << outcome.err;
+    }
 }
 
 TEST(VulkanPrograms, AreLeftAloneWhenTheLayerIsDisabled) {

@@ -146,7 +146,7 @@ Obstacle Layer::submit(const Present& present, bool hasOverlay, VkSemaphore& dra
     if (swapchain.renderer != nullptr && swapchain.family != family) {
         return "its presents change from queue to queue";
     }
-    const Obstacle obstacle = mCopy.prepare(info, present.index);
+    const Obstacle obstacle = mCopy.prepare(info, present.index, swapchain.images);
     if (obstacle != nullptr || image >= swapchain.images.images.size()) {
         return obstacle != nullptr ? obstacle : "it presents an image that its swapchain has not";
     }

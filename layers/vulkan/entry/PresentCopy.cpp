@@ -35,7 +35,8 @@ bool isOfSeveralDevices(const VkDeviceGroupPresentInfoKHR& group) {
 
 }  // namespace
 
-entry::Obstacle PresentCopy::prepare(const VkPresentInfoKHR& present, std::uint32_t swapchain) {
+entry::Obstacle PresentCopy::prepare(const VkPresentInfoKHR& present, std::uint32_t swapchain,
+                                     const SwapchainImages& images) {
     mInfo = present;
     entry::Obstacle obstacle = nullptr;
     for (const auto* each = static_cast<const VkBaseInStructure*>(present.pNext);
@@ -43,7 +44,7 @@ entry::Obstacle PresentCopy::prepare(const VkPresentInfoKHR& present, std::uint3
         if (each->sType == VK_STRUCTURE_TYPE_PRESENT_REGIONS_KHR) {
             const auto* const regions = reinterpret_cast<const VkPresentRegionsKHR*>(each);
             if (regions->pRegions != nullptr) {
-                obstacle = copyUpTo(present, *regions, swapchain);
+                obstacle = copyUpTo(present, *regions, swapchain, images);
             }
         } else if (each->sType == VK_STRUCTURE_TYPE_DEVICE_GROUP_PRESENT_INFO_KHR &&
                    isOfSeveralDevices(*reinterpret_cast<const VkDeviceGroupPresentInfoKHR*>(each))) {
@@ -55,9 +56,9 @@ entry::Obstacle PresentCopy::prepare(const VkPresentInfoKHR& present, std::uint3
 
 /// What stands before the regions in the chain has to be copied too, for it leads to them.
 entry::Obstacle PresentCopy::copyUpTo(const VkPresentInfoKHR& present, const VkPresentRegionsKHR& regions,
-                                      std::uint32_t swapchain) {
-    if (regions.swapchainCount > MAX_SWAPCHAINS) {
-        return "it presents too many swapchains at once";
+                                      std::uint32_t swapchain, const SwapchainImages& images) {
+    if (regions.swapchainCount > MAX_SWAPCHAINS || images.layers > MAX_LAYERS) {
+        return "it presents too many swapchains or layers at once";
     }
     const void** next = &mInfo.pNext;
     std::size_t count = 0;
@@ -75,7 +76,10 @@ entry::Obstacle PresentCopy::copyUpTo(const VkPresentInfoKHR& present, const VkP
     mRegions = regions;
     std::copy_n(regions.pRegions, regions.swapchainCount, mRegion.begin());
     if (swapchain < regions.swapchainCount) {
-        mRegion[swapchain] = {0, nullptr};  // no rectangle stands for all of it
+        for (std::uint32_t layer = 0; layer < images.layers; ++layer) {
+            mWhole[layer] = {{0, 0}, images.size, layer};
+        }
+        mRegion[swapchain] = {images.layers, mWhole.data()};
     }
     mRegions.pRegions = mRegion.data();
     *next = &mRegions;

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "entry/Obstacle.h"
+#include "vulkan/draw/Swapchain.h"
 
 namespace vulkan {
 
@@ -15,8 +16,9 @@ namespace vulkan {
 class PresentCopy {
 public:
     /// Why the overlay cannot be in this present; null when it can. `swapchain` is the index of that which
-    /// has the overlay.
-    entry::Obstacle prepare(const VkPresentInfoKHR& present, std::uint32_t swapchain);
+    /// has the overlay, `images` what it is made of.
+    entry::Obstacle prepare(const VkPresentInfoKHR& present, std::uint32_t swapchain,
+                            const SwapchainImages& images);
 
     /// After prepare(). Valid until the next one, and as long as the application's present.
     const VkPresentInfoKHR& waitingFor(VkSemaphore drawn);
@@ -24,6 +26,7 @@ public:
 private:
     static constexpr std::size_t MAX_SWAPCHAINS = 16;
     static constexpr std::size_t MAX_BEFORE = 8;
+    static constexpr std::size_t MAX_LAYERS = 8;
 
     /// Holds any of the structures that are known.
     struct alignas(8) Link {
@@ -31,11 +34,12 @@ private:
     };
 
     entry::Obstacle copyUpTo(const VkPresentInfoKHR& present, const VkPresentRegionsKHR& regions,
-                             std::uint32_t swapchain);
+                             std::uint32_t swapchain, const SwapchainImages& images);
 
     VkPresentInfoKHR mInfo = {};
     VkPresentRegionsKHR mRegions = {};
     std::array<VkPresentRegionKHR, MAX_SWAPCHAINS> mRegion = {};
+    std::array<VkRectLayerKHR, MAX_LAYERS> mWhole = {};  ///< each layer of the picture
     std::array<Link, MAX_BEFORE> mLinks = {};
     VkSemaphore mDrawn = VK_NULL_HANDLE;
 };

@@ -35,17 +35,18 @@ void main() {
     vec2 glyph = texture(glyphs, coordinate).rg;
     float alpha = shade.a * glyph.g;
     vec3 color = shade.rgb * glyph.r;
-    if (ENCODING == LINEAR || ENCODING == SCRGB) {
-        // Light is mixed here, and codes elsewhere: what looks the same covers less of what is darker than
-        // itself, and more of what is brighter.
+    if (ENCODING != AS_SRGB) {
+        // Light is mixed here, or HDR10's codes, and sRGB's codes elsewhere: what looks the same covers more
+        // or less of what is darker than itself, and the other way round of what is brighter.
+        float exponent = ENCODING == PQ ? 0.5 : 2.2;
         float brightness = dot(color, vec3(0.2126, 0.7152, 0.0722));
-        alpha = mix(1.0 - pow(1.0 - alpha, 2.2), pow(alpha, 2.2), brightness);
+        alpha = mix(1.0 - pow(1.0 - alpha, exponent), pow(alpha, exponent), brightness);
         color = toLinear(color);
     }
     if (ENCODING == SCRGB) {
         color *= 203.0 / 80.0;
     } else if (ENCODING == PQ) {
-        color = toPq(toLinear(color));
+        color = toPq(color);
     }
     pixel = vec4(color, alpha);
 }

@@ -2,7 +2,6 @@
 // new does not do.
 
 #include "bench/Allocations.h"
-#include "drawers/GridDrawer.h"
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
@@ -12,6 +11,7 @@
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
 #include "support/PictureDifference.h"
+#include "support/PrimitiveScene.h"
 
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
@@ -28,7 +28,9 @@
 
 namespace {
 
-using Drawers = std::vector<std::unique_ptr<drawer::Drawer>>;
+using support::drawScene;
+using support::makeScene;
+using Drawers = support::Primitives;
 
 /// Milliseconds that the library's monotonic clock shows; 0: the real one.
 long monotonicTime = 0;
@@ -41,70 +43,6 @@ struct Size {
     std::uint32_t height;
 };
 constexpr Size SIZES[] = {{1280, 720}, {720, 1280}, {320, 200}};
-
-template <class DrawerType>
-DrawerType& add(Drawers& drawers, std::unique_ptr<DrawerType> drawer, glm::vec2 position, glm::vec2 size) {
-    DrawerType& added = *drawer;
-    added.mPosition = position;
-    added.mSize = size;
-    drawers.push_back(std::move(drawer));
-    return added;
-}
-
-/// A graph that is level, rises steeply, jumps up and down, leaves its rectangle and is no number in places.
-void addGraph(scene::PrimitiveFactory& factory, Drawers& drawers, glm::vec2 position, float roughness) {
-    const glm::vec2 size(0.28F, 0.2F);
-    auto& grid = add(drawers, factory.createGrid(factory.createMesh(scene::Topology::LINES)), position, size);
-    grid.mMesh->mColor = {1.0F, 1.0F, 1.0F, 0.2F};
-    auto& fill = add(drawers, factory.createMesh(scene::Topology::TRIANGLE_STRIP), position, size);
-    auto& line = add(drawers, factory.createMesh(scene::Topology::LINE_STRIP), position, size);
-    auto& bars = add(drawers, factory.createMesh(scene::Topology::BARS), position, size);
-    bars.mColor = {0.0F, 0.7F, 0.0F, 0.4F};
-    bars.mVertices = {{-1.2F, -0.313F}, {-0.771F, 0.9F}, {0.2F, 0.4F}, {0.1F, NOT_A_NUMBER}};
-    fill.mColor = {0.0F, 0.52F, 1.0F, 0.5F};
-    line.mColor = {0.0F, 0.52F, 1.0F, 1.0F};
-    constexpr int SAMPLES = 100;
-    for (int i = 0; i < SAMPLES; ++i) {
-        const auto at = static_cast<float>(i);
-        const float x = 2.0F * at / (SAMPLES - 1) - 1.0F;
-        const float level = i < 20 ? 0.9F : 0.5F * std::sin(at * 0.1F);
-        const float y = level + roughness * std::sin(at * at);
-        fill.mVertices.push_back({x, y});
-        fill.mVertices.push_back({x, 1.0F});
-        line.mVertices.push_back({x, y});
-    }
-}
-
-Drawers makeScene(scene::PrimitiveFactory& factory) {
-    Drawers drawers;
-    add(drawers, factory.createRect(), {0.031F, 0.033F}, {0.9F, 0.57F}).mColor = {0.0F, 0.0F, 0.0F, 0.5F};
-    addGraph(factory, drawers, {0.0413F, 0.1F}, 0.0F);
-    addGraph(factory, drawers, {0.3417F, 0.1F}, 0.05F);
-    addGraph(factory, drawers, {0.6421F, 0.1F}, 0.5F);
-    const char* const texts[] = {"FPS 59.9", "CPU 43%", "gjpqy@#(16.6ms)", "SysFree 3.7GB"};
-    for (int i = 0; i < 4; ++i) {
-        const auto place = static_cast<float>(i);
-        auto& text = add(drawers, factory.createText(), {0.04F + 0.2131F * place, 0.31F + 0.003F * place},
-                         {0.17F, 0.05F - 0.006F * place});
-        text.setText(texts[i]);
-        text.setTextColor({1.0F, 0.45F + 0.1F * place, 0.0F, 1.0F - 0.2F * place});
-    }
-    add(drawers, factory.createThumbnail(), {0.0507F, 0.4F}, {0.151F, 0.151F});
-    auto& over = add(drawers, factory.createRect(), {0.0611F, 0.42F}, {0.05F, 0.02F});
-    over.mColor = {0.0F, 0.4F, 0.0F, 0.7F};
-    return drawers;
-}
-
-/// The clip cuts glyphs and graphs.
-void drawScene(scene::PrimitiveFactory& factory, const Drawers& drawers, bool isClipped) {
-    if (isClipped) {
-        factory.setClip({0.05F, 0.12F}, {0.5F, 0.21F});
-    }
-    for (const auto& drawer : drawers) {
-        drawer->draw();
-    }
-    factory.clearClip();
-}
 
 struct Kind {
     const char* name;

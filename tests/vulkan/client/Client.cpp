@@ -1,0 +1,384 @@
+#include "Client.h"
+
+#include <algorithm>
+#include <array>
+#include <iostream>
+
+#include "Check.h"
+
+namespace client {
+
+namespace {
+
+constexpr VkImageSubresourceRange EVERYTHING = {VK_IMAGE_ASPECT_COLOR_BIT, 0, 1, 0,
+                                                VK_REMAINING_ARRAY_LAYERS};
+
+/// Any structure that no driver and no layer knows.
+struct Unknown {
+    VkStructureType sType = static_cast<VkStructureType>(0x7FFFFF00);
+    const void* pNext = nullptr;
+    std::array<char, 100> rest = {};
+};
+
+}  // namespace
+
+Client::Client(const Setup& setup) : mSetup(setup) {
+    if (!mSetup.isHeadless) {
+        mDisplay = XOpenDisplay(nullptr);
+        if (mDisplay == nullptr) {
+            std::cerr << "there is no display\n";
+            std::exit(1);  // NOLINT(concurrency-mt-unsafe): nothing else runs
+        }
+    }
+    createInstance();
+    mTargets.resize(mSetup.swapchains);
+    for (Target& target : mTargets) {
+        createSurface(target);
+    }
+    createDevice();
+    for (Target& target : mTargets) {
+        createSwapchain(target, VK_NULL_HANDLE);
+    }
+}
+
+Client::~Client() {
+    vkDeviceWaitIdle(mDevice);
+    for (Target& target : mTargets) {
+        destroySwapchain(target);
+    }
+    if (mPasses) {
+        mPasses->destroy();
+    }
+    vkDestroyCommandPool(mDevice, mPool, nullptr);
+    vkDestroyDevice(mDevice, nullptr);
+    for (const Target& target : mTargets) {
+        vkDestroySurfaceKHR(mInstance, target.surface, nullptr);
+    }
+    vkDestroyInstance(mInstance, nullptr);
+    if (mDisplay != nullptr) {
+        XCloseDisplay(mDisplay);
+    }
+}
+
+void Client::createInstance() {
+    std::vector<const char*> names = {VK_KHR_SURFACE_EXTENSION_NAME};
+    names.push_back(mSetup.isHeadless ? VK_EXT_HEADLESS_SURFACE_EXTENSION_NAME
+                                      : VK_KHR_XLIB_SURFACE_EXTENSION_NAME);
+    if (mSetup.format.colorSpace != VK_COLOR_SPACE_SRGB_NONLINEAR_KHR) {
+        names.push_back(VK_EXT_SWAPCHAIN_COLOR_SPACE_EXTENSION_NAME);
+    }
+    auto application = infoOf<VkApplicationInfo>(VK_STRUCTURE_TYPE_APPLICATION_INFO);
+    application.apiVersion = VK_MAKE_API_VERSION(0, 1, mSetup.minor, 0);
+    auto info = infoOf<VkInstanceCreateInfo>(VK_STRUCTURE_TYPE_INSTANCE_CREATE_INFO);
+    info.pApplicationInfo = mSetup.minor == 0 ? nullptr : &application;
+    info.enabledExtensionCount = static_cast<std::uint32_t>(names.size());
+    info.ppEnabledExtensionNames = names.data();
+    check(vkCreateInstance(&info, nullptr, &mInstance), "vkCreateInstance");
+    std::uint32_t count = 1;
+    vkEnumeratePhysicalDevices(mInstance, &count, &mPhysicalDevice);
+    vkGetPhysicalDeviceQueueFamilyProperties(mPhysicalDevice, &count, nullptr);
+}
+
+void Client::createSurface(Target& target) {
+    if (mSetup.isHeadless) {
+        const auto create = reinterpret_cast<PFN_vkCreateHeadlessSurfaceEXT>(
+            vkGetInstanceProcAddr(mInstance, "vkCreateHeadlessSurfaceEXT"));
+        const auto info =
+            infoOf<VkHeadlessSurfaceCreateInfoEXT>(VK_STRUCTURE_TYPE_HEADLESS_SURFACE_CREATE_INFO_EXT);
+        check(create(mInstance, &info, nullptr, &target.surface), "vkCreateHeadlessSurfaceEXT");
+        return;
+    }
+    if (target.window == 0) {
+        target.window = XCreateSimpleWindow(mDisplay, DefaultRootWindow(mDisplay), 0, 0, mSize.width,
+                                            mSize.height, 0, 0, 0);
+        XMapWindow(mDisplay, target.window);
+        XSync(mDisplay, False);
+    }
+    auto info = infoOf<VkXlibSurfaceCreateInfoKHR>(VK_STRUCTURE_TYPE_XLIB_SURFACE_CREATE_INFO_KHR);
+    info.dpy = mDisplay;
+    info.window = target.window;
+    check(vkCreateXlibSurfaceKHR(mInstance, &info, nullptr, &target.surface), "vkCreateXlibSurfaceKHR");
+}
+
+void Client::createDevice() {
+    VkBool32 isSupported = VK_FALSE;
+    vkGetPhysicalDeviceSurfaceSupportKHR(mPhysicalDevice, mSetup.family, mTargets[0].surface, &isSupported);
+    check(isSupported == VK_TRUE ? VK_SUCCESS : VK_ERROR_UNKNOWN, "presenting on the queue's family");
+    constexpr std::array<float, 2> PRIORITIES = {1.0F, 1.0F};
+    std::array<VkDeviceQueueCreateInfo, 2> queues = {};
+    for (std::uint32_t i = 0; i < queues.size(); ++i) {
+        queues[i].sType = VK_STRUCTURE_TYPE_DEVICE_QUEUE_CREATE_INFO;
+        queues[i].queueFamilyIndex = i == 0 ? 0 : mSetup.family;
+        queues[i].queueCount = mSetup.queues;
+        queues[i].pQueuePriorities = PRIORITIES.data();
+    }
+    std::vector<const char*> names = {VK_KHR_SWAPCHAIN_EXTENSION_NAME};
+    if (!mSetup.chain.empty()) {
+        names.push_back(VK_KHR_INCREMENTAL_PRESENT_EXTENSION_NAME);
+    }
+    if (mSetup.mode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR) {
+        names.push_back(VK_KHR_SHARED_PRESENTABLE_IMAGE_EXTENSION_NAME);
+    }
+    auto features =
+        infoOf<VkPhysicalDeviceVulkan13Features>(VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_VULKAN_1_3_FEATURES);
+    features.dynamicRendering = features.synchronization2 = VK_TRUE;
+    auto info = infoOf<VkDeviceCreateInfo>(VK_STRUCTURE_TYPE_DEVICE_CREATE_INFO);
+    info.pNext = mSetup.minor == 3 ? &features : nullptr;
+    info.queueCreateInfoCount = mSetup.family == 0 ? 1 : 2;
+    info.pQueueCreateInfos = queues.data();
+    info.enabledExtensionCount = static_cast<std::uint32_t>(names.size());
+    info.ppEnabledExtensionNames = names.data();
+    check(vkCreateDevice(mPhysicalDevice, &info, nullptr, &mDevice), "vkCreateDevice");
+    vkGetDeviceQueue(mDevice, 0, 0, &mQueue);
+    mPresenting.resize(mSetup.queues);
+    for (std::uint32_t i = 0; i < mSetup.queues; ++i) {
+        vkGetDeviceQueue(mDevice, mSetup.family, i, &mPresenting[i]);
+    }
+    auto pool = infoOf<VkCommandPoolCreateInfo>(VK_STRUCTURE_TYPE_COMMAND_POOL_CREATE_INFO);
+    pool.flags = VK_COMMAND_POOL_CREATE_RESET_COMMAND_BUFFER_BIT;
+    check(vkCreateCommandPool(mDevice, &pool, nullptr, &mPool), "vkCreateCommandPool");
+}
+
+VkSemaphore Client::createSemaphore() {
+    const auto info = infoOf<VkSemaphoreCreateInfo>(VK_STRUCTURE_TYPE_SEMAPHORE_CREATE_INFO);
+    VkSemaphore semaphore = VK_NULL_HANDLE;
+    check(vkCreateSemaphore(mDevice, &info, nullptr, &semaphore), "vkCreateSemaphore");
+    return semaphore;
+}
+
+void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
+    VkSurfaceCapabilitiesKHR surface = {};
+    check(vkGetPhysicalDeviceSurfaceCapabilitiesKHR(mPhysicalDevice, target.surface, &surface),
+          "vkGetPhysicalDeviceSurfaceCapabilitiesKHR");
+    auto info = infoOf<VkSwapchainCreateInfoKHR>(VK_STRUCTURE_TYPE_SWAPCHAIN_CREATE_INFO_KHR);
+    info.flags = mSetup.isProtected ? VK_SWAPCHAIN_CREATE_PROTECTED_BIT_KHR : 0;
+    info.surface = target.surface;
+    info.minImageCount = surface.minImageCount;
+    info.imageFormat = mSetup.format.format;
+    info.imageColorSpace = mSetup.format.colorSpace;
+    info.imageExtent = mSetup.isHeadless ? mSize : surface.currentExtent;
+    info.imageArrayLayers = mSetup.layers;
+    info.imageUsage = VK_IMAGE_USAGE_TRANSFER_DST_BIT;  // the overlay has to ask for more itself
+    const std::array<std::uint32_t, 2> families = {0, mSetup.family};
+    if (mSetup.family != 0) {
+        info.imageSharingMode = VK_SHARING_MODE_CONCURRENT;
+        info.queueFamilyIndexCount = families.size();
+        info.pQueueFamilyIndices = families.data();
+    }
+    info.preTransform = surface.currentTransform;
+    info.compositeAlpha = VK_COMPOSITE_ALPHA_OPAQUE_BIT_KHR;
+    info.presentMode = mSetup.mode;
+    info.clipped = VK_TRUE;
+    info.oldSwapchain = last;
+    check(vkCreateSwapchainKHR(mDevice, &info, nullptr, &target.swapchain), "vkCreateSwapchainKHR");
+    std::uint32_t count = 0;
+    vkGetSwapchainImagesKHR(mDevice, target.swapchain, &count, nullptr);
+    std::vector<VkImage> images(count);
+    vkGetSwapchainImagesKHR(mDevice, target.swapchain, &count, images.data());
+    target.isAcquired = false;
+    target.commands.resize(count);
+    auto commands = infoOf<VkCommandBufferAllocateInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_ALLOCATE_INFO);
+    commands.commandPool = mPool;
+    commands.commandBufferCount = count;
+    check(vkAllocateCommandBuffers(mDevice, &commands, target.commands.data()), "vkAllocateCommandBuffers");
+    for (std::uint32_t i = 0; i < count; ++i) {
+        record(target.commands[i], images[i]);
+    }
+}
+
+void Client::record(VkCommandBuffer commands, VkImage image) const {
+    const auto begin = infoOf<VkCommandBufferBeginInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO);
+    check(vkBeginCommandBuffer(commands, &begin), "vkBeginCommandBuffer");
+    // Black is black however colours are written.
+    const bool isPlain = mSetup.format.format == VK_FORMAT_B8G8R8A8_UNORM;
+    const VkClearColorValue color = isPlain && !mSetup.isHeadless
+                                        ? VkClearColorValue{{0.2F, 0.6F, 0.4F, 1.0F}}
+                                        : VkClearColorValue{{0.0F, 0.0F, 0.0F, 1.0F}};
+    auto barrier = infoOf<VkImageMemoryBarrier>(VK_STRUCTURE_TYPE_IMAGE_MEMORY_BARRIER);
+    barrier.dstAccessMask = VK_ACCESS_TRANSFER_WRITE_BIT;
+    barrier.newLayout = VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL;
+    barrier.srcQueueFamilyIndex = barrier.dstQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED;
+    barrier.image = image;
+    barrier.subresourceRange = EVERYTHING;
+    vkCmdPipelineBarrier(commands, VK_PIPELINE_STAGE_TRANSFER_BIT, VK_PIPELINE_STAGE_TRANSFER_BIT, 0, 0,
+                         nullptr, 0, nullptr, 1, &barrier);
+    vkCmdClearColorImage(commands, image, barrier.newLayout, &color, 1, &EVERYTHING);
+    barrier.oldLayout = barrier.newLayout;
+    barrier.newLayout = mSetup.mode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR
+                            ? VK_IMAGE_LAYOUT_SHARED_PRESENT_KHR
+                            : VK_IMAGE_LAYOUT_PRESENT_SRC_KHR;
+    barrier.srcAccessMask = VK_ACCESS_TRANSFER_WRITE_BIT;
+    barrier.dstAccessMask = 0;
+    vkCmdPipelineBarrier(commands, VK_PIPELINE_STAGE_TRANSFER_BIT, VK_PIPELINE_STAGE_BOTTOM_OF_PIPE_BIT, 0, 0,
+                         nullptr, 0, nullptr, 1, &barrier);
+    check(vkEndCommandBuffer(commands), "vkEndCommandBuffer");
+}
+
+/// The next image of each swapchain; one that is shared with the screen is acquired once for all.
+VkResult Client::acquire(std::vector<VkSemaphore>& acquired) {
+    for (Target& target : mTargets) {
+        if (target.isAcquired && mSetup.mode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR) {
+            continue;
+        }
+        VkSemaphore semaphore = createSemaphore();
+        const VkResult result = vkAcquireNextImageKHR(mDevice, target.swapchain, UINT64_MAX, semaphore,
+                                                      VK_NULL_HANDLE, &target.index);
+        if (result < 0) {
+            vkDestroySemaphore(mDevice, semaphore, nullptr);
+            return result;
+        }
+        acquired.push_back(semaphore);
+        target.isAcquired = true;
+    }
+    return VK_SUCCESS;
+}
+
+VkResult Client::tryPresent(const std::vector<VkSemaphore>& acquired, VkSemaphore drawn) {
+    const std::vector<VkPipelineStageFlags> stages(acquired.size(), VK_PIPELINE_STAGE_TRANSFER_BIT);
+    std::vector<VkCommandBuffer> commands;
+    std::vector<VkSwapchainKHR> swapchains;
+    std::vector<std::uint32_t> indices;
+    for (const Target& target : mTargets) {
+        commands.push_back(target.commands[target.index]);
+        swapchains.push_back(target.swapchain);
+        indices.push_back(target.index);
+    }
+    auto submission = infoOf<VkSubmitInfo>(VK_STRUCTURE_TYPE_SUBMIT_INFO);
+    submission.waitSemaphoreCount = static_cast<std::uint32_t>(acquired.size());
+    submission.pWaitSemaphores = acquired.data();
+    submission.pWaitDstStageMask = stages.data();
+    submission.commandBufferCount = static_cast<std::uint32_t>(commands.size());
+    submission.pCommandBuffers = commands.data();
+    submission.signalSemaphoreCount = mSetup.isWaiting ? 1 : 0;
+    submission.pSignalSemaphores = &drawn;
+    if (const VkResult result = vkQueueSubmit(mQueue, 1, &submission, VK_NULL_HANDLE)) {
+        return result;
+    }
+    if (!mSetup.isWaiting) {
+        check(vkQueueWaitIdle(mQueue), "vkQueueWaitIdle");
+    }
+    const VkRectLayerKHR corner = {{0, 0}, {10, 10}, 0};
+    const std::vector<VkPresentRegionKHR> region(mTargets.size(), {1, &corner});
+    auto regions = infoOf<VkPresentRegionsKHR>(VK_STRUCTURE_TYPE_PRESENT_REGIONS_KHR);
+    regions.swapchainCount = static_cast<std::uint32_t>(region.size());
+    regions.pRegions = region.data();
+    Unknown unknown;
+    unknown.pNext = &regions;
+    std::vector<VkResult> results(mTargets.size(), VK_ERROR_UNKNOWN);
+    auto info = infoOf<VkPresentInfoKHR>(VK_STRUCTURE_TYPE_PRESENT_INFO_KHR);
+    if (!mSetup.chain.empty()) {
+        info.pNext = mSetup.chain == "unknown" ? static_cast<const void*>(&unknown) : &regions;
+    }
+    info.waitSemaphoreCount = submission.signalSemaphoreCount;
+    info.pWaitSemaphores = &drawn;
+    info.swapchainCount = static_cast<std::uint32_t>(swapchains.size());
+    info.pSwapchains = swapchains.data();
+    info.pImageIndices = indices.data();
+    info.pResults = results.data();
+    const VkResult result = vkQueuePresentKHR(mPresenting[mFrames++ % mPresenting.size()], &info);
+    if (std::count(results.begin(), results.end(), result) == 0) {
+        check(VK_ERROR_UNKNOWN, "the results of a present");
+    }
+    return result;
+}
+
+void Client::present() {
+    if (mIsLost) {
+        return;
+    }
+    std::vector<VkSemaphore> acquired;
+    VkSemaphore drawn = createSemaphore();
+    VkResult result = acquire(acquired);
+    result = result < 0 ? result : tryPresent(acquired, drawn);
+    vkDeviceWaitIdle(mDevice);
+    acquired.push_back(drawn);
+    for (VkSemaphore semaphore : acquired) {
+        vkDestroySemaphore(mDevice, semaphore, nullptr);
+    }
+    switch (result) {
+        case VK_ERROR_DEVICE_LOST:
+        case VK_ERROR_OUT_OF_HOST_MEMORY:
+            std::cout << "ends with " << result << '\n';
+            mIsLost = true;
+            break;
+        case VK_ERROR_SURFACE_LOST_KHR:
+            renew(true);
+            break;
+        case VK_ERROR_OUT_OF_DATE_KHR:
+            resize(mSize.width, mSize.height);
+            break;
+        default:
+            check(result, "a frame");
+    }
+}
+
+void Client::presentPasses() {
+    if (mIsLost) {
+        return;
+    }
+    if (!mPasses) {
+        mPasses.emplace(mPhysicalDevice, mDevice, mPool);
+    }
+    mPasses->submit(mQueue);
+    present();
+}
+
+void Client::resize(std::uint32_t width, std::uint32_t height) {
+    mSize = {width, height};
+    for (Target& target : mTargets) {
+        if (target.window != 0) {
+            XResizeWindow(mDisplay, target.window, width, height);
+            XSync(mDisplay, False);
+        }
+        VkSwapchainKHR last = target.swapchain;
+        vkFreeCommandBuffers(mDevice, mPool, static_cast<std::uint32_t>(target.commands.size()),
+                             target.commands.data());
+        createSwapchain(target, last);
+        vkDestroySwapchainKHR(mDevice, last, nullptr);
+    }
+}
+
+void Client::renew(bool hasNewSurfaces) {
+    vkDeviceWaitIdle(mDevice);
+    for (Target& target : mTargets) {
+        destroySwapchain(target);
+        if (hasNewSurfaces) {
+            vkDestroySurfaceKHR(mInstance, target.surface, nullptr);
+            createSurface(target);
+            VkBool32 isSupported = VK_FALSE;
+            vkGetPhysicalDeviceSurfaceSupportKHR(mPhysicalDevice, mSetup.family, target.surface,
+                                                 &isSupported);
+        }
+        createSwapchain(target, VK_NULL_HANDLE);
+    }
+}
+
+void Client::destroySwapchain(Target& target) {
+    vkFreeCommandBuffers(mDevice, mPool, static_cast<std::uint32_t>(target.commands.size()),
+                         target.commands.data());
+    vkDestroySwapchainKHR(mDevice, target.swapchain, nullptr);
+}
+
+void Client::callWithNulls() const {
+    const auto find = [this](const char* name) { return vkGetDeviceProcAddr(mDevice, name); };
+    reinterpret_cast<PFN_vkDestroySwapchainKHR>(find("vkDestroySwapchainKHR"))(mDevice, VK_NULL_HANDLE,
+                                                                               nullptr);
+    reinterpret_cast<PFN_vkDestroyDevice>(find("vkDestroyDevice"))(VK_NULL_HANDLE, nullptr);
+    reinterpret_cast<PFN_vkQueueSubmit>(find("vkQueueSubmit"))(mQueue, 0, nullptr, VK_NULL_HANDLE);
+    reinterpret_cast<PFN_vkDestroyCommandPool>(find("vkDestroyCommandPool"))(mDevice, VK_NULL_HANDLE,
+                                                                             nullptr);
+    reinterpret_cast<PFN_vkDestroyRenderPass>(find("vkDestroyRenderPass"))(mDevice, VK_NULL_HANDLE, nullptr);
+    reinterpret_cast<PFN_vkDestroyFramebuffer>(find("vkDestroyFramebuffer"))(mDevice, VK_NULL_HANDLE,
+                                                                             nullptr);
+    const std::array<VkCommandBuffer, 2> none = {};
+    reinterpret_cast<PFN_vkFreeCommandBuffers>(find("vkFreeCommandBuffers"))(
+        mDevice, mPool, static_cast<std::uint32_t>(none.size()), none.data());
+    reinterpret_cast<PFN_vkDestroyInstance>(vkGetInstanceProcAddr(mInstance, "vkDestroyInstance"))(
+        VK_NULL_HANDLE, nullptr);
+    for (const char* const absent : {"vkNoSuchFunction", "vkGetCalibratedTimestampsEXT",
+                                     "vkGetPhysicalDeviceCalibrateableTimeDomainsEXT"}) {
+        check(find(absent) == nullptr ? VK_SUCCESS : VK_ERROR_UNKNOWN, absent);
+    }
+}
+
+}  // namespace client
