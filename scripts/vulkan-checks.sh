@@ -77,13 +77,13 @@ if [ $soak != 20 ]; then
 fi
 
 "${run[@]}" "$client" present 1000000000 >/dev/null 2>&1 &
-sleep $((soak / 4))
+sleep $((soak / 2))
 pid=$(pgrep -n -x vulkan_client)
 resident() { sed -n 's/^VmRSS:[^0-9]*\([0-9]*\).*/\1/p' "/proc/$pid/status"; }
 descriptors() { ls "/proc/$pid/fd" | wc -l; }
 before=$(resident)
 open=$(descriptors)
-sleep $((soak - soak / 4))
+sleep $((soak / 2))
 after=$(resident)
 echo "Soak of $soak s: $before KiB, then $after KiB; $open descriptors, then $(descriptors)"
 [ $((after - before)) -lt 2048 ] || fail "memory grew"

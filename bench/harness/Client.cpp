@@ -48,8 +48,8 @@ bool isLoaded(const nlohmann::json& libraries, const std::string& library) {
 const std::vector<Mode>& modes(Api api) {
     // The driver draws on threads of its own, whose instructions are not counted.
     static const std::vector<Mode> vulkan{
-        {"free", "Vulkan, as fast as it runs", {}, 0, 100, 1000, 30, 120, true},
-        {"rate", "Vulkan, 60 frames a second", {}, 60, 100, 1000, 30, 120, true},
+        {"free", "Vulkan, as fast as it runs", {}, 0, 100, 1000, 120, 480, true},
+        {"rate", "Vulkan, 60 frames a second", {}, 60, 100, 1000, 120, 480, true},
     };
     if (api == Api::VULKAN) {
         return vulkan;

@@ -31,7 +31,7 @@ namespace vulkan {
     DO(CmdBlitImage)                \
     DO(CmdCopyBufferToImage)        \
     DO(CmdCopyImageToBuffer)        \
-    DO(CmdDraw)                     \
+    DO(CmdDrawIndirect)             \
     DO(CmdEndRenderPass)            \
     DO(CmdExecuteCommands)          \
     DO(CmdPipelineBarrier)          \

@@ -28,7 +28,7 @@ void GlyphImage::update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, 
     if (glyphs.side() != mSide) {
         throw Failure("the texture of glyphs has another size than its surface asks for");
     }
-    if (mHasContents && !glyphs.isChanged()) {
+    if (isUpToDate(glyphs)) {
         return;
     }
     drawlist::GlyphCache::Rows rows = glyphs.takeChanges();

@@ -20,6 +20,9 @@ public:
     /// Failure.
     void update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, SubmissionRing& ring);
 
+    /// update() has nothing to do.
+    bool isUpToDate(const drawlist::GlyphCache& glyphs) const { return mHasContents && !glyphs.isChanged(); }
+
     VkImageView view() const { return mImage.view(); }
 
 private:

@@ -71,16 +71,37 @@ entry::Obstacle Renderer::show(drawlist::DrawList& list, const Frame& frame, VkS
     if (frame.queue != mQueue && !mRing.isIdle()) {
         return "its presents change from queue to queue";
     }
-    VkCommandBuffer commands = mRing.begin();
+    const bool isThumbnailTaken = frame.hasOverlay && mThumbnail.isDue(list);
+    const bool hasVertices = frame.hasOverlay && list.batch.vertexCount() != 0;
+    if (hasVertices) {
+        mVertices.prepare(list, mRing);
+    }
+    Recording what;
+    what.image = frame.image;
+    what.vertices = hasVertices ? mVertices.number() : 0;
+    what.isAfterAll = frame.waitCount == 0;
+    what.hasPicture = list.batch.hasPicture() && mThumbnail.isTaken();
+    what.pictureToTexture = what.hasPicture ? mThumbnail.toTexture(list.batch) : glm::vec4(0.0F);
+    const bool comesAgain = frame.hasOverlay && frame.picture.empty() && !isThumbnailTaken &&
+                            mThumbnail.isPrepared() && mGlyphs.isUpToDate(list.glyphs);
+    VkCommandBuffer commands = mRing.begin(comesAgain ? std::optional(what) : std::nullopt);
     if (commands == VK_NULL_HANDLE) {
         return "the GPU is too far behind";
     }
     mQueue = frame.queue;
-    if (frame.queries != VK_NULL_HANDLE) {
-        mGpu.vk.CmdWriteTimestamp(commands, VK_PIPELINE_STAGE_BOTTOM_OF_PIPE_BIT, frame.queries, frame.query);
+    if (!mRing.isRecorded()) {
+        record(list, frame, what, isThumbnailTaken, commands);
     }
-    const bool isThumbnailTaken = frame.hasOverlay && mThumbnail.isDue(list);
-    if (frame.waitCount == 0) {
+    drawn = submit(frame, isThumbnailTaken || !frame.picture.empty());
+    if (hasVertices) {
+        mVertices.onUsed(mRing.current());
+    }
+    return nullptr;
+}
+
+void Renderer::record(drawlist::DrawList& list, const Frame& frame, const Recording& what,
+                      bool isThumbnailTaken, VkCommandBuffer commands) {
+    if (what.isAfterAll) {
         // Nothing but the order of submissions stands between the application's drawing and this.
         auto barrier = infoOf<VkMemoryBarrier>(VK_STRUCTURE_TYPE_MEMORY_BARRIER);
         barrier.srcAccessMask = VK_ACCESS_MEMORY_WRITE_BIT;
@@ -88,33 +109,28 @@ entry::Obstacle Renderer::show(drawlist::DrawList& list, const Frame& frame, VkS
         mGpu.vk.CmdPipelineBarrier(commands, VK_PIPELINE_STAGE_ALL_COMMANDS_BIT, OUTPUT | TRANSFER, 0, 1,
                                    &barrier, 0, nullptr, 0, nullptr);
     }
-    record(list, frame, isThumbnailTaken, commands);
-    drawn = submit(frame, isThumbnailTaken || !frame.picture.empty());
-    return nullptr;
-}
-
-void Renderer::record(drawlist::DrawList& list, const Frame& frame, bool isThumbnailTaken,
-                      VkCommandBuffer commands) {
     VkImage image = mSwapchain.images[frame.image];
     // The semaphores are waited for in these stages.
     constexpr ImageUse ACQUIRED = {OUTPUT | TRANSFER, 0, VK_IMAGE_LAYOUT_PRESENT_SRC_KHR};
     if (frame.hasOverlay) {
+        Recording drawn = what;
         mThumbnail.prepare(commands);
         if (isThumbnailTaken) {
             move(mGpu, commands, image, ACQUIRED, COPIED);
             mThumbnail.take(list, image, commands);
             move(mGpu, commands, image, COPIED, DRAWN);
+            drawn.hasPicture = true;
+            drawn.pictureToTexture = mThumbnail.toTexture(list.batch);
         }
         mGlyphs.update(list.glyphs, commands, mRing);
-        VkBuffer vertices = list.batch.vertexCount() != 0 ? mVertices.use(list, mRing) : VK_NULL_HANDLE;
         for (VkFramebuffer framebuffer : mTargets.framebuffers(frame.image)) {
             auto info = infoOf<VkRenderPassBeginInfo>(VK_STRUCTURE_TYPE_RENDER_PASS_BEGIN_INFO);
             info.renderPass = mPipeline.renderPass;
             info.framebuffer = framebuffer;
             info.renderArea = {{0, 0}, mSwapchain.size};
             mGpu.vk.CmdBeginRenderPass(commands, &info, VK_SUBPASS_CONTENTS_INLINE);
-            if (vertices != VK_NULL_HANDLE) {
-                recordDraws(list, commands, vertices);
+            if (drawn.vertices != 0) {
+                recordDraws(drawn, commands);
             }
             mGpu.vk.CmdEndRenderPass(commands);
         }
@@ -126,35 +142,36 @@ void Renderer::record(drawlist::DrawList& list, const Frame& frame, bool isThumb
     }
 }
 
-void Renderer::recordDraws(const drawlist::DrawList& list, VkCommandBuffer commands, VkBuffer vertices) {
+void Renderer::recordDraws(const Recording& what, VkCommandBuffer commands) {
     const DeviceFunctions& vk = mGpu.vk;
     const auto width = static_cast<float>(mSwapchain.size.width);
     const auto height = static_cast<float>(mSwapchain.size.height);
     const VkViewport viewport = {0.0F, 0.0F, width, height, 0.0F, 1.0F};
     const VkRect2D scissor = {{0, 0}, mSwapchain.size};
-    constexpr VkDeviceSize FROM_THE_START = 0;
+    VkBuffer vertices = mVertices.handle();
     vk.CmdBindPipeline(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, mPipeline.pipeline);
     vk.CmdSetViewport(commands, 0, 1, &viewport);
     vk.CmdSetScissor(commands, 0, 1, &scissor);
     vk.CmdBindDescriptorSets(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, mPipelines.layout(), 0, 1, &mSet, 0,
                              nullptr);
-    vk.CmdBindVertexBuffers(commands, 0, 1, &vertices, &FROM_THE_START);
-    for (const drawlist::Draw& draw : list.draws()) {
-        const bool isPicture = draw.part == drawlist::Batch::Part::PICTURE;
-        if (draw.vertices.mCount == 0 || (isPicture && !mThumbnail.isTaken())) {
+    vk.CmdBindVertexBuffers(commands, 0, 1, &vertices, &VertexBuffers::FIRST_VERTEX);
+    constexpr auto PICTURE = static_cast<std::size_t>(drawlist::Batch::Part::PICTURE);
+    for (std::size_t part = 0; part < drawlist::Batch::PARTS; ++part) {
+        const bool isPicture = part == PICTURE;
+        if (isPicture && !what.hasPicture) {
             continue;
         }
         const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
         const glm::vec4 toTexture =
-            isPicture ? mThumbnail.toTexture(list.batch) : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
+            isPicture ? what.pictureToTexture : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
         const Places places = {{2.0F / width, 2.0F / height, -1.0F, -1.0F},
                                {toTexture.x, toTexture.y, toTexture.z, toTexture.w},
                                isPicture ? 1U : 0U};
         vk.CmdPushConstants(commands, mPipelines.layout(),
                             VK_SHADER_STAGE_VERTEX_BIT | VK_SHADER_STAGE_FRAGMENT_BIT, 0, sizeof(places),
                             &places);
-        vk.CmdDraw(commands, static_cast<std::uint32_t>(draw.vertices.mCount), 1,
-                   static_cast<std::uint32_t>(draw.vertices.mFirst), 0);
+        vk.CmdDrawIndirect(commands, vertices, part * sizeof(VkDrawIndirectCommand), 1,
+                           sizeof(VkDrawIndirectCommand));
     }
 }
 
@@ -167,7 +184,7 @@ VkSemaphore Renderer::submit(const Frame& frame, bool isCopied) {
     info.pWaitDstStageMask = mStages.data();
     info.signalSemaphoreCount = 1;
     info.pSignalSemaphores = &drawn;
-    mRing.submit(frame.queue, info);
+    mRing.submit(frame.queue, info, frame.stamp);
     return drawn;
 }
 

@@ -31,9 +31,8 @@ public:
         bool hasOverlay;
         std::string picture;  ///< file to write the frame to; empty for none
 
-        /// Query for the time at which what was submitted before is done; of no pool for none.
-        VkQueryPool queries = VK_NULL_HANDLE;
-        std::uint32_t query = 0;
+        /// Takes the time at which what was submitted before is done; null for none.
+        VkCommandBuffer stamp = VK_NULL_HANDLE;
     };
 
     /// `swapchain` and the others outlive it. `side` is that of the glyph texture. Throws Failure.
@@ -65,9 +64,9 @@ public:
 
 private:
     void createSet();
-    void record(drawlist::DrawList& list, const Frame& frame, bool isThumbnailTaken,
+    void record(drawlist::DrawList& list, const Frame& frame, const Recording& what, bool isThumbnailTaken,
                 VkCommandBuffer commands);
-    void recordDraws(const drawlist::DrawList& list, VkCommandBuffer commands, VkBuffer vertices);
+    void recordDraws(const Recording& what, VkCommandBuffer commands);
     VkSemaphore submit(const Frame& frame, bool isCopied);
 
     const Gpu& mGpu;

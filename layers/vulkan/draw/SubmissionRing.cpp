@@ -1,6 +1,7 @@
 #include "vulkan/draw/SubmissionRing.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 
 namespace vulkan {
@@ -9,6 +10,9 @@ namespace {
 
 /// The application can have as many frames under way as its swapchain has images; this is more.
 constexpr std::size_t MAX_SLOTS = 32;
+
+/// As many are kept for being submitted again: some pictures of a swapchain times some buffers of vertices.
+constexpr std::size_t MAX_RECORDED = 16;
 
 constexpr std::uint64_t LONGEST_WAIT_NS = 5'000'000'000;
 
@@ -21,7 +25,7 @@ SubmissionRing::SubmissionRing(const Gpu& gpu, std::uint32_t queueFamily)
     : mGpu(gpu), mNumber(gRings.fetch_add(1, std::memory_order_relaxed) + 1) {
     mSlots.reserve(MAX_SLOTS);
     auto info = infoOf<VkCommandPoolCreateInfo>(VK_STRUCTURE_TYPE_COMMAND_POOL_CREATE_INFO);
-    info.flags = VK_COMMAND_POOL_CREATE_RESET_COMMAND_BUFFER_BIT | VK_COMMAND_POOL_CREATE_TRANSIENT_BIT;
+    info.flags = VK_COMMAND_POOL_CREATE_RESET_COMMAND_BUFFER_BIT;
     info.queueFamilyIndex = queueFamily;
     check(mGpu.vk.CreateCommandPool(mGpu.device, &info, nullptr, &mPool), "vkCreateCommandPool");
 }
@@ -33,36 +37,70 @@ SubmissionRing::~SubmissionRing() {
     mGpu.vk.DestroyCommandPool(mGpu.device, mPool, nullptr);
 }
 
-VkCommandBuffer SubmissionRing::begin() {
-    if (mSlots.empty() || !isFree(mSlots[mNext])) {
-        if (mSlots.size() == MAX_SLOTS) {
-            return VK_NULL_HANDLE;
-        }
-        mSlots.insert(mSlots.begin() + static_cast<std::ptrdiff_t>(mNext), create());
+VkCommandBuffer SubmissionRing::begin(const std::optional<Recording>& wanted) {
+    mChosen = choose(wanted);
+    if (mChosen == nullptr) {
+        return VK_NULL_HANDLE;
     }
-    const Slot& slot = mSlots[mNext];
     mCurrent = mSubmitted + 1;
-    auto info = infoOf<VkCommandBufferBeginInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO);
-    info.flags = VK_COMMAND_BUFFER_USAGE_ONE_TIME_SUBMIT_BIT;
-    check(mGpu.vk.BeginCommandBuffer(slot.commands, &info), "vkBeginCommandBuffer");
-    return slot.commands;
+    mIsRecorded = wanted && mChosen->recording == wanted;
+    if (!mIsRecorded) {
+        mChosen->recording.reset();  // until it is complete
+        auto info = infoOf<VkCommandBufferBeginInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO);
+        info.flags = wanted ? 0 : VK_COMMAND_BUFFER_USAGE_ONE_TIME_SUBMIT_BIT;
+        check(mGpu.vk.BeginCommandBuffer(mChosen->commands, &info), "vkBeginCommandBuffer");
+        mWanted = wanted;
+    }
+    return mChosen->commands;
 }
 
-void SubmissionRing::submit(VkQueue queue, VkSubmitInfo submission) {
-    Slot& slot = mSlots[mNext];
-    check(mGpu.vk.EndCommandBuffer(slot.commands), "vkEndCommandBuffer");
+/// One that has what is wanted; else one that has nothing of use, a new one, or the one that was used least
+/// recently. Null when all are in use.
+SubmissionRing::Slot* SubmissionRing::choose(const std::optional<Recording>& wanted) {
+    Slot* blank = nullptr;
+    Slot* oldest = nullptr;
+    for (Slot& slot : mSlots) {
+        if (!isFree(slot)) {
+            continue;
+        }
+        if (wanted && slot.recording == wanted) {
+            return &slot;
+        }
+        Slot*& place = slot.recording ? oldest : blank;
+        if (place == nullptr || slot.lastUse < place->lastUse) {
+            place = &slot;
+        }
+    }
+    const std::size_t enough = oldest == nullptr ? MAX_SLOTS : MAX_RECORDED;
+    if (blank == nullptr && mSlots.size() < enough) {
+        mSlots.push_back(create());
+        return &mSlots.back();
+    }
+    return blank != nullptr ? blank : oldest;
+}
+
+void SubmissionRing::submit(VkQueue queue, VkSubmitInfo submission, VkCommandBuffer first) {
+    Slot& slot = *mChosen;
+    if (!mIsRecorded) {
+        check(mGpu.vk.EndCommandBuffer(slot.commands), "vkEndCommandBuffer");
+        slot.recording = mWanted;
+    }
     check(mGpu.vk.ResetFences(mGpu.device, 1, &slot.fence), "vkResetFences");
-    submission.commandBufferCount = 1;
-    submission.pCommandBuffers = &slot.commands;
+    const std::array<VkCommandBuffer, 2> both = {first, slot.commands};
+    submission.commandBufferCount = first == VK_NULL_HANDLE ? 1 : 2;
+    submission.pCommandBuffers = first == VK_NULL_HANDLE ? &slot.commands : both.data();
     check(mGpu.vk.QueueSubmit(queue, 1, &submission, slot.fence), "vkQueueSubmit");
     slot.submission = mCurrent;
+    slot.lastUse = mCurrent;
     mSubmitted = mCurrent;
-    mNext = (mNext + 1) % mSlots.size();
 }
 
 bool SubmissionRing::isDone(std::uint64_t submission) {
-    for (std::size_t i = 0; i < mSlots.size() && mDone < submission; ++i) {
-        isFree(mSlots[(mNext + i) % mSlots.size()]);
+    for (Slot& slot : mSlots) {
+        if (mDone >= submission) {
+            break;
+        }
+        isFree(slot);
     }
     return mDone >= submission;
 }

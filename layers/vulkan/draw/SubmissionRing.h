@@ -2,14 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "vulkan/draw/Gpu.h"
+#include "vulkan/draw/Recording.h"
 
 namespace vulkan {
 
-/// The command buffers of one swapchain's overlay, in a ring: each is used again when the GPU has done it,
-/// and nobody waits for that. Those of one queue are done in their order.
+/// The command buffers of one swapchain's overlay: each is used again when the GPU has done it, and nobody
+/// waits for that; as it was recorded, where the same is wanted again. Those of one queue are done in their
+/// order.
 class SubmissionRing {
 public:
     /// Throws Failure.
@@ -18,11 +21,16 @@ public:
     SubmissionRing(const SubmissionRing&) = delete;
     SubmissionRing& operator=(const SubmissionRing&) = delete;
 
-    /// A command buffer that records; null when the GPU is too far behind. Throws Failure.
-    VkCommandBuffer begin();
+    /// A command buffer for what is wanted; of nothing, for a frame that does not come again. It records,
+    /// unless isRecorded(). Null when the GPU is too far behind. Throws Failure.
+    VkCommandBuffer begin(const std::optional<Recording>& wanted);
 
-    /// Ends that and submits it; `submission` comes without it. Throws Failure; nothing is submitted then.
-    void submit(VkQueue queue, VkSubmitInfo submission);
+    /// What begin() has returned was recorded before, and is ready.
+    bool isRecorded() const { return mIsRecorded; }
+
+    /// Ends that and submits it after `first`, which may be null; `submission` comes without them. Throws
+    /// Failure; nothing is submitted then.
+    void submit(VkQueue queue, VkSubmitInfo submission, VkCommandBuffer first);
 
     /// Which ring of the process it is; no other one has, or had, that number.
     std::uint64_t number() const { return mNumber; }
@@ -44,16 +52,21 @@ private:
         VkCommandBuffer commands = VK_NULL_HANDLE;
         VkFence fence = VK_NULL_HANDLE;
         std::uint64_t submission = 0;  ///< 0: not in use
+        std::uint64_t lastUse = 0;
+        std::optional<Recording> recording;
     };
 
     bool isFree(Slot& slot);
+    Slot* choose(const std::optional<Recording>& wanted);
     Slot create();
 
     const Gpu& mGpu;
     const std::uint64_t mNumber;
     VkCommandPool mPool = VK_NULL_HANDLE;
     std::vector<Slot> mSlots;
-    std::size_t mNext = 0;
+    Slot* mChosen = nullptr;
+    bool mIsRecorded = false;
+    std::optional<Recording> mWanted;  ///< what the chosen one records
     std::uint64_t mCurrent = 0;
     std::uint64_t mSubmitted = 0;
     std::uint64_t mDone = 0;

@@ -27,6 +27,9 @@ public:
     /// There is one to show.
     bool isTaken() const { return mIsTaken; }
 
+    /// After the first prepare(), which is all that it does.
+    bool isPrepared() const { return mIsPrepared; }
+
     /// From the uv of the picture's vertices to texture coordinates.
     glm::vec4 toTexture(const drawlist::Batch& batch) const;
 

@@ -170,7 +170,7 @@ Obstacle Layer::submit(const Present& present, bool hasOverlay, VkSemaphore& dra
     Queue* const queue = present.device.findQueue(present.queue);
     FrameStamps* const stamps = queue == nullptr ? nullptr : queue->stamps.get();
     if (stamps != nullptr) {
-        frame.queries = stamps->end(frame.query);
+        frame.stamp = stamps->end();
     }
     const Obstacle failure = renderer.show(mList, frame, drawn);
     if (failure == nullptr) {

@@ -27,7 +27,8 @@ void FrameStamps::create(std::uint32_t queueFamily) {
     pool.queueFamilyIndex = queueFamily;
     check(mGpu.vk.CreateCommandPool(mGpu.device, &pool, nullptr, &mPool), "vkCreateCommandPool");
     for (std::uint32_t slot = 0; slot < LONGEST_DELAY; ++slot) {
-        record(slot);
+        record(slot, 0);
+        record(slot, 1);
     }
 }
 
@@ -37,7 +38,7 @@ void FrameStamps::destroy() {
 }
 
 /// Once for all frames.
-void FrameStamps::record(std::uint32_t slot) {
+void FrameStamps::record(std::uint32_t slot, std::uint32_t stamp) {
     auto info = infoOf<VkCommandBufferAllocateInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_ALLOCATE_INFO);
     info.commandPool = mPool;
     info.level = VK_COMMAND_BUFFER_LEVEL_PRIMARY;
@@ -49,10 +50,12 @@ void FrameStamps::record(std::uint32_t slot) {
     // A frame that got no second stamp begins anew while the first one may be under way.
     begin.flags = VK_COMMAND_BUFFER_USAGE_SIMULTANEOUS_USE_BIT;
     check(mGpu.vk.BeginCommandBuffer(commands, &begin), "vkBeginCommandBuffer");
-    mGpu.vk.CmdResetQueryPool(commands, mQueries, 2 * slot, 2);
-    mGpu.vk.CmdWriteTimestamp(commands, VK_PIPELINE_STAGE_BOTTOM_OF_PIPE_BIT, mQueries, 2 * slot);
+    if (stamp == 0) {
+        mGpu.vk.CmdResetQueryPool(commands, mQueries, 2 * slot, 2);
+    }
+    mGpu.vk.CmdWriteTimestamp(commands, VK_PIPELINE_STAGE_BOTTOM_OF_PIPE_BIT, mQueries, 2 * slot + stamp);
     check(mGpu.vk.EndCommandBuffer(commands), "vkEndCommandBuffer");
-    mSlots[slot].begin = commands;
+    mSlots[slot].commands[stamp] = commands;
 }
 
 void FrameStamps::expect(std::uint32_t frame) {
@@ -63,10 +66,9 @@ void FrameStamps::expect(std::uint32_t frame) {
     }
 }
 
-VkQueryPool FrameStamps::end(std::uint32_t& query) {
+VkCommandBuffer FrameStamps::end() {
     mIsExpected = false;
-    query = 2 * (mStamped % LONGEST_DELAY) + 1;
-    return mIsOpen ? mQueries : VK_NULL_HANDLE;
+    return mIsOpen ? mSlots[mStamped % LONGEST_DELAY].commands[1] : VK_NULL_HANDLE;
 }
 
 void FrameStamps::onSubmitted(const SubmissionRing& ring) {

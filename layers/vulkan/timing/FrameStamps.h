@@ -38,9 +38,8 @@ public:
     /// That submission has failed.
     void abandon() { mIsOpen = false; }
 
-    /// Where the overlay's submission is to put the second stamp, at its beginning. Null, and no query, when
-    /// the frame has no first one.
-    VkQueryPool end(std::uint32_t& query);
+    /// Takes the second stamp: the overlay's submission begins with it. Null when the frame has no first one.
+    VkCommandBuffer end();
 
     /// That has been submitted, as the ring's current one.
     void onSubmitted(const SubmissionRing& ring);
@@ -51,7 +50,7 @@ public:
 
 private:
     struct Slot {
-        VkCommandBuffer begin = VK_NULL_HANDLE;
+        std::array<VkCommandBuffer, 2> commands = {};  ///< that take the first stamp, and the second
         std::uint32_t frame = 0;
         std::uint64_t ring = 0;
         std::uint64_t submission = 0;
@@ -59,7 +58,7 @@ private:
 
     void create(std::uint32_t queueFamily);
     void destroy();
-    void record(std::uint32_t slot);
+    void record(std::uint32_t slot, std::uint32_t stamp);
 
     const Gpu& mGpu;
     const TimeStampClock mClock;
@@ -78,7 +77,7 @@ const Info* FrameStamps::begin(std::uint32_t count, const Info* submits) {
     if (!mIsExpected) {
         return submits;
     }
-    const Info* const changed = mCopy.withFirst(mSlots[mStamped % LONGEST_DELAY].begin, count, submits);
+    const Info* const changed = mCopy.withFirst(mSlots[mStamped % LONGEST_DELAY].commands[0], count, submits);
     mIsOpen = changed != submits;
     mIsExpected = !mIsOpen;
     return changed;
