@@ -150,7 +150,7 @@ void FigureWidget::enable() {
 
 void FigureWidget::collectShapes(const Canvas& canvas, std::vector<WidgetShape>& shapes) const {
     const ShapeSettings& settings = shapeSettings();
-    WidgetShape shape = {mLayout.type, 0.0F, !settings.hasGraphs.getValue()};
+    WidgetShape shape = {mLayout.type, 0.0F, 1.0F / canvas.pixels.x, !settings.hasGraphs.getValue()};
     if (isFitted()) {
         float lines = 0.0F;
         for (const View& view : mViews) {

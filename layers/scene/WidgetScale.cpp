@@ -8,6 +8,7 @@
 #include <glm/common.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <vector>
 
@@ -85,9 +86,12 @@ void shape(Areas& areas, const WidgetShape& wanted) {
             continue;
         }
         gui::RenderArea& outline = at(widget.outline);
-        const float width = wanted.width == 0.0F
-                                ? outline.width
-                                : std::min(wanted.width, 1.0F - 2.0F * at(Area::MARGIN).width);
+        const float margin = at(Area::MARGIN).width;
+        float width = outline.width;
+        if (wanted.width != 0.0F) {
+            const float end = std::ceil((margin + wanted.width) / wanted.pixel) * wanted.pixel;
+            width = std::min(end - margin, 1.0F - 2.0F * margin);
+        }
         const float more = width - outline.width;
         for (const Area area : {widget.strip, widget.graph, widget.whole, widget.outline}) {
             at(area).width = width;

@@ -20,11 +20,12 @@ glm::vec2 widgetScale(const glm::uvec2& surface);
 /// A widget whose size is another than the layout's.
 struct WidgetShape {
     gui::WidgetType type = gui::WidgetType::FPS;
-    float width = 0.0F;   ///< fraction of the canvas; 0: as it is
+    float width = 0.0F;   ///< at least this fraction of the canvas; 0: as it is
+    float pixel = 0.0F;   ///< and a row of such widgets has its borders on whole pixels of this width
     bool isLine = false;  ///< its strip is all of it
 
     bool operator==(const WidgetShape& other) const {
-        return type == other.type && width == other.width && isLine == other.isLine;
+        return type == other.type && width == other.width && pixel == other.pixel && isLine == other.isLine;
     }
 };
 

@@ -104,12 +104,19 @@ TEST(Presets, GovernTheSwitchesAndReturnToWhatWasThere) {
         return std::string("(left alone)");
     };
     const std::tuple<const char*, const char*, const char*> cases[] = {
-        {"small", "widget_memory", ""},          {"small", "widget_fps_median", "false"},
-        {"small", "widget_fps_current", ""},     {"small", "widget_fps_position", ""},
-        {"small", PRESET_PROPERTY, "small"},     {"default", "widget_memory", "true"},
-        {"default", "widget_fps_position", "7"}, {"default", "widget_fps_median", ""},
-        {"default", PRESET_PROPERTY, ""},        {"full", "widget_fps_low01", "true"},
-        {"full", "widget_fps_position", "7"},    {"full", "bg_color", "(left alone)"},
+        {"small", "widget_memory", ""},
+        {"small", "widget_fps_median", "false"},
+        {"small", "widget_fps_current", ""},
+        {"small", "widget_fps_position", "7"},
+        {"small", "widget_cpu_gpu_position", "7"},
+        {"small", PRESET_PROPERTY, "small"},
+        {"default", "widget_memory", "true"},
+        {"default", "widget_fps_position", "7"},
+        {"default", "widget_fps_median", ""},
+        {"default", PRESET_PROPERTY, ""},
+        {"full", "widget_fps_low01", "true"},
+        {"full", "widget_fps_position", "7"},
+        {"full", "bg_color", "(left alone)"},
     };
     for (const auto& [preset, name, text] : cases) {
         EXPECT_EQ(textOf(preset, name), text) << preset << ' ' << name;

@@ -19,10 +19,8 @@ constexpr Row SMALL[] = {
     {"graphs", "false"},
     {"fit_width", "true"},
     {"widget_fps", "true"},
-    {"widget_fps_position", "0"},
     {"widget_fps_current", "true"},
     {"widget_cpu_gpu", "true"},
-    {"widget_cpu_gpu_position", "0"},
     {"widget_cpu_gpu_cpu_load", "true"},
     {"widget_cpu_gpu_gpu_load", "true"},
 };
@@ -62,6 +60,14 @@ const char* textOf(std::string_view preset, const Property& property) {
     return nullptr;
 }
 
+/// Where the small preset's line stands: where the rate does. In the middle there is room for one widget a
+/// row.
+std::string placeOfLine(const std::map<std::string, std::string>& base) {
+    const auto found = base.find("debug.kordanix.widget_fps_position");
+    const std::string place = found == base.end() || found->second.empty() ? "0" : found->second;
+    return place == "1" ? "0" : place == "6" ? "5" : place;
+}
+
 }  // namespace
 
 const std::vector<std::string>& presetNames() {
@@ -95,10 +101,14 @@ std::vector<Assignment> presetAssignments(const std::string& name,
             continue;
         }
         const char* const said = textOf(name, property);
-        std::string text = said != nullptr && said != defaultText(property) ? said : "";
         const auto before = base.find(fullName(property));
-        if (said == nullptr && before != base.end()) {
-            text = before->second;
+        std::string text = said != nullptr ? said : before != base.end() ? before->second : std::string();
+        if (name == "small" && (property.shortName == "widget_fps_position" ||
+                                property.shortName == "widget_cpu_gpu_position")) {
+            text = placeOfLine(base);
+        }
+        if (said != nullptr && text == defaultText(property)) {
+            text.clear();
         }
         assignments.push_back({fullName(property), std::move(text)});
     }
