@@ -72,31 +72,43 @@ void Overlay::beginFrame() {
     publications += core::StateInfo::isWidgetsUpdated() ? 1 : 0;
     const bool isChanged = std::exchange(mSeenPublications, publications) != publications;
     if (isChanged) {
-        const bool wasShown = mIsShown;
-        mIsShown = core::StateInfo::isOverlayEnabled(mApi);
-        if (mIsShown && !wasShown) {
-            mScene.restart();
-        }
-        if (!mIsShown && wasShown) {
-            mScene.suspend();
-        }
+        decide();
     }
+    if (mIsShown) {
+        update(isChanged);
+    } else if (isChanged || mHasNotice) {
+        updateNotice(isChanged);
+    }
+}
+
+void Overlay::update(bool isPublished) {
     const glm::uvec2 size = mFactory.getSurfaceSize();
-    const bool isStale = isChanged || size != mSurfaceSize;
-    if (!mIsShown) {
-        if (isChanged || (mHasNotice && isStale)) {
-            mSurfaceSize = size;
-            mHasNotice = isChosen(mApi) && mScene.layoutNotice();
-        }
-        mHasNotice = mHasNotice && mScene.updateNotice();
-        return;
-    }
-    mHasNotice = false;
-    if (isStale) {
+    if (isPublished || size != mSurfaceSize) {
         mSurfaceSize = size;
         mScene.layout();
     }
     mScene.update();
+}
+
+void Overlay::decide() {
+    const bool wasShown = mIsShown;
+    mIsShown = core::StateInfo::isOverlayEnabled(mApi);
+    if (mIsShown && !wasShown) {
+        mHasNotice = false;
+        mScene.restart();
+    }
+    if (!mIsShown && wasShown) {
+        mScene.suspend();
+    }
+}
+
+void Overlay::updateNotice(bool isPublished) {
+    const glm::uvec2 size = mFactory.getSurfaceSize();
+    if (isPublished || size != mSurfaceSize) {
+        mSurfaceSize = size;
+        mHasNotice = isChosen(mApi) && mScene.layoutNotice();
+    }
+    mHasNotice = mHasNotice && mScene.updateNotice();
 }
 
 void Overlay::draw() {

@@ -66,6 +66,15 @@ public:
     Scene mScene;
 
 private:
+    /// Finds out whether the overlay is shown, after a publication.
+    [[gnu::cold]] void decide();
+
+    /// Before a frame with the overlay.
+    void update(bool isPublished);
+
+    /// Looks after a notice while the overlay is switched off.
+    [[gnu::cold]] void updateNotice(bool isPublished);
+
     PrimitiveFactory& mFactory;
     KeyEventInterceptor& mKeys;
     core::RenderingApiType mApi;
