@@ -1,5 +1,7 @@
 #include "drawlist/Batch.h"
 
+#include <glm/common.hpp>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -13,9 +15,6 @@ namespace {
 
 /// A vertex buffer of this size holds the default widgets.
 constexpr std::size_t USUAL_VERTICES = 8192;
-
-/// A triangle has at most this many corners after it has been cut at four edges.
-constexpr std::size_t MAX_CORNERS = 7;
 
 bool isFinite(const Corner& corner) {
     return raster::isFinite(corner.point);
@@ -64,23 +63,23 @@ struct Pieces {
 
 /// Keeps the part of a convex polygon on one side of a line: where `side` is not negative.
 template <class Side>
-std::size_t cutPolygon(std::array<Corner, MAX_CORNERS>& corners, std::size_t count, Side side) {
-    if (count == 0) {  // another edge has left nothing: the triangle passes by a corner of the clip
+std::size_t cutPolygon(Batch::Polygon& corners, std::size_t count, Side side) {
+    if (count == 0) {  // another edge has left nothing: it passes by a corner of the clip
         return 0;
     }
-    std::array<Corner, MAX_CORNERS> kept;
+    Batch::Polygon kept;
     std::size_t keptCount = 0;
     const Corner* from = &corners[count - 1];
     float fromSide = side(from->point);
     for (std::size_t i = 0; i < count; ++i) {
         const Corner& to = corners[i];
         const float toSide = side(to.point);
-        if ((fromSide < 0.0F) != (toSide < 0.0F) && keptCount < MAX_CORNERS) {
+        if ((fromSide < 0.0F) != (toSide < 0.0F) && keptCount < kept.size()) {
             const float share = fromSide / (fromSide - toSide);
             kept[keptCount++] = {from->point + share * (to.point - from->point),
                                  from->coverage + share * (to.coverage - from->coverage)};
         }
-        if (toSide >= 0.0F && keptCount < MAX_CORNERS) {
+        if (toSide >= 0.0F && keptCount < kept.size()) {
             kept[keptCount++] = to;
         }
         from = &to;
@@ -246,8 +245,7 @@ void Batch::addQuad(const Corner& a, const Corner& b, const Corner& c, const Cor
                     const Clip& clip) {
     if (!clip.contains(a.point) || !clip.contains(b.point) || !clip.contains(c.point) ||
         !clip.contains(d.point)) {
-        addTriangle(a, b, c, paint, clip);
-        addTriangle(a, c, d, paint, clip);
+        addCut({a, b, c, d}, 4, paint, clip);
         return;
     }
     Vertex* const corners = grow(6);
@@ -263,30 +261,34 @@ void Batch::addTriangle(const Corner& a, const Corner& b, const Corner& c, const
         addCorners(a, b, c, paint);
         return;
     }
-    if (!isFinite(a) || !isFinite(b) || !isFinite(c) || !(clip.left < clip.right) ||
+    addCut({a, b, c}, 3, paint, clip);
+}
+
+/// What of a convex polygon lies in the clip.
+void Batch::addCut(Polygon corners, std::size_t count, const Paint& paint, const Clip& clip) {
+    if (!std::all_of(corners.begin(), corners.begin() + count, isFinite) || !(clip.left < clip.right) ||
         !(clip.top < clip.bottom)) {
         return;
     }
-    const auto [lowX, highX] = std::minmax({a.point.x, b.point.x, c.point.x});
-    const auto [lowY, highY] = std::minmax({a.point.y, b.point.y, c.point.y});
-    if (highX <= clip.left || lowX >= clip.right || highY <= clip.top || lowY >= clip.bottom) {
+    glm::vec2 low = corners[0].point;
+    glm::vec2 high = corners[0].point;
+    for (std::size_t i = 1; i < count; ++i) {
+        low = glm::min(low, corners[i].point);
+        high = glm::max(high, corners[i].point);
+    }
+    if (high.x <= clip.left || low.x >= clip.right || high.y <= clip.top || low.y >= clip.bottom) {
         return;
     }
-    std::array<Corner, MAX_CORNERS> corners;
-    corners[0] = a;
-    corners[1] = b;
-    corners[2] = c;
-    std::size_t count = 3;
-    if (lowX < clip.left) {
+    if (low.x < clip.left) {
         count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.x - clip.left; });
     }
-    if (highX > clip.right) {
+    if (high.x > clip.right) {
         count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.right - point.x; });
     }
-    if (lowY < clip.top) {
+    if (low.y < clip.top) {
         count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return point.y - clip.top; });
     }
-    if (highY > clip.bottom) {
+    if (high.y > clip.bottom) {
         count = cutPolygon(corners, count, [&clip](const glm::vec2& point) { return clip.bottom - point.y; });
     }
     for (std::size_t i = 2; i < count; ++i) {

@@ -97,10 +97,13 @@ public:
     /// Texels of the glyph texture from (u, v) on, one for each pixel.
     void addTexels(const raster::PixelRect& pixels, int u, int v, const Paint& paint);
 
+    /// Corners of a convex polygon; a quadrilateral has at most as many after it has been cut at four edges.
+    using Polygon = std::array<Corner, 8>;
+
     /// A triangle inside `clip`, which lies inside the batch's own clip.
     void addTriangle(const Corner& a, const Corner& b, const Corner& c, const Paint& paint, const Clip& clip);
 
-    /// A quadrilateral in the order of its outline, as the triangles of its first corner.
+    /// A convex quadrilateral in the order of its outline, as the triangles of its first corner.
     void addQuad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Paint& paint,
                  const Clip& clip);
 
@@ -148,6 +151,7 @@ private:
                    TexelsOf texelsOf);
     void addPixels(const raster::PixelRect& pixels, const Texels& texels,
                    const std::array<std::uint8_t, 4>& color);
+    void addCut(Polygon corners, std::size_t count, const Paint& paint, const Clip& clip);
     void addCorners(const Corner& a, const Corner& b, const Corner& c, const Paint& paint);
 
     /// The vertices of a part.
