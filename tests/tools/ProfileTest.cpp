@@ -58,6 +58,7 @@ TEST_F(RunFixture, AProgramsProfileHasItsExecutablesItsScriptsOrItsExesName) {
     const std::tuple<std::string, Names, Names> cases[] = {
         {"/usr/bin/glxgears.x86_64", {"glxgears", "-info"}, {"glxgears", "glxgears.x86_64"}},
         {"/usr/bin/vkcube", {"/usr/bin/vkcube"}, {"vkcube"}},
+        {"/opt/a b/browser", {"/opt/a b/browser --type=gpu --log=/tmp/x"}, {"browser"}},
         {"/usr/bin/python3.11", {"python3", "./launch", "x"}, {"launch"}},
         {"/usr/bin/python3.11", {"python3", "-u", mHome.path("game.py")}, {"game.py"}},
         {"/usr/bin/cat", {"cat", "launch"}, {"cat"}},

@@ -121,7 +121,8 @@ std::vector<std::string> programNames(const ProgramCall& call) {
     if (!names.empty()) {
         return names;  // what runs it is not the program
     }
-    if (!call.words.empty()) {
+    // A program that has written over its command line has left one word with all kinds of things in it.
+    if (!call.words.empty() && call.words.front().find(' ') == std::string::npos) {
         add(baseName(call.words.front()));
     }
     add(executable);
