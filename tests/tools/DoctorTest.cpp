@@ -83,12 +83,12 @@ TEST_F(DoctorTest, SaysWhoShowsTheOverlayAndWhyNot) {
     doubles::setProperty("debug.kordanix.proc", name);
     const std::string line = "  " + std::to_string(getpid()) + ' ' + name + ": ";
     const std::pair<platform::OverlayNote, const char*> cases[] = {
+        {{0, name, 3, false, 9, ""}, "api is set to 0, but its graphics API has number 3\n"},
         {{0, name, 0, true, 9, ""}, "shows the overlay\n"},
         {{0, name, 0, true, 9, "", 187500}, "shows the overlay, which takes 187 us of a frame\n"},
         {{0, name, 0, false, 1, ""}, "has not shown the overlay yet\n"},
         {{0, name, 0, true, 9, "its window is too small"},
          "does not show the overlay: its window is too small\n"},
-        {{0, name, 3, false, 9, ""}, "api is set to 0, but its graphics API has number 3\n"},
         {{0, "other", 0, false, 9, ""}, "is for '"}};
     for (const auto& [note, text] : cases) {
         platform::writeOverlayNote(note);
