@@ -12,6 +12,7 @@ struct FrameTime {
     std::uint64_t swap = 0;    ///< in the application's real swap call
     std::int64_t overlay = 0;  ///< in the layer's hooks; NOT_MEASURED where the layer does not tell
     std::int64_t gpu = 0;      ///< NOT_MEASURED until it is known
+    std::uint32_t logged = 0;  ///< its number for logs, see FrameLog
 
     static constexpr std::int64_t NOT_MEASURED = -1;
 };
@@ -35,6 +36,12 @@ public:
 
     /// The current frame's name.
     std::uint32_t name() const { return static_cast<std::uint32_t>(mCount); }
+
+    /// When the swap of the current frame returned.
+    std::uint64_t swappedAt() const { return mSwappedAt; }
+
+    /// Notes a number of the last frame's, which must be there.
+    void setLogged(std::uint32_t number) { mFrames[(mCount - 1) % HISTORY].logged = number; }
 
     /// The next frame does not follow the last one directly.
     void restart() { mHasSwapped = false; }

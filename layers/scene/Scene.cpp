@@ -85,6 +85,7 @@ void Scene::update() {
             layout();
         }
         mExtraDump.tell(mMetrics);
+        mFrameLog.tell(mMetrics);
         mPacing.resetUpdateDuration();
         mIsChanged = true;
     }
@@ -96,12 +97,14 @@ void Scene::finishFrame() {
     if (mFrameTimes.finish()) {
         const FrameTime& frame = mFrameTimes.ago(0);
         mMetrics.addFrame(frame.total);
+        mFrameLog.tellFrame(mFrameTimes);
         if (isDumping) {
             mExtraDump.tellFrame(frame, std::exchange(mLastGpuTime, FrameTime::NOT_MEASURED));
         }
     }
     if (mTimer != nullptr) {
-        mTimer->beginFrame(mFrameTimes.name(), isDumping || mIsStripShown || mMetrics.isGpuTimeWanted());
+        mTimer->beginFrame(mFrameTimes.name(),
+                           isDumping || mIsStripShown || mMetrics.isGpuTimeWanted() || mFrameLog.isWritten());
     }
 }
 
@@ -111,6 +114,7 @@ void Scene::takeGpuTimes() {
         if (const FrameTime* const frame = mFrameTimes.setGpu(time.frame, time.nanoseconds)) {
             mMetrics.addGpuTime(time.nanoseconds, frame->total);
             mLastGpuTime = frame->gpu;
+            mFrameLog.tellGpu(*frame);
         }
     }
 }

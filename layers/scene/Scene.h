@@ -4,6 +4,7 @@
 #include "figures/Metrics.h"
 #include "scene/DumpMark.h"
 #include "scene/ExtraDump.h"
+#include "scene/FrameLog.h"
 #include "scene/FrameTimes.h"
 #include "scene/Notice.h"
 #include "scene/PrimitiveFactory.h"
@@ -65,6 +66,7 @@ private:
     FrameTimer* mTimer;
     figures::Metrics mMetrics;
     ExtraDump mExtraDump;
+    FrameLog mFrameLog;
     DumpMark mDumpMark;
     bool mIsDumping = false;  // as the last drawing says
     Notice mNotice;

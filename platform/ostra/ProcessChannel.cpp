@@ -1,8 +1,10 @@
 #include "ostra/ProcessChannel.h"
 
 #include "ostra/HelperThread.h"
+#include "ostra/PerProcess.h"
 #include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
+#include "ostra/logs/LogControl.h"
 
 #include <android/log.h>
 #include <unistd.h>
@@ -125,6 +127,11 @@ void ProcessChannel::handle(const ProcessMessage& message) {
             break;
         case ProcessMessage::Kind::PICTURE:
             mIsPictureWanted.store(true, std::memory_order_relaxed);
+            break;
+        case ProcessMessage::Kind::LOG:
+            if (LogControl* const logs = PerProcess<LogControl>::find()) {
+                logs->request(message.log);
+            }
             break;
     }
 }

@@ -1,6 +1,8 @@
 #include "ostra/ProcessSocket.h"
 
 #include "ostra/DumpNotice.h"
+#include "ostra/logs/LogNotice.h"
+#include "runs/RunFolder.h"
 
 #include <dirent.h>
 #include <sys/socket.h>
@@ -22,6 +24,9 @@ namespace {
 constexpr std::string_view KEY = "key ";
 constexpr std::string_view BACKGROUND = "background";
 constexpr std::string_view PICTURE = "picture";
+constexpr std::string_view LOG = "log ";
+constexpr std::string_view LAST = "last ";
+constexpr std::uint32_t SECONDS_MAX = 3600;
 constexpr std::string_view NAME_BEGIN = "process.";
 constexpr std::string_view NAME_END = ".sock";
 constexpr time_t SEND_PATIENCE_S = 1;
@@ -76,11 +81,41 @@ std::optional<Ostra::KeyEvent> decodeKey(std::string_view text) {
     return takeNumber(text, key.action) && text.empty() ? std::optional(key) : std::nullopt;
 }
 
+struct LogWord {
+    std::string_view word;
+    LogRequest::Kind kind;
+};
+constexpr LogWord LOG_WORDS[] = {{"start", LogRequest::Kind::START},
+                                 {"stop", LogRequest::Kind::STOP},
+                                 {"toggle", LogRequest::Kind::TOGGLE}};
+
 /// Takes `beginning` off the front of `text`; false when the text does not begin with it.
 bool takeBeginning(std::string_view& text, std::string_view beginning) {
     const bool isThere = text.substr(0, beginning.size()) == beginning;
     text.remove_prefix(isThere ? beginning.size() : 0);
     return isThere;
+}
+
+std::optional<LogRequest> decodeLog(std::string_view text) {
+    for (const LogWord& each : LOG_WORDS) {
+        if (text == each.word) {
+            return LogRequest{each.kind};
+        }
+    }
+    LogRequest request = {LogRequest::Kind::LAST};
+    return takeBeginning(text, LAST) && takeNumber(text, request.seconds) && text.empty() &&
+                   request.seconds <= SECONDS_MAX
+               ? std::optional(request)
+               : std::nullopt;
+}
+
+std::string encodeLog(const LogRequest& request) {
+    for (const LogWord& each : LOG_WORDS) {
+        if (request.kind == each.kind) {
+            return std::string(LOG).append(each.word);
+        }
+    }
+    return std::string(LOG).append(LAST) + std::to_string(std::min(request.seconds, SECONDS_MAX));
 }
 
 /// The process id in the name of a socket file; 0 for any other name.
@@ -115,6 +150,9 @@ bool isListening(const std::string& directory, pid_t process) {
     if (error == ECONNREFUSED && isSocket(path)) {
         unlink(path.c_str());
         removeDumpNotice(directory, process);
+        if (runProcess(directory) == 0) {  // else its parent reads them at the end
+            removeLogNotices(directory, process);
+        }
     }
     return error == 0;
 }
@@ -127,6 +165,8 @@ std::string encodeMessage(const ProcessMessage& message) {
             return std::string(BACKGROUND);
         case ProcessMessage::Kind::PICTURE:
             return std::string(PICTURE);
+        case ProcessMessage::Kind::LOG:
+            return encodeLog(message.log);
         default:
             return std::string(KEY) + std::to_string(message.key.keyCode) + ' ' +
                    std::to_string(message.key.action);
@@ -145,6 +185,12 @@ std::optional<ProcessMessage> decodeMessage(std::string_view text) {
     if (text == PICTURE) {
         message.kind = ProcessMessage::Kind::PICTURE;
         return message;
+    }
+    if (takeBeginning(text, LOG)) {
+        const auto request = decodeLog(text);
+        message.kind = ProcessMessage::Kind::LOG;
+        message.log = request.value_or(LogRequest());
+        return request ? std::optional(message) : std::nullopt;
     }
     const auto key = takeBeginning(text, KEY) ? decodeKey(text) : std::nullopt;
     if (!key) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ostra/logs/LogRequest.h"
+
 #include <ostra/Ostra.h>
 #include <sys/types.h>
 
@@ -16,16 +18,17 @@ namespace platform {
 
 /// What a tool can tell a process.
 struct ProcessMessage {
-    enum class Kind { KEY, BACKGROUND, PICTURE };
+    enum class Kind { KEY, BACKGROUND, PICTURE, LOG };
     Kind kind = Kind::KEY;
     Ostra::KeyEvent key = {};  ///< with Kind::KEY
+    LogRequest log = {};       ///< with Kind::LOG
 };
 
 /// The longest message, in bytes; longer datagrams are ignored.
 constexpr std::size_t MAX_MESSAGE_SIZE = 64;
 
-/// Returns the text of a message: "key CODE ACTION" with signed decimal numbers, "background" or "picture"
-/// (see PictureRequest.h).
+/// Returns the text of a message: "key CODE ACTION" with signed decimal numbers, "background", "picture"
+/// (see PictureRequest.h), "log start", "log stop", "log toggle", or "log last SECONDS".
 std::string encodeMessage(const ProcessMessage& message);
 
 /// Reads a message; nothing unless the text is exactly what encodeMessage() writes and at most
@@ -39,7 +42,7 @@ std::string processSocketPath(const std::string& directory, pid_t process);
 /// the file descriptor, which the caller owns, or -1 with the reason in `error`.
 int openProcessSocket(const std::string& directory, std::string& error);
 
-/// Returns the processes that listen now, in ascending order. Removes the sockets and dump notices of
+/// Returns the processes that listen now, in ascending order. Removes the sockets and notices of
 /// processes that ended without doing so. Empty also when the directory cannot be read.
 std::vector<pid_t> listeningProcesses(const std::string& directory);
 

@@ -7,8 +7,10 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 namespace dumps {
 
@@ -228,19 +230,62 @@ void parseSubjects(std::string_view text, Dump& dump) {
     }
 }
 
-std::string readDump(const std::string& folder, Dump& dump) {
-    dump.folder = folder;
-    const std::string framesPath = folder + "/frames.csv";
+namespace {
+
+/// Returns an empty text, or "PATH: why".
+std::string readFrames(const std::string& path, Dump& dump) {
     std::string text;
-    std::string error = readFile(framesPath, text);
+    std::string error = readFile(path, text);
     if (error.empty()) {
         error = parseFrames(text, dump);
     }
     if (error.empty() && dump.frames.empty()) {
         error = "the dump is empty, it has no whole frame";
     }
+    return error.empty() ? error : path + ": " + error;
+}
+
+/// Empty, with the reason in `error`, when the folder has no log.
+std::string newestLog(const std::string& folder, std::string& error) {
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    std::pair<fs::file_time_type, std::string> newest(fs::file_time_type::min(), "");
+    for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
+         entry.increment(failure)) {
+        std::error_code ignored;
+        if (entry->path().extension() == ".csv" && entry->is_regular_file(ignored)) {
+            newest = std::max(newest, {entry->last_write_time(ignored), entry->path().string()});
+        }
+    }
+    error = failure ? folder + ": " + failure.message()
+                    : folder + ": holds no log, a file whose name ends in .csv";
+    return newest.second;
+}
+
+}  // namespace
+
+std::string readLog(const std::string& path, Dump& dump) {
+    std::error_code ignored;
+    std::string error;
+    dump.folder = path;
+    if (std::filesystem::is_directory(path, ignored)) {
+        if (std::filesystem::exists(path + "/frames.csv", ignored)) {
+            return readDump(path, dump);
+        }
+        dump.folder = newestLog(path, error);
+        if (dump.folder.empty()) {
+            return error;
+        }
+    }
+    return readFrames(dump.folder, dump);
+}
+
+std::string readDump(const std::string& folder, Dump& dump) {
+    dump.folder = folder;
+    std::string text;
+    const std::string error = readFrames(folder + "/frames.csv", dump);
     if (!error.empty()) {
-        return framesPath + ": " + error;
+        return error;
     }
     if (readFile(folder + "/about.csv", text).empty()) {
         parseSubjects(text, dump);

@@ -32,14 +32,15 @@ std::optional<double> millisecondsBetween(const DumpedFrame& first, const Dumped
                                static_cast<std::uint64_t>(first.timestampMs));
 }
 
-/// What the overlay measured for a frame; nothing when it did not.
+}  // namespace
+
 std::optional<double> measuredMilliseconds(const DumpedValue* times, std::size_t frame) {
     constexpr double US_PER_MS = 1000.0;
-    return times != nullptr && times->figures[frame] >= 0.0 ? std::optional(times->figures[frame] / US_PER_MS)
-                                                            : std::nullopt;
+    if (times == nullptr || !(times->figures[frame] >= 0.0)) {
+        return std::nullopt;
+    }
+    return times->figures[frame] / (times->unit == "ms" ? 1.0 : US_PER_MS);
 }
-
-}  // namespace
 
 std::vector<PassGroup> groupPasses(const Dump& dump) {
     std::vector<PassGroup> groups;

@@ -18,6 +18,10 @@ struct PassGroup {
 };
 std::vector<PassGroup> groupPasses(const Dump& dump);
 
+/// What the overlay measured for a frame, in microseconds or, where the value says so, milliseconds; nothing
+/// when it did not, or when there are no such times.
+std::optional<double> measuredMilliseconds(const DumpedValue* times, std::size_t frame);
+
 /// How long one frame took.
 struct FrameTime {
     std::size_t frame;  ///< index of the frame that ended with it

@@ -48,6 +48,7 @@ void setUp(CLI::App& app, Invocation& invocation, const std::vector<std::string>
     addOverlayVerbs(app, invocation);
     addDumpVerbs(app, invocation);
     addAndroidVerb(app, invocation);
+    addLogVerbs(app, invocation);
     setUsage(app, "[OPTIONS] VERB ...");  // set last, because a new verb copies the formatter
     finishOptions(app);
     for (CLI::App* const verb : app.get_subcommands([](const CLI::App* /*verb*/) { return true; })) {

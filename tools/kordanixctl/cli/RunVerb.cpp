@@ -33,6 +33,33 @@ void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::st
             "Begin with an arrangement: small (one line), default or full. It goes over the profiles "
             "('help profile'), and --set over both")
         ->type_name("NAME");
+    LogOptions& logs = options->logs;
+    const auto length = std::make_shared<double>(0.0);
+    const CLI::Option* const log =
+        verb->add_option(
+                "--log", logs.folder,
+                "Log every frame's times, and say at the end what they were. FOLDER gets the log, by "
+                "default ~/.local/share/kordanix/logs; it is written --log=FOLDER, or before another "
+                "option or '--', or is there already")
+            ->type_name("[FOLDER]")
+            ->expected(0, 1)
+            ->take_last();
+    const CLI::Option* const after =
+        verb->add_option("--log-after", logs.after, "Begin the log so long after the first frame")
+            ->type_name("SECONDS")
+            ->check(isSeconds());
+    const CLI::Option* const duration = verb->add_option("--log-for", *length, "End the log after so long")
+                                            ->type_name("SECONDS")
+                                            ->check(isSeconds());
+    const CLI::Option* const failIf =
+        verb->add_option(
+                "--fail-if", logs.failIf,
+                "Exit with status 1 when that is so of the log, such as low1<55; may be given more than "
+                "once. Figures: mean, median, low1 and low01 in frames per second, longest and overlay "
+                "in milliseconds, and frames. With --log-for, the program is ended after its log")
+            ->type_name("CONDITION")
+            ->expected(1)
+            ->take_all();
     verb->callback([=, &invocation, &program] {
         invocation.address = Invocation::Address::NONE;
         if (program.empty()) {
@@ -40,6 +67,10 @@ void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::st
         }
         if (invocation.process) {
             throw CLI::ParseError("run: a program that has not started yet has no --process", USAGE_ERROR);
+        }
+        options->logs.isWanted = log->count() + after->count() + duration->count() + failIf->count() > 0;
+        if (duration->count() > 0) {
+            options->logs.length = *length;
         }
         invocation.action = [=, &program] { return runProgram(*options, program, std::cerr); };
     });

@@ -26,6 +26,7 @@ void addPropertyVerbs(CLI::App& app, Invocation& invocation);  ///< set, get, li
 void addOverlayVerbs(CLI::App& app, Invocation& invocation);   ///< picture, toggle, key, background, doctor
 void addProfileVerbs(CLI::App& app, Invocation& invocation);   ///< save, profile, preset
 void addDumpVerbs(CLI::App& app, Invocation& invocation);      ///< report, trace
+void addLogVerbs(CLI::App& app, Invocation& invocation);       ///< log, compare
 
 void addAndroidVerb(CLI::App& app, Invocation& invocation);  ///< android
 

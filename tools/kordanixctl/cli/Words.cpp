@@ -1,12 +1,17 @@
 #include "cli/Words.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <string_view>
+#include <system_error>
 
 namespace control {
 
 namespace {
 
 constexpr const char* END_OF_OPTIONS = "--";
+constexpr const char* LOG_OPTION = "--log";
 
 /// A byte that nobody types.
 constexpr char MARK = '\x01';
@@ -17,6 +22,26 @@ bool isOption(const std::string& word) {
 
 bool isNegativeNumber(const std::string& word) {
     return word.size() > 1 && word[0] == '-' && word.find_first_not_of("0123456789", 1) == std::string::npos;
+}
+
+/// Options of 'run' that have a value.
+constexpr std::string_view WITH_VALUE[] = {"--set",       "--preset",  PROCESS_OPTION,
+                                           "--log-after", "--log-for", "--fail-if"};
+
+bool isOptionOfRun(const std::string& word) {
+    const std::string_view name = std::string_view(word).substr(0, word.find('='));
+    return word == END_OF_OPTIONS || name == LOG_OPTION ||
+           std::count(std::begin(WITH_VALUE), std::end(WITH_VALUE), name) != 0;
+}
+
+/// Whether the word is --log and the next one its folder, which may be left out, and not the program.
+bool isFolderNext(const std::vector<std::string>& words, std::size_t i) {
+    if (words[i] != LOG_OPTION || i + 1 >= words.size() || words[i + 1].empty() || isOption(words[i + 1])) {
+        return false;
+    }
+    std::error_code ignored;
+    return (i + 2 < words.size() && isOptionOfRun(words[i + 2])) ||
+           std::filesystem::is_directory(words[i + 1], ignored) || words[i + 1].back() == '/';
 }
 
 }  // namespace
@@ -32,7 +57,9 @@ std::size_t findVerb(const std::vector<std::string>& words) {
 std::vector<std::string> cutProgram(std::vector<std::string>& words, std::size_t verb) {
     std::size_t i = verb + 1;
     while (i < words.size() && words[i] != END_OF_OPTIONS && isOption(words[i])) {
-        i += words[i] == "--set" || words[i] == "--preset" || words[i] == PROCESS_OPTION ? 2 : 1;
+        i += isFolderNext(words, i) || std::count(std::begin(WITH_VALUE), std::end(WITH_VALUE), words[i]) != 0
+                 ? 2
+                 : 1;
     }
     i = std::min(i, words.size());
     const std::size_t first = i + (i < words.size() && words[i] == END_OF_OPTIONS ? 1 : 0);

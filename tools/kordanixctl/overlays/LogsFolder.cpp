@@ -1,11 +1,11 @@
 #include "overlays/LogsFolder.h"
 
 #include "processes/ProcessInfo.h"
+#include "runs/LogPlan.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <system_error>
@@ -18,11 +18,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t MAX_NAME = 64;
 constexpr int MAX_FILES_A_SECOND = 1000;
-
-std::string variable(const char* name) {
-    const char* const text = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): there is one thread
-    return text == nullptr ? std::string() : text;
-}
 
 /// The program's name, of characters that no shell treats specially.
 std::string plainName(pid_t process) {
@@ -51,16 +46,10 @@ std::string localTime() {
 }  // namespace
 
 std::string logsFolder(std::string& error) {
-    std::string base = variable("XDG_DATA_HOME");
-    if (base.empty() || base.front() != '/') {
-        const std::string home = variable("HOME");
-        if (home.empty() || home.front() != '/') {
-            error = "HOME does not say where the folder for logs and pictures is";
-            return {};
-        }
-        base = home + "/.local/share";
+    std::string folder = platform::logsFolder(error);
+    if (folder.empty()) {
+        return {};
     }
-    std::string folder = base + "/kordanix/logs";
     std::error_code failure;
     fs::create_directories(folder, failure);
     if (!fs::is_directory(folder)) {

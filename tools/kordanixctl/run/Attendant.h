@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 namespace control {
 
 /// Something that `run` does while its program runs, on its only thread, whenever a descriptor of its own has
@@ -7,6 +9,9 @@ namespace control {
 class Attendant {
 public:
     virtual ~Attendant() = default;
+
+    /// The program has been started, as this process.
+    virtual void onStarted(pid_t /*program*/) {}
 
     /// Closed on exec, so that the program does not get it; -1 while there is none. Asked before each wait.
     virtual int descriptor() const = 0;

@@ -131,6 +131,11 @@ ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& w
     if (!wrongPreset.empty()) {
         return fail(wrongPreset, err, USAGE_ERROR);
     }
+    RunLog log(options.logs);
+    const ExitCode loggable = log.prepare(err);
+    if (loggable != SUCCESS) {
+        return loggable;
+    }
     const bool isNamed = isSet("debug.kordanix.proc", chosen);
     const bool isApiSet = isSet("debug.kordanix.api", chosen);
     if (!isNamed && isApiSet) {
@@ -162,7 +167,8 @@ ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& w
     const std::vector<std::string> names = namesOf(words, program.path);
     RunSettings settings(everyRuns(!isNamed), options.preset, std::move(chosen));
     settings.readProfilesOf(names);
-    const ExitCode prepared = prepareFolder(folder, settings, isNamed, isApiSet, err);
+    ExitCode prepared = prepareFolder(folder, settings, isNamed, isApiSet, err);
+    prepared = prepared == SUCCESS ? failUnlessEmpty(log.tellRun(folder), err) : prepared;
     if (prepared != SUCCESS) {
         hold.forget();
         platform::removeEndedRun(folder);
@@ -175,9 +181,14 @@ ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& w
     keepLog(folder);
     SideProcess keys = areKeysOn() ? listenForRun(folder, hold) : SideProcess();
     ProfileWatch profiles(folder, std::move(settings), names, err);
-    const ProgramEnd end = superviseProgram(words, {&profiles});
+    const ProgramEnd end = superviseProgram(words, {&profiles, &log});
     const std::string told = keys.finish(std::chrono::milliseconds(0));
     const std::string reason = end.startError == 0 ? notShownReason(folder, kind.obstacle) : std::string();
+    std::optional<ExitCode> judged;
+    if (end.startError == 0) {
+        const platform::WriteSignalsBlocked blocked;
+        judged = log.finish(err);
+    }
     hold.forget();
     removeEndedRuns(user);
     if (!told.empty()) {
@@ -192,7 +203,7 @@ ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& w
         const platform::WriteSignalsBlocked blocked;
         printDiagnostic("the overlay was not shown: " + reason, err);
     }
-    return endAs(end.status);
+    return judged ? *judged : endAs(end.status);
 }
 
 }  // namespace control

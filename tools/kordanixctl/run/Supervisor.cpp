@@ -133,7 +133,13 @@ ProgramEnd superviseProgram(const std::vector<std::string>& words, const Attenda
     sigaction(SIGCHLD, &standard, &onChild);
 
     const pid_t program = start(words, mask, onChild);
-    return program < 0 ? ProgramEnd{errno, 0} : ProgramEnd{0, attend(program, set, attendants)};
+    if (program < 0) {
+        return {errno, 0};
+    }
+    for (Attendant* const attendant : attendants) {
+        attendant->onStarted(program);
+    }
+    return {0, attend(program, set, attendants)};
 }
 
 ExitCode endAs(int status) {
