@@ -74,6 +74,50 @@ TEST_F(RunShown, ADumpHasTheGpusTimeOfEachFrame) {
     }
 }
 
+// Of programs that nobody here wrote, which end only because the log is over.
+TEST_F(RunShown, ALogOfARealProgramIsWrittenSummarizedAndJudged) {
+    setenv("XDG_DATA_HOME", mHome.path("data").c_str(), 1);
+    const struct {
+        std::string command;
+        int status;
+        std::string verdict;
+    } cases[] = {
+        {"--log-for 1 --fail-if 'frames<5' glxgears", 0, ""},
+        {"--log out --log-after 0.3 --log-for 0.7 --fail-if 'frames>1' --fail-if 'low1>1e6' -- vkcube", 1,
+         "frames>1: it is "},
+        {"--log-for 1 --fail-if 'longest<1e6' sh -c 'glxgears; exit 5'", 1, "longest<1e6: it is "},
+        {"--log $CLIENT frames=60", 0, "the overlay took"},
+        {"--log-after 60 --fail-if 'low1<1' $CLIENT frames=3", 1,
+         "no frame was logged, so that no condition"},
+        {"--fail-if 'low<5' $CLIENT frames=3", 2, "no condition; expected"},
+    };
+    for (const auto& [command, status, verdict] : cases) {
+        const support::Outcome outcome = run("exec timeout 60 $CTL run " + command);
+        EXPECT_EQ(outcome.status, status) << command << outcome.err;
+        EXPECT_THAT(outcome.err, HasSubstr(verdict)) << command;
+        EXPECT_THAT(outcome.err, testing::Not(HasSubstr("low1>1e6"))) << "which did not hold";
+    }
+    const support::Outcome logs =
+        run("for f in data/kordanix/logs/glx*.csv out/*.csv; do awk -F, 'NR > 1 { whole += $3; bad += !($3 > "
+            "0) || "
+            "!($4 >= 0) || $4 > $3 || !($6 > 0); gpu += $5 != \"\"; fps += $7 != \"\" } "
+            "END { print (NR > 5), bad, (whole < 1200), (2 * gpu > NR), (fps > 0) }' $f; done");
+    EXPECT_EQ(logs.out, "1 0 1 1 1\n1 0 1 1 1\n1 0 1 1 1\n") << logs.err;
+}
+
+TEST_F(RunShown, ALogIsStartedAndStoppedWhileAProgramRuns) {
+    const support::Outcome outcome =
+        run("export XDG_DATA_HOME=$PWD/data; $CTL run glxgears >/dev/null & sleep 1.5; $CTL log start; $CTL "
+            "log start; "
+            "sleep 0.5; $CTL log; $CTL log stop; $CTL log --last 1; kill $!; wait");
+    EXPECT_THAT(outcome.out, testing::ContainsRegex("Logging process .*\nLogged process .*\n  frames .*"));
+    EXPECT_THAT(outcome.err, AllOf(HasSubstr("is being logged already"), HasSubstr("is not being logged")));
+    const support::Outcome files =
+        run("ls data/kordanix/logs; $CTL compare data/kordanix/logs data/kordanix/logs");
+    EXPECT_THAT(files.out, testing::ContainsRegex("glxgears-[0-9]+-[0-9]+-last.csv"));
+    EXPECT_THAT(files.out, HasSubstr("no difference beyond noise"));
+}
+
 TEST_F(RunShown, TheSecondProcessOfARunIsKnown) {
     support::ChildProcess program(
         {KORDANIXCTL, "run", "sh", "-c", "$CLIENT pause=20 frames=500 & $CLIENT pause=20 frames=500; wait"});

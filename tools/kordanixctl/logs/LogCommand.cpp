@@ -10,7 +10,6 @@
 #include "processes/ProcessInfo.h"
 #include "properties/Notices.h"
 #include "properties/RuntimeDirectory.h"
-#include "properties/SetCommand.h"
 
 #include <unistd.h>
 
@@ -58,7 +57,7 @@ std::optional<LogNotice> answer(const std::string& directory, pid_t process, con
 ExitCode tell(pid_t process, const LogNotice& notice, std::ostream& out, std::ostream& err) {
     const std::string who = describeProcess(process, processName(process));
     const char* const notices[] = {"Log started", "Log saved", "Log failed"};  // in the order of its states
-    writeAssignments({noticeOf(notices[static_cast<std::size_t>(notice.state)])}, true, err);
+    showNotice(notices[static_cast<std::size_t>(notice.state)]);
     if (notice.state == LogNotice::State::FAILED) {
         return fail("the log of " + who + " failed: " + notice.error, err);
     }
