@@ -40,9 +40,9 @@ TEST(Bootstrap, TheIntervalIsThatOfTheTextbook) {
         double widening;  ///< of the error of a mean, sqrt((1 + memory) / (1 - memory))
     } cases[] = {{0.0, 1.0}, {0.5, 1.732}, {0.8, 3.0}};
     for (const auto& [memory, widening] : cases) {
-        constexpr std::size_t COUNT = 4000;
+        constexpr std::size_t COUNT = 1500;
         double width = 0.0;
-        constexpr std::uint64_t PAIRS = 8;
+        constexpr std::uint64_t PAIRS = 4;
         for (std::uint64_t pair = 0; pair < PAIRS; ++pair) {
             const auto found = compareRates(makeTimes(COUNT, memory, 2 * pair),
                                             makeTimes(COUNT, memory, 2 * pair + 1), {1.0});
@@ -57,20 +57,20 @@ TEST(Bootstrap, TheIntervalIsThatOfTheTextbook) {
 TEST(Bootstrap, SeldomSeesADifferenceWhereThereIsNoneAndSeesOneWhereThereIs) {
     int alarms = 0;
     int found = 0;
-    constexpr int PAIRS = 100;
+    constexpr int PAIRS = 60;
     for (int pair = 0; pair < PAIRS; ++pair) {
         const auto seed = static_cast<std::uint64_t>(pair);
-        const std::vector<double> first = makeTimes(1000, 0.3, 1000 + 3 * seed);
-        const std::vector<double> same = makeTimes(1000, 0.3, 1001 + 3 * seed);
-        const std::vector<double> slower = makeTimes(1000, 0.3, 1002 + 3 * seed, 10.3);
-        const auto rates = compareRates(first, same, {1.0, 0.01});
+        const std::vector<double> first = makeTimes(400, 0.3, 1000 + 3 * seed);
+        const std::vector<double> same = makeTimes(400, 0.3, 1001 + 3 * seed);
+        const std::vector<double> slower = makeTimes(400, 0.3, 1002 + 3 * seed, 10.5);
+        const auto rates = compareRates(first, same, {1.0});
         alarms += rates[0].isMoreThanNoise() ? 1 : 0;
         const RateDifference difference = compareRates(first, slower, {1.0})[0];
         found += difference.isMoreThanNoise() && difference.change < 0.0 ? 1 : 0;
     }
-    EXPECT_LE(alarms, 11) << "of " << PAIRS << ", where 5 are to be expected";
+    EXPECT_LE(alarms, 8) << "of " << PAIRS << ", where 3 are to be expected";
     EXPECT_GE(alarms, 1);
-    EXPECT_GE(found, 95);
+    EXPECT_GE(found, 57);
 }
 
 TEST(Bootstrap, ExactTimesHaveExactAnswersAndFewHaveNone) {
@@ -166,11 +166,11 @@ TEST(CompareCommand, SetsLogsSideBySideAndFailsWhenAsked) {
     EXPECT_EQ(
         control::compareFiles({home.path("a.csv"), home.path("b.csv"), home.path("a.csv"), {}}, out, out), 1)
         << "a log is not replaced";
-    EXPECT_THAT(out.str(), HasSubstr("slower by 4.7 % on average"));
+    EXPECT_THAT(out.str(), HasSubstr("slower by 4.6 % on average"));
     const std::string page = support::readFile(home.path("page.html"));
     for (const char* const part :
-         {"<td>98.0 fps</td><td>93.5 fps</td><td>-4.7 %</td>", "<td>slower</td>", "</html>"}) {
-        EXPECT_THAT(support::readFile(home.path("page.html")), HasSubstr(part));
+         {"<td>93.5 fps</td><td>98.0 fps</td><td>+4.9 %</td>", "<td>faster</td>", "</html>"}) {
+        EXPECT_NE(page.find(part), std::string::npos) << part;
     }
     EXPECT_EQ(page.find("nan"), std::string::npos);
     for (const char* const text : {"3", "%", "-3%", "3%%", "nan%"}) {
