@@ -1,6 +1,9 @@
 #include "runs/LogPlan.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <locale>
 #include <sstream>
 
 #include "io/EscapedText.h"
@@ -40,6 +43,10 @@ int writeLogPlan(const std::string& runFolder, const LogPlan& plan) {
                                                   (plan.isStarted ? "1 " : "0 ") +
                                                   std::to_string(plan.afterMs) + ' ' +
                                                   (plan.forMs ? std::to_string(*plan.forMs) : "-") + '\n');
+}
+
+bool hasLogPlan(const std::string& runFolder) {
+    return access((runFolder + FILE_NAME).c_str(), F_OK) == 0;
 }
 
 LogPlan readLogPlan(const std::string& runFolder) {

@@ -22,6 +22,9 @@ struct LogPlan {
 /// Returns 0 or an error number.
 int writeLogPlan(const std::string& runFolder, const LogPlan& plan);
 
+/// Whether there may be a plan to read.
+bool hasLogPlan(const std::string& runFolder);
+
 /// An empty plan where there is none, or none that can be read.
 LogPlan readLogPlan(const std::string& runFolder);
 

@@ -51,10 +51,22 @@ std::uint32_t LogControl::add(const Ostra::LoggedFrame& frame) {
     }
     const std::uint32_t number = ring->add(frame);
     if (!std::exchange(mHasFrames, true)) {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        startLocked();  // the run may want a log
+        startPlanned();
     }
     return number;
+}
+
+void LogControl::startPlanned() {
+    try {
+        std::string ignored;
+        const std::string* const directory = ownRuntimeDirectory(ignored);
+        if (directory != nullptr && hasLogPlan(*directory)) {
+            const std::lock_guard<std::mutex> lock(mMutex);
+            startLocked();
+        }
+    } catch (const std::bad_alloc&) {
+        // A log may still be asked for.
+    }
 }
 
 void LogControl::setGpu(std::uint32_t frame, std::uint64_t nanoseconds) {

@@ -39,6 +39,7 @@ public:
     void onExit();
 
 private:
+    void startPlanned();
     void startLocked();
     void work();
     void workUntilIdle();
