@@ -2,12 +2,11 @@
 
 #include "io/PlainFile.h"
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <memory>
+#include <filesystem>
+#include <system_error>
 
 namespace control {
 
@@ -38,12 +37,10 @@ std::string profilePath(const std::string& name) {
 
 std::vector<std::string> profileNames() {
     std::vector<std::string> names;
-    const std::unique_ptr<DIR, int (*)(DIR*)> folder(opendir(profileFolder().c_str()), closedir);
-    // No other thread has this stream.
-    while (const dirent* const entry = folder == nullptr ? nullptr : readdir(folder.get())) {  // NOLINT
-        const std::string_view name(entry->d_name);
-        if (name.size() > ENDING.size() && name.substr(name.size() - ENDING.size()) == ENDING) {
-            names.emplace_back(name.substr(0, name.size() - ENDING.size()));
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(profileFolder(), ignored)) {
+        if (entry.path().extension() == ENDING) {
+            names.push_back(entry.path().stem());
         }
     }
     std::sort(names.begin(), names.end());
