@@ -16,6 +16,7 @@ cases=(  # a beginning, and the only word that completes it
     'kordanixctl run --preset sm' small
     'kordanixctl profile edit glxg' glxgears
     'kordanixctl help rese' reset
+    'kordanixctl android --print com.example.game doc' doctor
 )
 
 work=$(mktemp -d)

@@ -126,6 +126,7 @@ TEST_F(AndroidTest, EveryTroubleIsSaidWithWhatToDo) {
         {"sed -i s/DEBUGGABLE// packages/*;", "install --layers layers", "install a debug build"},
         {"sed -i s/DEBUGGABLE// packages/*;", "start; false", "com.android.graphics.injectLayers.enable"},
         {"sed -i s/DEBUGGABLE// packages/*;", "pull", "install a debug build"},
+        {"sed -i s/DEBUGGABLE// packages/*;", "dump", "install a debug build"},
         {"no-data", "install --layers layers", "start it once"},
         {"full", "install --layers layers", "no room left"},
         {"restricted", "install --apk layers.apk", "refuses to install over USB"},

@@ -19,13 +19,20 @@ struct Kind {
 
 /// What the parser does not know of the words it takes.
 constexpr Kind KINDS[] = {
-    {"", "PID", "process"},           {"", "DIR", "folder"},
-    {"", "FOLDER", "folder"},         {"", "FILE", "file"},
-    {"", "NAME=VALUE", "assignment"}, {"set", "NAME", "pairs"},
-    {"get", "NAME", "property"},      {"key", "KEY", "=dump capture"},
-    {"run", "NAME", "preset"},        {"preset", "NAME", "preset"},
-    {"save", "NAME", "profile"},      {"profile", "ACTION", "=list edit check"},
+    {"", "PID", "process"},
+    {"", "DIR", "folder"},
+    {"", "FOLDER", "folder"},
+    {"", "FILE", "file"},
+    {"", "NAME=VALUE", "assignment"},
+    {"set", "NAME", "pairs"},
+    {"get", "NAME", "property"},
+    {"key", "KEY", "=dump capture"},
+    {"run", "NAME", "preset"},
+    {"preset", "NAME", "preset"},
+    {"save", "NAME", "profile"},
+    {"profile", "ACTION", "=list edit check"},
     {"profile", "NAME", "profile"},
+    {"android", "VERB", "=install start set dump capture picture pull report off doctor"},
 };
 
 std::string kindOf(std::string_view verb, std::string_view name, std::string_view otherwise) {

@@ -42,14 +42,15 @@ bool isDeveloperMode() {
     return isOn;
 }
 
-/// Makes an empty file, and the folders above it. Returns why it cannot.
+/// Makes an empty file, unless another process of the application has, and the folders above it. Returns why
+/// it cannot.
 std::string makeFile(const std::string& path) {
     std::error_code failure;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), failure);
     if (failure) {
         return failure.message();
     }
-    const int file = openPlainFile(path, O_WRONLY | O_CREAT | O_EXCL);
+    const int file = openPlainFile(path, O_WRONLY | O_CREAT);
     if (file < 0) {
         return plainFileError(errno);
     }

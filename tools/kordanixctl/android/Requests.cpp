@@ -31,10 +31,11 @@ Clock::time_point endOfWait(const Session& session) {
                               std::chrono::duration<double>(std::clamp(session.options.seconds, 0.0, YEAR)));
 }
 
-/// Makes sure that somebody is there to answer, and finds its process.
+/// Makes sure that somebody is there to answer, whose files can be fetched, and finds its process.
 std::string findListener(const Session& session, std::string& process) {
     Application ignored;
     std::string error = session.phone.examine(ignored);
+    error = error.empty() ? session.phone.tryAs({"id"}) : error;
     error = error.empty() ? session.phone.findProcess(process) : error;
     if (error.empty() && process.empty() && !session.phone.adb().isShowing()) {
         error = session.options.package + " is not running: 'kordanixctl android " + session.options.package +
@@ -173,7 +174,6 @@ std::string picture(const Session& session) {
     std::string process;
     std::string number;
     std::string error = findListener(session, process);
-    error = error.empty() ? session.phone.tryAs({"id"}) : error;  // whether its files can be fetched
     error = error.empty() ? request(session, "picture", number) : error;
     const std::string file = ownFile(platform::pictureName(number));
     error = error.empty() ? awaitPicture(session, file) : error;
