@@ -31,6 +31,8 @@ if readelf -d "$built" | grep NEEDED | grep -vE '\[(libkordanix_platform|liblog|
     exit 1
 fi
 # Of the stand-in only what bionic and liblog have in its place.
-others=$(nm -D --undefined-only "$built" | awk '{ print $2 }' | grep -vE '@|^__system_property_|^__android_log_print$|^(_ITM_|__gmon_start__|__cxa_finalize)' || true)
-[ -z "$others" ] || { echo "takes from elsewhere: $others"; exit 1; }
+others=$(comm -12 <(nm -D --defined-only "$platform" | awk '{ print $3 }' | sort -u) \
+    <(nm -D --undefined-only "$built" | awk '{ sub("@.*", "", $2); print $2 }' | sort -u) |
+    grep -vE '^__system_property_|^__android_log_print$' || true)
+[ -z "$others" ] || { echo "takes from the host: $others"; exit 1; }
 grep -q debug.kordanix.command "$built" || { echo "does not know the property of commands"; exit 1; }

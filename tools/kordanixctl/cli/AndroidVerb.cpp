@@ -33,7 +33,7 @@ void addAndroidVerb(CLI::App& app, Invocation& invocation) {
     verb->add_option("PACKAGE", options->package, "The application's package, such as com.example.game")
         ->type_name("")
         ->required();
-    verb->add_option("VERB", options->verb, "What to do, see below")->type_name("")->required();
+    verb->add_option("VERB", options->verb, "What to do")->type_name("")->required();
     verb->add_option("WORDS", options->words, "What the verb needs")->type_name("");
     verb->add_option("--serial", options->serial, "The device, as 'adb devices' names it")
         ->type_name("SERIAL");
