@@ -50,8 +50,8 @@ protected:
         setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
         setenv("XDG_DATA_HOME", mHome.path("data").c_str(), 1);
         setenv("TYPED", SDL_PROGRAMS "checkkeys", 1);
-        // A press of 30 ms of keys by their numbers: 50 and 62 are left and right Shift, 75, 76 and 96 F9,
-        // F10 and F12.
+        // A press of 30 ms of keys by their numbers: 50 and 62 are left and right Shift, 68, 75, 76 and
+        // 96 F2, F9, F10 and F12.
         std::ofstream(mHome.path("press"))
             << "xdotool windowfocus --sync $1 keydown $2 keydown $3 sleep 0.03 keyup $3 keyup $2\n";
         std::ofstream(mHome.path("window"))
@@ -59,6 +59,9 @@ protected:
         std::ofstream(mHome.path("until"))
             << "for i in $(seq 100); do [ \"$($CTL get $1)\" = $2 ] && exit 0; sleep 0.05; done\n"
                "echo \"$1 is not $2\"\n";
+        std::ofstream(mHome.path("said"))
+            << "for i in $(seq 100); do $CTL get debug.kordanix.notice | grep -q \"$1\" && exit 0; sleep "
+               "0.05; done; echo \"$1 was not said\"\n";
     }
     ~RunKeys() override { setenv("DISPLAY", VirtualDisplay::get().name().c_str(), 1); }
 };
@@ -75,6 +78,7 @@ TEST_F(RunKeys, ActInTheFocusedWindowAloneAndReachTheProgramToo) {
             "sh until status false\n"
             "sh press $ours 62 96; sh until status true\n"
             "sh press $ours 62 76; sh until kordanix.run.preset full\n"
+            "sh press $ours 50 68; sh said 'Log started'; sh press $ours 50 68; sh said 'Log saved'\n"
             "$CTL set keys off; sh press $ours 62 96; sleep 1; $CTL toggle; sh until status false\n"
             "kill $! $bare; wait $!; grep -c F12 typed; grep -c Saved typed\n");
     EXPECT_THAT(outcome.out,

@@ -26,8 +26,9 @@ void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::st
     verb->add_flag_callback(
         "--no-keys", [=] { options->assignments.emplace_back("keys=off"); },
         "Leave the program's keys alone: the same as --set keys=off. Otherwise right Shift+F12 hides and "
-        "shows the overlay, right Shift+F10 switches to the next preset, and right Shift+F9 saves a "
-        "picture, in the program's windows on X11");
+        "shows the overlay, right Shift+F10 switches to the next preset, left Shift+F2 starts and ends a log "
+        "and "
+        "right Shift+F9 saves a picture, in the program's windows on X11");
     verb->add_option(
             "--preset", options->preset,
             "Begin with an arrangement: small (one line), default or full. It goes over the profiles "

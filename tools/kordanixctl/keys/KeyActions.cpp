@@ -1,5 +1,6 @@
 #include "keys/KeyActions.h"
 
+#include "logs/LogCommand.h"
 #include "overlays/PictureCommand.h"
 #include "overlays/ToggleCommand.h"
 #include "properties/PresetCommand.h"
@@ -7,7 +8,7 @@
 namespace control {
 
 bool takesTime(KeyAction action) {
-    return action == KeyAction::PICTURE;
+    return action == KeyAction::PICTURE || action == KeyAction::LOG;
 }
 
 void performKeyAction(KeyAction action, std::ostream& told) {
@@ -24,7 +25,9 @@ void performKeyAction(KeyAction action, std::ostream& told) {
             switchPreset({}, nowhere, told);
             break;
         case KeyAction::LOG:
-            break;  // there is nothing yet for them to do
+            // What was in it is told by 'run', of every log.
+            controlLog({platform::LogRequest::Kind::TOGGLE}, std::nullopt, nowhere, told);
+            break;
     }
 }
 

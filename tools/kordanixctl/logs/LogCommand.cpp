@@ -53,6 +53,12 @@ std::optional<LogNotice> answer(const std::string& directory, pid_t process, con
     return std::nullopt;
 }
 
+/// On the overlay too, for whoever pressed a key.
+ExitCode failToLog(const std::string& error, std::ostream& err) {
+    showNotice("No log");
+    return fail(error, err);
+}
+
 /// On the overlay, and on `out`.
 ExitCode tell(pid_t process, const LogNotice& notice, std::ostream& out, std::ostream& err) {
     const std::string who = describeProcess(process, processName(process));
@@ -88,7 +94,7 @@ ExitCode ask(const std::string& directory, pid_t process, const LogRequest& requ
     message.log = request;
     const std::string error = platform::sendMessage(directory, process, message);
     if (!error.empty()) {
-        return fail(error, err);
+        return failToLog(error, err);
     }
     for (const Clock::time_point end = Clock::now() + PATIENCE; Clock::now() < end; usleep(POLL_PERIOD_US)) {
         if (const auto notice = answer(directory, process, question)) {
@@ -99,12 +105,13 @@ ExitCode ask(const std::string& directory, pid_t process, const LogRequest& requ
         }
     }
     const std::string obstacle = findObstacle(directory, process);
-    return fail(who + ' ' +
-                    (obstacle.empty() ? "does not answer: its layer keeps no frame times, or it can write no "
-                                        "file in " +
-                                            directory
-                                      : obstacle),
-                err);
+    return failToLog(
+        who + ' ' +
+            (obstacle.empty() ? "does not answer: its layer keeps no frame times, or it can write no "
+                                "file in " +
+                                    directory
+                              : obstacle),
+        err);
 }
 
 }  // namespace
@@ -118,7 +125,7 @@ ExitCode controlLog(const LogRequest& request, std::optional<pid_t> process, std
     std::string error;
     const std::vector<pid_t> showing = findShowing(directory.path, process, error);
     if (!error.empty()) {
-        return fail(error, err);
+        return failToLog(error, err);
     }
     ExitCode result = SUCCESS;
     for (const pid_t each : showing) {

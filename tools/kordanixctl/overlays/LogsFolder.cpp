@@ -1,6 +1,7 @@
 #include "overlays/LogsFolder.h"
 
 #include "processes/ProcessInfo.h"
+#include "properties/RuntimeDirectory.h"
 #include "runs/LogPlan.h"
 
 #include <algorithm>
@@ -46,7 +47,8 @@ std::string localTime() {
 }  // namespace
 
 std::string logsFolder(std::string& error) {
-    std::string folder = platform::logsFolder(error);
+    std::string folder = platform::readLogPlan(platform::openRuntimeDirectory().path).folder;
+    folder = folder.empty() ? platform::logsFolder(error) : folder;
     if (folder.empty()) {
         return {};
     }
