@@ -54,7 +54,9 @@ TEST_F(GlesLayer, IsInThePictureOfUnchangedProgramsAndNothingElseHasChanged) {
         // A list with a layer that is not there, and ours twice.
         {{"es2gears_x11"}, {{"LOADER_LAYERS", LAYER ":/nowhere/libOther.so:" LAYER}}},
     };
-    for (const auto& [command, variables] : programs) {
+    for (const auto& each : programs) {
+        const Command& command = each.command;
+        const ChildProcess::Environment& variables = each.variables;
         SCOPED_TRACE(command[0] + (variables.empty() ? "" : ", " + variables.rbegin()->first));
         ChildProcess::Environment environment = mEnvironment;
         environment.insert({"LD_PRELOAD", FROZEN_CLOCK});
