@@ -24,15 +24,15 @@ bool isRefused(const char* name) {
 
 template <int WHICH>
 struct Call {
-    static inline PFN_vkVoidFunction real = nullptr;
-    static inline const char* name = nullptr;
+    static inline std::atomic<PFN_vkVoidFunction> real = nullptr;
+    static inline std::atomic<const char*> name = nullptr;
 };
 
 template <int WHICH, typename... Arguments>
 VKAPI_ATTR VkResult VKAPI_CALL make(Arguments... arguments) {
     using Function = VkResult (*)(Arguments...);
     return isRefused(Call<WHICH>::name) ? VK_ERROR_OUT_OF_DEVICE_MEMORY
-                                        : reinterpret_cast<Function>(Call<WHICH>::real)(arguments...);
+                                        : reinterpret_cast<Function>(Call<WHICH>::real.load())(arguments...);
 }
 
 template <int WHICH, typename... Arguments>
