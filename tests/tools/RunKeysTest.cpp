@@ -80,7 +80,7 @@ TEST_F(RunKeys, ActInTheFocusedWindowAloneAndReachTheProgramToo) {
             "sh press $ours 62 76; sh until kordanix.run.preset full\n"
             "sh press $ours 50 68; sh said 'Log started'; sh press $ours 50 68; sh said 'Log saved'\n"
             "$CTL set keys off; sh press $ours 62 96; sleep 1; $CTL toggle; sh until status false\n"
-            "kill $! $bare; wait $!; grep -c F12 typed; grep -c Saved typed\n");
+            "kill $! $bare; wait $!; grep -c F12 typed; grep -c '^kordanixctl: Saved /' typed\n");
     EXPECT_THAT(outcome.out,
                 testing::MatchesRegex("[1-9][0-9]*\nOverlay hidden\n[1-9][0-9]*\n[1-9][0-9]*\n"));
     EXPECT_EQ(outcome.err, "");

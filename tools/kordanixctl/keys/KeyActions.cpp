@@ -5,6 +5,8 @@
 #include "overlays/ToggleCommand.h"
 #include "properties/PresetCommand.h"
 
+#include <sstream>
+
 namespace control {
 
 bool takesTime(KeyAction action) {
@@ -18,9 +20,13 @@ void performKeyAction(KeyAction action, std::ostream& told) {
         case KeyAction::TOGGLE:
             toggleOverlay(std::nullopt, nowhere, told);
             break;
-        case KeyAction::PICTURE:
-            savePicture(std::nullopt, {}, PICTURE_SECONDS, told, told);
+        case KeyAction::PICTURE: {
+            std::ostringstream saved;
+            if (savePicture(std::nullopt, {}, PICTURE_SECONDS, saved, told) == SUCCESS) {
+                told << "kordanixctl: " << saved.str();
+            }
             break;
+        }
         case KeyAction::PRESET:
             switchPreset({}, nowhere, told);
             break;
