@@ -24,7 +24,8 @@ std::string shellWord(std::string_view text) {
 std::string shellLine(const std::vector<std::string>& words) {
     std::string line;
     for (const std::string& word : words) {
-        line += (line.empty() ? "" : " ") + shellWord(word);
+        line += line.empty() ? "" : " ";
+        line += shellWord(word);
     }
     return line;
 }
