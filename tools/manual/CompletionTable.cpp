@@ -32,6 +32,7 @@ constexpr Kind KINDS[] = {
     {"save", "NAME", "profile"},
     {"profile", "ACTION", "=list edit check"},
     {"profile", "NAME", "profile"},
+    {"android", "PACKAGE", "word"},
     {"android", "VERB", "=install start set dump capture picture pull report off doctor"},
 };
 

@@ -51,7 +51,7 @@ std::string plain(std::string_view text) {
                 out += "\\(aq";
                 break;
             case '\n':
-                out += "\n.br\n";
+                out += "\n\\&";
                 break;
             default:
                 out += letter;
@@ -100,7 +100,8 @@ void writeVerb(const Description& verb, std::ostream& out) {
     out << ".SS " << plain(verb.name) << "\n.B " << plain(verb.usage) << "\n.PP\n"
         << plain(sentence(verb.meaning)) << '\n';
     if (!verb.footer.empty()) {
-        out << ".PP\n" << plain(verb.footer) << '\n';
+        const bool isTable = verb.footer.find('\n') != std::string::npos;
+        out << ".PP\n" << (isTable ? ".nf\n" : "") << plain(verb.footer) << (isTable ? "\n.fi\n" : "\n");
     }
     writeWords(verb.places, out);
     writeWords(ownOptions(verb), out);
