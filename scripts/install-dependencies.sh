@@ -8,7 +8,7 @@ build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-d
 test=(clang clang-format clang-tidy libclang-rt-14-dev libc++-14-dev libc++abi-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind
       libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils glmark2-x11 glmark2-es2-x11
       mesa-vulkan-drivers vulkan-tools vulkan-validationlayers weston
-      libsdl2-tests libx11-dev xdotool procps pkg-config strace locales
+      libsdl2-tests libx11-dev xdotool procps pkg-config strace locales tmux chromium
       android-libutils-dev android-liblog-dev
       zsh fish groff-base)
 bench=(libbenchmark-dev)

@@ -1,5 +1,6 @@
 #include "entry/LibraryFrame.h"
 
+#include "entry/FigureHandout.h"
 #include "entry/OverlaySwitch.h"
 #include "scene/Overlay.h"
 
@@ -21,6 +22,7 @@ Obstacle beginFrame(scene::Overlay& overlay, OverlayRight& right, Obstacle surfa
     }
     if (surface == nullptr) {
         overlay.draw();
+        handOutFigures(overlay, right.api());
     }
     return surface;
 }

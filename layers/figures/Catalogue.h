@@ -98,6 +98,10 @@ struct FigureRows {
 /// All figures, in the order in which a widget shows them.
 FigureRows catalogue();
 
+/// A number that differs between two catalogues whose figures differ in order, name or unit: for those who
+/// get values from another program.
+std::uint32_t catalogueSignature();
+
 /// Which figures of the catalogue, by their index.
 using FigureSet = std::bitset<64>;
 

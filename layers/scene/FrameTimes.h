@@ -52,6 +52,9 @@ public:
 
     std::size_t size() const;
 
+    /// Finished frames so far.
+    std::uint64_t count() const { return mCount; }
+
     /// The overlay's part of the last frame, if there is one.
     std::int64_t lastOverlay() const { return mCount == 0 ? FrameTime::NOT_MEASURED : ago(0).overlay; }
 

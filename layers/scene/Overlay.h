@@ -60,6 +60,9 @@ public:
     /// Whether there is something to draw in this frame: the overlay or, while it is switched off, a notice.
     bool isDrawn() const { return mIsShown || mHasNotice; }
 
+    /// In pixels, at the last layout.
+    const glm::uvec2& surfaceSize() const { return mSurfaceSize; }
+
     void onAttach() override;
     void onDetach() override;
 

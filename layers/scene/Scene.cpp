@@ -42,7 +42,7 @@ void Scene::layout() {
     arrangeAreas(scale, shapes);
     gui::LayoutManager::getInstance()->updateWidgetsLayouts(canvas.isPortrait);
     const WidgetSet withoutRoom = widgetsWithoutRoom();
-    figures::FigureSet wanted;
+    mShownFigures.reset();
     mWanted.clear();
     mShown.clear();
     mShownDrawers.clear();
@@ -54,7 +54,7 @@ void Scene::layout() {
         }
         if (widget->isWanted()) {
             mWanted.push_back(widget.get());
-            widget->collectFigures(wanted);
+            widget->collectFigures(mShownFigures);
         }
     }
     mDumpMark.layout(canvas);
@@ -63,10 +63,25 @@ void Scene::layout() {
     mExtraDump.tellSurface(mFactory.getSurfaceSize());
     mIsStripShown = mStrip->isShown();
     mIsChanged = true;
+    wantFigures();
+}
+
+void Scene::wantFigures() {
+    figures::FigureSet wanted = mShownFigures;
+    for (std::size_t i = 0; mIsWatched && i < figures::catalogue().count; ++i) {
+        wanted.set(i);
+    }
     mMetrics.want(wanted);
 }
 
+void Scene::setWatched(bool isWatched) {
+    if (std::exchange(mIsWatched, isWatched) != isWatched) {
+        wantFigures();
+    }
+}
+
 void Scene::update() {
+    mIsRefreshed = false;
     takeGpuTimes();
     const bool wasDumping = std::exchange(mIsDumping, core::StateInfo::isDumpingEnabled());
     mIsChanged = mNotice.expire() || mIsChanged || mIsDumping != wasDumping;
@@ -76,6 +91,8 @@ void Scene::update() {
     // Asked before this frame is counted, so that the frames counted are the ones that ended in the interval.
     if (mPacing.isUpdateDuration()) {
         mMetrics.refresh(mPacing.mFrameCount, mPacing.mUpdateDuration);
+        ++mRefreshes;
+        mIsRefreshed = true;
         bool isLayoutStale = false;
         for (WidgetView* widget : mWanted) {
             widget->refresh(mMetrics);

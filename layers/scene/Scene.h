@@ -11,6 +11,7 @@
 #include "scene/WidgetView.h"
 #include "utils/UpdateHelper.h"
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -54,6 +55,19 @@ public:
     /// What is on the screen, in drawing order, for the post-swap hook.
     const std::vector<drawer::Drawer*>& drawers() const { return mShownDrawers; }
 
+    /// Somebody watches from outside: all figures of the catalogue are read, whether a widget shows them or
+    /// not.
+    void setWatched(bool isWatched);
+    bool isWatched() const { return mIsWatched; }
+
+    const figures::Metrics& metrics() const { return mMetrics; }
+
+    /// How often the figures were brought up to date.
+    std::uint32_t refreshes() const { return mRefreshes; }
+
+    /// Whether they were in this frame.
+    bool isRefreshed() const { return mIsRefreshed; }
+
     /// Waits for everything that runs in the background: for pictures that must not depend on timing.
     void settle();
 
@@ -61,6 +75,7 @@ public:
 
 private:
     void takeGpuTimes();
+    void wantFigures();
 
     PrimitiveFactory& mFactory;
     FrameTimer* mTimer;
@@ -71,6 +86,10 @@ private:
     bool mIsDumping = false;  // as the last drawing says
     Notice mNotice;
     UpdateHelper mPacing;
+    std::uint32_t mRefreshes = 0;
+    bool mIsRefreshed = false;
+    figures::FigureSet mShownFigures;  // by the widgets
+    bool mIsWatched = false;
     bool mIsChanged = true;  // since the last draw
     std::vector<std::unique_ptr<WidgetView>> mWidgets;
     FrameTimeWidget* mStrip = nullptr;

@@ -41,16 +41,21 @@ png_image makePngImage() {
     return png;
 }
 
+png_image makePngImage(const Image& image) {
+    png_image png = makePngImage();
+    png.width = image.mWidth;
+    png.height = image.mHeight;
+    png.format = PNG_FORMAT_RGBA;
+    return png;
+}
+
 bool writeFile(const Image& image, const std::string& path, std::string& reason) {
     File file(std::fopen(path.c_str(), "wb"));
     if (!file) {
         reason = systemError();
         return false;
     }
-    png_image png = makePngImage();
-    png.width = image.mWidth;
-    png.height = image.mHeight;
-    png.format = PNG_FORMAT_RGBA;
+    png_image png = makePngImage(image);
     if (png_image_write_to_stdio(&png, file.get(), 0, image.mPixels.data(), 0, nullptr) == 0) {
         reason = png.message;
         return false;
@@ -85,6 +90,18 @@ bool writePng(const Image& image, const std::string& path, std::string& error) {
     }
     std::remove(temporary.c_str());
     return fail(error, "write", path, reason);
+}
+
+bool encodePng(const Image& image, std::string& bytes, std::string& error) {
+    png_image png = makePngImage(image);
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(png);
+    bytes.resize(size);
+    if (png_image_write_to_memory(&png, bytes.data(), &size, 0, image.mPixels.data(), 0, nullptr) == 0) {
+        error = png.message;
+        return false;
+    }
+    bytes.resize(size);
+    return true;
 }
 
 bool readPng(const std::string& path, Image& image, std::string& error) {

@@ -11,6 +11,9 @@ class Image;
 /// leaves `path` alone and sets `error` to a sentence that names the file.
 bool writePng(const Image& image, const std::string& path, std::string& error);
 
+/// Makes the same PNG in memory. On failure returns false and sets `error` to the reason.
+bool encodePng(const Image& image, std::string& bytes, std::string& error);
+
 /// Reads a PNG of any colour type as 8-bit RGBA. On failure returns false, leaves `image` alone and sets
 /// `error` to a sentence that names the file. Refuses pictures over 64 million pixels.
 bool readPng(const std::string& path, Image& image, std::string& error);

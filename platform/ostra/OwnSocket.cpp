@@ -84,6 +84,13 @@ ssize_t OwnSocket::receive(char* buffer, std::size_t size) {
     return received;
 }
 
+void OwnSocket::send(const std::string& path, const void* bytes, std::size_t size) const {
+    const int socket = mSocket.get();
+    if (socket >= 0) {
+        sendTo(socket, path, bytes, size);
+    }
+}
+
 void OwnSocket::remove() {
     mIsRemoved = true;
     if (!mPath.empty()) {

@@ -26,6 +26,9 @@ public:
     /// wait lasts at most a second.
     ssize_t receive(char* buffer, std::size_t size);
 
+    /// Sends the bytes to the socket at this path, see sendTo(). The receiving thread.
+    void send(const std::string& path, const void* bytes, std::size_t size) const;
+
     /// Removes the socket's file for good. Any thread.
     void remove();
 

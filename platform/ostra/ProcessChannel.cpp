@@ -133,6 +133,9 @@ void ProcessChannel::handle(const ProcessMessage& message) {
                 logs->request(message.log);
             }
             break;
+        case ProcessMessage::Kind::FIGURES:
+            answerFigures(message.asker);
+            break;
     }
 }
 
@@ -164,6 +167,17 @@ void ProcessChannel::callListeners() {
     }
     mListeningThread = std::thread::id();
     mListenersDone.notify_all();
+}
+
+void ProcessChannel::answerFigures(std::uint32_t asker) {
+    FigureExchange* exchange = mFigures.load(std::memory_order_relaxed);
+    if (exchange == nullptr) {
+        exchange = new FigureExchange;
+        mFigures.store(exchange, std::memory_order_release);
+    }
+    exchange->ask();
+    const FigureReport& report = exchange->newest();
+    mSocket.send(askerPath(mSocket.directory(), asker), &report, sizeof(report));
 }
 
 void ProcessChannel::warnOnce(bool& isWarned, const char* text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ostra/FigureExchange.h"
 #include "ostra/OwnSocket.h"
 
 #include <ostra/Ostra.h>
@@ -8,6 +9,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -41,6 +43,10 @@ public:
     /// open the socket.
     std::optional<std::string> takePicture();
 
+    /// Where the figures of this process are handed over to the receiving thread, which answers those who ask
+    /// for them. Null until somebody has asked. Takes no lock and makes no system call.
+    FigureExchange* figures() { return mFigures.load(std::memory_order_acquire); }
+
     /// Calls `listener` on the receiving thread for every message that the application went to the
     /// background. Listeners are never removed; an empty one is ignored.
     void addListener(std::function<void()> listener);
@@ -58,6 +64,7 @@ private:
     void receiveOne();
     void handle(const ProcessMessage& message);
     void callListeners();
+    void answerFigures(std::uint32_t asker);
     void warnOnce(bool& isWarned, const char* text);
 
     /// Nothing has arrived and the socket does not have to be opened. Relaxed order: it only says whether to
@@ -66,6 +73,9 @@ private:
 
     /// Somebody asked for a picture. Relaxed order for the same reason.
     std::atomic<bool> mIsPictureWanted{false};
+
+    /// Made by the receiving thread at the first question, and never destroyed. Acquire and release.
+    std::atomic<FigureExchange*> mFigures{nullptr};
 
     std::mutex mMutex;            ///< guards the members below; never held while a listener runs
     bool mIsOpenSettled = false;  ///< the socket is open, or we gave up on it

@@ -27,6 +27,7 @@ constexpr std::string_view PICTURE = "picture";
 constexpr std::string_view LOG = "log ";
 constexpr std::string_view LAST = "last ";
 constexpr std::uint32_t SECONDS_MAX = 3600;
+constexpr std::string_view FIGURES = "figures ";
 constexpr std::string_view NAME_BEGIN = "process.";
 constexpr std::string_view NAME_END = ".sock";
 constexpr time_t SEND_PATIENCE_S = 1;
@@ -167,6 +168,8 @@ std::string encodeMessage(const ProcessMessage& message) {
             return std::string(PICTURE);
         case ProcessMessage::Kind::LOG:
             return encodeLog(message.log);
+        case ProcessMessage::Kind::FIGURES:
+            return std::string(FIGURES) + std::to_string(message.asker);
         default:
             return std::string(KEY) + std::to_string(message.key.keyCode) + ' ' +
                    std::to_string(message.key.action);
@@ -192,6 +195,10 @@ std::optional<ProcessMessage> decodeMessage(std::string_view text) {
         message.log = request.value_or(LogRequest());
         return request ? std::optional(message) : std::nullopt;
     }
+    if (takeBeginning(text, FIGURES)) {
+        message.kind = ProcessMessage::Kind::FIGURES;
+        return takeNumber(text, message.asker) && text.empty() ? std::optional(message) : std::nullopt;
+    }
     const auto key = takeBeginning(text, KEY) ? decodeKey(text) : std::nullopt;
     if (!key) {
         return std::nullopt;
@@ -204,31 +211,48 @@ std::string processSocketPath(const std::string& directory, pid_t process) {
     return directory + '/' + std::string(NAME_BEGIN) + std::to_string(process) + std::string(NAME_END);
 }
 
-int openProcessSocket(const std::string& directory, std::string& error) {
-    const std::string path = processSocketPath(directory, getpid());
+int openSocketAt(const std::string& path) {
     sockaddr_un address = {};
     if (!makeAddress(path, address)) {
-        error = path + ": the path is too long for a socket";
+        errno = ENAMETOOLONG;
         return -1;
     }
     const int descriptor = makeSocket();
     if (descriptor < 0) {
-        error = path + ": " + errorText(errno);
         return -1;
     }
-    const auto* const name = reinterpret_cast<const sockaddr*>(&address);
     fchmod(descriptor, S_IRUSR | S_IWUSR);  // bind() gives the file at most this mode
-    int result = bind(descriptor, name, sizeof(address));
-    if (result != 0 && errno == EADDRINUSE && isSocket(path)) {
-        unlink(path.c_str());
-        result = bind(descriptor, name, sizeof(address));
-    }
-    if (result != 0) {
-        error = path + ": " + errorText(errno);
+    if (bind(descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof(address)) != 0) {
+        const int error = errno;
         close(descriptor);
+        errno = error;
         return -1;
     }
     return descriptor;
+}
+
+int openProcessSocket(const std::string& directory, std::string& error) {
+    const std::string path = processSocketPath(directory, getpid());
+    int descriptor = openSocketAt(path);
+    if (descriptor < 0 && errno == EADDRINUSE && isSocket(path)) {
+        unlink(path.c_str());
+        descriptor = openSocketAt(path);
+    }
+    if (descriptor < 0) {
+        error =
+            path + ": " + (errno == ENAMETOOLONG ? "the path is too long for a socket" : errorText(errno));
+    }
+    return descriptor;
+}
+
+void sendTo(int socket, const std::string& path, const void* bytes, std::size_t size) {
+    sockaddr_un address = {};
+    if (makeAddress(path, address) &&
+        sendto(socket, bytes, size, MSG_DONTWAIT | MSG_NOSIGNAL, reinterpret_cast<const sockaddr*>(&address),
+               sizeof(address)) < 0 &&
+        errno == ECONNREFUSED && isSocket(path)) {
+        unlink(path.c_str());
+    }
 }
 
 std::vector<pid_t> listeningProcesses(const std::string& directory) {

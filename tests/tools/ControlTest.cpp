@@ -138,7 +138,7 @@ TEST_F(ControlTest, GetListAndResetAgreeOnWhatIsSet) {
 }
 
 TEST_F(ControlTest, WatchPrintsWritesThatHappenWhileItWatches) {
-    const support::ChildProcess watch({"/bin/sh", "-c", "exec $CTL watch"});
+    const support::ChildProcess watch({"/bin/sh", "-c", "exec $CTL watch --properties"});
     EXPECT_TRUE(support::waitUntil([&] {  // whether it watches yet shows only when it has printed something
         platform::setProperty("debug.kordanix.begin", "1");
         return !watch.output().empty();
@@ -182,12 +182,13 @@ TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
         {"$CTL --process abc list", 2, "--process: 'abc' is not the number of a process;"},
         {"$CTL list --process", 2, "--process needs a value: PID"},
         {"$CTL --process $$ get api; sleep 0", 0, "-1\n"},
-        {"$CTL watch --seconds 0", 0, ""},
-        {"$CTL watch --seconds nan", 2, "'nan' is not a number of seconds"},
+        {"$CTL watch --properties --seconds 0", 0, ""},
+        {"$CTL watch --properties --seconds nan", 2, "'nan' is not a number of seconds"},
         {"$CTL list >/dev/full", 1, "standard output could not be written"},
         {"$CTL help >/dev/full", 1, "standard output could not be written"},
         {"{ sleep 0.1; $CTL list; echo $? >s; } | true; cat s", 0, "0\n"},
-        {"export KORDANIX_RUNTIME_DIR=/dev/null; for v in 'set status true' get list 'watch --seconds 0' "
+        {"export KORDANIX_RUNTIME_DIR=/dev/null; for v in 'set status true' get list 'watch --properties "
+         "--seconds 0' "
          "publish "
          "reset 'key dump' background doctor; do $CTL $v && exit 0; done 2>&1 | grep -c 'ory /dev/null is'",
          0, "9\n"},

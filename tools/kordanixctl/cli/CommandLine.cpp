@@ -45,6 +45,7 @@ void setUp(CLI::App& app, Invocation& invocation, const std::vector<std::string>
     addRunVerb(app, invocation, program);
     addPropertyVerbs(app, invocation);
     addProfileVerbs(app, invocation);
+    addWatchVerbs(app, invocation);
     addOverlayVerbs(app, invocation);
     addDumpVerbs(app, invocation);
     addAndroidVerb(app, invocation);

@@ -1,7 +1,6 @@
 #include "cli/Verbs.h"
 #include "properties/SetCommand.h"
 #include "properties/ShowCommands.h"
-#include "properties/WatchCommand.h"
 #include "settings/Properties.h"
 
 #include <iostream>
@@ -74,22 +73,6 @@ void addPublish(CLI::App& app, Invocation& invocation) {
     });
 }
 
-void addWatch(CLI::App& app, Invocation& invocation) {
-    const auto options = std::make_shared<WatchOptions>();
-    CLI::App* const verb = addVerb(app, "watch", "Print properties as they change, until Ctrl-C");
-    verb->add_option("--count", options->count, "Stop after so many changes")
-        ->type_name("N")
-        ->check(isCount());
-    verb->add_option("--seconds", options->seconds, "Stop after that time")
-        ->type_name("SECONDS")
-        ->check(isSeconds());
-    verb->callback([=, &invocation] {
-        invocation.action = [=] {
-            return withProperties([&] { return watchProperties(*options, std::cout); });
-        };
-    });
-}
-
 void addReset(CLI::App& app, Invocation& invocation) {
     const auto keepsControl = std::make_shared<bool>(false);
     CLI::App* const verb = addVerb(app, "reset", "Set all properties back to their defaults and publish");
@@ -106,7 +89,6 @@ void addPropertyVerbs(CLI::App& app, Invocation& invocation) {
     addGet(app, invocation);
     addList(app, invocation);
     addPublish(app, invocation);
-    addWatch(app, invocation);
     addReset(app, invocation);
 }
 

@@ -22,9 +22,10 @@ CLI::Validator isProcessNumber();
 CLI::Validator isSeconds();
 CLI::Validator isCount();
 
-void addPropertyVerbs(CLI::App& app, Invocation& invocation);  ///< set, get, list, publish, watch, reset
+void addPropertyVerbs(CLI::App& app, Invocation& invocation);  ///< set, get, list, publish, reset
 void addOverlayVerbs(CLI::App& app, Invocation& invocation);   ///< picture, toggle, key, background, doctor
 void addProfileVerbs(CLI::App& app, Invocation& invocation);   ///< save, profile, preset
+void addWatchVerbs(CLI::App& app, Invocation& invocation);     ///< watch, serve
 void addDumpVerbs(CLI::App& app, Invocation& invocation);      ///< report, trace
 void addLogVerbs(CLI::App& app, Invocation& invocation);       ///< log, compare
 

@@ -74,8 +74,10 @@ std::string await(const PictureDelivery& delivery, const std::string& directory,
                : "could not write its picture; its log may say why";
 }
 
-/// Fetches a picture from a process that shows the overlay. Returns an empty text, or what went wrong.
-std::string fetch(const std::string& directory, pid_t process, double seconds, software::Image& image) {
+}  // namespace
+
+std::string fetchPicture(const std::string& directory, pid_t process, double seconds,
+                         software::Image& image) {
     const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                         std::chrono::duration<double>(std::clamp(seconds, 0.0, 1e6)));
     PictureDelivery delivery(platform::picturePath(directory, process));
@@ -102,8 +104,6 @@ std::string fetch(const std::string& directory, pid_t process, double seconds, s
     return parsePam(bytes, image) ? std::string() : who + "wrote something other than a picture";
 }
 
-}  // namespace
-
 ExitCode savePicture(std::optional<pid_t> process, const std::string& path, double seconds, std::ostream& out,
                      std::ostream& err) {
     const bool isNamed = !path.empty();
@@ -127,7 +127,7 @@ ExitCode savePicture(std::optional<pid_t> process, const std::string& path, doub
         std::this_thread::sleep_for(noticeRest());  // what the last key did is not for this picture
     }
     if (error.empty()) {
-        error = fetch(directory.path, targets.front(), seconds, image);
+        error = fetchPicture(directory.path, targets.front(), seconds, image);
     }
     const bool isSaved = error.empty() && software::writePng(image, file, error);
     if (!isNamed) {

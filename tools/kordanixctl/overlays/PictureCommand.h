@@ -8,7 +8,15 @@
 #include <ostream>
 #include <string>
 
+namespace software {
+class Image;
+}
+
 namespace control {
+
+/// Asks a process to write its next frame with the overlay, and waits for it at most `seconds`. Returns an
+/// empty text, or what went wrong. Any thread, see EndSignals.
+std::string fetchPicture(const std::string& directory, pid_t process, double seconds, software::Image& image);
 
 /// Asks a process to write its next frame with the overlay, and saves it as a PNG file, over an existing one.
 /// Without a process, it asks the only one that listens. With an empty path it makes a new file in the folder

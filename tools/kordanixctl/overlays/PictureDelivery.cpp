@@ -15,7 +15,7 @@ namespace control {
 
 namespace {
 
-constexpr long POLL_PERIOD_NS = 5'000'000;
+constexpr std::chrono::milliseconds POLL_PERIOD{5};
 
 /// The size of a picture of the largest surface.
 constexpr std::size_t MAX_SIZE = (std::size_t{1} << 30) + 1024;
@@ -29,13 +29,7 @@ bool isSame(const struct stat& a, const struct stat& b) {
 
 }  // namespace
 
-PictureDelivery::PictureDelivery(std::string path) : mPath(std::move(path)) {
-    sigemptyset(&mSignals);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        sigaddset(&mSignals, signal);
-    }
-    pthread_sigmask(SIG_BLOCK, &mSignals, &mPrevious);
-}
+PictureDelivery::PictureDelivery(std::string path) : mPath(std::move(path)) {}
 
 PictureDelivery::~PictureDelivery() {
     if (mFile >= 0) {
@@ -44,7 +38,6 @@ PictureDelivery::~PictureDelivery() {
         }
         close(mFile);
     }
-    pthread_sigmask(SIG_SETMASK, &mPrevious, nullptr);
 }
 
 std::string PictureDelivery::open(Clock::time_point end) {
@@ -79,12 +72,7 @@ bool PictureDelivery::take() {
 }
 
 bool PictureDelivery::wait() const {
-    const timespec moment = {0, POLL_PERIOD_NS};
-    const int signal = sigtimedwait(&mSignals, nullptr, &moment);
-    if (signal > 0) {
-        raise(signal);  // takes effect once the signals are unblocked
-    }
-    return signal <= 0;
+    return mSignals.wait(POLL_PERIOD);
 }
 
 PictureDelivery::State PictureDelivery::state() const {

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "processes/EndSignals.h"
+
 #include <chrono>
-#include <csignal>
 #include <string>
 
 namespace control {
@@ -40,8 +41,7 @@ private:
 
     std::string mPath;
     int mFile = -1;  ///< the empty file, locked while we wait
-    sigset_t mSignals = {};
-    sigset_t mPrevious = {};
+    EndSignals mSignals;
 };
 
 }  // namespace control
