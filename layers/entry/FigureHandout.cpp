@@ -49,7 +49,7 @@ void copyFrames(const scene::FrameTimes& times, FigureReport& report) {
 
 void handOutFigures(scene::Overlay& overlay, core::RenderingApiType api) {
     scene::Scene& scene = overlay.mScene;
-    if (!scene.isRefreshed()) {
+    if (!overlay.isShown() || !scene.isRefreshed()) {
         return;
     }
     FigureReport* const report = platform::figuresToFill();

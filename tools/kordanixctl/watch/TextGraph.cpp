@@ -30,9 +30,10 @@ std::string sparkline(const std::deque<double>& values, int columns, double top,
     }
     std::string text(static_cast<std::size_t>(std::max(columns, 0)) - count, ' ');
     for (auto value = first; value != values.end(); ++value) {
-        // What is there and small has one eighth all the same.
-        const int eighths =
-            std::isnan(*value) ? 0 : std::max(eighthsIn(top > 0.0 ? *value / top : 0.0, 0), 1);
+        // What is there and small has one eighth all the same, and no block is whole: lines below each other
+        // stay apart.
+        const double height = top > 0.0 ? *value / top * (EIGHTHS - 1) / EIGHTHS : 0.0;
+        const int eighths = std::isnan(*value) ? 0 : std::max(eighthsIn(height, 0), 1);
         text += symbols[static_cast<std::size_t>(eighths)];
     }
     return text;

@@ -65,9 +65,9 @@ std::uint32_t colorOf(const std::string& property) {
 }  // namespace
 
 const WatchScreen::Switch WatchScreen::SWITCHES[] = {
-    {'1', "widget_fps", "Frame rate"},      {'2', "widget_cpu_gpu", "CPU and GPU"},
-    {'3', "widget_memory", "Memory"},       {'4', "widget_frame_time", "Frame times"},
-    {'5', "widget_gpu_activity", "Passes"}, {'o', "status", "Overlay"},
+    {'1', "widget_fps", "Frame rate"},          {'2', "widget_cpu_gpu", "CPU and GPU"},
+    {'3', "widget_memory", "Memory"},           {'4', "widget_frame_time", "Frame times"},
+    {'5', "widget_gpu_activity", "GPU passes"}, {'o', "status", "Overlay"},
 };
 const std::size_t WatchScreen::SWITCH_COUNT = std::size(SWITCHES);
 
