@@ -35,6 +35,9 @@ public:
     /// Since when there has been no new report, or since the beginning.
     std::chrono::steady_clock::time_point lastNews() const { return mLastNews; }
 
+    /// There has been a report.
+    bool hasNews() const { return mSeenRefreshes != 0; }
+
     const std::string& directory() const { return mDirectory; }
     pid_t process() const { return mProcess; }
 

@@ -49,8 +49,10 @@ std::string describeStandstill(const FigureFeed& feed) {
         return {};
     }
     const std::string obstacle = findObstacle(feed.directory(), feed.process());
-    return "process " + std::to_string(feed.process()) + ' ' +
-           (obstacle.empty() ? "presents no frame now" : obstacle);
+    const std::string silence = feed.hasNews()
+                                    ? "presents no frame now"
+                                    : "has told no figures: it presents no frame, or its layer tells none";
+    return "process " + std::to_string(feed.process()) + ' ' + (obstacle.empty() ? silence : obstacle);
 }
 
 std::string baseName(const std::string& name) {
