@@ -1,3 +1,4 @@
+#include "ostra/FigureReport.h"
 #include "ostra/OwnKeys.h"
 #include "ostra/PerProcess.h"
 #include "ostra/PictureRequest.h"
@@ -31,6 +32,20 @@ void pressOwnKey(const Ostra::KeyEvent& key) {
 std::optional<std::string> takePictureRequest() {
     ProcessChannel* const channel = PerProcess<ProcessChannel>::find();
     return channel != nullptr ? channel->takePicture() : std::nullopt;
+}
+
+FigureReport* figuresToFill() {
+    ProcessChannel* const channel = PerProcess<ProcessChannel>::find();
+    FigureExchange* const figures = channel == nullptr ? nullptr : channel->figures();
+    return figures != nullptr && figures->isAsked() ? &figures->back() : nullptr;
+}
+
+void handOutFigures() {
+    ProcessChannel* const channel = PerProcess<ProcessChannel>::find();
+    FigureExchange* const figures = channel == nullptr ? nullptr : channel->figures();
+    if (figures != nullptr) {
+        figures->handOut();
+    }
 }
 
 }  // namespace platform

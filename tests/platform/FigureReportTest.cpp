@@ -46,6 +46,16 @@ private:
     int mSocket;
 };
 
+TEST(Figures, AreAskedForByNumber) {
+    for (const char* const text : {"figures 0", "figures 4294967295"}) {
+        EXPECT_EQ(platform::encodeMessage(platform::decodeMessage(text).value()), text);
+    }
+    for (const char* const text :
+         {"figures", "figures ", "figures -1", "figures 4294967296", "figures 1 2", "figures ../a"}) {
+        EXPECT_FALSE(platform::decodeMessage(text)) << text;
+    }
+}
+
 TEST(Figures, AreFilledOnlyWhileSomebodyAsksAndAreNeverTorn) {
     runtimeDirectory();
     Ostra::receiveKeyEvents();

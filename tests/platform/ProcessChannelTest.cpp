@@ -57,33 +57,14 @@ std::vector<int> takeKeys(std::size_t count) {
 }
 
 TEST(ProcessMessages, OnlyWhatIsWrittenTheRightWayIsRead) {
-    for (const char* const text :
-         {"background", "picture", "key -2147483648 -1", "key 2147483647 0", "log start", "log stop",
-          "log toggle", "log last 0", "log last 3600", "figures 0", "figures 4294967295"}) {
+    for (const char* const text : {"background", "picture", "key -2147483648 -1", "key 2147483647 0",
+                                   "log start", "log stop", "log toggle", "log last 0", "log last 3600"}) {
         EXPECT_EQ(platform::encodeMessage(platform::decodeMessage(text).value()), text);
     }
-    for (const char* const text : {"",
-                                   "key",
-                                   "key 24 ",
-                                   "key 24 1 ",
-                                   "key  24 1",
-                                   "key +24 1",
-                                   "key 24 2147483648",
-                                   "Key 24 1",
-                                   "background ",
-                                   "picture properties",
-                                   "log",
-                                   "log ",
-                                   "log last",
-                                   "log last -1",
-                                   "log last 3601",
-                                   "log last 1 ",
-                                   "log /tmp",
-                                   "figures",
-                                   "figures ",
-                                   "figures -1",
-                                   "figures 4294967296",
-                                   "figures 1 2"}) {
+    for (const char* const text :
+         {"", "key", "key 24 ", "key 24 1 ", "key  24 1", "key +24 1", "key 24 2147483648", "Key 24 1",
+          "background ", "picture properties", "log", "log ", "log last", "log last -1", "log last 3601",
+          "log last 1 ", "log /tmp"}) {
         EXPECT_FALSE(platform::decodeMessage(text)) << '"' << text << '"';
     }
 }
