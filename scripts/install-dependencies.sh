@@ -4,7 +4,8 @@
 set -euo pipefail
 
 build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev
-       libvulkan-dev glslang-tools libx11-dev libxi-dev libxres-dev help2man)
+       libvulkan-dev glslang-tools libx11-dev libxi-dev libxres-dev help2man
+       libncurses-dev libcpp-httplib-dev pkg-config)
 test=(clang clang-format clang-tidy libclang-rt-14-dev libc++-14-dev libc++abi-14-dev libgtest-dev libgmock-dev fonts-roboto-unhinted valgrind
       libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils glmark2-x11 glmark2-es2-x11
       mesa-vulkan-drivers vulkan-tools vulkan-validationlayers weston
