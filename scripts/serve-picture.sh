@@ -27,5 +27,5 @@ serve=$!
 until [ -s "$work/address" ]; do sleep 0.1; done
 HOME=$work chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run --disable-background-networking \
     --disable-component-update --disable-sync --user-data-dir="$work/browser" --hide-scrollbars \
-    --window-size=1280,960 --timeout=20000 --screenshot="$(realpath -m "$out")" "$(cat "$work/address")" 2>/dev/null
+    --window-size=1280,960 --virtual-time-budget=30000 --screenshot="$(realpath -m "$out")" "$(cat "$work/address")" 2>/dev/null
 [ -s "$out" ]
