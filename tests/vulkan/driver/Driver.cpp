@@ -65,16 +65,18 @@ VkResult enumerate(const More& more, std::uint32_t* count, VkExtensionProperties
 
 VKAPI_ATTR VkResult VKAPI_CALL enumerateInstance(const char* layer, std::uint32_t* count,
                                                  VkExtensionProperties* properties) {
-    return enumerate(INSTANCE_EXTENSIONS, count, properties, [layer](std::uint32_t* n, VkExtensionProperties* p) {
-        REAL(vkEnumerateInstanceExtensionProperties)(layer, n, p);
-    });
+    return enumerate(INSTANCE_EXTENSIONS, count, properties,
+                     [layer](std::uint32_t* n, VkExtensionProperties* p) {
+                         REAL(vkEnumerateInstanceExtensionProperties)(layer, n, p);
+                     });
 }
 
 VKAPI_ATTR VkResult VKAPI_CALL enumerateDevice(VkPhysicalDevice device, const char* layer,
                                                std::uint32_t* count, VkExtensionProperties* properties) {
-    return enumerate(DEVICE_EXTENSIONS, count, properties, [device, layer](std::uint32_t* n, VkExtensionProperties* p) {
-        REAL(vkEnumerateDeviceExtensionProperties)(device, layer, n, p);
-    });
+    return enumerate(DEVICE_EXTENSIONS, count, properties,
+                     [device, layer](std::uint32_t* n, VkExtensionProperties* p) {
+                         REAL(vkEnumerateDeviceExtensionProperties)(device, layer, n, p);
+                     });
 }
 
 /// The names without those that only this driver has.
