@@ -30,9 +30,9 @@ using testing::HasSubstr;
 constexpr std::uint64_t NS_PER_MS = 1000000;
 constexpr std::uint64_t NS_PER_TICK = 100000;
 
-/// A frame of 10 ms that ended so long ago.
-Ostra::LoggedFrame frameAgo(std::uint64_t milliseconds) {
-    const std::uint64_t now = std::uint64_t{FrameRing::now()} * NS_PER_TICK;
+/// A frame of 10 ms that ended so long before a moment in ticks.
+Ostra::LoggedFrame frameAgo(std::uint64_t milliseconds, std::uint32_t moment = FrameRing::now()) {
+    const std::uint64_t now = std::uint64_t{moment} * NS_PER_TICK;
     return {now - milliseconds * NS_PER_MS, 10 * NS_PER_MS, 4 * NS_PER_MS, -1};
 }
 
@@ -94,8 +94,9 @@ protected:
     FrameLogs() {
         platform::changeRuntimeDirectory(mRun.path());
         // A frame every 10 ms, the last one now; the second of every four was measured on the GPU.
+        const std::uint32_t now = FrameRing::now();
         for (std::uint32_t i = 0; i < 500; ++i) {
-            const std::uint32_t number = mRing.add(frameAgo(4990 - 10 * i));
+            const std::uint32_t number = mRing.add(frameAgo(4990 - 10 * i, now));
             if (number % 4 == 1) {
                 mRing.setGpu(number, 2 * NS_PER_MS);
             }

@@ -4,6 +4,7 @@
 #include <random>
 #include <sstream>
 
+#include "conversions/DumpCommands.h"
 #include "dumps/DumpReader.h"
 #include "dumps/Statistics.h"
 #include "dumps/logs/Bootstrap.h"
@@ -176,6 +177,11 @@ TEST(CompareCommand, SetsLogsSideBySideAndFailsWhenAsked) {
     for (const char* const text : {"3", "%", "-3%", "3%%", "nan%"}) {
         EXPECT_FALSE(control::parsePercent(text)) << text;
     }
+    std::ostringstream said;
+    EXPECT_EQ(control::makeReport(home.path("a.csv"), home.path("report.html"), said, said), 0) << said.str();
+    EXPECT_THAT(support::readFile(home.path("report.html")),
+                HasSubstr("<b>98.0 <small>fps</small></b><span>mean"));
+    EXPECT_EQ(control::makeReport(home.path("a.csv"), home.path("a.csv"), said, said), 1);
     Dump newest;
     std::filesystem::last_write_time(home.path("b.csv"),
                                      std::filesystem::file_time_type::clock::now() + std::chrono::hours(1));

@@ -283,7 +283,7 @@ std::string readLog(const std::string& path, Dump& dump) {
 std::string readDump(const std::string& folder, Dump& dump) {
     dump.folder = folder;
     std::string text;
-    const std::string error = readFrames(folder + "/frames.csv", dump);
+    std::string error = readFrames(folder + "/frames.csv", dump);
     if (!error.empty()) {
         return error;
     }

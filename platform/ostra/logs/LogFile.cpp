@@ -49,8 +49,11 @@ std::string LogFile::open(const std::string& folder, const std::string& name) {
     if (failure) {
         return folder + ": " + failure.message();
     }
+    const std::string beginning = folder + '/' + name;
     for (int i = 1; i <= MAX_FILES_A_SECOND; ++i) {
-        std::string path = folder + '/' + name + (i == 1 ? "" : '-' + std::to_string(i)) + ".csv";
+        std::string path = beginning;
+        path += i == 1 ? std::string() : '-' + std::to_string(i);
+        path += ".csv";
         if (i < MAX_FILES_A_SECOND && access(path.c_str(), F_OK) == 0) {
             continue;
         }

@@ -63,7 +63,7 @@ std::optional<Comparison> compareLogs(const Dump& first, const Dump& second, std
             error = log.folder + ": the log has no frame times";
             return std::nullopt;
         }
-        comparison.summaries[i] = *std::move(summary);
+        comparison.summaries[i] = *summary;
         comparison.times[i] = logTimes(log);
     }
     const auto rates = compareRates(comparison.times[0], comparison.times[1], SHARES);

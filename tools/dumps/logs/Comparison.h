@@ -14,7 +14,7 @@ namespace dumps {
 
 /// Two logs beside each other, as from before and after a change.
 struct Comparison {
-    std::array<const Dump*, 2> logs;
+    std::array<const Dump*, 2> logs = {};
     std::array<LogSummary, 2> summaries;
     std::array<std::vector<double>, 2> times;  ///< milliseconds, in the order of the frames
 

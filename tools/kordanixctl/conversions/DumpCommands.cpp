@@ -7,6 +7,9 @@
 #include "dumps/Trace.h"
 #include "dumps/report/Report.h"
 
+#include <filesystem>
+#include <system_error>
+
 namespace control {
 
 namespace {
@@ -17,7 +20,9 @@ using DumpWriter = std::string (*)(const dumps::Dump&, std::ostream&);
 ExitCode convert(const std::string& folder, const std::string& path, DumpWriter write, std::ostream& out,
                  std::ostream& err) {
     std::string error;
-    const std::string found = dumps::findDump(folder, error);
+    std::error_code ignored;
+    const bool isLog = std::filesystem::is_regular_file(folder, ignored);
+    const std::string found = isLog ? folder : dumps::findDump(folder, error);
     if (found.empty()) {
         return fail(error, err);
     }
@@ -29,8 +34,11 @@ ExitCode convert(const std::string& folder, const std::string& path, DumpWriter 
             return fail(path + ": is a file of a dump, which is not replaced", err);
         }
     }
+    if (isLog && isSameFile(path, folder)) {
+        return fail(path + ": is the log itself, which is not replaced", err);
+    }
     dumps::Dump dump;
-    error = dumps::readDump(found, dump);
+    error = isLog ? dumps::readLog(found, dump) : dumps::readDump(found, dump);
     if (!error.empty()) {
         return fail(error, err);
     }

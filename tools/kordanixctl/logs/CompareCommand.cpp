@@ -32,7 +32,7 @@ std::string writePage(const dumps::Comparison& comparison, const std::string& pa
 }
 
 std::string read(const std::string& path, dumps::Dump& log, std::ostream& err) {
-    const std::string error = dumps::readLog(path, log);
+    std::string error = dumps::readLog(path, log);
     const std::string losses = error.empty() ? dumps::describeLosses(log) : std::string();
     if (!losses.empty()) {
         printDiagnostic(log.folder + ": " + losses, err);
