@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 
 out=${1:-docs/pictures/serve.png}
 shift || true
-[ $# -gt 0 ] || set -- glmark2 -s 640x360 -b terrain:duration=60
+[ $# -gt 0 ] || set -- glmark2 -s 640x360 -b build:duration=60
 scripts/install-dependencies.sh build test
 cmake --preset release >/dev/null
 cmake --build --preset release --target kordanixctl kordanix_preload kordanix_opengl kordanix_vulkan >/dev/null

@@ -159,7 +159,7 @@ int WatchScreen::drawFrames(Terminal& terminal, int row, int rows) const {
         terminal.put(row, column + 2, names[i]);
         column += 4 + static_cast<int>(std::string(names[i]).size());
     }
-    const std::string statistics = summary.text();
+    const std::string& statistics = summary.text();
     terminal.put(row, std::max(terminal.width() - 1 - static_cast<int>(statistics.size()), column),
                  statistics);
     const int bottom = row + rows;
