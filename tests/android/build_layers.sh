@@ -22,17 +22,23 @@ cmake -S "$source" -B "$tree/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKORDANIX
     "-DCMAKE_MODULE_LINKER_FLAGS=-L$tree/lib" "$@" >"$tree/log" 2>&1 || { cat "$tree/log"; exit 1; }
 cmake --build "$tree/build" -j 2 | tail -40
 
-built=$(find "$tree/build" -name '*.so*')
-[ "$built" = "$tree/build/lib/libKordanixGles.so" ] || { echo "built something else: $built"; exit 1; }
-exported=$(nm -D --defined-only "$built" | awk '{ print $3 }' | sort | tr '\n' ' ')
-[ "$exported" = "AndroidGLESLayer_GetProcAddress AndroidGLESLayer_Initialize " ] || { echo "exports $exported"; exit 1; }
-if readelf -d "$built" | grep NEEDED | grep -vE '\[(libkordanix_platform|liblog|libstdc\+\+|libgcc_s|libc\+\+|libc\+\+abi|libunwind|libm|libc|libdl|ld-linux[^]]*)\.so'; then
-    echo "needs more than an application's process has"
-    exit 1
-fi
-# Of the stand-in only what bionic and liblog have in its place.
-others=$(comm -12 <(nm -D --defined-only "$platform" | awk '{ print $3 }' | sort -u) \
-    <(nm -D --undefined-only "$built" | awk '{ sub("@.*", "", $2); print $2 }' | sort -u) |
-    grep -vE '^__system_property_|^__android_log_print$' || true)
-[ -z "$others" ] || { echo "takes from the host: $others"; exit 1; }
-grep -q debug.kordanix.command "$built" || { echo "does not know the property of commands"; exit 1; }
+gles=$tree/build/lib/libKordanixGles.so
+vulkan=$tree/build/lib/libVkLayer_Kordanix.so
+[ "$(find "$tree/build" -name '*.so*' | sort | tr '\n' ' ')" = "$gles $vulkan " ] || { echo "built something else"; exit 1; }
+exports() { nm -D --defined-only "$1" | awk '{ print $3 }' | sort | tr '\n' ' '; }
+[ "$(exports "$gles")" = "AndroidGLESLayer_GetProcAddress AndroidGLESLayer_Initialize " ] ||
+    { echo "exports $(exports "$gles")"; exit 1; }
+[ "$(exports "$vulkan" | wc -w) $(exports "$vulkan" | tr ' ' '\n' | grep -c '^vk')" = "6 6" ] ||
+    { echo "exports $(exports "$vulkan")"; exit 1; }
+for built in "$gles" "$vulkan"; do
+    if readelf -d "$built" | grep NEEDED | grep -vE '\[(libkordanix_platform|liblog|libstdc\+\+|libgcc_s|libc\+\+|libc\+\+abi|libunwind|libm|libc|libdl|ld-linux[^]]*)\.so'; then
+        echo "needs more than an application's process has"
+        exit 1
+    fi
+    # Of the stand-in only what bionic and liblog have in its place.
+    others=$(comm -12 <(nm -D --defined-only "$platform" | awk '{ print $3 }' | sort -u) \
+        <(nm -D --undefined-only "$built" | awk '{ sub("@.*", "", $2); print $2 }' | sort -u) |
+        grep -vE '^__system_property_|^__android_log_print$' || true)
+    [ -z "$others" ] || { echo "takes from the host: $others"; exit 1; }
+    grep -q debug.kordanix.command "$built" || { echo "does not know the property of commands"; exit 1; }
+done

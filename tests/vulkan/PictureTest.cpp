@@ -205,22 +205,43 @@ support::Primitives makePicture(scene::PrimitiveFactory& factory) {
     return primitives;
 }
 
+/// The picture turned clockwise by quarters.
+Image turned(const Image& picture, unsigned int quarters) {
+    Image result = picture;
+    for (; quarters % 4 != 0; --quarters) {
+        const Image last = result;
+        result.resize(last.mHeight, last.mWidth);
+        for (std::size_t y = 0; y < last.mHeight; ++y) {
+            for (std::size_t x = 0; x < last.mWidth; ++x) {
+                result.row(x)[last.mHeight - 1 - y] = last.row(y)[x];
+            }
+        }
+    }
+    return result;
+}
+
+constexpr std::array<VkSurfaceTransformFlagBitsKHR, 4> TURNS = {
+    VK_SURFACE_TRANSFORM_IDENTITY_BIT_KHR, VK_SURFACE_TRANSFORM_ROTATE_90_BIT_KHR,
+    VK_SURFACE_TRANSFORM_ROTATE_180_BIT_KHR, VK_SURFACE_TRANSFORM_ROTATE_270_BIT_KHR};
+
 class Picture : public testing::TestWithParam<Format> {
 protected:
-    /// The scene over `picture`, drawn by the Vulkan layer's renderer.
-    static void draw(Image& picture, bool isClipped) {
+    /// The scene over `upright`, drawn by the Vulkan layer's renderer into an image that is turned.
+    static void draw(Image& upright, bool isClipped, unsigned int quarters = 0) {
         const Format& format = GetParam();
+        Image picture = turned(upright, quarters);
+        const VkExtent2D size = {picture.mWidth, picture.mHeight};
         static const Machine& machine = *new Machine;  // for good: leak checks are to know the driver's names
         constexpr VkImageUsageFlags USES = VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT |
                                            VK_IMAGE_USAGE_TRANSFER_SRC_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT;
-        const vulkan::DeviceImage image(machine.gpu, format.format, SIZE, USES);
+        const vulkan::DeviceImage image(machine.gpu, format.format, size, USES);
         vulkan::MappedBuffer buffer(machine.gpu,
                                     VK_BUFFER_USAGE_TRANSFER_SRC_BIT | VK_BUFFER_USAGE_TRANSFER_DST_BIT);
         buffer.reserve(PIXELS * format.bytes);
         toBytes(picture, format, buffer.bytes());
         VkBufferImageCopy copy = {};
         copy.imageSubresource = vulkan::WHOLE_LAYER;
-        copy.imageExtent = {SIZE.width, SIZE.height, 1};
+        copy.imageExtent = {size.width, size.height, 1};
         constexpr vulkan::ImageUse FRESH = {VK_PIPELINE_STAGE_ALL_COMMANDS_BIT, 0, VK_IMAGE_LAYOUT_UNDEFINED};
         constexpr vulkan::ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_WRITE_BIT,
                                               VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL};
@@ -234,8 +255,8 @@ protected:
             move(machine.gpu, commands, image.handle(), WRITTEN, PRESENTED);
         });
 
-        const vulkan::SwapchainImages swapchain = {format.format, format.space,    SIZE, 1,
-                                                   true,          {image.handle()}};
+        const vulkan::SwapchainImages swapchain = {format.format, format.space,     size,           1,
+                                                   true,          {image.handle()}, TURNS[quarters]};
         drawlist::DrawList list;
         drawlist::DrawListFactory factory(list);
         const support::Primitives primitives = makePicture(factory);
@@ -253,6 +274,7 @@ protected:
             vkCmdCopyImageToBuffer(commands, image.handle(), READ.layout, buffer.handle(), 1, &copy);
         });
         fromBytes(picture, format, buffer.bytes());
+        upright = turned(picture, 4 - quarters);
     }
 };
 
@@ -279,14 +301,19 @@ TEST_P(Picture, LooksAsTheSoftwareLayers) {
         surface.beginOverlay();
         support::drawScene(factory, expected, isClipped);
         ASSERT_NO_FATAL_FAILURE(draw(drawn, isClipped));
+        for (unsigned int quarters = 1; quarters < TURNS.size() && GetParam().mixesCodes; ++quarters) {
+            Image other = bare;
+            ASSERT_NO_FATAL_FAILURE(draw(other, isClipped, quarters));
+            const PictureDifference turn = comparePictures(drawn, other);
+            EXPECT_LE(turn.largestInside, LARGEST_INSIDE) << quarters;
+            EXPECT_LE(turn.meanAtEdges, LARGEST_MEAN_AT_EDGES) << quarters;
+        }
         const PictureDifference difference = comparePictures(surface.mImage, drawn);
         if (GetParam().mixesCodes) {
             EXPECT_LE(difference.largestInside, LARGEST_INSIDE);
             EXPECT_LE(difference.largestAtEdges, LARGEST_AT_EDGES);
             EXPECT_LE(difference.meanAtEdges, LARGEST_MEAN_AT_EDGES);
         } else {
-            std::cerr << meanDifference(surface.mImage, drawn) << " " << meanDifference(surface.mImage, bare)
-                      << std::endl;
             EXPECT_LE(meanDifference(surface.mImage, drawn), meanDifference(surface.mImage, bare) / 3.0);
         }
         const software::Pixel block = drawn.row(SIZE.height * 14 / 100)[SIZE.width * 31 / 100];

@@ -5,13 +5,16 @@
 
 #include "vulkan/draw/ColorEncoding.h"
 #include "vulkan/draw/Gpu.h"
+#include "vulkan/draw/Placing.h"
 
 namespace vulkan {
 
 /// Values of a draw that the shaders read.
 struct Places {
-    float toClip[4];     ///< from positions to clip space: x and y are factors, z and w are added
-    float toTexture[4];  ///< from uv to texture coordinates
+    glm::vec4 toClip;     ///< the axes of a Placing, from positions to clip space
+    glm::vec4 toTexture;  ///< from uv to texture coordinates
+    glm::vec2 clipOrigin;
+    glm::vec2 textureOrigin;
     std::uint32_t isPicture;
 };
 

@@ -81,7 +81,7 @@ entry::Obstacle Renderer::show(drawlist::DrawList& list, const Frame& frame, VkS
     what.vertices = hasVertices ? mVertices.number() : 0;
     what.isAfterAll = frame.waitCount == 0;
     what.hasPicture = list.batch.hasPicture() && mThumbnail.isTaken();
-    what.pictureToTexture = what.hasPicture ? mThumbnail.toTexture(list.batch) : glm::vec4(0.0F);
+    what.pictureToTexture = what.hasPicture ? mThumbnail.toTexture(list.batch) : Placing();
     const bool comesAgain = frame.hasOverlay && frame.picture.empty() && !isThumbnailTaken &&
                             mThumbnail.isPrepared() && mGlyphs.isUpToDate(list.glyphs);
     VkCommandBuffer commands = mRing.begin(comesAgain ? std::optional(what) : std::nullopt);
@@ -155,17 +155,17 @@ void Renderer::recordDraws(const Recording& what, VkCommandBuffer commands) {
     vk.CmdBindDescriptorSets(commands, VK_PIPELINE_BIND_POINT_GRAPHICS, mPipelines.layout(), 0, 1, &mSet, 0,
                              nullptr);
     vk.CmdBindVertexBuffers(commands, 0, 1, &vertices, &VertexBuffers::FIRST_VERTEX);
+    Placing toClip = mSwapchain.upright().toImage.times({2.0F / width, 2.0F / height});
+    toClip.origin -= 1.0F;
+    const Placing toGlyphs = Placing().times(glm::vec2(1.0F / static_cast<float>(mGlyphSide)));
     constexpr auto PICTURE = static_cast<std::size_t>(drawlist::Batch::Part::PICTURE);
     for (std::size_t part = 0; part < drawlist::Batch::PARTS; ++part) {
         const bool isPicture = part == PICTURE;
         if (isPicture && !what.hasPicture) {
             continue;
         }
-        const float toGlyphs = 1.0F / static_cast<float>(mGlyphSide);
-        const glm::vec4 toTexture =
-            isPicture ? what.pictureToTexture : glm::vec4(toGlyphs, toGlyphs, 0.0F, 0.0F);
-        const Places places = {{2.0F / width, 2.0F / height, -1.0F, -1.0F},
-                               {toTexture.x, toTexture.y, toTexture.z, toTexture.w},
+        const Placing toTexture = isPicture ? what.pictureToTexture : toGlyphs;
+        const Places places = {toClip.axes, toTexture.axes, toClip.origin, toTexture.origin,
                                isPicture ? 1U : 0U};
         vk.CmdPushConstants(commands, mPipelines.layout(),
                             VK_SHADER_STAGE_VERTEX_BIT | VK_SHADER_STAGE_FRAGMENT_BIT, 0, sizeof(places),

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "vulkan/draw/Gpu.h"
+#include "vulkan/draw/Upright.h"
 
 namespace vulkan {
 
@@ -15,6 +16,9 @@ struct SwapchainImages {
     std::uint32_t layers = 1;
     bool isReadable = false;  ///< its images can be copied from
     std::vector<VkImage> images;
+    VkSurfaceTransformFlagBitsKHR transform = VK_SURFACE_TRANSFORM_IDENTITY_BIT_KHR;  ///< of their content
+
+    Upright upright() const { return {size, transform}; }
 };
 
 }  // namespace vulkan

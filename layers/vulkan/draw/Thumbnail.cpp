@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "vulkan/draw/ColorEncoding.h"
 
@@ -53,6 +54,7 @@ VkExtent2D sizeFor(bool isPossible) {
 Thumbnail::Thumbnail(const Gpu& gpu, const SwapchainImages& swapchain)
     : mGpu(gpu),
       mSurface(swapchain.size),
+      mUpright(swapchain.upright()),
       mIsPossible(canTake(gpu, swapchain)),
       mImage(gpu, mIsPossible ? formatFor(swapchain) : VK_FORMAT_R8G8B8A8_UNORM, sizeFor(mIsPossible),
              VK_IMAGE_USAGE_SAMPLED_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT) {}
@@ -76,6 +78,9 @@ void Thumbnail::take(drawlist::DrawList& list, VkImage image, VkCommandBuffer co
             raster::toInt(std::round(SCALE * length), 1, static_cast<int>(SIDE)));
     };
     mUsed = {side(box.mRight - box.mLeft), side(box.mBottom - box.mTop)};
+    if (mUpright.size.width != mSurface.width) {
+        std::swap(mUsed.width, mUsed.height);
+    }
     move(mGpu, commands, mImage.handle(), {READ.stages, 0, VK_IMAGE_LAYOUT_UNDEFINED}, WRITTEN);
     VkImageBlit blit = {};
     blit.srcSubresource = WHOLE_LAYER;
@@ -90,13 +95,16 @@ void Thumbnail::take(drawlist::DrawList& list, VkImage image, VkCommandBuffer co
     mIsTaken = true;
 }
 
-glm::vec4 Thumbnail::toTexture(const drawlist::Batch& batch) const {
+Placing Thumbnail::toTexture(const drawlist::Batch& batch) const {
     const raster::Box& box = batch.pictureBox();
-    const glm::vec2 used =
-        glm::vec2(mUsed.width, mUsed.height) / glm::vec2(mImage.size().width, mImage.size().height);
-    const glm::vec2 factor = used / glm::vec2(box.mRight - box.mLeft, box.mBottom - box.mTop);
+    const glm::vec2 size(box.mRight - box.mLeft, box.mBottom - box.mTop);
+    const glm::vec2 upright(mUpright.size.width, mUpright.size.height);
     const glm::vec2 first(batch.picturePixels().mLeft, batch.picturePixels().mTop);
-    return {factor, (first - glm::vec2(box.mLeft, box.mTop)) * factor};
+    const glm::vec2 shift = (first - glm::vec2(box.mLeft, box.mTop)) * upright / size;
+    const glm::vec2 used(mUsed.width, mUsed.height);
+    const glm::vec2 all(mImage.size().width, mImage.size().height);
+    return mUpright.toImage.after(upright / size, shift)
+        .times(used / all / glm::vec2(mSurface.width, mSurface.height));
 }
 
 }  // namespace vulkan

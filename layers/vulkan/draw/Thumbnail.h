@@ -31,13 +31,14 @@ public:
     bool isPrepared() const { return mIsPrepared; }
 
     /// From the uv of the picture's vertices to texture coordinates.
-    glm::vec4 toTexture(const drawlist::Batch& batch) const;
+    Placing toTexture(const drawlist::Batch& batch) const;
 
     VkImageView view() const { return mImage.view(); }
 
 private:
     const Gpu& mGpu;
     VkExtent2D mSurface;
+    Upright mUpright;
     bool mIsPossible;
     DeviceImage mImage;
     bool mIsPrepared = false;

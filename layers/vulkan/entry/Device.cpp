@@ -121,6 +121,7 @@ VkResult Device::createSwapchain(const VkSwapchainCreateInfoKHR& info, const VkA
         swapchain->images.colorSpace = info.imageColorSpace;
         swapchain->images.size = info.imageExtent;
         swapchain->images.layers = info.imageArrayLayers;
+        swapchain->images.transform = info.preTransform;
         swapchain->images.isReadable = (changed.imageUsage & WANTED) == WANTED;
         if (swapchain->obstacle == nullptr) {
             readImages(*swapchain);

@@ -85,6 +85,12 @@ VKAPI_ATTR void VKAPI_CALL destroyInstance(VkInstance instance, const VkAllocati
     }
 }
 
+/// For a loader without a function for it: its objects begin with what the device begins with.
+VKAPI_ATTR VkResult VKAPI_CALL takeDevicesData(VkDevice device, void* object) {
+    *static_cast<void**>(object) = keyOf(device);
+    return VK_SUCCESS;
+}
+
 VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, const VkDeviceCreateInfo* info,
                                             const VkAllocationCallbacks* allocator, VkDevice* device) {
     auto* const link = findLink<VkLayerDeviceCreateInfo>(
@@ -123,7 +129,7 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, con
     gpu.instance = &instance->functions;
     gpu.isCalibrated = isCalibrated;
     const bool isComplete = gpu.vk.load(*device, lookUp);
-    gpu.setLoaderData = callback == nullptr ? nullptr : callback->u.pfnSetDeviceLoaderData;
+    gpu.setLoaderData = callback == nullptr ? takeDevicesData : callback->u.pfnSetDeviceLoaderData;
     if (instance->functions.GetPhysicalDeviceMemoryProperties != nullptr) {
         instance->functions.GetPhysicalDeviceMemoryProperties(physicalDevice, &gpu.memory);
     }
@@ -208,9 +214,6 @@ VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKH
     }
 }
 
-VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name);
-VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getInstanceProcAddr(VkInstance instance, const char* name);
-
 PFN_vkVoidFunction findDeviceHook(const char* name) {
     static const Hook HOOKS[] = {
         {"vkGetDeviceProcAddr", erase(getDeviceProcAddr)}, {"vkDestroyDevice", erase(destroyDevice)},
@@ -228,6 +231,8 @@ PFN_vkVoidFunction findInstanceHook(const char* name) {
                                  {"vkCreateDevice", erase(createDevice)}};
     return findHook(HOOKS, name);
 }
+
+}  // namespace
 
 /// A function that the application did not ask for is not there for it, hooked or not.
 VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name) {
@@ -259,20 +264,4 @@ VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getInstanceProcAddr(VkInstance instance
     return hook == nullptr ? next : hook;
 }
 
-}  // namespace
-
 }  // namespace vulkan
-
-extern "C" [[gnu::visibility("default")]] VKAPI_ATTR VkResult VKAPI_CALL
-vkNegotiateLoaderLayerInterfaceVersion(VkNegotiateLayerInterface* negotiation) {
-    constexpr std::uint32_t VERSION = 2;
-    if (negotiation == nullptr || negotiation->sType != LAYER_NEGOTIATE_INTERFACE_STRUCT ||
-        negotiation->loaderLayerInterfaceVersion < VERSION) {
-        return VK_ERROR_INITIALIZATION_FAILED;
-    }
-    negotiation->loaderLayerInterfaceVersion = VERSION;
-    negotiation->pfnGetInstanceProcAddr = vulkan::getInstanceProcAddr;
-    negotiation->pfnGetDeviceProcAddr = vulkan::getDeviceProcAddr;
-    negotiation->pfnGetPhysicalDeviceProcAddr = nullptr;
-    return VK_SUCCESS;
-}

@@ -38,6 +38,10 @@ PFN_vkVoidFunction findHook(const Hooks& hooks, const char* name) {
     return nullptr;
 }
 
+/// The look-ups that a program meets: our functions, and those below.
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getInstanceProcAddr(VkInstance instance, const char* name);
+VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, const char* name);
+
 /// The functions of a device that time needs. Null for any other name.
 PFN_vkVoidFunction findTimingHook(const char* name);
 

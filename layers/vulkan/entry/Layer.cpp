@@ -111,8 +111,8 @@ Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
         takeTimes(present);
     }
     mPasses.onFrameEnd();
-    mList.setSize(static_cast<int>(swapchain.images.size.width),
-                  static_cast<int>(swapchain.images.size.height));
+    const VkExtent2D size = swapchain.images.upright().size;
+    mList.setSize(static_cast<int>(size.width), static_cast<int>(size.height));
     Obstacle obstacle = beginFrame();
     const bool hasOverlay = obstacle == nullptr;
     if (!mIsInFrame || (!hasOverlay && !isPictureWanted())) {

@@ -5,6 +5,8 @@ layout(location = 0) out vec4 pixel;
 layout(push_constant) uniform Places {
     vec4 toClip;
     vec4 toTexture;
+    vec2 clipOrigin;
+    vec2 textureOrigin;
     uint isPicture;
 };
 layout(set = 0, binding = 0) uniform sampler2D glyphs;

@@ -7,10 +7,15 @@ layout(location = 1) out vec4 shade;
 layout(push_constant) uniform Places {
     vec4 toClip;
     vec4 toTexture;
+    vec2 clipOrigin;
+    vec2 textureOrigin;
     uint isPicture;
 };
+vec2 place(vec2 at, vec4 axes) {
+    return vec2(dot(axes.xy, at), dot(axes.zw, at));
+}
 void main() {
-    gl_Position = vec4(position * toClip.xy + toClip.zw, 0.0, 1.0);
-    coordinate = vec2(uv) * toTexture.xy + toTexture.zw;
+    gl_Position = vec4(place(position, toClip) + clipOrigin, 0.0, 1.0);
+    coordinate = place(vec2(uv), toTexture) + textureOrigin;
     shade = color;
 }

@@ -165,7 +165,7 @@ void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
         info.queueFamilyIndexCount = families.size();
         info.pQueueFamilyIndices = families.data();
     }
-    info.preTransform = surface.currentTransform;
+    info.preTransform = static_cast<VkSurfaceTransformFlagBitsKHR>(mSetup.turn);
     info.compositeAlpha = VK_COMPOSITE_ALPHA_OPAQUE_BIT_KHR;
     info.presentMode = mSetup.mode;
     info.clipped = VK_TRUE;

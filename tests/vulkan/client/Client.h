@@ -24,6 +24,7 @@ struct Setup {
     std::uint32_t family = 0;      ///< of the queue that presents
     std::uint32_t queues = 1;      ///< of that family, presenting in turns
     std::uint32_t minor = 3;       ///< of Vulkan's version
+    std::uint32_t turn = 1;        ///< of the picture, a VkSurfaceTransformFlagBitsKHR
     bool isProtected = false;
     bool isWaiting = true;  ///< a present waits for a semaphore, rather than the program for its queue
     std::string chain;      ///< of each present: "regions", or "unknown" for those behind something unknown

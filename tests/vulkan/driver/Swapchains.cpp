@@ -91,8 +91,8 @@ VKAPI_ATTR VkResult VKAPI_CALL getCapabilities(VkPhysicalDevice device, VkSurfac
         capabilities->minImageExtent = {1, 1};
         capabilities->maxImageExtent = {4096, 4096};
         capabilities->maxImageArrayLayers = 2;
-        capabilities->supportedTransforms = capabilities->currentTransform =
-            VK_SURFACE_TRANSFORM_IDENTITY_BIT_KHR;
+        capabilities->supportedTransforms = 0x1FF;
+        capabilities->currentTransform = VK_SURFACE_TRANSFORM_IDENTITY_BIT_KHR;
         capabilities->supportedCompositeAlpha = VK_COMPOSITE_ALPHA_OPAQUE_BIT_KHR;
         capabilities->supportedUsageFlags = ALL;
     } else if (const VkResult result =
