@@ -30,9 +30,9 @@ struct Real {
 void* realQuerySurface(void* sibling);
 
 /// A program that measures with OpenGL ES's timer queries looks these up; we must not clear its flag.
-inline void noteTimerQueries(const char* name) {
-    constexpr const char* NAMES[] = {"glQueryCounterEXT", "glBeginQueryEXT", "glGetQueryObjectui64vEXT",
-                                     "glGetQueryObjecti64vEXT"};
+[[gnu::noinline]] inline void noteTimerQueries(const char* name) {
+    static constexpr const char* NAMES[] = {"glQueryCounterEXT", "glBeginQueryEXT",
+                                            "glGetQueryObjectui64vEXT", "glGetQueryObjecti64vEXT"};
     if (name == nullptr || strncmp(name, "gl", 2) != 0) {
         return;
     }

@@ -62,7 +62,7 @@ Json toJson(const FigureReport& report, std::uint64_t seenFrames) {
     all["frame_count"] = report.frames;
     Json& frames = all["frames"] = Json::array();
     const std::uint64_t fresh = report.frames - std::min(seenFrames, report.frames);
-    const std::size_t count = std::min<std::uint64_t>(fresh, report.lastFrames.size());
+    const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(fresh, report.lastFrames.size()));
     for (std::size_t i = report.lastFrames.size() - count; i < report.lastFrames.size(); ++i) {
         const FigureReport::Frame& frame = report.lastFrames[i];
         frames.push_back({{"total", milliseconds(frame.total)},
