@@ -11,6 +11,6 @@ Claim claimOverlay(const std::string& /*processName*/, std::int32_t /*api*/) {
 
 void writeOverlayNote(const OverlayNote& /*note*/) {}
 
-void beginOwnRun(OwnProperties (*/*readProperties*/)()) {}
+void beginOwnRun(OwnProperties (* /*readProperties*/)()) {}
 
 }  // namespace platform

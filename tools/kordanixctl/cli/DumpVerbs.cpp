@@ -20,8 +20,9 @@ void addConversion(CLI::App& app, const char* name, const char* description, con
     };
     const auto options = std::make_shared<Options>();
     CLI::App* const verb = addVerb(app, name, description);
-    verb->add_option("FOLDER", options->folder,
-                     "A dump's folder, or one with dumps in it: then the newest of them. Or the file of a log")
+    verb->add_option(
+            "FOLDER", options->folder,
+            "A dump's folder, or one with dumps in it: then the newest of them. Or the file of a log")
         ->type_name("")
         ->required();
     verb->add_option(file, options->path, "File to write or replace")->type_name("")->required();
