@@ -51,7 +51,8 @@ TEST_P(UnderValidation, NothingIsSaidOfTheOverlayNorOfTheProgram) {
 
 INSTANTIATE_TEST_SUITE_P(
     Each, UnderValidation,
-    testing::Values("vkcube --c 90", "vkcube --c 90 --present_mode 0", "vkcube --c 90 --present_mode 1",
+    testing::Values("vkcube --c 90", "timeout -s INT 2 /usr/libexec/installed-tests/SDL2/testvulkan",
+                    "vkcube --c 90 --present_mode 0", "vkcube --c 90 --present_mode 1",
                     "'" CLIENT "' passes 40 nulls", "'" CLIENT "' swapchains=2 minor=1 random 3 present 20",
                     "'" CLIENT "' present 40 resize 300 200 present 40 renew present 40 surfaces present 20",
                     STAND_IN "format=half layers=2 minor=2 random 4", STAND_IN "format=hdr random 5",

@@ -77,7 +77,8 @@ INSTANTIATE_TEST_SUITE_P(
                     RealProgram{"glmark2", {"glmark2", "-b", "build", "-s", "800x600"}, true},
                     RealProgram{"glmark2_es2", {"glmark2-es2", "-b", "shading", "-s", "800x600"}, true},
                     RealProgram{"sdl_gl2", {SDL_PROGRAMS "testgl2"}, false},
-                    RealProgram{"sdl_gles2", {SDL_PROGRAMS "testgles2"}, false}),
+                    RealProgram{"sdl_gles2", {SDL_PROGRAMS "testgles2"}, false},
+                    RealProgram{"vkcube", {"vkcube"}, false}),
     [](const auto& each) { return std::string(each.param.name); });
 
 /// Digits out, since they are speeds, and what 'run' adds when a program ended before its first frame.
