@@ -12,6 +12,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# The environment is for programs that start another of ours: they have to name the emulator themselves.
+# The environment is for programs that start another of ours: they have to name the emulator themselves, by its path,
+# since some tests take PATH away.
+find_program(KORDANIX_QEMU qemu-arm REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR
-  qemu-arm -L ${kordanix_sysroot} -E QEMU_LD_PREFIX=${kordanix_sysroot} -E KORDANIX_EMULATOR=qemu-arm)
+  ${KORDANIX_QEMU} -L ${kordanix_sysroot} -E QEMU_LD_PREFIX=${kordanix_sysroot} -E KORDANIX_EMULATOR=${KORDANIX_QEMU})
