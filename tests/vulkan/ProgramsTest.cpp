@@ -1,9 +1,12 @@
 #include "opengl/context/VirtualDisplay.h"
+#include "opengl/context/WidgetPixels.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <cstring>
 #include <fstream>
 
 namespace {
@@ -195,21 +198,55 @@ TEST(VulkanPrograms, GoOnWhateverTheOverlayIsRefused) {
     EXPECT_GT(refused, 5);
 }
 
-/// Of the pixels in a layer of a picture that the driver wrote; -1 without one.
-double shareThatIsNotBlack(const std::string& file, std::size_t layer) {
+/// A layer of a picture that the driver wrote, of a pixel's bytes the first four; empty without one.
+Image readPicture(const std::string& file, std::size_t layer) {
     std::ifstream in(file, std::ios::binary);
     std::size_t width = 0, height = 0, layers = 0, format = 0, bytes = 0;
     if (!(in >> width >> height >> layers >> format >> bytes) || in.get() != '\n' || layer >= layers) {
-        return -1.0;
+        return {};
     }
     std::string pixels(width * height * bytes, '\0');
     in.ignore(static_cast<std::streamsize>(layer * pixels.size()));
     in.read(pixels.data(), static_cast<std::streamsize>(pixels.size()));
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < pixels.size(); i += bytes) {
-        count += pixels.compare(i, bytes, pixels, 0, bytes) == 0 ? 0 : 1;
+    Image image(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height));
+    for (std::size_t i = 0; i < image.mPixels.size(); ++i) {
+        std::memcpy(&image.mPixels[i], &pixels[i * bytes], sizeof(software::Pixel));
     }
-    return static_cast<double>(count) / static_cast<double>(width * height);
+    return image;
+}
+
+/// Of the pixels in a layer of a picture that the driver wrote; -1 without one.
+double shareThatIsNotBlack(const std::string& file, std::size_t layer) {
+    const Image image = readPicture(file, layer);
+    const auto isOther = [&](const software::Pixel& pixel) { return !(pixel == image.mPixels[0]); };
+    const auto count = std::count_if(image.mPixels.begin(), image.mPixels.end(), isOther);
+    return image.mPixels.empty() ? -1.0
+                                 : static_cast<double>(count) / static_cast<double>(image.mPixels.size());
+}
+
+TEST(VulkanPrograms, OutsideTheWidgetsAMovingPictureIsAsWithout) {
+    ASSERT_THAT(VirtualDisplay::get().name(), testing::Not(testing::IsEmpty()));
+    const support::TemporaryDirectory folder;
+    for (const std::string frame : {"7", "60"}) {
+        SCOPED_TRACE(frame);
+        std::vector<Image> pictures;
+        for (const std::string run :
+             {"", "'" KORDANIXCTL "' run --set bg_color=#FFFFFF --set widget_fps=true -- "}) {
+            auto variables = environment();
+            const std::string file = folder.path() + "/picture" + std::to_string(pictures.size());
+            variables["VK_ICD_FILENAMES"] = STAND_IN_DRIVER;
+            variables["STAND_IN"] = "unseen shot=" + frame + ":" + file;
+            const support::Outcome outcome = support::run({"sh", "-c", run + "vkcube --c 61"}, variables);
+            EXPECT_EQ(outcome.status, 0) << outcome.err;
+            pictures.push_back(readPicture(file, 0));
+        }
+        ASSERT_FALSE(pictures[0].mPixels.empty());
+        ASSERT_EQ(pictures[0].mPixels.size(), pictures[1].mPixels.size());
+        const std::vector<PixelShare> shares = compareWidgets(pictures[0], pictures[1]);
+        EXPECT_EQ(shares.back().differing, 0);
+        EXPECT_GT(shares.back().all, 100000);
+        EXPECT_GT(shares.front().differing, shares.front().all / 4);
+    }
 }
 
 TEST(VulkanPrograms, HaveTheOverlayInEveryFormatAndLayerOfTheFirstSwapchain) {

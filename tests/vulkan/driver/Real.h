@@ -8,6 +8,7 @@
 
 /// A driver for tests: Mesa's software driver, and in front of it what that lacks. STAND_IN in the
 /// environment names, with blanks between, what is to be so besides:
+///   unseen            what is presented to a window is not shown there either, so that it can be shot
 ///   plain             images of swapchains can only be copied to
 ///   shot=N:FILE       the N-th picture that is presented is written (see Swapchains.h)
 ///   lose=N            with the N-th present the device is lost
