@@ -68,10 +68,11 @@ echo "Random sequences under validation with synchronisation and thread safety: 
 
 if [ $soak != 20 ]; then
     settings "$synchronisation,$practices"
-    # The loader asks a folder's layers before those of the next, so that this one is above validation.
-    layers=/usr/share/vulkan/explicit_layer.d
-    mkdir above && cp $layers/VkLayer_MESA_overlay.json above
-    mesa="env VK_LAYER_PATH=$PWD/above:$layers VK_INSTANCE_LAYERS=VK_LAYER_MESA_overlay:VK_LAYER_KHRONOS_validation"
+    # The loader puts a folder's layers above those of the next folder.
+    mkdir above below
+    cp /usr/share/vulkan/explicit_layer.d/VkLayer_MESA_overlay.json above
+    cp /usr/share/vulkan/explicit_layer.d/VkLayer_khronos_validation.json below
+    mesa="env VK_LAYER_PATH=$PWD/above:$PWD/below VK_INSTANCE_LAYERS=VK_LAYER_MESA_overlay:VK_LAYER_KHRONOS_validation"
     for candidate in "bare:" "ours:${run[*]}" "mangohud:mangohud" "Mesa's overlay:$mesa"; do
         # shellcheck disable=SC2086
         validated ${candidate#*:} vkcube --c 120 || true
