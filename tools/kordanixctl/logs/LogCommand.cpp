@@ -6,10 +6,10 @@
 #include "io/ProcessStart.h"
 #include "ostra/ProcessSocket.h"
 #include "ostra/logs/LogNotice.h"
+#include "overlays/ChosenOverlays.h"
 #include "overlays/OverlayState.h"
 #include "processes/ProcessInfo.h"
 #include "properties/Notices.h"
-#include "properties/RuntimeDirectory.h"
 
 #include <unistd.h>
 
@@ -104,7 +104,7 @@ ExitCode ask(const std::string& directory, pid_t process, const LogRequest& requ
             return fail(who + " has ended", err);
         }
     }
-    const std::string obstacle = findObstacle(directory, process);
+    const std::string obstacle = findObstacle(directory, process, true);
     return failToLog(
         who + ' ' +
             (obstacle.empty() ? "does not answer: its layer keeps no frame times, or it can write no "
@@ -118,18 +118,13 @@ ExitCode ask(const std::string& directory, pid_t process, const LogRequest& requ
 
 ExitCode controlLog(const LogRequest& request, std::optional<pid_t> process, std::ostream& out,
                     std::ostream& err) {
-    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    if (!directory.error.empty()) {
-        return fail(directory.error, err);
-    }
-    std::string error;
-    const std::vector<pid_t> showing = findShowing(directory.path, process, error);
-    if (!error.empty()) {
-        return failToLog(error, err);
+    const ChosenOverlays chosen = chooseOverlays(process, Overlay::LOADED);
+    if (!chosen.error.empty()) {
+        return failToLog(chosen.error, err);
     }
     ExitCode result = SUCCESS;
-    for (const pid_t each : showing) {
-        const ExitCode answered = ask(directory.path, each, request, out, err);
+    for (const pid_t each : chosen.processes) {
+        const ExitCode answered = ask(chosen.directory, each, request, out, err);
         result = result == SUCCESS ? answered : result;
     }
     return result;

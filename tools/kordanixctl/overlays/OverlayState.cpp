@@ -21,11 +21,12 @@ bool contains(const std::vector<pid_t>& processes, pid_t process) {
     return std::find(processes.begin(), processes.end(), process) != processes.end();
 }
 
-std::string obstacleOf(const OverlayState& state, const std::vector<pid_t>& listening, pid_t process) {
+std::string obstacleOf(const OverlayState& state, const std::vector<pid_t>& listening, pid_t process,
+                       bool mayBeOff) {
     if (isStopped(process)) {
         return "is stopped; 'kill -CONT " + std::to_string(process) + "' lets it go on";
     }
-    std::string obstacle = state.obstacle(process);
+    std::string obstacle = state.obstacle(process, mayBeOff);
     if (!contains(listening, process) && (obstacle.empty() || state.note(process) == nullptr)) {
         obstacle = "shows no overlay: it has none, or has presented no frame yet";
     }
@@ -70,8 +71,8 @@ const platform::OverlayNote* OverlayState::note(pid_t process) const {
     return found == mNotes.end() ? nullptr : &*found;
 }
 
-std::string OverlayState::obstacle(pid_t process) const {
-    if (displayedValue("status") != "true") {
+std::string OverlayState::obstacle(pid_t process, bool mayBeOff) const {
+    if (!mayBeOff && displayedValue("status") != "true") {
         return "does not show the overlay, which is switched off";
     }
     if (mClaimant && *mClaimant != process) {
@@ -99,7 +100,7 @@ std::string OverlayState::obstacle(pid_t process) const {
     return its->reason.empty() ? std::string() : "does not show the overlay: " + its->reason;
 }
 
-std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process,
+std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process, bool mayBeOff,
                                std::string& error) {
     const OverlayState state(directory);
     const std::vector<pid_t> listening = platform::listeningProcesses(directory);
@@ -111,7 +112,7 @@ std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t
     std::vector<std::string> obstacles;
     for (const pid_t each : meant) {
         if (platform::processStart(each)) {
-            const std::string obstacle = obstacleOf(state, listening, each);
+            const std::string obstacle = obstacleOf(state, listening, each, mayBeOff);
             if (obstacle.empty()) {
                 showing.push_back(each);
             } else {
@@ -128,8 +129,8 @@ std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t
     return showing;
 }
 
-std::string findObstacle(const std::string& directory, pid_t process) {
-    return obstacleOf(OverlayState(directory), platform::listeningProcesses(directory), process);
+std::string findObstacle(const std::string& directory, pid_t process, bool mayBeOff) {
+    return obstacleOf(OverlayState(directory), platform::listeningProcesses(directory), process, mayBeOff);
 }
 
 std::string describeProcess(pid_t process, const std::string& name) {

@@ -37,8 +37,9 @@ public:
     std::optional<pid_t> claimant() const { return mClaimant; }
 
     /// Why the process does not show the overlay, as the end of a sentence: "is not the one that shows the
-    /// overlay ...". Empty when it does, or when we know no reason.
-    std::string obstacle(pid_t process) const;
+    /// overlay ...". Empty when it does, or when we know no reason. With `mayBeOff`, being switched off is
+    /// none.
+    std::string obstacle(pid_t process, bool mayBeOff = false) const;
 
 private:
     std::string mDirectory;
@@ -46,14 +47,15 @@ private:
     std::optional<pid_t> mClaimant;
 };
 
-/// Returns those of a verb's processes (see recipients()) that show the overlay now and can take a request.
-/// When there is none, the list is empty and `error` has the reason for each process.
-std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process,
+/// Returns those of a verb's processes (see recipients()) that show the overlay now, or with `mayBeOff` would
+/// if it were switched on, and can take a request. When there is none, the list is empty and `error` has the
+/// reason for each process.
+std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process, bool mayBeOff,
                                std::string& error);
 
 /// Why a process that showed the overlay takes no request now, as the end of a sentence; empty when we know
 /// no reason.
-std::string findObstacle(const std::string& directory, pid_t process);
+std::string findObstacle(const std::string& directory, pid_t process, bool mayBeOff = false);
 
 /// "process 12 (glxgears)".
 std::string describeProcess(pid_t process, const std::string& name);

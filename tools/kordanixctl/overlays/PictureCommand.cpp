@@ -4,14 +4,12 @@
 #include "io/ProcessStart.h"
 #include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
+#include "overlays/ChosenOverlays.h"
 #include "overlays/LogsFolder.h"
 #include "overlays/OverlayState.h"
 #include "overlays/Pam.h"
 #include "overlays/PictureDelivery.h"
-#include "processes/Addressing.h"
-#include "processes/ProcessInfo.h"
 #include "properties/Notices.h"
-#include "properties/RuntimeDirectory.h"
 #include "software/Image.h"
 #include "software/Png.h"
 
@@ -110,24 +108,16 @@ ExitCode savePicture(std::optional<pid_t> process, const std::string& path, doub
     if (isNamed && !endsInPng(path)) {
         return fail(path + ": pictures are PNG files; the name must end in .png", err, USAGE_ERROR);
     }
-    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    std::string error = directory.error;
-    const std::vector<pid_t> targets =
-        error.empty() ? findShowing(directory.path, process, error) : std::vector<pid_t>();
-    if (targets.size() > 1) {
-        error = "several programs could be meant:";
-        for (const pid_t target : targets) {
-            error += "\n  " + std::to_string(target) + ' ' + processName(target);
-        }
-    }
+    const ChosenOverlays chosen = chooseOverlay(process, Overlay::SHOWN);
+    std::string error = chosen.error;
     software::Image image;
     std::string file = path;
     if (error.empty() && !isNamed) {
-        file = newLogsFile(targets.front(), ".png", error);
+        file = newLogsFile(chosen.processes.front(), ".png", error);
         std::this_thread::sleep_for(noticeRest());  // what the last key did is not for this picture
     }
     if (error.empty()) {
-        error = fetchPicture(directory.path, targets.front(), seconds, image);
+        error = fetchPicture(chosen.directory, chosen.processes.front(), seconds, image);
     }
     const bool isSaved = error.empty() && software::writePng(image, file, error);
     if (!isNamed) {

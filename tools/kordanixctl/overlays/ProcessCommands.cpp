@@ -2,11 +2,10 @@
 
 #include "Diagnostic.h"
 #include "ostra/ProcessSocket.h"
+#include "overlays/ChosenOverlays.h"
 #include "overlays/DumpAnswers.h"
 #include "overlays/OverlayState.h"
-#include "processes/Addressing.h"
 #include "processes/ProcessInfo.h"
-#include "properties/RuntimeDirectory.h"
 #include "settings/Properties.h"
 
 #include <vector>
@@ -22,12 +21,11 @@ constexpr std::int32_t ACTION_PRESSED = 1;
 
 /// Sends a message and prints that it did. Returns the processes that took it; sets `result` when one did
 /// not.
-std::vector<pid_t> send(const std::string& directory, const std::vector<pid_t>& processes,
-                        const platform::ProcessMessage& message, const std::string& what, ExitCode& result,
-                        std::ostream& out, std::ostream& err) {
+std::vector<pid_t> send(const ChosenOverlays& overlays, const platform::ProcessMessage& message,
+                        const std::string& what, ExitCode& result, std::ostream& out, std::ostream& err) {
     std::vector<pid_t> reached;
-    for (const pid_t process : processes) {
-        const std::string error = platform::sendMessage(directory, process, message);
+    for (const pid_t process : overlays.processes) {
+        const std::string error = platform::sendMessage(overlays.directory, process, message);
         if (!error.empty()) {
             result = fail(error, err);
             continue;
@@ -41,14 +39,9 @@ std::vector<pid_t> send(const std::string& directory, const std::vector<pid_t>& 
 }  // namespace
 
 ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
-    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    if (!directory.error.empty()) {
-        return fail(directory.error, err);
-    }
-    std::string error;
-    const std::vector<pid_t> showing = findShowing(directory.path, process, error);
-    if (!error.empty()) {
-        return fail(error, err);
+    const ChosenOverlays chosen = chooseOverlays(process, Overlay::SHOWN);
+    if (!chosen.error.empty()) {
+        return fail(chosen.error, err);
     }
     if (displayedValue("devmode") != "true") {
         return fail(
@@ -57,13 +50,12 @@ ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std:
             "on",
             err);
     }
-    DumpAnswers answers(directory.path, showing);
+    DumpAnswers answers(chosen.directory, chosen.processes);
     platform::ProcessMessage message;
     message.key = {key == Key::DUMP ? KEYCODE_VOLUME_UP : KEYCODE_VOLUME_DOWN, ACTION_PRESSED};
     ExitCode result = SUCCESS;
     const std::vector<pid_t> reached =
-        send(directory.path, showing, message, key == Key::DUMP ? "the dump key" : "the capture key", result,
-             out, err);
+        send(chosen, message, key == Key::DUMP ? "the dump key" : "the capture key", result, out, err);
     out.flush();
     if (key == Key::DUMP) {
         const ExitCode answered = answers.await(reached, out, err);
@@ -73,18 +65,14 @@ ExitCode pressKey(Key key, std::optional<pid_t> process, std::ostream& out, std:
 }
 
 ExitCode sendToBackground(std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
-    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    if (!directory.error.empty()) {
-        return fail(directory.error, err);
-    }
-    const std::vector<pid_t> all = recipients(directory.path, process);
-    if (all.empty()) {
-        return fail(nobodyListens(directory.path), err);
+    const ChosenOverlays all = chooseListeners(process);
+    if (!all.error.empty()) {
+        return fail(all.error, err);
     }
     platform::ProcessMessage message;
     message.kind = platform::ProcessMessage::Kind::BACKGROUND;
     ExitCode result = SUCCESS;
-    send(directory.path, all, message, "the background notice", result, out, err);
+    send(all, message, "the background notice", result, out, err);
     return result;
 }
 

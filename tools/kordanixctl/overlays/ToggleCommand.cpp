@@ -1,21 +1,17 @@
 #include "overlays/ToggleCommand.h"
 
 #include "Diagnostic.h"
+#include "overlays/ChosenOverlays.h"
 #include "overlays/OverlayState.h"
-#include "processes/Addressing.h"
 #include "properties/Notices.h"
-#include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
 
 namespace control {
 
 ExitCode toggleOverlay(std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
-    const platform::RuntimeDirectory directory = platform::openRuntimeDirectory();
-    if (!directory.error.empty()) {
-        return fail(directory.error, err);
-    }
-    if (recipients(directory.path, process).empty() && OverlayState(directory.path).processes().empty()) {
-        return fail(nobodyListens(directory.path), err);
+    const ChosenOverlays chosen = chooseListeners(process);
+    if (!chosen.error.empty() && OverlayState(chosen.directory).processes().empty()) {
+        return fail(chosen.error, err);
     }
     const bool isShown = displayedValue("status") != "true";
     const std::string what = isShown ? "Overlay shown" : "Overlay hidden";
