@@ -34,6 +34,12 @@ void FrameLog::tell(const figures::Metrics& metrics) {
     }
 }
 
+void FrameLog::tellNothing() {
+    if (Ostra::setLogValues != nullptr) {
+        Ostra::setLogValues(nullptr, 0);
+    }
+}
+
 void FrameLog::tellFrame(FrameTimes& times) {
     if (Ostra::logFrame != nullptr) {
         const FrameTime& frame = times.ago(0);

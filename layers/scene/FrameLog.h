@@ -21,6 +21,9 @@ public:
     /// After a refresh: the values from now on.
     void tell(const figures::Metrics& metrics);
 
+    /// The figures are not measured from now on.
+    void tellNothing();
+
     /// The last frame, which ended at swappedAt().
     void tellFrame(FrameTimes& times);
 

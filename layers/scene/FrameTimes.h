@@ -30,6 +30,9 @@ public:
     void onSwapped();  ///< it has returned
     void onLeft();     ///< the layer returns to the application
 
+    /// The layer does not tell any more when it is called.
+    void forgetHook() { mHookedAt = 0; }
+
     /// Ends the frame whose swap has returned. Returns whether its length is known, which needs a frame
     /// before it.
     bool finish();

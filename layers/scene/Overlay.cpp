@@ -50,6 +50,7 @@ void Overlay::onDetach() {
     core::StateInfo::onDetached();
     mScene.suspend();
     mIsShown = false;
+    mIsTimed = false;
     mHasNotice = false;
 }
 
@@ -92,7 +93,12 @@ void Overlay::update(bool isPublished) {
 
 void Overlay::decide() {
     const bool wasShown = mIsShown;
+    const bool wasTimed = mIsTimed;
     mIsShown = core::StateInfo::isOverlayEnabled(mApi);
+    mIsTimed = mIsShown || isChosen(mApi);
+    if (mIsTimed && !wasTimed) {
+        mScene.mFrameTimes.restart();
+    }
     if (mIsShown && !wasShown) {
         mHasNotice = false;
         mScene.restart();
@@ -115,31 +121,35 @@ void Overlay::draw() {
     if (mIsShown) {
         onPreDraw();
         mScene.draw();
-        mScene.mFrameTimes.onSwap();
     } else if (mHasNotice) {
         mScene.drawNotice();
     }
+    beginSwap();
 }
 
 void Overlay::beginSwap() {
-    if (mIsShown) {
+    if (mIsTimed) {
         mScene.mFrameTimes.onSwap();
     }
 }
 
 void Overlay::endSwap() {
-    if (mIsShown) {
+    if (mIsTimed) {
         mIsSwapped = true;
         mScene.mFrameTimes.onSwapped();
     }
 }
 
 void Overlay::endFrame() {
-    if (mIsShown) {
+    if (mIsTimed) {
         if (!std::exchange(mIsSwapped, false)) {
             mScene.mFrameTimes.onSwapped();
         }
-        mScene.finishFrame();
+        if (mIsShown) {
+            mScene.finishFrame();
+        } else {
+            mScene.logFrame();
+        }
     }
     static const std::vector<drawer::Drawer*> NONE;
     // Another overlay's frame may have begun meanwhile, and a key belongs to the one that is shown.

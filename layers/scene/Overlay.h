@@ -82,6 +82,7 @@ private:
     KeyEventInterceptor& mKeys;
     core::RenderingApiType mApi;
     bool mIsShown = false;
+    bool mIsTimed = false;           // shown, or only switched off: its frames are in logs all the same
     bool mHasNotice = false;         // although it is not shown
     bool mIsDumpKeyPressed = false;  // in the poll of this frame
     bool mIsSwapped = false;         // endSwap() was called in this frame

@@ -136,14 +136,21 @@ void Scene::takeGpuTimes() {
     }
 }
 
+void Scene::logFrame() {
+    if (mFrameTimes.finish()) {
+        mFrameLog.tellFrame(mFrameTimes);
+    }
+}
+
 void Scene::restart() {
-    mFrameTimes.restart();
     mPacing.initUpdateHelper();
     mMetrics.restart();
 }
 
 void Scene::suspend() {
     mMetrics.want({});
+    mFrameLog.tellNothing();
+    mFrameTimes.forgetHook();
     if (mTimer != nullptr) {
         mTimer->beginFrame(0, false);
     }

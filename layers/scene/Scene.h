@@ -37,6 +37,9 @@ public:
     /// Once a frame, after its swap, whose moments mFrameTimes has been told.
     void finishFrame();
 
+    /// The same while the overlay is switched off: the frame goes into logs, and nowhere else.
+    void logFrame();
+
     /// The overlay was not shown for a while: what comes now does not follow on what was before.
     void restart();
 

@@ -109,13 +109,19 @@ TEST_F(RunShown, ALogIsStartedAndStoppedWhileAProgramRuns) {
     const support::Outcome outcome =
         run("export XDG_DATA_HOME=$PWD/data; $CTL run glxgears >/dev/null & sleep 1.5; $CTL log start; $CTL "
             "log start; "
-            "sleep 0.5; $CTL log; $CTL log stop; $CTL log --last 1; kill $!; wait");
+            "sleep 0.5; $CTL log; $CTL log stop; $CTL log --last 1; $CTL toggle; sleep 1.3; $CTL log --last "
+            "1; kill "
+            "$!; wait");
     EXPECT_THAT(outcome.out, testing::ContainsRegex("Logging process .*\nLogged process .*\n  frames .*"));
     EXPECT_THAT(outcome.err, AllOf(HasSubstr("is being logged already"), HasSubstr("is not being logged")));
     const support::Outcome files =
         run("ls data/kordanix/logs; $CTL compare data/kordanix/logs data/kordanix/logs");
     EXPECT_THAT(files.out, testing::ContainsRegex("glxgears-[0-9]+-[0-9]+-last.csv"));
     EXPECT_THAT(files.out, HasSubstr("no difference beyond noise"));
+    const support::Outcome hidden = run(
+        "awk -F, 'NR > 1 { bad += !($3 > 0) || !($4 >= 0) || $6 != \"\" || $7 != \"\" } END { print (NR > "
+        "5), bad }' $(ls -t data/kordanix/logs/*last* | head -1)");
+    EXPECT_EQ(hidden.out, "1 0\n") << "frames without the overlay, and without its figures";
 }
 
 TEST_F(RunShown, TheSecondProcessOfARunIsKnown) {

@@ -22,7 +22,8 @@ struct LoggedFrame {
 /// process.
 __attribute__((weak)) void setLogColumns(const std::vector<const char*>& names);
 
-/// The values of those columns, in the order of their names, from now on; a NaN leaves a field empty.
+/// The values of those columns, in the order of their names, from now on; a NaN leaves a field empty, and so
+/// does a count that is too small.
 __attribute__((weak)) void setLogValues(const double* values, std::size_t count);
 
 /// Adds a frame. Returns its number, for setLoggedGpuTime().
