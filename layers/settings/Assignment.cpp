@@ -1,6 +1,7 @@
 #include "settings/Assignment.h"
 
 #include "properties/PropertyName.h"
+#include "settings/KeyChord.h"
 #include "settings/PropertyTable.h"
 #include "settings/ValueText.h"
 
@@ -15,7 +16,9 @@ std::string readAssignment(const std::string& name, const std::string& value, bo
     const PropertyType type = property == nullptr ? PropertyType::TEXT : property->type;
     const auto text = toPropertyText(type, value);
     if (!text) {
-        return "'" + value + "' is no value for '" + name + "'; expected " + std::string(expectedText(type));
+        const std::string wrong = "'" + value + "' is no value for '" + name + "'";
+        return type == PropertyType::KEY ? wrong + ": " + readChord(value).error
+                                         : wrong + "; expected " + std::string(expectedText(type));
     }
     assignment = {property == nullptr ? expandName(name) : fullName(*property), *text};
     const std::string error = platform::propertyNameError(assignment.name.c_str());

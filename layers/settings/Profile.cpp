@@ -1,9 +1,12 @@
 #include "settings/Profile.h"
 
 #include "io/EscapedText.h"
+#include "settings/KeyConflicts.h"
 #include "settings/PropertyTable.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <utility>
 
 namespace control {
@@ -11,6 +14,9 @@ namespace control {
 namespace {
 
 constexpr std::string_view BLANKS = " \t\v\f\r";
+/// Of a message, in bytes: what is wrong may be no text at all.
+constexpr std::size_t LONGEST_ERROR = 500;
+
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 bool isBlank(char c) {
@@ -48,6 +54,43 @@ std::string readLine(const ProfileLine& line, Assignment& assignment) {
     return readAssignment(name, std::string(line.value), false, assignment);
 }
 
+/// Makes an error of the last line that gives a key a second thing to do, until there is none. What it was to
+/// do is as it was without this profile.
+void refuseSharedKeys(Profile& profile, std::vector<int>& lines, const std::vector<Assignment>& before) {
+    std::vector<Assignment>& own = profile.assignments;
+    const auto textOf = [&](const std::string& name) -> std::optional<std::string> {
+        for (const std::vector<Assignment>* const assignments : {&std::as_const(own), &before}) {
+            const auto last = std::find_if(assignments->rbegin(), assignments->rend(),
+                                           [&](const Assignment& each) { return each.name == name; });
+            if (last != assignments->rend()) {
+                return last->text;
+            }
+        }
+        return std::nullopt;
+    };
+    for (std::size_t i = own.size(); i > 0;) {
+        const std::string name = own[--i].name;
+        const std::string error = keyConflict(name, textOf);
+        if (error.empty()) {
+            continue;
+        }
+        profile.errors.push_back({lines[i], platform::escapeText(error)});
+        std::vector<Assignment> kept;
+        std::vector<int> keptLines;
+        for (std::size_t k = 0; k < own.size(); ++k) {
+            if (own[k].name != name) {
+                kept.push_back(own[k]);
+                keptLines.push_back(lines[k]);
+            }
+        }
+        own = std::move(kept);
+        lines = std::move(keptLines);
+        i = own.size();
+    }
+    std::sort(profile.errors.begin(), profile.errors.end(),
+              [](const ProfileError& one, const ProfileError& other) { return one.line < other.line; });
+}
+
 }  // namespace
 
 ProfileLine splitProfileLine(std::string_view line) {
@@ -73,8 +116,9 @@ std::vector<std::string_view> splitLines(std::string_view text) {
     return lines;
 }
 
-Profile parseProfile(std::string_view text) {
+Profile parseProfile(std::string_view text, const std::vector<Assignment>& before) {
     Profile profile;
+    std::vector<int> numbers;  // of the assignments' lines
     int number = 0;
     for (const std::string_view line : splitLines(text)) {
         ++number;
@@ -86,10 +130,17 @@ Profile parseProfile(std::string_view text) {
         std::string error = readLine(parts, assignment);
         if (error.empty()) {
             profile.assignments.push_back(std::move(assignment));
+            numbers.push_back(number);
         } else {
-            profile.errors.push_back({number, platform::escapeText(error)});  // they are for a terminal
+            error = platform::escapeText(error);  // it is for a terminal
+            if (error.size() > LONGEST_ERROR) {
+                error.resize(LONGEST_ERROR);
+                error += "...";
+            }
+            profile.errors.push_back({number, std::move(error)});
         }
     }
+    refuseSharedKeys(profile, numbers, before);
     return profile;
 }
 

@@ -34,7 +34,8 @@ ProfileLine splitProfileLine(std::string_view line);
 std::vector<std::string_view> splitLines(std::string_view text);
 
 /// Reads a profile: lines as 'kordanixctl set' takes them, whatever the bytes. Which process shows the
-/// overlay (api, proc) and what publishes it are no settings of a profile.
-Profile parseProfile(std::string_view text);
+/// overlay (api, proc) and what publishes it are no settings of a profile. A line that gives one key two
+/// things to do is wrong, also together with `before`, which the profile goes over.
+Profile parseProfile(std::string_view text, const std::vector<Assignment>& before = {});
 
 }  // namespace control

@@ -58,6 +58,17 @@ std::vector<std::string> firstErrors(const ProgramProfiles& profiles) {
     return errors;
 }
 
+std::string profileFileError(int error) {
+    switch (error) {
+        case EFBIG:
+            return "is too large for a profile";
+        case ELOOP:
+            return "is a link that leads to itself";
+        default:
+            return platform::plainFileError(error);
+    }
+}
+
 bool readProfile(const std::string& path, ProgramProfiles& all) {
     all.paths.push_back(path);
     std::string text;
@@ -66,10 +77,10 @@ bool readProfile(const std::string& path, ProgramProfiles& all) {
         return false;
     }
     if (error != 0) {
-        all.errors.push_back(path + ": " + platform::plainFileError(error));
+        all.errors.push_back(path + ": " + profileFileError(error));
         return true;
     }
-    Profile profile = parseProfile(text);
+    const Profile profile = parseProfile(text, all.assignments);
     for (const ProfileError& wrong : profile.errors) {
         all.errors.push_back(path + ':' + std::to_string(wrong.line) + ": " + wrong.text);
     }

@@ -30,7 +30,10 @@ struct ProgramProfiles {
 /// The errors to print where nobody has asked for all of them: the first ones, and how many more there are.
 std::vector<std::string> firstErrors(const ProgramProfiles& profiles);
 
-/// Reads one profile, of at most 64 kB, into `all`. Returns whether there is such a file.
+/// Why a profile cannot be read or written, by the error number.
+std::string profileFileError(int error);
+
+/// Adds one profile, of at most 64 kB, to what is said in `all`. Returns whether there is such a file.
 bool readProfile(const std::string& path, ProgramProfiles& all);
 
 /// Reads the profiles for a program that may have these names (see ProgramNames.h); the first one for which

@@ -1,11 +1,11 @@
 #include "settings/PropertyTable.h"
 
 #include "figures/Catalogue.h"
+#include "settings/NearestName.h"
 
 #include <algorithm>
 #include <deque>
 #include <iterator>
-#include <numeric>
 #include <vector>
 
 namespace control {
@@ -83,7 +83,13 @@ constexpr Property MEMORY[] = {
 
 constexpr Property KEYS[] = {
     {"keys", BOOLEAN, ON, "keys in the program's windows on X11, if 'run' starts with them"},
+    {KEY_NAMES[0], PropertyType::KEY, 0, "the key that hides the overlay and shows it again"},
+    {KEY_NAMES[1], PropertyType::KEY, 1, "the key for the next preset"},
+    {KEY_NAMES[2], PropertyType::KEY, 2, "the key that starts a log and ends it"},
+    {KEY_NAMES[3], PropertyType::KEY, 3, "the key that saves a picture"},
 };
+
+constexpr const char* DEFAULT_KEYS[] = {"Shift_R+F12", "Shift_R+F10", "Shift_L+F2", "Shift_R+F9"};
 
 constexpr Property GENERATION[] = {
     {"settingsgeneration", PropertyType::GENERATION, 0, "writing it publishes all the others"},
@@ -137,22 +143,6 @@ std::string_view withoutPrefix(std::string_view name) {
     return name.substr(0, PREFIX.size()) == PREFIX ? name.substr(PREFIX.size()) : name;
 }
 
-/// How many letters to insert, remove or exchange to turn one text into the other.
-std::size_t editDistance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t exchanged = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({exchanged, row[j] + 1, row[j + 1] + 1});
-        }
-    }
-    return row.back();
-}
-
 }  // namespace
 
 PropertyRows properties() {
@@ -173,6 +163,8 @@ std::string defaultText(const Property& property) {
             return property.defaultValue != OFF ? "true" : "false";
         case PropertyType::SCALE:
             return "1";
+        case PropertyType::KEY:
+            return DEFAULT_KEYS[property.defaultValue];
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             return {};
@@ -189,21 +181,11 @@ const Property* findProperty(std::string_view name) {
 }
 
 std::string hintFor(std::string_view name) {
-    const std::string_view wanted = withoutPrefix(name);
-    // Tolerates two wrong letters, or a quarter of the name if that is more.
-    std::size_t smallest = std::max<std::size_t>(2, wanted.size() / 4) + 1;
-    const Property* nearest = nullptr;
+    NearestName nearest(withoutPrefix(name));
     for (const Property& row : properties()) {
-        const std::size_t length = row.shortName.size();
-        const std::size_t difference = std::max(wanted.size(), length) - std::min(wanted.size(), length);
-        const std::size_t distance = difference < smallest ? editDistance(wanted, row.shortName) : smallest;
-        if (distance < smallest) {
-            smallest = distance;
-            nearest = &row;
-        }
+        nearest.offer(row.shortName);
     }
-    return nearest == nullptr ? "see 'kordanixctl list'"
-                              : "did you mean '" + std::string(nearest->shortName) + "'?";
+    return nearest.hint("see 'kordanixctl list'");
 }
 
 std::string expandName(std::string_view name) {

@@ -15,6 +15,7 @@ enum class PropertyType {
     OPACITY,     ///< 0 (invisible) to 255 (opaque)
     API,         ///< number of a graphics API
     SCALE,       ///< 0.5 to 1.8
+    KEY,         ///< a key with its modifiers, see KeyChord.h
     TEXT,        ///< any text
     GENERATION,  ///< any text; only the write itself matters
 };
@@ -23,7 +24,7 @@ enum class PropertyType {
 struct Property {
     std::string_view shortName;  ///< without PREFIX
     PropertyType type;
-    std::uint32_t defaultValue;  ///< 0 or 1 for a switch; texts are empty by default
+    std::uint32_t defaultValue;  ///< 0 or 1 for a switch, a key's place in KEY_NAMES; texts are empty
     std::string_view meaning;
 };
 
@@ -32,8 +33,12 @@ inline constexpr std::string_view PREFIX = "debug.kordanix.";
 /// Writing this property publishes all others.
 inline constexpr std::string_view GENERATION_NAME = "debug.kordanix.settingsgeneration";
 
-/// This one is read by 'kordanixctl run', not by the library.
+/// Whether 'kordanixctl run' listens to keys. This one, and which keys those are (PropertyType::KEY), it
+/// reads itself, not the library.
 inline constexpr std::string_view KEYS_NAME = "debug.kordanix.keys";
+
+/// The property of what a key does, in the order of control::KeyAction.
+inline constexpr std::string_view KEY_NAMES[] = {"key_toggle", "key_preset", "key_log", "key_picture"};
 
 /// Every property of the library: the control properties, the settings in the library's order, and the
 /// generation property. Iterable; the rows live as long as the process.

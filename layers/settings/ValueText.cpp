@@ -2,6 +2,7 @@
 
 #include "properties/PropertyName.h"
 #include "scene/ScaleText.h"
+#include "settings/KeyChord.h"
 
 #include <algorithm>
 #include <array>
@@ -95,6 +96,11 @@ bool isReadableScale(std::string_view text) {
     return scene::parseScale(text).has_value();
 }
 
+std::optional<std::string> parseKey(std::string_view typed) {
+    const TypedChord chord = readChord(typed);
+    return chord.error.empty() ? std::optional(chord.text) : std::nullopt;
+}
+
 std::optional<std::string> parseText(std::string_view typed) {
     const bool fits =
         typed.size() <= platform::PROPERTY_VALUE_LENGTH_MAX && typed.find('\0') == std::string_view::npos;
@@ -140,6 +146,8 @@ std::optional<std::string> toPropertyText(PropertyType type, std::string_view ty
         case PropertyType::SCALE:
             return isReadableScale(trimmed(typed)) ? std::optional<std::string>(trimmed(typed))
                                                    : std::nullopt;
+        case PropertyType::KEY:
+            return parseKey(typed);
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             break;
@@ -162,6 +170,8 @@ std::string_view expectedText(PropertyType type) {
             return "a whole number of at most 32 bits";
         case PropertyType::SCALE:
             return "a number from 0.5 to 1.8, with at most two decimals";
+        case PropertyType::KEY:
+            return "X's name of a key, with those of modifiers before it, such as Shift_R+F12, or none";
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             break;
@@ -175,6 +185,8 @@ std::string toDisplayText(const Property& property, const std::optional<std::str
             return text && (*text == "true" || *text == "false") ? *text : defaultText(property);
         case PropertyType::SCALE:
             return text && isReadableScale(*text) ? *text : defaultText(property);
+        case PropertyType::KEY:
+            return text && parseKey(*text) ? *parseKey(*text) : defaultText(property);
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             return text.value_or(std::string());
@@ -191,6 +203,8 @@ bool isReadable(const Property& property, const std::string& text) {
             return text == "true" || text == "false";
         case PropertyType::SCALE:
             return isReadableScale(text);
+        case PropertyType::KEY:
+            return parseKey(text).has_value();
         case PropertyType::TEXT:
         case PropertyType::GENERATION:
             return true;

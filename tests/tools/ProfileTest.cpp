@@ -39,6 +39,19 @@ TEST(Profile, TakesLinesAsSetDoesAndNamesTheWrongOnes) {
         {"proc x\napi 0\nsettingsgeneration 1",
          "!1 'proc' cannot be set in a profile;!2 'api' cannot be set in a "
          "profile;!3 'settingsgeneration' cannot be set in a profile;"},
+        {"key_toggle F112\nkey_log Shft_L+F1\nkey_log right Shift + m\nkey_preset=Shift_R\nkey_log "
+         "Alt+Alt_L+a",
+         "key_log=Shift_R+m;!1 'F112' is no value for 'key_toggle': there is no key 'F112'; did you mean "
+         "'F11'?;!2 'Shft_L+F1' is no value for 'key_log': there is no modifier 'Shft_L'; did you mean "
+         "'Shift_L'?;!4 'Shift_R' is no value for 'key_preset': 'Shift_R' is a modifier, and no key by "
+         "itself;!5 'Alt+Alt_L+a' is no value for 'key_log': 'Alt_L' is a modifier that is there already;"},
+        {"key_toggle Shift+F10\nkey_preset Ctrl+F12\nkey_log Next\nkey_picture Page_Down",
+         "key_toggle=Shift+F10;key_preset=Control+F12;key_log=Next;!4 'Page_Down' cannot be 'key_picture': "
+         "it "
+         "is 'key_log' already;"},
+        {"key_toggle Shift_R+F10\nkey_preset none\nkey_log Shift+F10",
+         "key_toggle=Shift_R+F10;key_preset=none;!3 'Shift+F10' cannot be 'key_log': it is 'key_toggle' "
+         "already;"},
         {"= x\n\x1B[1m",
          "!1 there is no property ''; see 'kordanixctl list';!2 there is no property '\\x1b[1m'; see "
          "'kordanixctl list';"},

@@ -3,27 +3,39 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <tuple>
+
 #include "RunFixture.h"
 #include "keys/KeyChords.h"
 #include "opengl/context/VirtualDisplay.h"
+#include "settings/KeyNames.h"
 
 namespace control {
 namespace {
 
 using testing::HasSubstr;
 
-TEST(KeyChords, AreOneShiftAndAFunctionKeyAndNothingElse) {
+// Keys by letters: '<' and '>' are the left and the right Shift, '^' is Control, '1' means 1 and !.
+TEST(KeyChords, AreAKeyWithItsModifiersAndNothingElse) {
+    const std::pair<char, const char*> keyboard[] = {{'<', "Shift_L"}, {'>', "Shift_R"}, {'^', "Control_L"},
+                                                     {'2', "F2"},      {'T', "F10"},     {'W', "F12"}};
     KeyChords chords;
-    std::array<KeyChords::Meaning, KeyChords::KEYS> meanings = {};
-    meanings['<'] = KeyChords::LEFT_SHIFT;
-    meanings['>'] = KeyChords::RIGHT_SHIFT;
-    meanings['^'] = KeyChords::MODIFIER;
-    meanings['2'] = KeyChords::F2;
-    meanings['9'] = KeyChords::F9;
-    meanings['T'] = KeyChords::F10;
-    meanings['W'] = KeyChords::F12;
-    chords.setMeanings(meanings);
-    const auto press = [&](const std::string& keys) {
+    KeyChords::ModifierOf modifiers = {};
+    for (const auto& [key, name] : keyboard) {
+        modifiers[static_cast<std::size_t>(key)] = modifierBits(name);
+    }
+    chords.setModifiers(modifiers);
+    const auto press = [&](const std::vector<std::string>& bindings, const std::string& keys) {
+        std::vector<KeyChords::Binding> all;
+        KeyChords::KeysOf keysOf;
+        for (const std::string& text : bindings) {
+            all.push_back({static_cast<KeyAction>(all.size()), readChord(text).chord});
+            keysOf.emplace_back();
+            for (const auto& [key, name] : keyboard) {
+                keysOf.back()[static_cast<std::size_t>(key)] = keyNumber(name) == all.back().chord.key;
+            }
+        }
+        chords.setBindings(all, keysOf);
         std::string actions;
         for (const char key : keys) {
             if (const auto action = chords.onPress(static_cast<std::size_t>(key))) {
@@ -35,11 +47,28 @@ TEST(KeyChords, AreOneShiftAndAFunctionKeyAndNothingElse) {
         }
         return actions;
     };
-    const std::pair<const char*, const char*> cases[] = {
-        {">W", "t"}, {">T", "p"}, {"<2", "l"}, {">9", "c"}, {"W>", ""},   {"W", ""},     {"<W", ""},
-        {">2", ""},  {"<>W", ""}, {">^W", ""}, {">a", ""},  {">WW", "t"}, {">aW9", "tc"}};
-    for (const auto& [keys, actions] : cases) {
-        EXPECT_EQ(press(keys), actions) << keys;
+    const std::vector<std::string> usual = {"Shift_R+F12", "Shift_R+F10", "Shift_L+F2"};
+    const std::tuple<std::vector<std::string>, const char*, const char*> cases[] = {
+        {usual, ">W", "t"},
+        {usual, ">T", "p"},
+        {usual, "<2", "l"},
+        {usual, "W>", ""},
+        {usual, "W", ""},
+        {usual, "<W", ""},
+        {usual, "<>W", ""},
+        {usual, ">^W", ""},
+        {usual, ">a", ""},
+        {usual, ">WW", "t"},
+        {usual, ">aWT", "tp"},
+        {{"Shift+F12"}, "<W", "t"},
+        {{"F12"}, "W", "t"},
+        {{"F12"}, ">W", ""},
+        {{"Shift+F12"}, "<>W", "t"},
+        {{"Ctrl+Shift_R+F2"}, "^>2", "t"},
+        {{"none"}, ">W", ""},
+        {{"Ctrl+Shift_R+F2"}, ">2", ""}};
+    for (const auto& [bindings, keys, actions] : cases) {
+        EXPECT_EQ(press(bindings, keys), actions) << bindings.front() << ' ' << keys;
     }
 }
 
@@ -80,6 +109,8 @@ TEST_F(RunKeys, ActInTheFocusedWindowAloneAndReachTheProgramToo) {
             "sh press $ours 62 76; sh until kordanix.run.preset full\n"
             "sh press $ours 50 68; sh said 'Log started'; sh press $ours 50 68; sh said 'Log saved'\n"
             "$CTL set keys off; sh press $ours 62 96; sleep 1; $CTL toggle; sh until status false\n"
+            "$CTL set keys on key_toggle 'left Shift+F10'; sh press $ours 62 96; sleep 1; sh press $ours 50 "
+            "76; sh until status true\n"
             "kill $! $bare; wait $!; grep -c F12 typed; grep -c '^kordanixctl: Saved /' typed\n");
     EXPECT_THAT(outcome.out,
                 testing::MatchesRegex("[1-9][0-9]*\nOverlay hidden\n[1-9][0-9]*\n[1-9][0-9]*\n"));

@@ -25,6 +25,7 @@ constexpr std::pair<control::PropertyType, const char*> TYPES[] = {
     {control::PropertyType::BOOLEAN, "switch"}, {control::PropertyType::POSITION, "place"},
     {control::PropertyType::COLOR, "colour"},   {control::PropertyType::OPACITY, "opacity"},
     {control::PropertyType::API, "number"},     {control::PropertyType::SCALE, "size"},
+    {control::PropertyType::KEY, "key"},
 };
 
 const char* typeName(control::PropertyType type) {

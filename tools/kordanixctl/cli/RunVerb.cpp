@@ -27,8 +27,8 @@ void addRunVerb(CLI::App& app, Invocation& invocation, const std::vector<std::st
         "--no-keys", [=] { options->assignments.emplace_back("keys=off"); },
         "Leave the program's keys alone: the same as --set keys=off. Otherwise right Shift+F12 hides and "
         "shows the overlay, right Shift+F10 switches to the next preset, left Shift+F2 starts and ends a log "
-        "and "
-        "right Shift+F9 saves a picture, in the program's windows on X11");
+        "and right Shift+F9 saves a picture, in the program's windows on X11; the properties key_toggle, "
+        "key_preset, key_log and key_picture choose other keys");
     verb->add_option(
             "--preset", options->preset,
             "Begin with an arrangement: small (one line), default or full. It goes over the profiles "

@@ -5,40 +5,39 @@
 
 #include <X11/keysym.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
+#include <utility>
 
 namespace control {
 
 namespace {
 
-KeyChords::Meaning meaningOf(KeySym symbol) {
-    switch (symbol) {
-        case XK_Shift_L:
-            return KeyChords::LEFT_SHIFT;
-        case XK_Shift_R:
-            return KeyChords::RIGHT_SHIFT;
-        case XK_Control_L:
-        case XK_Control_R:
-        case XK_Alt_L:
-        case XK_Alt_R:
-        case XK_Meta_L:
-        case XK_Meta_R:
-        case XK_Super_L:
-        case XK_Super_R:
-        case XK_ISO_Level3_Shift:
-            return KeyChords::MODIFIER;
-        case XK_F2:
-            return KeyChords::F2;
-        case XK_F9:
-            return KeyChords::F9;
-        case XK_F10:
-            return KeyChords::F10;
-        case XK_F12:
-            return KeyChords::F12;
-        default:
-            return KeyChords::OTHER;
-    }
+constexpr struct {
+    KeySym symbol;
+    const char* name;
+} MODIFIERS[] = {
+    {XK_Shift_L, "Shift_L"},
+    {XK_Shift_R, "Shift_R"},
+    {XK_Control_L, "Control_L"},
+    {XK_Control_R, "Control_R"},
+    {XK_Alt_L, "Alt_L"},
+    {XK_Alt_R, "Alt_R"},
+    {XK_Super_L, "Super_L"},
+    {XK_Super_R, "Super_R"},
+    {XK_Meta_L, "Meta_L"},
+    {XK_Meta_R, "Meta_R"},
+    {XK_Hyper_L, "Hyper_L"},
+    {XK_Hyper_R, "Hyper_R"},
+    {XK_ISO_Level3_Shift, "ISO_Level3_Shift"},
+};
+
+Modifiers modifierOf(KeySym symbol) {
+    const auto* const found = std::find_if(std::begin(MODIFIERS), std::end(MODIFIERS),
+                                           [&](const auto& each) { return each.symbol == symbol; });
+    return found == std::end(MODIFIERS) ? Modifiers(0) : modifierBits(found->name);
 }
 
 class KeyListener {
@@ -93,20 +92,52 @@ public:
         }
         if (type == XI_RawKeyRelease) {
             mChords.onRelease(key);
-        } else if (const std::optional<KeyAction> action = mChords.onPress(key)) {
-            if (isFocusIn(mTarget.isMember, mX, mDisplay)) {
-                mTarget.onAction(*action);
-            }
+            return;
+        }
+        if (mTarget.updateBindings(mBindings)) {
+            findKeys();
+        }
+        const std::optional<KeyAction> action = mChords.onPress(key);
+        if (action && isFocusIn(mTarget.isMember, mX, mDisplay)) {
+            mTarget.onAction(*action);
         }
     }
 
 private:
     void readLayout() {
-        std::array<KeyChords::Meaning, KeyChords::KEYS> meanings = {};
-        for (std::size_t key = 0; key < meanings.size(); ++key) {
-            meanings[key] = meaningOf(mX.keycodeToKeysym(mDisplay, static_cast<KeyCode>(key), 0, 0));
+        KeyChords::ModifierOf modifiers = {};
+        for (std::size_t key = 0; key < modifiers.size(); ++key) {
+            modifiers[key] = modifierOf(symbol(key, 0, 0));
         }
-        mChords.setMeanings(meanings);
+        mChords.setModifiers(modifiers);
+        findKeys();
+    }
+
+    KeySym symbol(std::size_t key, int group, int level) const {
+        return mX.keycodeToKeysym(mDisplay, static_cast<KeyCode>(key), group, level);
+    }
+
+    /// In all layouts that the keyboard has, and with what stands on the key besides.
+    bool canMean(std::size_t key, KeySym wanted) const {
+        constexpr int GROUPS = 4;
+        constexpr int LEVELS = 4;
+        for (int i = 0; i < GROUPS * LEVELS; ++i) {
+            if (symbol(key, i / LEVELS, i % LEVELS) == wanted) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Finds the bindings' keys on the keyboard.
+    void findKeys() {
+        KeyChords::KeysOf keys(mBindings.size());
+        for (std::size_t i = 0; i < mBindings.size(); ++i) {
+            for (std::size_t key = 0; key < KeyChords::KEYS; ++key) {
+                keys[i][key] = mBindings[i].chord.key != 0 && canMean(key, mBindings[i].chord.key);
+            }
+        }
+        mChords.setBindings(mBindings, std::move(keys));
     }
 
     void noteKeysDown() {
@@ -124,6 +155,7 @@ private:
     Display* mDisplay = nullptr;
     int mInput = 0;  ///< the extension's number
     KeyChords mChords;
+    std::vector<KeyChords::Binding> mBindings;
 };
 
 }  // namespace

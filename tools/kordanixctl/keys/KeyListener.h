@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "keys/KeyChords.h"
 
@@ -11,6 +12,9 @@ namespace control {
 
 /// Who is told of the keys, and which windows count.
 struct KeyTarget {
+    /// Puts there what the keys are to do. Returns false, and leaves that alone, when it is as it was at the
+    /// call before. Asked at every press, and not slow.
+    std::function<bool(std::vector<KeyChords::Binding>&)> updateBindings;
     std::function<bool(pid_t)> isMember;      ///< whether a process belongs to the program
     std::function<void(KeyAction)> onAction;  ///< keys pressed meanwhile are looked at after it
 };

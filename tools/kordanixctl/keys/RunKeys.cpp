@@ -9,6 +9,7 @@
 #include "settings/PropertyTable.h"
 
 #include <sys/prctl.h>
+#include <sys/system_properties.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,8 +17,10 @@
 #include <csignal>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <sstream>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace control {
@@ -53,6 +56,15 @@ void doAside(const std::function<void()>& work) {
         work();
     }
     _exit(0);
+}
+
+/// What the properties say that the keys do.
+std::vector<KeyChords::Binding> keyBindings() {
+    std::vector<KeyChords::Binding> bindings;
+    for (const std::string_view name : KEY_NAMES) {
+        bindings.push_back({static_cast<KeyAction>(bindings.size()), readChord(displayedValue(name)).chord});
+    }
+    return bindings;
 }
 
 /// Empty when there is none.
@@ -94,6 +106,14 @@ SideProcess listenForRun(const std::string& folder, platform::RunHold& hold) {
         prctl(PR_SET_NAME, "kordanix-keys");
         KeyTarget target;
         target.isMember = [&](pid_t process) { return isMember(process, folder, run); };
+        target.updateBindings = [serial = std::optional<std::uint32_t>()](auto& bindings) mutable {
+            const std::uint32_t now = __system_property_area_serial();
+            if (std::exchange(serial, now) == now) {
+                return false;
+            }
+            bindings = keyBindings();
+            return true;
+        };
         const auto perform = [output](KeyAction action) {
             std::ostringstream told;
             performKeyAction(action, told);

@@ -5,10 +5,12 @@
 #include "properties/SystemProperties.h"
 #include "run/InitialProperties.h"
 #include "runs/OverlayClaim.h"
+#include "settings/KeyConflicts.h"
 #include "settings/Presets.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -16,6 +18,17 @@
 namespace control {
 
 ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err) {
+    const auto textOf = [&](const std::string& name) {
+        const auto last = std::find_if(assignments.rbegin(), assignments.rend(),
+                                       [&](const Assignment& each) { return each.name == name; });
+        return last == assignments.rend() ? readProperty(name) : std::optional(last->text);
+    };
+    for (const Assignment& assignment : assignments) {
+        const std::string conflict = keyConflict(assignment.name, textOf);
+        if (!conflict.empty()) {
+            return fail("nothing was set: " + conflict, err, USAGE_ERROR);
+        }
+    }
     std::vector<std::pair<std::string, std::string>> all;
     all.reserve(assignments.size() + 1);
     for (const Assignment& assignment : assignments) {

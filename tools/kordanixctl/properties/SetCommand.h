@@ -10,7 +10,8 @@
 /// Verbs that write properties. Each says on `err` what went wrong.
 namespace control {
 
-/// Writes the properties and publishes them: all at once, or none.
+/// Writes the properties and publishes them: all at once, or none. Refuses
+/// to give one key two things to do.
 ExitCode writeAssignments(const std::vector<Assignment>& assignments, bool isPublished, std::ostream& err);
 
 struct SetOptions {
