@@ -169,6 +169,7 @@ TEST_F(ControlTest, TheCommandLineIsUnderstoodOrRefused) {
         {"$CTL --version", 0, "kordanixctl "},
         {"$CTL help", 0, "Usage: kordanixctl [OPTIONS] VERB"},
         {"$CTL help doctor", 0, "Usage: kordanixctl doctor"},
+        {"$CTL help set get", 2, "'help' explains one verb; 'get' is a word too many"},
         {"$CTL", 2, "no verb is given; see 'kordanixctl --help'"},
         {"$CTL frobnicate", 2, "frobnicate"},
         {"$CTL set", 2, "NAME is required; see 'kordanixctl set --help'"},

@@ -38,6 +38,18 @@ TEST_F(RunProfile, ProfilesAreUsedSavedListedAndChecked) {
          0, "default.conf\ngame.conf\n"},
         {"$CTL run ./game '$CTL set scale 1 bg_color 3 && $CTL save game'; cat config/kordanix/game.conf", 0,
          "/game.conf\nbg_color #000003\nwidget_fps_median=off\n\nscale 1\n"},
+        // What its options say of the run is not what it shows; keys that were set are.
+        {"$CTL run --no-keys ./game '$CTL save game'; $CTL run --set keys=off ./game '$CTL set key_log F1 "
+         "keys "
+         "on && $CTL save game'; cat config/kordanix/game.conf; sed -i /key/d config/kordanix/game.conf",
+         0, "\n\nscale 1\nkey_log F1\n"},
+        {"echo 'key_log Shift_R+F9' >>config/kordanix/default.conf; $CTL profile check default; s=$?; sed -i "
+         "/key/d config/kordanix/default.conf; exit $s",
+         1, "default.conf:4: 'Shift_R+F9' cannot be 'key_log': it is 'key_picture' already"},
+        {"chmod 600 config/kordanix/game.conf; $CTL run ./game '$CTL save game'; stat -c %a "
+         "config/kordanix/game.conf",
+         0, "\n600\n"},
+        {"$CTL run --set key_log=Shift_R+F9 true", 2, "nothing was set: 'Shift_R+F9' cannot be 'key_log'"},
         {"ln -s kordanix/game.conf config/l; $CTL run ./game '$CTL set widget_memory off && $CTL save "
          "$PWD/config/l'; cat "
          "config/kordanix/game.conf; test -L config/l",

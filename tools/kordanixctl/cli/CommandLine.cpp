@@ -116,7 +116,10 @@ ExitCode runCommandLine(std::vector<std::string> words) {
     std::vector<std::string> program;
     const std::unique_ptr<CLI::App> parser = makeCommandLine(invocation, program);
     CLI::App& app = *parser;
-    replaceHelpVerbs(words, findVerb(words));
+    const std::string wrong = replaceHelpVerbs(words, findVerb(words));
+    if (!wrong.empty()) {
+        return fail(wrong, std::cerr, USAGE_ERROR);
+    }
     const std::size_t verb = findVerb(words);
     if (verb < words.size() && !hasVerb(app, words[verb])) {
         return fail("there is no verb '" + words[verb] + "'; see 'kordanixctl --help'", std::cerr,

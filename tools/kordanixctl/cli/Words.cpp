@@ -68,14 +68,17 @@ std::vector<std::string> cutProgram(std::vector<std::string>& words, std::size_t
     return program;
 }
 
-void replaceHelpVerbs(std::vector<std::string>& words, std::size_t verb) {
+std::string replaceHelpVerbs(std::vector<std::string>& words, std::size_t verb) {
     if (verb < words.size() && words[verb] == "help") {
+        if (words.size() > verb + 2) {
+            return "'help' explains one verb; '" + words[verb + 2] + "' is a word too many";
+        }
         words.erase(words.begin() + static_cast<std::ptrdiff_t>(verb));
-        words.resize(std::min(words.size(), verb + 1));
         words.emplace_back("--help");
     } else if (verb < words.size() && words[verb] == "version") {
         words[verb] = "--version";
     }
+    return {};
 }
 
 void markValues(std::vector<std::string>& words) {

@@ -16,8 +16,9 @@ std::size_t findVerb(const std::vector<std::string>& words);
 /// not see them. `verb` is the index of the verb.
 std::vector<std::string> cutProgram(std::vector<std::string>& words, std::size_t verb);
 
-/// Replaces 'help', 'help VERB' and 'version' by the options that mean the same.
-void replaceHelpVerbs(std::vector<std::string>& words, std::size_t verb);
+/// Replaces 'help', 'help VERB' and 'version' by the options that mean the same. Returns an empty text, or
+/// what is wrong with the words.
+std::string replaceHelpVerbs(std::vector<std::string>& words, std::size_t verb);
 
 /// Marks the words that are values even though they begin with '-': negative numbers, and everything after
 /// "--", which it removes.

@@ -9,9 +9,13 @@
 #include "properties/RuntimeDirectory.h"
 #include "properties/ShowCommands.h"
 #include "runs/RunFolder.h"
+#include "settings/ProfileFiles.h"
+#include "settings/ProgramNames.h"
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
 #include "settings/ValueText.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <iomanip>
@@ -41,6 +45,19 @@ void describeProperties(std::ostream& out) {
     if (!isAnySet) {
         out << "  none\n";
     }
+}
+
+/// The files that the settings of a run's process come from, and how to have one.
+std::string describeProfiles(pid_t process) {
+    const std::vector<std::string> names = processNames("/proc/" + std::to_string(process));
+    const ProgramProfiles profiles = readProfiles(names);
+    std::string files;
+    for (const std::string& path : profiles.paths) {
+        files += access(path.c_str(), F_OK) == 0 ? (files.empty() ? "" : ", then ") + path : std::string();
+    }
+    const std::string name = names.empty() ? "NAME" : names.front();
+    files = files.empty() ? "none; 'kordanixctl save' makes " + profilePath(name) : files;
+    return profiles.errors.empty() ? files : files + " (with errors, see 'kordanixctl profile check')";
 }
 
 /// Says that a running process shows the overlay, or why it does not.
@@ -76,6 +93,9 @@ void describeProcesses(const std::string& directory, std::ostream& out) {
             isAnyNamed = isAnyNamed || state.name(process) == wanted;
             out << "  " << process << ' ' << state.name(process) << ": " << describeOverlay(state, process)
                 << '\n';
+            if (platform::isRunFolder(directory)) {
+                out << "    profile: " << describeProfiles(process) << '\n';
+            }
         } else if (note != nullptr && !note->reason.empty()) {
             out << "  " << process << ' ' << note->name << ": has ended; it "
                 << (note->wasShown ? "no longer showed" : "did not show") << " the overlay: " << note->reason

@@ -1,6 +1,7 @@
 #include "profiles/ProfileCommands.h"
 
 #include "Diagnostic.h"
+#include "io/EscapedText.h"
 #include "io/PlainFile.h"
 #include "profiles/Editor.h"
 #include "profiles/ProfileText.h"
@@ -11,6 +12,8 @@
 #include "settings/ProgramNames.h"
 #include "settings/Properties.h"
 #include "settings/ValueText.h"
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -38,9 +41,12 @@ std::string writeProfile(const std::string& path, const std::string& text) {
     if (failure) {
         return "cannot write " + path + ": " + failure.message();
     }
-    constexpr mode_t MODE = 0644;
-    const int error = platform::replaceFile(target, text, MODE);
-    return error == 0 ? std::string() : "cannot write " + path + ": " + platform::plainFileError(error);
+    constexpr mode_t NEW_FILES = 0644;
+    constexpr mode_t PERMISSIONS = 0777;
+    struct stat old = {};
+    const bool isThere = stat(target.c_str(), &old) == 0;
+    const int error = platform::replaceFile(target, text, isThere ? old.st_mode & PERMISSIONS : NEW_FILES);
+    return error == 0 ? std::string() : "cannot write " + path + ": " + profileFileError(error);
 }
 
 /// The name for the profile of the program that shows the overlay; empty when that is not known.
@@ -58,14 +64,33 @@ std::string nameOfProgram(const std::string& directory, std::optional<pid_t> pro
     return existing != names.end() ? *existing : names.empty() ? std::string() : names.front();
 }
 
+std::optional<std::string> textOf(const PropertyTexts& texts, const std::string& name) {
+    const auto found = texts.find(name);
+    return found == texts.end() ? std::nullopt : std::optional(found->second);
+}
+
+/// Whether the property is about the run and not about what the overlay shows: 'run' asks X for the screen's
+/// rate, and its options may leave keys out. The next run does that anew.
+bool isOfRun(const Property& property) {
+    return property.shortName == "screen_rate" || property.type == PropertyType::KEY ||
+           fullName(property) == KEYS_NAME;
+}
+
+/// What a run began with and its profiles do not say.
+struct Beginning {
+    PropertyTexts texts;
+    PropertyTexts ofProfiles;
+};
+
 /// What the program shows where it differs from the texts in `defaults`, by short name, as people write it.
-std::map<std::string_view, std::string> shownBeside(const PropertyTexts& defaults) {
+std::map<std::string_view, std::string> shownBeside(const PropertyTexts& defaults, const Beginning& run) {
     std::map<std::string_view, std::string> values;
     for (const Property& property : properties()) {
-        const auto before = defaults.find(fullName(property));
-        const std::string usual =
-            toDisplayText(property, before == defaults.end() ? std::nullopt : std::optional(before->second));
-        std::string now = toDisplayText(property, readProperty(fullName(property)));
+        const std::string name = fullName(property);
+        const std::string usual = toDisplayText(property, textOf(defaults, name));
+        const auto text = readProperty(name);
+        const bool isLeft = isOfRun(property) && text == textOf(run.texts, name);
+        std::string now = toDisplayText(property, isLeft ? textOf(run.ofProfiles, name) : text);
         if (isSaved(property) && now != usual && toPropertyText(property.type, now)) {
             values[property.shortName] = std::move(now);
         }
@@ -77,6 +102,20 @@ void keep(const std::vector<Assignment>& assignments, PropertyTexts& texts) {
     for (const Assignment& assignment : assignments) {
         texts[assignment.name] = assignment.text;
     }
+}
+
+/// Reads one profile as it counts, over the default one. Returns whether there is such a file.
+bool readOver(const std::string& name, ProgramProfiles& profile) {
+    ProgramProfiles under;
+    if (profilePath(name) != profilePath(DEFAULT_PROFILE) && !profileFolder().empty()) {
+        readProfile(profilePath(DEFAULT_PROFILE), under);
+    }
+    profile.assignments = under.assignments;
+    const bool isThere = readProfile(profilePath(name), profile);
+    profile.assignments.erase(
+        profile.assignments.begin(),
+        profile.assignments.begin() + static_cast<std::ptrdiff_t>(under.assignments.size()));
+    return isThere;
 }
 
 /// Says on `err` what is wrong with the profile.
@@ -115,25 +154,19 @@ ExitCode saveProfile(const std::string& name, std::optional<pid_t> process, std:
     if (path != profilePath(DEFAULT_PROFILE)) {
         readProfile(profilePath(DEFAULT_PROFILE), forAll);
     }
-    // 'run' asks X for the screen's rate, so that nobody has to save that; a line for it stays.
     PropertyTexts defaults;
-    const std::string rate = "debug.kordanix.screen_rate";
-    const PropertyTexts beginning = readInitialProperties(directory).value_or(PropertyTexts());
-    const bool isRateSaved = std::any_of(old.assignments.begin(), old.assignments.end(),
-                                         [&](const Assignment& line) { return line.name == rate; });
-    if (!isRateSaved && beginning.count(rate) != 0) {
-        defaults[rate] = beginning.at(rate);
-    }
     keep(forAll.assignments, defaults);
+    Beginning run = {readInitialProperties(directory).value_or(PropertyTexts()), defaults};
+    keep(old.assignments, run.ofProfiles);
     std::string text;
     const int unread = platform::readPlainFile(path, text, SIZE_MAX_BYTES, true);
     if (unread != 0 && unread != ENOENT) {
-        return fail(path + ": " + platform::plainFileError(unread), err);
+        return fail(path + ": " + profileFileError(unread), err);
     }
     if (text.empty()) {
         text = "# Saved by 'kordanixctl save'; lines as 'kordanixctl set' takes them.\n";
     }
-    const std::string error = writeProfile(path, updateProfile(text, shownBeside(defaults)));
+    const std::string error = writeProfile(path, updateProfile(text, shownBeside(defaults, run)));
     if (error.empty()) {
         out << path << '\n';
     }
@@ -147,12 +180,13 @@ ExitCode listProfiles(std::ostream& out, std::ostream& err) {
     const std::vector<std::string> names = profileNames();
     std::size_t width = 0;
     for (const std::string& name : names) {
-        width = std::max(width, name.size());
+        width = std::max(width, platform::escapeText(name).size());
     }
     for (const std::string& name : names) {
         ProgramProfiles profile;
-        readProfile(profilePath(name), profile);
-        out << std::left << std::setw(static_cast<int>(width) + 2) << name << describe(profile) << '\n';
+        readOver(name, profile);
+        out << std::left << std::setw(static_cast<int>(width) + 2) << platform::escapeText(name)
+            << describe(profile) << '\n';
     }
     out << (names.empty() ? "There are no profiles in " : "\nThe profiles are files in ") << profileFolder()
         << (names.empty() ? "; 'kordanixctl save' makes one" : "") << ".\n";
@@ -166,11 +200,11 @@ ExitCode checkProfiles(const std::string& name, std::ostream& out, std::ostream&
     ExitCode result = SUCCESS;
     for (const std::string& each : name.empty() ? profileNames() : std::vector<std::string>{name}) {
         ProgramProfiles profile;
-        if (!readProfile(profilePath(each), profile)) {
+        if (!readOver(each, profile)) {
             return fail("there is no profile " + profilePath(each), err);
         }
         result = complain(profile, err) == SUCCESS ? result : FAILURE;
-        out << each << ": " << describe(profile) << '\n';
+        out << platform::escapeText(each) << ": " << describe(profile) << '\n';
     }
     return result;
 }
