@@ -49,6 +49,11 @@ install(TARGETS KordanixCore kordanix_platform ostra scene
 # The programs.
 file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 install(TARGETS kordanixctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT overlay)
+if(TARGET kordanix-serve)
+  install(TARGETS kordanix-serve RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/kordanix COMPONENT overlay)
+  file(RELATIVE_PATH serve_to_lib ${CMAKE_INSTALL_FULL_LIBEXECDIR}/kordanix ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(kordanix-serve PROPERTIES INSTALL_RPATH "$ORIGIN/${serve_to_lib}")
+endif()
 if(TARGET kordanix-demo)
   install(TARGETS kordanix-demo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT development)
   # Nobody else links it.

@@ -22,12 +22,12 @@ cp -r "$source/examples/null-layer" "$work/by-cmake"
 cp -r "$source/examples/null-layer" "$work/by-pkg-config"
 
 # What debuggers are told may name the sources.
-strip --strip-debug "$prefix"/bin/* "$lib"/*.so "$lib"/kordanix/*.so "$lib"/*.a
+strip --strip-debug "$prefix"/bin/* "$prefix"/libexec/kordanix/* "$lib"/*.so "$lib"/kordanix/*.so "$lib"/*.a
 named=$(grep -rlaF -e "$build" -e "$source" -e "$work/installed" "$prefix" || true)
 [ -z "$named" ] || fail "These files name a folder of the build:" "$named"
 
 # Programs and libraries find each other where they lie.
-for file in "$prefix"/bin/* "$lib"/*.so "$lib"/kordanix/*.so; do
+for file in "$prefix"/bin/* "$prefix"/libexec/kordanix/* "$lib"/*.so "$lib"/kordanix/*.so; do
     missing=$(ldd "$file" | grep 'not found' || true)
     [ -z "$missing" ] || fail "$file:" "$missing"
     strange=$(ldd "$file" | grep -E 'libKordanix|libkordanix|libostra' | grep -vF "$prefix/" || true)

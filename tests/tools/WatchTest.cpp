@@ -16,13 +16,21 @@ using support::ChildProcess;
 using support::waitUntil;
 using testing::HasSubstr;
 
+struct Program {
+    const char* name;
+    const char* api;
+    int size;  ///< of its window, which is a square
+};
+
+constexpr Program PROGRAMS[] = {{"glxgears", "OpenGL", 300}, {"vkcube", "Vulkan", 500}};
+
 /// A program that runs with the overlay, and the verbs that look at it from outside.
 class Watch : public RunFixture {
 protected:
-    Watch() {
+    explicit Watch(const char* program = PROGRAMS[0].name) {
         VirtualDisplay::get();
         setenv("LIBGL_ALWAYS_SOFTWARE", "1", 1);
-        mProgram = std::make_unique<ChildProcess>(std::vector<std::string>{KORDANIXCTL, "run", "glxgears"});
+        mProgram = std::make_unique<ChildProcess>(std::vector<std::string>{KORDANIXCTL, "run", program});
         EXPECT_TRUE(waitUntil([&] { return run("$CTL watch --json --count 1").status == 0; }));
     }
 
@@ -36,7 +44,14 @@ protected:
     std::unique_ptr<ChildProcess> mProgram;
 };
 
-TEST_F(Watch, ALineARefreshHasEveryFigureAndEachFrameOnce) {
+class WatchOfEach : public Watch, public testing::WithParamInterface<Program> {
+protected:
+    WatchOfEach() : Watch(GetParam().name) {}
+};
+INSTANTIATE_TEST_SUITE_P(Program, WatchOfEach, testing::ValuesIn(PROGRAMS),
+                         [](const auto& program) { return std::string(program.param.name); });
+
+TEST_P(WatchOfEach, ALineARefreshHasEveryFigureAndEachFrameOnce) {
     const support::Outcome outcome = run("$CTL watch --json --count 5");
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     std::istringstream lines(outcome.out);
@@ -47,7 +62,7 @@ TEST_F(Watch, ALineARefreshHasEveryFigureAndEachFrameOnce) {
     ASSERT_EQ(refreshes.size(), 5U);
     for (std::size_t i = 0; i < refreshes.size(); ++i) {
         const json& refresh = refreshes[i];
-        EXPECT_EQ(refresh["surface"], json({{"width", 300}, {"height", 300}}));
+        EXPECT_EQ(refresh["surface"], json({{"width", GetParam().size}, {"height", GetParam().size}}));
         for (const figures::Figure& figure : figures::catalogue()) {
             const json& one = refresh["figures"][figure.id];
             EXPECT_EQ(one["unit"], figure.format.unit);
@@ -67,6 +82,7 @@ TEST_F(Watch, ALineARefreshHasEveryFigureAndEachFrameOnce) {
             }
         }
     }
+    EXPECT_THAT(run("$CTL doctor").out, HasSubstr("    profile: none; 'kordanixctl save' makes "));
     ChildProcess endless({KORDANIXCTL, "watch", "--json"});
     EXPECT_TRUE(waitUntil([&] { return !endless.output().empty(); }));
     endProgram();
@@ -115,7 +131,7 @@ TEST_F(Watch, TheTerminalViewShowsFiguresAndTurnsSwitches) {
 /// With the page's server.
 class Serve : public Watch {
 protected:
-    Serve() : mServer({KORDANIXCTL, "serve"}) {
+    explicit Serve(const char* program = PROGRAMS[0].name) : Watch(program), mServer({KORDANIXCTL, "serve"}) {
         EXPECT_TRUE(waitUntil([&] { return mServer.output().find('\n') != std::string::npos; }));
         mAddress = mServer.output().substr(0, mServer.output().find('\n'));
         EXPECT_THAT(mAddress, testing::MatchesRegex("http://127\\.0\\.0\\.1:[0-9]+/[0-9a-f]{32}/"));
@@ -216,10 +232,18 @@ TEST_F(Serve, PropertiesAreSetAllOrNone) {
     EXPECT_THAT(none->body, HasSubstr("switched off"));
     endProgram();
     EXPECT_EQ(mServer.wait(), 0) << "it ends with the program";
+    EXPECT_EQ(countRuns(), 0) << "of which it is no part";
     EXPECT_THAT(mServer.errors(), HasSubstr("has ended"));
 }
 
-TEST_F(Serve, ABrowserShowsLiveFiguresAndEverySwitch) {
+class ServeOfEach : public Serve, public testing::WithParamInterface<Program> {
+protected:
+    ServeOfEach() : Serve(GetParam().name) {}
+};
+INSTANTIATE_TEST_SUITE_P(Program, ServeOfEach, testing::ValuesIn(PROGRAMS),
+                         [](const auto& program) { return std::string(program.param.name); });
+
+TEST_P(ServeOfEach, ABrowserShowsLiveFiguresAndEverySwitch) {
     if (run("command -v chromium").status != 0) {
         GTEST_SKIP() << "chromium is not installed";
     }
@@ -229,9 +253,13 @@ TEST_F(Serve, ABrowserShowsLiveFiguresAndEverySwitch) {
             "--user-data-dir=$PWD/browser --virtual-time-budget=5000 --enable-logging=stderr --dump-dom " +
             mAddress);
     EXPECT_EQ(page.status, 0);
-    for (const char* const text : {"data-state=\"live\"", ">glxgears</h1>", " · OpenGL · 300 × 300",
-                                   "aria-label=\"widget_memory_pss\"",
-                                   "aria-label=\"widget_cpu_gpu_gpu_power_color\"", "aria-label=\"scale\""}) {
+    const auto& [name, api, width] = GetParam();
+    const std::string size = std::to_string(width);
+    for (const std::string& text : {std::string("data-state=\"live\""), '>' + std::string(name) + "</h1>",
+                                    " · " + std::string(api) + " · " + size + " × " + size,
+                                    std::string("aria-label=\"widget_memory_pss\""),
+                                    std::string("aria-label=\"widget_cpu_gpu_gpu_power_color\""),
+                                    std::string("aria-label=\"scale\"")}) {
         EXPECT_THAT(page.out, HasSubstr(text));
     }
     EXPECT_THAT(page.out, testing::ContainsRegex("Current frame rate</p><b>[0-9]+"));

@@ -1,7 +1,7 @@
 #include "cli/Verbs.h"
 #include "properties/ShowCommands.h"
 #include "properties/WatchCommand.h"
-#include "serve/ServeCommand.h"
+#include "watch/BrowserView.h"
 #include "watch/FigureLines.h"
 #include "watch/TerminalView.h"
 
@@ -61,7 +61,7 @@ void addServe(CLI::App& app, Invocation& invocation) {
         ->check(CLI::Range(1, 65535).description(""));
     verb->callback([=, &invocation] {
         invocation.action = [=, &invocation] {
-            return servePage(invocation.process, *port, std::cout, std::cerr);
+            return showBrowserView(invocation.process, *port, std::cerr);
         };
     });
 }

@@ -28,6 +28,8 @@ constexpr int NOT_NOW = 503;
 constexpr std::size_t MAX_BODY = 64 * 1024;
 constexpr std::size_t QUESTIONS_PER_CONNECTION = 10000;
 constexpr int KEEP_ALIVE_S = 1;
+constexpr int PATIENCE_S = 1;
+constexpr std::size_t WORKERS = 32;
 
 std::optional<std::string> header(const httplib::Request& request, const char* name) {
     return request.has_header(name) ? std::optional(request.get_header_value(name)) : std::nullopt;
@@ -76,6 +78,9 @@ std::string PageServer::start(int port) {
     mServer->set_keep_alive_max_count(QUESTIONS_PER_CONNECTION);
     mServer->set_keep_alive_timeout(KEEP_ALIVE_S);
     mServer->set_tcp_nodelay(true);
+    // Whoever connects and says nothing must not keep the page from being answered.
+    mServer->set_read_timeout(PATIENCE_S);
+    mServer->new_task_queue = [] { return new httplib::ThreadPool(WORKERS); };
     mServer->set_default_headers({{"Cache-Control", "no-store"},
                                   {"Cross-Origin-Resource-Policy", "same-origin"},
                                   {"Referrer-Policy", "no-referrer"},
