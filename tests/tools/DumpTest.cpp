@@ -9,6 +9,7 @@
 
 #include "conversions/DumpCommands.h"
 #include "dumps/DumpReader.h"
+#include "dumps/DumpText.h"
 #include "dumps/Statistics.h"
 #include "dumps/Trace.h"
 #include "dumps/report/Report.h"
@@ -208,7 +209,7 @@ TEST_F(DumpCommands, SayWhyThereIsNothingToRead) {
     const std::pair<const char*, const char*> refusals[] = {
         {"rm -r dump", "No such file or directory"},
         {"rm dump/*", "holds no dump"},
-        {"head -c90 frames >dump/frames.csv", "frames.csv: the dump is empty"},
+        {"head -c90 frames >dump/frames.csv", "frames.csv: it is empty"},
         {"head -n2 frames >dump/frames.csv", "has no two frames in a row"},
         {"rm dump/frames.csv; mkfifo dump/frames.csv", "frames.csv: it is not a regular file"},
         {"truncate -s 2G dump/frames.csv", "it is larger than 1 GiB"}};

@@ -104,6 +104,9 @@ std::string conclusionOf(const Comparison& comparison) {
                     fixedPoint(std::abs(rate->change) * 100.0, 1) + " % " + where;
         }
     }
+    if (!comparison.mean.isKnown) {
+        return "There are too few frames to tell.";
+    }
     return text.empty() ? "There is no difference beyond noise." : text + "; that is more than noise.";
 }
 

@@ -67,6 +67,9 @@ ExitCode compareFiles(const CompareOptions& options, std::ostream& out, std::ost
     if (!options.page.empty()) {
         error = writePage(*comparison, options.page);
     }
+    if (error.empty() && options.failIfSlower && !comparison->mean.isKnown) {
+        error = "there are too few frames to tell whether " + options.second + " is slower";
+    }
     if (error.empty() && options.failIfSlower && dumps::isSlower(*comparison, *options.failIfSlower)) {
         error = options.second + " is slower than " + options.first + " by more than " +
                 dumps::fixedPoint(*options.failIfSlower * 100.0, 1) + " %";
