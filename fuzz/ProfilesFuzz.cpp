@@ -41,11 +41,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         FUZZ_CHECK(error.text.find_first_of("\n\x1B") == std::string::npos);
         last = error.line;
     }
-    // What is saved is what is read then; wrong lines stay.
+    // What is saved is what is read then; wrong lines stay, but for those that share a key.
     const Values values = valuesOf(profile);
     const Profile saved = control::parseProfile(control::updateProfile(text, values));
     FUZZ_CHECK(valuesOf(saved) == values);
-    FUZZ_CHECK(saved.errors.size() == profile.errors.size());
+    FUZZ_CHECK(saved.errors.size() <= profile.errors.size());
     FUZZ_CHECK(valuesOf(control::parseProfile(control::updateProfile(text, {}))).empty());
     return 0;
 }

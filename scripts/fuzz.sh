@@ -7,7 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-all=$(sed -n 's/^kordanix_add_fuzzer(\([a-z_]*\).*/\1/p' fuzz/CMakeLists.txt)
+all=$(sed -n "s/^ *kordanix_add_fuzzer(\([a-z_]*\).*/\1/p" fuzz/CMakeLists.txt)
 seconds=600
 case "${1:-}" in
     --list) echo "$all"; exit 0 ;;

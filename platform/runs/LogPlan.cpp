@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <charconv>
 #include <cstdlib>
 #include <locale>
 #include <sstream>
@@ -61,13 +62,14 @@ LogPlan readLogPlan(const std::string& runFolder) {
     stream.imbue(std::locale::classic());
     const bool isWhole = std::getline(stream, folder) && stream >> plan.isStarted >> plan.afterMs >> length;
     const auto plain = unescapeText(folder);
-    if (!isWhole || !plain) {
+    if (!isWhole || !plain || (!plain->empty() && plain->front() != '/')) {
         return {};
     }
     plan.folder = *plain;
     if (length != "-") {
         std::uint32_t milliseconds = 0;
-        if (!(std::istringstream(length) >> milliseconds)) {
+        const char* const end = length.data() + length.size();
+        if (std::from_chars(length.data(), end, milliseconds).ptr != end) {
             return {};
         }
         plan.forMs = milliseconds;
