@@ -96,7 +96,7 @@ Modifiers modifierBits(std::string_view name) {
 }
 
 bool areHeld(const KeyChord& chord, Modifiers down) {
-    return collide(chord, {down, chord.key});
+    return (down & ~chord.modifiers) == 0 && collide(chord, {down, chord.key});
 }
 
 bool collide(const KeyChord& one, const KeyChord& other) {
