@@ -31,6 +31,17 @@ std::vector<Candidate> candidates(Api api, const std::string& build, const std::
     };
 }
 
+std::vector<Candidate> observed(const Candidate& ours, const std::string& build) {
+    const auto beside = [&](const std::string& verb) {
+        return Command{"sh", "-c",
+                       "for i in $(seq 600); do '" + build + "/bin/kordanixctl' " + verb +
+                           " && break; sleep 0.1; done >\"$HOME/observer.log\" 2>&1 & exec \"$@\"",
+                       "sh"};
+    };
+    return {{std::string(OURS) + ", watched", beside("watch --json"), ours.environment, ours.library},
+            {std::string(OURS) + ", logged", beside("log start"), ours.environment, ours.library}};
+}
+
 bool enableOurs(Api api, const std::string& build, const std::string& runtime, const std::string& program) {
     std::filesystem::create_directories(runtime);
     std::filesystem::permissions(runtime, std::filesystem::perms::owner_all);

@@ -27,6 +27,10 @@ enum class Api { OPENGL, VULKAN };
 /// libraries and tools, `runtime` a private folder for our properties.
 std::vector<Candidate> candidates(Api api, const std::string& build, const std::string& runtime);
 
+/// Returns ours again, while somebody looks at the figures from outside, and while a log is written. They
+/// begin a moment after the program, and end with it.
+std::vector<Candidate> observed(const Candidate& ours, const std::string& build);
+
 /// Writes the properties that show our overlay in `program`, named as it is started. On failure prints why
 /// and returns false.
 bool enableOurs(Api api, const std::string& build, const std::string& runtime, const std::string& program);

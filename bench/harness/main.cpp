@@ -21,6 +21,7 @@ struct Options {
     std::vector<std::string> modes;
     std::vector<std::string> without;
     bool isUncounted = false;
+    bool isObserved = false;
 };
 
 bool contains(const std::vector<std::string>& texts, const std::string& text) {
@@ -81,6 +82,14 @@ std::vector<bench::Candidate> chosenCandidates(const Options& options, const std
     chosen.erase(std::remove_if(chosen.begin() + 1, chosen.end(),
                                 [&](const bench::Candidate& c) { return contains(options.without, c.name); }),
                  chosen.end());
+    if (options.isObserved) {
+        const auto ours = std::find_if(chosen.begin(), chosen.end(),
+                                       [](const bench::Candidate& c) { return c.name == bench::OURS; });
+        if (ours != chosen.end()) {
+            const std::vector<bench::Candidate> more = bench::observed(*ours, options.build);
+            chosen.insert(chosen.end(), more.begin(), more.end());
+        }
+    }
     return chosen;
 }
 
@@ -137,6 +146,7 @@ int main(int argc, char** argv) {
     app.add_option("--rounds", options.rounds, "How often each is measured")->check(CLI::PositiveNumber);
     app.add_option("--mode", options.modes, "Only these: free, rate, thread, pixels, figures, pacing");
     app.add_option("--without", options.without, "Overlays to leave out, by their names in the table");
+    app.add_flag("--observed", options.isObserved, "Also ours while it is watched, and while it is logged");
     app.add_flag("--no-instructions", options.isUncounted, "Leave callgrind out");
     CLI11_PARSE(app, argc, argv);
     options.build = std::filesystem::absolute(options.build);
