@@ -20,7 +20,7 @@ public:
     static constexpr std::size_t KEYS = 256;
 
     struct Binding {
-        KeyAction action;
+        KeyAction action = KeyAction::TOGGLE;
         KeyChord chord;
     };
 
