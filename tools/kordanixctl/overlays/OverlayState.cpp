@@ -72,7 +72,8 @@ const platform::OverlayNote* OverlayState::note(pid_t process) const {
 }
 
 std::string OverlayState::obstacle(pid_t process, bool mayBeOff) const {
-    if (!mayBeOff && displayedValue("status") != "true") {
+    const bool isOff = displayedValue("status") != "true";
+    if (isOff && !mayBeOff) {
         return "does not show the overlay, which is switched off";
     }
     if (mClaimant && *mClaimant != process) {
@@ -97,7 +98,8 @@ std::string OverlayState::obstacle(pid_t process, bool mayBeOff) const {
         return "does not show the overlay: api is set to " + displayedValue("api") +
                ", but its graphics API has number " + api;
     }
-    return its->reason.empty() ? std::string() : "does not show the overlay: " + its->reason;
+    // While it is off, that is the reason which the note has.
+    return its->reason.empty() || isOff ? std::string() : "does not show the overlay: " + its->reason;
 }
 
 std::vector<pid_t> findShowing(const std::string& directory, std::optional<pid_t> process, bool mayBeOff,
