@@ -20,15 +20,6 @@ bool isFinite(const Corner& corner) {
     return raster::isFinite(corner.point);
 }
 
-Vertex toVertex(const Corner& corner, const Paint& paint) {
-    if (paint.profile() != 0) {
-        return {corner.point.x, corner.point.y, GlyphCache::acrossProfile(corner.coverage), paint.profile(),
-                paint.covering(1.0F)};
-    }
-    constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
-    return {corner.point.x, corner.point.y, SOLID, SOLID, paint.covering(corner.coverage)};
-}
-
 /// One axis of a box, cut where its coverage changes: a pixel that is covered in part, whole ones, and
 /// another one in part. At most three pieces.
 struct Pieces {
@@ -90,6 +81,15 @@ std::size_t cutPolygon(Batch::Polygon& corners, std::size_t count, Side side) {
 }
 
 }  // namespace
+
+Vertex toVertex(const Corner& corner, const Paint& paint) {
+    if (paint.profile() != 0) {
+        return {corner.point.x, corner.point.y, GlyphCache::acrossProfile(corner.coverage), paint.profile(),
+                paint.covering(1.0F)};
+    }
+    constexpr auto SOLID = static_cast<std::uint16_t>(GlyphCache::SOLID);
+    return {corner.point.x, corner.point.y, SOLID, SOLID, paint.covering(corner.coverage)};
+}
 
 void Batch::begin(const raster::PixelRect& surface) {
     mSurface = surface;

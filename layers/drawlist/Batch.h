@@ -31,6 +31,15 @@ struct Corner {
     float coverage;
 };
 
+Vertex toVertex(const Corner& corner, const Paint& paint);
+
+/// Another vertex of the same colour and place in the texture.
+inline Vertex moved(Vertex vertex, const glm::vec2& to) {
+    vertex.x = to.x;
+    vertex.y = to.y;
+    return vertex;
+}
+
 /// Pixels that shapes are cut to.
 struct Clip {
     explicit Clip(const raster::PixelRect& pixels)
@@ -107,6 +116,17 @@ public:
     void addQuad(const Corner& a, const Corner& b, const Corner& c, const Corner& d, const Paint& paint,
                  const Clip& clip);
 
+    /// Adds that many vertices inside the clip, three a triangle, which the caller writes at once.
+    Vertex* grow(std::size_t count) {
+        Stream& to = stream(mPart);
+        const std::size_t first = to.mCount;
+        to.mCount += count;
+        if (to.mCount > to.mVertices.size()) {
+            to.makeRoom();
+        }
+        return to.mVertices.data() + first;
+    }
+
     /// The application's picture in the box. Of several in one drawing only the first is shown. It covers
     /// solid shapes that were added before, and no others.
     void addPicture(const raster::Box& box);
@@ -170,17 +190,6 @@ private:
 
     /// Whether something was drawn within these bounds that is not in the first part.
     bool isCovered(const raster::PixelRect& bounds) const;
-
-    /// Room for that many more vertices, to be written at once.
-    Vertex* grow(std::size_t count) {
-        Stream& to = stream(mPart);
-        const std::size_t first = to.mCount;
-        to.mCount += count;
-        if (to.mCount > to.mVertices.size()) {
-            to.makeRoom();
-        }
-        return to.mVertices.data() + first;
-    }
 
     raster::PixelRect mSurface;
     raster::PixelRect mClip;

@@ -45,35 +45,82 @@ int columnAt(float x) {
 /// A slice with an upper edge up to this long, in pixels, is not cut into rows.
 constexpr float SHORT_BORDER = 1.0F;
 
-/// Adds the part between two points of the upper edge if the edge is neither steep nor near an edge of
-/// `clip`.
-bool addGentleSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom,
-                    const Paint& paint, const raster::PixelRect& clip) {
-    const float slope = (to.y - from.y) / (to.x - from.x);
-    const float soft = 0.5F * std::sqrt(1.0F + slope * slope);
-    const Clip area(clip);
-    const int wholeBottom = floorOf(bottom);
-    const glm::vec2 shift(0.0F, soft);
-    const glm::vec2 lowest(0.0F, static_cast<float>(wholeBottom));
-    if (!(soft <= SHORT_BORDER) || std::max(from.y, to.y) + soft > lowest.y || !area.contains(from - shift) ||
-        !area.contains(to - shift) || wholeBottom > clip.mBottom) {
+/// What the slices of an area have in common.
+struct Columns {
+    Columns(Batch& to, float bottomEdge, const Paint& color, const raster::PixelRect& pixels)
+        : batch(to),
+          paint(color),
+          clip(pixels),
+          edges(pixels),
+          bottom(bottomEdge),
+          wholeBottom(std::floor(bottomEdge)),
+          clear(toVertex({{}, 0.0F}, color)),
+          full(toVertex({{}, 1.0F}, color)) {}
+
+    Batch& batch;
+    const Paint& paint;
+    const raster::PixelRect& clip;
+    Clip edges;
+    float bottom;
+    float wholeBottom;
+    Vertex clear;  ///< where the area does not cover
+    Vertex full;
+};
+
+/// How far the coverage rises above and below an edge of this slope: together over the height in which such a
+/// line crosses a pixel.
+float softnessOf(float slope) {
+    return 0.5F * std::sqrt(1.0F + slope * slope);
+}
+
+/// Adds the part between two points of the upper edge, down to the last whole row, if the edge is neither
+/// steep nor near an edge of the clip.
+bool addGentleSlice(const Columns& area, const glm::vec2& from, const glm::vec2& to, float soft) {
+    const float floor = area.wholeBottom;
+    if (!(soft <= SHORT_BORDER) || std::max(from.y, to.y) + soft > floor || floor > area.edges.bottom ||
+        std::min(from.y, to.y) - soft < area.edges.top) {
         return false;
     }
-    const Corner above{from - shift, 0.0F};
-    const Corner nextAbove{to - shift, 0.0F};
-    const Corner below{from + shift, 1.0F};
-    const Corner nextBelow{to + shift, 1.0F};
-    const Corner foot{{from.x, lowest.y}, 1.0F};
-    const Corner nextFoot{{to.x, lowest.y}, 1.0F};
-    batch.addQuad(above, nextAbove, nextBelow, below, paint, area);
-    batch.addQuad(below, nextBelow, nextFoot, foot, paint, area);
-    batch.addRect(
-        {static_cast<float>(columnAt(from.x)), lowest.y, static_cast<float>(columnAt(to.x)), bottom}, paint,
-        clip);
+    Vertex* const vertices = area.batch.grow(12);
+    vertices[0] = vertices[3] = moved(area.clear, {from.x, from.y - soft});
+    vertices[1] = moved(area.clear, {to.x, to.y - soft});
+    vertices[2] = vertices[4] = vertices[7] = moved(area.full, {to.x, to.y + soft});
+    vertices[5] = vertices[6] = vertices[9] = moved(area.full, {from.x, from.y + soft});
+    vertices[8] = vertices[10] = moved(area.full, {to.x, floor});
+    vertices[11] = moved(area.full, {from.x, floor});
     return true;
 }
 
-/// Adds the part between two points of the upper edge, in the columns of `clip`.
+/// The same for a steep edge. So that a peak is not drawn higher than it is, the rows above the edge are empty,
+/// and so that a valley is not filled, the rows below it are full.
+bool addSteepSlice(const Columns& area, const glm::vec2& from, const glm::vec2& to, float soft) {
+    const glm::vec2& upper = from.y < to.y ? from : to;
+    const glm::vec2& lower = from.y < to.y ? to : from;
+    const float top = std::floor(upper.y);
+    const float end = std::ceil(lower.y);
+    if (!(soft > SHORT_BORDER) || !(upper.y + soft < end) || !(lower.y - soft > top) ||
+        top < area.edges.top || end > std::min(area.edges.bottom, area.wholeBottom)) {
+        return false;
+    }
+    const float perRow = (lower.x - upper.x) / (lower.y - upper.y);
+    const auto coverage = [soft](float depth) { return 0.5F + 0.5F * depth / soft; };
+    const Vertex first = toVertex({{upper.x, top}, coverage(top - upper.y)}, area.paint);
+    const Vertex last = toVertex({{lower.x, end}, coverage(end - lower.y)}, area.paint);
+    const Vertex foot = moved(area.full, {upper.x + (end - soft - upper.y) * perRow, end});
+    Vertex* const vertices = area.batch.grow(15);
+    vertices[0] = vertices[3] = vertices[6] = vertices[9] = first;
+    vertices[1] = moved(area.clear, {upper.x + (top + soft - upper.y) * perRow, top});
+    vertices[2] = vertices[4] = moved(area.clear, {lower.x, lower.y - soft});
+    vertices[5] = vertices[7] = last;
+    vertices[8] = vertices[10] = vertices[13] = foot;
+    vertices[11] = vertices[12] = moved(area.full, {upper.x, upper.y + soft});
+    vertices[14] = moved(area.full, {upper.x, end});
+    area.batch.addPixels(
+        {columnAt(from.x), floorOf(end), columnAt(to.x), floorOf(area.wholeBottom)}, area.paint);
+    return true;
+}
+
+/// Adds the part between two points of any upper edge, down to the bottom.
 void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bottom, const Paint& paint,
               const raster::PixelRect& clip) {
     const float fromY = std::min(from.y, bottom);
@@ -88,7 +135,7 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
     rows.mTop = std::max(rows.mTop, floorOf(high));
     rows.mBottom = std::min({rows.mBottom, ceilOf(low), wholeBottom});
     const float slope = (toY - fromY) / (to.x - from.x);
-    const float soft = 0.5F * std::sqrt(1.0F + slope * slope);
+    const float soft = softnessOf(slope);
     if (!rows.isEmpty() && std::isfinite(soft)) {
         const Clip band(rows);
         const auto corner = [](float x, float y, float coverage) { return Corner{{x, y}, coverage}; };
@@ -151,16 +198,37 @@ void FillTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t co
 
 void FillTessellator::drawColumns(Batch& batch, float bottom, const Paint& paint,
                                   const raster::PixelRect& clip) const {
+    const Columns area(batch, bottom, paint, clip);
+    // The row that the bottom covers in part is one rectangle for all slices beside each other that leave it.
+    float rowStart = area.edges.left;
+    float rowEnd = area.edges.left;
+    const auto addRow = [&] {
+        batch.addRect({rowStart, area.wholeBottom, rowEnd, bottom}, paint, clip);
+    };
+    const auto firstColumn = [](float x) { return static_cast<float>(columnAt(x)); };
     for (std::size_t i = 1; i < mEdge.size(); ++i) {
-        const glm::vec2& from = mEdge[i - 1];
-        const glm::vec2& to = mEdge[i];
-        if (to.x > from.x && to.x > static_cast<float>(clip.mLeft) &&
-            from.x < static_cast<float>(clip.mRight)) {
-            if (!addGentleSlice(batch, from, to, bottom, paint, clip)) {
-                addSlice(batch, from, to, bottom, paint, clip);
-            }
+        glm::vec2 from = mEdge[i - 1];
+        glm::vec2 to = mEdge[i];
+        if (!(to.x > from.x) || to.x <= area.edges.left || from.x >= area.edges.right) {
+            continue;
+        }
+        const float slope = (to.y - from.y) / (to.x - from.x);
+        const float soft = softnessOf(slope);
+        if (to.x > area.edges.right) {
+            to = {area.edges.right, from.y + slope * (area.edges.right - from.x)};
+        }
+        if (from.x < area.edges.left) {
+            from = {area.edges.left, to.y - slope * (to.x - area.edges.left)};
+        }
+        if (addGentleSlice(area, from, to, soft) || addSteepSlice(area, from, to, soft)) {
+            rowEnd = firstColumn(to.x);
+        } else {
+            addRow();
+            addSlice(batch, from, to, bottom, paint, clip);
+            rowStart = rowEnd = firstColumn(to.x);
         }
     }
+    addRow();
 }
 
 }  // namespace drawlist
