@@ -91,8 +91,8 @@ bool addGentleSlice(const Columns& area, const glm::vec2& from, const glm::vec2&
     return true;
 }
 
-/// The same for a steep edge. So that a peak is not drawn higher than it is, the rows above the edge are empty,
-/// and so that a valley is not filled, the rows below it are full.
+/// The same for a steep edge. So that a peak is not drawn higher than it is, the rows above the edge are
+/// empty, and so that a valley is not filled, the rows below it are full.
 bool addSteepSlice(const Columns& area, const glm::vec2& from, const glm::vec2& to, float soft) {
     const glm::vec2& upper = from.y < to.y ? from : to;
     const glm::vec2& lower = from.y < to.y ? to : from;
@@ -115,8 +115,8 @@ bool addSteepSlice(const Columns& area, const glm::vec2& from, const glm::vec2& 
     vertices[8] = vertices[10] = vertices[13] = foot;
     vertices[11] = vertices[12] = moved(area.full, {upper.x, upper.y + soft});
     vertices[14] = moved(area.full, {upper.x, end});
-    area.batch.addPixels(
-        {columnAt(from.x), floorOf(end), columnAt(to.x), floorOf(area.wholeBottom)}, area.paint);
+    area.batch.addPixels({columnAt(from.x), floorOf(end), columnAt(to.x), floorOf(area.wholeBottom)},
+                         area.paint);
     return true;
 }
 
@@ -202,9 +202,7 @@ void FillTessellator::drawColumns(Batch& batch, float bottom, const Paint& paint
     // The row that the bottom covers in part is one rectangle for all slices beside each other that leave it.
     float rowStart = area.edges.left;
     float rowEnd = area.edges.left;
-    const auto addRow = [&] {
-        batch.addRect({rowStart, area.wholeBottom, rowEnd, bottom}, paint, clip);
-    };
+    const auto addRow = [&] { batch.addRect({rowStart, area.wholeBottom, rowEnd, bottom}, paint, clip); };
     const auto firstColumn = [](float x) { return static_cast<float>(columnAt(x)); };
     for (std::size_t i = 1; i < mEdge.size(); ++i) {
         glm::vec2 from = mEdge[i - 1];

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "drawlist/GlyphCache.h"
 #include "drawlist/Polyline.h"
@@ -19,14 +20,12 @@ constexpr float GENTLE = 0.6F;
 /// Segments shorter than this have no direction.
 constexpr float SHORTEST = 0.001F;
 
+/// How far from its point the outer corner of a gentle turn lies, as a multiple of the distance of the
+/// borders: 1 / cos(half the turn).
+constexpr float FARTHEST_CORNER = 1.12F;
+
 glm::vec2 rightOf(const glm::vec2& direction) {
     return {-direction.y, direction.x};
-}
-
-/// `other` when the vector is too short to have a direction.
-glm::vec2 unit(const glm::vec2& vector, const glm::vec2& other) {
-    const float length = std::sqrt(glm::dot(vector, vector));
-    return length > SHORTEST ? vector / length : other;
 }
 
 }  // namespace
@@ -49,9 +48,35 @@ void StrokeTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t 
     }
 }
 
+/// How to draw a run.
+struct StrokeTessellator::Pen {
+    Pen(const Target& to, const Paint& color, float borders)
+        : batch(to.batch),
+          clip(to.clip),
+          paint(color),
+          reach(borders),
+          right(toVertex({{}, 0.0F}, color)),
+          middle(toVertex({{}, 0.5F}, color)),
+          left(toVertex({{}, 1.0F}, color)) {}
+
+    /// Whether the clip contains all that is drawn around a gentle turn or between two of them.
+    bool hasRoom(const glm::vec2& point) const {
+        const float farthest = reach * FARTHEST_CORNER;
+        return point.x - farthest >= clip.left && point.x + farthest <= clip.right &&
+               point.y - farthest >= clip.top && point.y + farthest <= clip.bottom;
+    }
+
+    Batch& batch;
+    const Clip& clip;
+    const Paint& paint;
+    float reach;  ///< from the line's middle to its borders
+    Vertex right;
+    Vertex middle;
+    Vertex left;
+};
+
 void StrokeTessellator::drawRun(const Target& target, const StrokePaint& paint) {
-    mSegments.clear();
-    mTurns.clear();
+    mSegments.resize(mPoints.size() + 1);
     std::size_t kept = 0;
     for (std::size_t i = 1; i < mPoints.size(); ++i) {
         const glm::vec2 way = mPoints[i] - mPoints[kept];
@@ -59,26 +84,24 @@ void StrokeTessellator::drawRun(const Target& target, const StrokePaint& paint) 
         if (!(length > SHORTEST) || !std::isfinite(length)) {
             continue;
         }
-        Segment segment;
+        Segment& segment = mSegments[kept];
         segment.direction = way / length;
         segment.length = length;
-        mSegments.push_back(segment);
         mPoints[++kept] = mPoints[i];
     }
-    if (mSegments.empty()) {  // all in one place: a dot
-        Segment dot;
-        dot.direction = {1.0F, 0.0F};
-        mSegments.push_back(dot);
-        mPoints[1] = mPoints[0];
+    if (kept == 0) {  // all in one place: a dot
+        mSegments[0].direction = {1.0F, 0.0F};
+        mSegments[0].length = 0.0F;
+        mPoints[++kept] = mPoints[0];
     }
-    const std::size_t last = mSegments.size() - 1;
-    mTurns.push_back(0.0F);
-    for (std::size_t i = 0; i < last; ++i) {
-        const glm::vec2& from = mSegments[i].direction;
-        const glm::vec2& to = mSegments[i + 1].direction;
-        mTurns.push_back(from.x * to.y - from.y * to.x);
+    mPoints.resize(kept + 1);
+    mSegments.resize(kept + 1);
+    mSegments[0].turn = mSegments[kept].turn = 0.0F;
+    for (std::size_t i = 1; i < kept; ++i) {
+        const glm::vec2& from = mSegments[i - 1].direction;
+        const glm::vec2& to = mSegments[i].direction;
+        mSegments[i].turn = from.x * to.y - from.y * to.x;
     }
-    mTurns.push_back(0.0F);
 
     const Paint both = paint.line.along(GlyphCache::profile(Part::BOTH));
     if (paint.isOutlineBlack && paint.outline.isVisible() && addRun(target, Part::BOTH, both, true)) {
@@ -93,47 +116,40 @@ void StrokeTessellator::drawRun(const Target& target, const StrokePaint& paint) 
 
 /// False, and nothing is added, when segments lie on each other and must not.
 bool StrokeTessellator::addRun(const Target& target, Part part, const Paint& paint, bool mustMeet) {
-    const float reach = GlyphCache::reach(target.width, part);
-    for (std::size_t i = 0; i < mSegments.size(); ++i) {
+    const Pen pen(target, paint, GlyphCache::reach(target.width, part));
+    const std::size_t count = mSegments.size() - 1;
+    for (std::size_t i = 0; i < count; ++i) {
         Segment& segment = mSegments[i];
-        const glm::vec2 side = reach * rightOf(segment.direction);
-        segment.start = {{{mPoints[i] + side, 0.0F}, {mPoints[i] - side, 1.0F}}};
-        segment.end = {{{mPoints[i + 1] + side, 0.0F}, {mPoints[i + 1] - side, 1.0F}}};
+        const glm::vec2 side = pen.reach * rightOf(segment.direction);
+        segment.start = {mPoints[i] + side, mPoints[i] - side};
+        segment.end = {mPoints[i + 1] + side, mPoints[i + 1] - side};
     }
     mJoints.clear();
-    for (std::size_t i = 1; i < mSegments.size(); ++i) {
-        if (!join(reach, i) && mustMeet) {
+    for (std::size_t i = 1; i < count; ++i) {
+        if (!join(pen.reach, i) && mustMeet) {
             return false;
         }
     }
-    for (const Segment& segment : mSegments) {
-        target.batch.addQuad(segment.start[0], segment.end[0], segment.end[1], segment.start[1], paint,
-                             target.clip);
+    bool hasRoom = pen.hasRoom(mPoints[0]);
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool hadRoom = std::exchange(hasRoom, pen.hasRoom(mPoints[i + 1]));
+        addSegment(pen, mSegments[i], hadRoom && hasRoom);
     }
     for (const Joint& joint : mJoints) {
-        const Corner middle{joint.point, 0.5F};
-        if (joint.isMeeting) {
-            target.batch.addTriangle(joint.inner, middle, joint.before, paint, target.clip);
-            target.batch.addTriangle(joint.inner, joint.after, middle, paint, target.clip);
-        }
-        addArc(target, paint, joint.point,
-               {joint.before.point - joint.point, reach * joint.outwards, joint.after.point - joint.point});
+        addJoint(pen, joint);
     }
-    const auto addEnd = [&](const Section& section, const glm::vec2& point, const glm::vec2& outwards) {
-        addArc(target, paint, point, {section[0].point - point, reach * outwards, section[1].point - point});
+    const auto addEnd = [&](const glm::vec2& point, const Section& section, const glm::vec2& direction) {
+        addArc(pen, point, {section[0] - point, pen.reach * direction, section[1] - point});
     };
-    const Segment& first = mSegments.front();
-    const Segment& final = mSegments.back();
-    addEnd(first.start, mPoints[0], -first.direction);
-    addEnd(final.end, mPoints[mSegments.size()], final.direction);
+    addEnd(mPoints[0], mSegments[0].start, -mSegments[0].direction);
+    addEnd(mPoints[count], mSegments[count - 1].end, mSegments[count - 1].direction);
     return true;
 }
 
 /// How much of a segment the inner corner of a joint may take: a joint at the other end that turns the same
 /// way takes its own half.
-float StrokeTessellator::roomAt(std::size_t segment, bool isStart, float turn) const {
-    const float otherTurn = mTurns[isStart ? segment + 1 : segment];
-    const bool isShared = otherTurn * turn > 0.0F;
+float StrokeTessellator::roomAt(std::size_t segment) const {
+    const bool isShared = mSegments[segment].turn * mSegments[segment + 1].turn > 0.0F;
     return mSegments[segment].length * (isShared ? 0.5F : 1.0F);
 }
 
@@ -142,46 +158,87 @@ bool StrokeTessellator::join(float reach, std::size_t index) {
     Segment& before = mSegments[index - 1];
     Segment& after = mSegments[index];
     const glm::vec2& point = mPoints[index];
-    const float turn = mTurns[index];
     const float cosine = glm::dot(before.direction, after.direction);
-    const std::size_t inner = turn > 0.0F ? 0 : 1;
-    const std::size_t outer = 1 - inner;
-    const float side = inner == 0 ? 1.0F : -1.0F;
-    const glm::vec2 sides = side * (rightOf(before.direction) + rightOf(after.direction));
-    const glm::vec2 inwards =
-        cosine > 0.0F ? unit(sides, side * rightOf(before.direction))
-                      : unit(after.direction - before.direction, side * rightOf(before.direction));
 
-    // The inner borders of both segments meet on the bisector, if the segments are long enough.
-    constexpr float SMALLEST = 1e-4F;
-    const float cosHalf = std::sqrt(std::max(0.5F * (1.0F + cosine), SMALLEST));
-    const float sinHalf = std::sqrt(std::max(0.5F * (1.0F - cosine), SMALLEST));
-    const float toCorner = reach / cosHalf;
-    const bool isMeeting =
-        toCorner * sinHalf < std::min(roomAt(index - 1, false, turn), roomAt(index, true, turn));
-    if (isMeeting) {
-        before.end[inner].point = after.start[inner].point = point + inwards * toCorner;
-        if (cosine > GENTLE) {
-            before.end[outer].point = after.start[outer].point = point - inwards * toCorner;
-            return true;
-        }
+    // The borders of both segments meet on the bisector, if the segments are long enough: reach / cos(half
+    // the turn) from the point, which takes reach * tan(half the turn) of each.
+    const float share = reach / (1.0F + cosine);
+    const glm::vec2 corner = share * rightOf(before.direction + after.direction);
+    const bool isMeeting = share * std::fabs(after.turn) < std::min(roomAt(index - 1), roomAt(index));
+    if (isMeeting && cosine > GENTLE) {
+        before.end = after.start = {point + corner, point - corner};
+        return true;
     }
-    mJoints.push_back({point, -inwards, before.end[inner], before.end[outer], after.start[outer], isMeeting});
+    const std::size_t inner = after.turn > 0.0F ? 0 : 1;
+    const std::size_t outer = 1 - inner;
+    if (isMeeting) {
+        before.end[inner] = after.start[inner] = inner == 0 ? point + corner : point - corner;
+    }
+    constexpr float SMALLEST = 1e-4F;
+    const float sinHalf = std::sqrt(std::max(0.5F * (1.0F - cosine), SMALLEST));
+    const glm::vec2 outwards = (0.5F * reach / sinHalf) * (before.direction - after.direction);
+    mJoints.push_back({point, outwards, before.end[inner], before.end[outer], after.start[outer], isMeeting});
     return isMeeting;
+}
+
+void StrokeTessellator::addSegment(const Pen& pen, const Segment& segment, bool isInside) {
+    const Section& start = segment.start;
+    const Section& end = segment.end;
+    if (!isInside) {
+        pen.batch.addQuad({start[0], 0.0F}, {end[0], 0.0F}, {end[1], 1.0F}, {start[1], 1.0F}, pen.paint,
+                          pen.clip);
+        return;
+    }
+    Vertex* const vertices = pen.batch.grow(6);
+    vertices[0] = vertices[3] = moved(pen.right, start[0]);
+    vertices[1] = moved(pen.right, end[0]);
+    vertices[2] = vertices[4] = moved(pen.left, end[1]);
+    vertices[5] = moved(pen.left, start[1]);
+}
+
+void StrokeTessellator::addJoint(const Pen& pen, const Joint& joint) {
+    const glm::vec2& point = joint.point;
+    if (joint.isMeeting && pen.hasRoom(point)) {
+        Vertex* const vertices = pen.batch.grow(6);
+        vertices[0] = vertices[3] = moved(pen.right, joint.inner);
+        vertices[1] = vertices[5] = moved(pen.middle, point);
+        vertices[2] = moved(pen.left, joint.before);
+        vertices[4] = moved(pen.left, joint.after);
+    } else if (joint.isMeeting) {
+        const Corner inner{joint.inner, 0.0F};
+        const Corner middle{point, 0.5F};
+        pen.batch.addTriangle(inner, middle, {joint.before, 1.0F}, pen.paint, pen.clip);
+        pen.batch.addTriangle(inner, {joint.after, 1.0F}, middle, pen.paint, pen.clip);
+    }
+    addArc(pen, point, {joint.before - point, joint.outwards, joint.after - point});
 }
 
 /// From one border of a stroke over another place to a third, all of them seen from `center` and at the same
 /// distance.
-void StrokeTessellator::addArc(const Target& target, const Paint& paint, const glm::vec2& center,
+void StrokeTessellator::addArc(const Pen& pen, const glm::vec2& center,
                                const std::array<glm::vec2, 3>& places) {
-    const auto [from, middle, to] = places;
-    const float reach = std::sqrt(glm::dot(from, from));
-    const auto between = [reach](const glm::vec2& a, const glm::vec2& b) { return reach * unit(a + b, b); };
-    const std::array<glm::vec2, 5> all = {from, between(from, middle), middle, between(middle, to), to};
-    const std::size_t step = glm::dot(from, to) > 0.0F ? 2 : 1;  // a quarter of a circle needs half of them
-    for (std::size_t i = step; i < all.size(); i += step) {
-        target.batch.addTriangle({center, 0.5F}, {center + all[i - step], 0.0F}, {center + all[i], 0.0F},
-                                 paint, target.clip);
+    const auto& [from, middle, to] = places;
+    const auto between = [&pen](const glm::vec2& a, const glm::vec2& b) {
+        const glm::vec2 sum = a + b;
+        return sum * (pen.reach / std::sqrt(glm::dot(sum, sum)));
+    };
+    std::array<glm::vec2, 5> rim{center + from, center + middle, center + to};
+    std::size_t triangles = 2;  // for a quarter of a circle
+    if (!(glm::dot(from, to) > 0.0F)) {
+        rim = {rim[0], center + between(from, middle), rim[1], center + between(middle, to), rim[2]};
+        triangles = 4;
+    }
+    if (!pen.hasRoom(center)) {
+        for (std::size_t i = 0; i < triangles; ++i) {
+            pen.batch.addTriangle({center, 0.5F}, {rim[i], 0.0F}, {rim[i + 1], 0.0F}, pen.paint, pen.clip);
+        }
+        return;
+    }
+    Vertex* vertex = pen.batch.grow(3 * triangles);
+    for (std::size_t i = 0; i < triangles; ++i) {
+        *vertex++ = moved(pen.middle, center);
+        *vertex++ = moved(pen.right, rim[i]);
+        *vertex++ = moved(pen.right, rim[i + 1]);
     }
 }
 

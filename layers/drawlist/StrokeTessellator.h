@@ -35,20 +35,21 @@ public:
 
 private:
     /// The corners of a segment at one of its ends, on its right side and on its left.
-    using Section = std::array<Corner, 2>;
+    using Section = std::array<glm::vec2, 2>;
     struct Segment {
         glm::vec2 direction{0.0F};
         float length = 0.0F;
+        float turn = 0.0F;  ///< where it begins: more than 0 to the right, less to the left
         Section start{};
         Section end{};
     };
     /// A sharp turn: its inner corner, and between the ends of the segments on the outer side an arc.
     struct Joint {
         glm::vec2 point;
-        glm::vec2 outwards;
-        Corner inner;
-        Corner before;
-        Corner after;
+        glm::vec2 outwards;  ///< from the point to the middle of the arc
+        glm::vec2 inner;
+        glm::vec2 before;
+        glm::vec2 after;
         bool isMeeting;  ///< at the inner corner
     };
     /// Where everything goes.
@@ -57,18 +58,19 @@ private:
         Clip clip{{}};
         float width = 0.0F;
     };
+    struct Pen;
 
     void drawRun(const Target& target, const StrokePaint& paint);
     bool addRun(const Target& target, Part part, const Paint& paint, bool mustMeet);
     bool join(float reach, std::size_t index);
-    float roomAt(std::size_t segment, bool isStart, float turn) const;
-    static void addArc(const Target& target, const Paint& paint, const glm::vec2& center,
-                       const std::array<glm::vec2, 3>& places);
+    float roomAt(std::size_t segment) const;
+    static void addSegment(const Pen& pen, const Segment& segment, bool isInside);
+    static void addJoint(const Pen& pen, const Joint& joint);
+    static void addArc(const Pen& pen, const glm::vec2& center, const std::array<glm::vec2, 3>& places);
 
     std::vector<glm::vec2> mPoints;  ///< of a run without gap
-    std::vector<Segment> mSegments;
+    std::vector<Segment> mSegments;  ///< from each point to the next one; the last one has only its turn
     std::vector<Joint> mJoints;
-    std::vector<float> mTurns;  ///< at each point: more than 0 to the right, less to the left
 };
 
 }  // namespace drawlist
