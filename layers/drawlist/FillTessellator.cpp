@@ -26,13 +26,17 @@ bool isUnderGraph(const glm::vec2* points, std::size_t count) {
     if (count < 4 || count % 2 != 0) {
         return false;
     }
+    const float bottom = points[1].y;
+    float last = points[0].x;
     for (std::size_t i = 0; i < count; i += 2) {
-        const bool isPair = raster::isFinite(points[i]) && raster::isFinite(points[i + 1]) &&
-                            std::fabs(points[i].x - points[i + 1].x) < TOLERANCE &&
-                            std::fabs(points[i + 1].y - points[1].y) < TOLERANCE;
-        if (!isPair || (i > 0 && points[i].x < points[i - 2].x)) {
+        const glm::vec2& upper = points[i];
+        const glm::vec2& lower = points[i + 1];
+        // What is not finite is not near anything.
+        if (!(std::fabs(upper.x - lower.x) < TOLERANCE) || !(std::fabs(lower.y - bottom) < TOLERANCE) ||
+            !(upper.x >= last) || !std::isfinite(upper.y)) {
             return false;
         }
+        last = upper.x;
     }
     return true;
 }
@@ -168,12 +172,8 @@ void FillTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t co
         }
         return;
     }
-    mAll.clear();
-    for (std::size_t i = 0; i < count; i += 2) {
-        mAll.push_back(points[i]);
-    }
     mEdge.clear();
-    appendSimplified(mAll.data(), mAll.data() + mAll.size(), mEdge);
+    appendSimplified(points, count / 2, 2, mEdge);
 
     // The first and the last column are partly covered. There the graph continues to the columns' borders.
     const float left = mEdge.front().x;

@@ -24,7 +24,6 @@ public:
 private:
     void drawColumns(Batch& batch, float bottom, const Paint& paint, const raster::PixelRect& clip) const;
 
-    std::vector<glm::vec2> mAll;   ///< the upper edge
     std::vector<glm::vec2> mEdge;  ///< the upper edge without points on a straight line
 };
 

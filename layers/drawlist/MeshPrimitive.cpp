@@ -1,6 +1,7 @@
 #include "drawlist/MeshPrimitive.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "raster/GridLine.h"
 
@@ -9,8 +10,8 @@ namespace drawlist {
 void MeshPrimitive::draw() {
     bool isSame = mRetained.begin(mList, *this, mColor);
     isSame = isSame && mVertices.size() == mLastVertices.size() &&
-             std::equal(mVertices.begin(), mVertices.end(), mLastVertices.begin(),
-                        [](const gui::Vertex& a, const gui::Vertex& b) { return a.x == b.x && a.y == b.y; });
+             (mVertices.empty() || std::memcmp(mVertices.data(), mLastVertices.data(),
+                                               mVertices.size() * sizeof(gui::Vertex)) == 0);
     if (isSame) {
         mRetained.repeat(mList.batch);
         return;

@@ -20,19 +20,18 @@ public:
         narrow(to);
     }
 
-    bool leadTo(const glm::vec2& to) const {
-        const glm::vec2 way = to - mFrom;
-        return way.x > 0.0F && way.y >= mLow * way.x && way.y <= mHigh * way.x;
-    }
-
-    void narrow(const glm::vec2& past) {
+    /// Leaves out one more, if those so far stay close to the line to it.
+    bool narrow(const glm::vec2& past) {
         const glm::vec2 way = past - mFrom;
-        if (!(way.x > 0.0F)) {
-            mLow = HUGE_VALF;  // not a graph: leave out no points
-            return;
+        const float perPixel = 1.0F / way.x;
+        const float slope = way.y * perPixel;
+        if (!(way.x > 0.0F && slope >= mLow && slope <= mHigh)) {
+            mLow = HUGE_VALF;  // not a graph, or a bend
+            return false;
         }
-        mLow = std::max(mLow, (way.y - TOLERANCE) / way.x);
-        mHigh = std::min(mHigh, (way.y + TOLERANCE) / way.x);
+        mLow = std::max(mLow, slope - TOLERANCE * perPixel);
+        mHigh = std::min(mHigh, slope + TOLERANCE * perPixel);
+        return true;
     }
 
 private:
@@ -43,25 +42,27 @@ private:
 
 }  // namespace
 
-void appendSimplified(const glm::vec2* first, const glm::vec2* end, std::vector<glm::vec2>& points) {
-    if (first == end) {
+void appendSimplified(const glm::vec2* first, std::size_t count, std::size_t step,
+                      std::vector<glm::vec2>& points) {
+    if (count == 0) {
         return;
     }
     points.push_back(*first);
-    if (first + 1 == end) {
+    if (count == 1) {
         return;
     }
+    const glm::vec2* last = first + step;
     Slopes slopes;
-    slopes.start(*first, first[1]);
-    for (const glm::vec2* next = first + 2; next != end; ++next) {
-        if (slopes.leadTo(*next)) {
-            slopes.narrow(*next);
-        } else {
-            points.push_back(next[-1]);
-            slopes.start(next[-1], *next);
+    slopes.start(*first, *last);
+    for (std::size_t i = 2; i < count; ++i) {
+        const glm::vec2* const next = last + step;
+        if (!slopes.narrow(*next)) {
+            points.push_back(*last);
+            slopes.start(*last, *next);
         }
+        last = next;
     }
-    points.push_back(end[-1]);
+    points.push_back(*last);
 }
 
 }  // namespace drawlist

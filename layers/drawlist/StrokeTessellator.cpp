@@ -42,7 +42,7 @@ void StrokeTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t 
         points = std::find_if_not(first, end, raster::isFinite);
         if (points - first >= 2) {
             mPoints.clear();
-            appendSimplified(first, points, mPoints);
+            appendSimplified(first, static_cast<std::size_t>(points - first), 1, mPoints);
             drawRun(target, paint);
         }
     }

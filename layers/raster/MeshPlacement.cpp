@@ -1,5 +1,7 @@
 #include "raster/MeshPlacement.h"
 
+#include <algorithm>
+
 #include "drawers/MeshDrawer.h"
 #include "raster/Outline.h"
 
@@ -13,10 +15,10 @@ MeshPlacement placeMesh(const drawer::MeshDrawer& mesh, bool isCurve, const Surf
     const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
     const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
                          0.5F * (frame.mBottom - frame.mTop) - inset);
-    points.clear();
-    for (const gui::Vertex& vertex : mesh.mVertices) {
-        points.push_back(center + half * glm::vec2(vertex.x, vertex.y));
-    }
+    points.resize(mesh.mVertices.size());
+    std::transform(
+        mesh.mVertices.begin(), mesh.mVertices.end(), points.begin(),
+        [center, half](const gui::Vertex& vertex) { return center + half * glm::vec2(vertex.x, vertex.y); });
     return {frame, touchedPixels(frame, clip), width};
 }
 
