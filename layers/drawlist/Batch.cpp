@@ -30,10 +30,10 @@ struct Pieces {
     };
 
     Pieces(float low, float high, int limitLow, int limitHigh) {
-        const int start = raster::toInt(std::floor(low), limitLow, limitHigh);
-        const int end = raster::toInt(std::ceil(high), limitLow, limitHigh);
-        const int wholeStart = std::min(raster::toInt(std::ceil(low), start, end), end);
-        const int wholeEnd = std::max(raster::toInt(std::floor(high), start, end), wholeStart);
+        const int start = raster::floorToInt(low, limitLow, limitHigh);
+        const int end = raster::ceilToInt(high, limitLow, limitHigh);
+        const int wholeStart = std::min(raster::ceilToInt(low, start, end), end);
+        const int wholeEnd = std::max(raster::floorToInt(high, start, end), wholeStart);
         add(start, wholeStart, low, high);
         add(wholeStart, wholeEnd, low, high);
         add(wholeEnd, end, low, high);

@@ -16,10 +16,10 @@ constexpr int LIMIT = 1 << 20;
 constexpr float TOLERANCE = 0.01F;
 
 int floorOf(float value) {
-    return raster::toInt(std::floor(value), -LIMIT, LIMIT);
+    return raster::floorToInt(value, -LIMIT, LIMIT);
 }
 int ceilOf(float value) {
-    return raster::toInt(std::ceil(value), -LIMIT, LIMIT);
+    return raster::ceilToInt(value, -LIMIT, LIMIT);
 }
 
 bool isUnderGraph(const glm::vec2* points, std::size_t count) {

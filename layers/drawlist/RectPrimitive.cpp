@@ -6,11 +6,15 @@ namespace drawlist {
 
 void RectPrimitive::draw() {
     Batch& batch = mList.batch;
+    if (mRetained.begin(mList, *this, mColor)) {
+        mRetained.repeat(batch);
+        return;
+    }
     const raster::Box box = mList.shape.toPixels(mPosition, mSize, mTranslation);
     const raster::PixelRect bounds = raster::touchedPixels(box, batch.clip());
     batch.beginSolid(bounds);
     batch.addRect(box, Paint(mColor));
-    batch.endShape(bounds);
+    mRetained.keep(batch.endShape(bounds), true);
 }
 
 }  // namespace drawlist

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "drawers/RectDrawer.h"
+#include "drawlist/RetainedRange.h"
 
 namespace drawlist {
-
-struct DrawList;
 
 /// A rectangle filled with one colour.
 class RectPrimitive : public drawer::RectDrawer {
@@ -14,6 +13,7 @@ public:
 
 private:
     DrawList& mList;
+    RetainedRange mRetained;
 };
 
 }  // namespace drawlist

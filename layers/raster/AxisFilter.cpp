@@ -18,16 +18,16 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
     // A pixel averages the source cells under it, but at least one whole cell.
     const double footprint = std::max(scale, 1.0);
     const double spill = 0.5 * (footprint / scale - 1.0);
-    mFirst = toInt(std::floor(low - spill), limitLow, limitHigh);
-    const int end = toInt(std::ceil(high + spill), limitLow, limitHigh);
+    mFirst = floorToInt(low - spill, limitLow, limitHigh);
+    const int end = ceilToInt(high + spill, limitLow, limitHigh);
     for (int pixel = mFirst; pixel < end; ++pixel) {
         const double center = (pixel + 0.5 - low) * scale;
         const double from = center - 0.5 * footprint;
         const double to = center + 0.5 * footprint;
         Taps taps;
         taps.mWeights = mWeights.size();
-        const int start = toInt(std::floor(from), 0, sourceCount);
-        const int last = toInt(std::ceil(to), 0, sourceCount);
+        const int start = floorToInt(from, 0, sourceCount);
+        const int last = ceilToInt(to, 0, sourceCount);
         taps.mFirst = static_cast<std::size_t>(start);
         for (int cell = start; cell < last; ++cell) {
             const double covered = std::min(to, cell + 1.0) - std::max(from, double(cell));

@@ -40,6 +40,16 @@ inline int toInt(double value, int low, int high) {
     return value < high ? static_cast<int>(value) : high;
 }
 
+/// The same, rounded down or up; without the C library's functions, which are calls.
+inline int floorToInt(double value, int low, int high) {
+    const int whole = toInt(value, low, high);
+    return whole > low && value < whole ? whole - 1 : whole;
+}
+inline int ceilToInt(double value, int low, int high) {
+    const int whole = toInt(value, low, high);
+    return whole < high && value > whole ? whole + 1 : whole;
+}
+
 inline PixelRect intersect(const PixelRect& a, const PixelRect& b) {
     return {std::max(a.mLeft, b.mLeft), std::max(a.mTop, b.mTop), std::min(a.mRight, b.mRight),
             std::min(a.mBottom, b.mBottom)};
@@ -65,10 +75,10 @@ inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
     if (!(box.mLeft < box.mRight) || !(box.mTop < box.mBottom)) {
         return {};
     }
-    return {toInt(std::floor(box.mLeft), limits.mLeft, limits.mRight),
-            toInt(std::floor(box.mTop), limits.mTop, limits.mBottom),
-            toInt(std::ceil(box.mRight), limits.mLeft, limits.mRight),
-            toInt(std::ceil(box.mBottom), limits.mTop, limits.mBottom)};
+    return {floorToInt(box.mLeft, limits.mLeft, limits.mRight),
+            floorToInt(box.mTop, limits.mTop, limits.mBottom),
+            ceilToInt(box.mRight, limits.mLeft, limits.mRight),
+            ceilToInt(box.mBottom, limits.mTop, limits.mBottom)};
 }
 
 /// The rectangle between two opposite corners, moved to the nearest whole pixels, as far as it is in
@@ -79,9 +89,7 @@ inline PixelRect nearestPixels(const glm::vec2& a, const glm::vec2& b, const Pix
     if (!(low.x <= high.x) || !(low.y <= high.y)) {
         return {};
     }
-    const auto round = [](float value, int from, int to) {
-        return toInt(std::floor(value + 0.5F), from, to);
-    };
+    const auto round = [](float value, int from, int to) { return floorToInt(value + 0.5F, from, to); };
     return {round(low.x, limits.mLeft, limits.mRight), round(low.y, limits.mTop, limits.mBottom),
             round(high.x, limits.mLeft, limits.mRight), round(high.y, limits.mTop, limits.mBottom)};
 }

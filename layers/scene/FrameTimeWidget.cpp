@@ -197,19 +197,23 @@ bool FrameTimeWidget::onFrame() {
     return true;
 }
 
-FrameTimeWidget::Bar FrameTimeWidget::toBar(const FrameTime& frame, float rowsPerNs) const {
+/// `scales` are the rows of each part for a nanosecond; 0: it is left out.
+FrameTimeWidget::Bar FrameTimeWidget::toBar(const FrameTime& frame,
+                                            const std::array<float, PARTS>& scales) const {
+    const auto toFloat = [](std::uint64_t value) {
+        return static_cast<float>(static_cast<std::int64_t>(value));  // as unsigned, it takes a branch
+    };
     // GPU work during the swap counts for the GPU; the rest of the swap is waiting for the screen or for
     // earlier frames.
-    const std::uint64_t gpu =
-        std::min(static_cast<std::uint64_t>(std::max<std::int64_t>(frame.gpu, 0)), frame.total);
-    const std::uint64_t swap = std::min(frame.swap, frame.total - gpu);
-    const std::uint64_t lengths[PARTS] = {swap, gpu, frame.total - swap - gpu};
-    std::uint64_t end = 0;
+    const float total = toFloat(frame.total);
+    const float gpu = std::min(std::max(static_cast<float>(frame.gpu), 0.0F), total);
+    const float swap = std::min(toFloat(frame.swap), total - gpu);
+    const float lengths[PARTS] = {swap, gpu, total - swap - gpu};
+    float rows = 0.5F;
     Bar bar;
     for (std::size_t i = PARTS; i-- > 0;) {
-        end += mParts[i].legend->mEnabled ? lengths[i] : 0;
-        const auto nanoseconds = static_cast<float>(static_cast<std::int64_t>(end));
-        bar[i] = static_cast<int>(std::min(nanoseconds * rowsPerNs + 0.5F, mRows));
+        rows += lengths[i] * scales[i];
+        bar[i] = static_cast<int>(std::min(rows, mRows));
     }
     return bar;
 }
@@ -219,15 +223,18 @@ void FrameTimeWidget::setBars(std::size_t first, std::size_t count) {
     for (const Part& part : mParts) {
         part.bars->mVertices.clear();
     }
-    const float rowsPerNs = mRows / mTopNs;
+    std::array<float, PARTS> scales{};
+    for (std::size_t part = 0; part < PARTS; ++part) {
+        scales[part] = mParts[part].legend->mEnabled ? mRows / mTopNs : 0.0F;
+    }
     const auto lowerEnd = [](const Bar& bar, std::size_t part) {
         return part + 1 < PARTS ? bar[part + 1] : 0;
     };
     std::array<std::size_t, PARTS> starts{};
-    Bar last = toBar(mTimes.ago(first), rowsPerNs);
+    Bar last = toBar(mTimes.ago(first), scales);
     for (std::size_t i = 1; i <= count; ++i) {
         const bool isOver = i == count;
-        const Bar bar = isOver ? last : toBar(mTimes.ago(first + i), rowsPerNs);
+        const Bar bar = isOver ? last : toBar(mTimes.ago(first + i), scales);
         if (bar == last && !isOver) {
             continue;
         }

@@ -60,7 +60,7 @@ private:
     };
 
     void placeBars(const Canvas& canvas);
-    Bar toBar(const FrameTime& frame, float rowsPerNs) const;
+    Bar toBar(const FrameTime& frame, const std::array<float, PARTS>& scales) const;
     void setBars(std::size_t first, std::size_t count);
     void addBars(std::size_t part, const std::array<std::size_t, 2>& bars, const std::array<int, 2>& rows);
     void setTexts();

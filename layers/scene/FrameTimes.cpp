@@ -2,8 +2,6 @@
 
 #include <time.h>
 
-#include <algorithm>
-
 namespace scene {
 
 namespace {
@@ -58,14 +56,6 @@ const FrameTime* FrameTimes::setGpu(std::uint32_t name, std::uint64_t nanosecond
     FrameTime& frame = mFrames[(mCount - 1 - framesAgo) % HISTORY];
     frame.gpu = static_cast<std::int64_t>(nanoseconds);
     return &frame;
-}
-
-std::size_t FrameTimes::size() const {
-    return std::min(static_cast<std::size_t>(mCount), HISTORY);
-}
-
-const FrameTime& FrameTimes::ago(std::size_t frames) const {
-    return mFrames[(mCount - 1 - frames) % HISTORY];
 }
 
 }  // namespace scene

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -53,7 +54,7 @@ public:
     /// stored.
     const FrameTime* setGpu(std::uint32_t name, std::uint64_t nanoseconds);
 
-    std::size_t size() const;
+    std::size_t size() const { return std::min(static_cast<std::size_t>(mCount), HISTORY); }
 
     /// Finished frames so far.
     std::uint64_t count() const { return mCount; }
@@ -62,7 +63,7 @@ public:
     std::int64_t lastOverlay() const { return mCount == 0 ? FrameTime::NOT_MEASURED : ago(0).overlay; }
 
     /// Returns a frame; 0 is the last one. `frames` must be below size().
-    const FrameTime& ago(std::size_t frames) const;
+    const FrameTime& ago(std::size_t frames) const { return mFrames[(mCount - 1 - frames) % HISTORY]; }
 
 private:
     std::array<FrameTime, HISTORY> mFrames;

@@ -74,7 +74,7 @@ void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
 void AreaMask::addPart(double x0, double y0, double x1, double y1, float direction) {
     const double slope = (x1 - x0) / (y1 - y0);
     const auto stride = static_cast<std::size_t>(mRegion.width()) + 2;
-    const int firstRow = raster::toInt(std::floor(y0), mRegion.mTop, mRegion.mBottom - 1);
+    const int firstRow = raster::floorToInt(y0, mRegion.mTop, mRegion.mBottom - 1);
     const double low = std::min(x0, x1);
     const double high = std::max(x0, x1);
     for (int row = firstRow; row < mRegion.mBottom && row < y1; ++row) {

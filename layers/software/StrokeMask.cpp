@@ -33,8 +33,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
     const double inverse = lengthSquared > 0.0 ? 1.0 / lengthSquared : 0.0;
     const double low = std::min(from.y, to.y);
     const double high = std::max(from.y, to.y);
-    const int firstRow = raster::toInt(std::floor(low - reach), mRegion.mTop, mRegion.mBottom);
-    const int endRow = raster::toInt(std::ceil(high + reach), mRegion.mTop, mRegion.mBottom);
+    const int firstRow = raster::floorToInt(low - reach, mRegion.mTop, mRegion.mBottom);
+    const int endRow = raster::ceilToInt(high + reach, mRegion.mTop, mRegion.mBottom);
     for (int y = firstRow; y < endRow; ++y) {
         const double centerY = y + 0.5 - from.y;
         // Only the part of the stroke within reach of this row can touch its pixels.
@@ -46,8 +46,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
         }
         const double x0 = from.x + start * dx;
         const double x1 = from.x + end * dx;
-        const int first = raster::toInt(std::floor(std::min(x0, x1) - reach), mRegion.mLeft, mRegion.mRight);
-        const int last = raster::toInt(std::ceil(std::max(x0, x1) + reach), mRegion.mLeft, mRegion.mRight);
+        const int first = raster::floorToInt(std::min(x0, x1) - reach, mRegion.mLeft, mRegion.mRight);
+        const int last = raster::ceilToInt(std::max(x0, x1) + reach, mRegion.mLeft, mRegion.mRight);
         float* coverage = row(y);
         for (int x = first; x < last; ++x) {
             const double centerX = x + 0.5 - from.x;
