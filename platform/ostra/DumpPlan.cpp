@@ -1,7 +1,7 @@
 #include "ostra/DumpPlan.h"
 
+#include "io/RecordName.h"
 #include "ostra/DumpPlace.h"
-#include "ostra/RecordName.h"
 
 #include <sys/stat.h>
 

@@ -1,6 +1,6 @@
 #include "ostra/logs/LogWriter.h"
 
-#include "ostra/RecordName.h"
+#include "io/RecordName.h"
 #include "properties/RuntimeDirectory.h"
 
 #include <android/log.h>

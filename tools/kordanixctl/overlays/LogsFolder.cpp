@@ -1,13 +1,9 @@
 #include "overlays/LogsFolder.h"
 
-#include "processes/ProcessInfo.h"
+#include "io/RecordName.h"
 #include "properties/RuntimeDirectory.h"
 #include "runs/LogPlan.h"
 
-#include <algorithm>
-#include <array>
-#include <cctype>
-#include <ctime>
 #include <filesystem>
 #include <system_error>
 
@@ -17,32 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t MAX_NAME = 64;
 constexpr int MAX_FILES_A_SECOND = 1000;
-
-/// The program's name, of characters that no shell treats specially.
-std::string plainName(pid_t process) {
-    std::string name = processName(process);
-    name.erase(0, name.find_last_of("/\\") + 1);
-    name.resize(std::min(name.size(), MAX_NAME));
-    std::replace_if(
-        name.begin(), name.end(),
-        [](unsigned char symbol) {
-            return symbol > 127 ||
-                   (std::isalnum(symbol) == 0 && symbol != '.' && symbol != '_' && symbol != '-');
-        },
-        '_');
-    return name.empty() || name.front() == '.' || name.front() == '-' ? "program" + name : name;
-}
-
-std::string localTime() {
-    const std::time_t now = std::time(nullptr);
-    std::tm time = {};
-    localtime_r(&now, &time);
-    std::array<char, 32> text = {};
-    std::strftime(text.data(), text.size(), "%Y%m%d-%H%M%S", &time);
-    return text.data();
-}
 
 }  // namespace
 
@@ -66,7 +37,7 @@ std::string newLogsFile(pid_t process, const std::string& ending, std::string& e
     if (folder.empty()) {
         return {};
     }
-    const std::string beginning = folder + '/' + plainName(process) + '-' + localTime() + '-';
+    const std::string beginning = folder + '/' + platform::recordName(process) + '-';
     for (int number = 1; number <= MAX_FILES_A_SECOND; ++number) {
         std::string path = beginning + std::to_string(number);
         path += ending;

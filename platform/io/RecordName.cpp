@@ -1,4 +1,4 @@
-#include "ostra/RecordName.h"
+#include "io/RecordName.h"
 
 #include "io/PlainFile.h"
 
@@ -14,9 +14,10 @@ constexpr std::size_t MAX_COMMAND_LINE = 4096;
 constexpr std::size_t MAX_PROGRAM_NAME = 64;
 
 /// The program's name, made of characters that no shell treats specially.
-std::string programName() {
+std::string programName(pid_t process) {
+    const std::string folder = process == 0 ? "self" : std::to_string(process);
     std::string name;
-    readPlainFile("/proc/self/cmdline", name, MAX_COMMAND_LINE);
+    readPlainFile("/proc/" + folder + "/cmdline", name, MAX_COMMAND_LINE);
     name.erase(std::min(name.find('\0'), name.size()));
     // A program that rewrites its command line leaves all of it in one text.
     name.erase(std::min(name.find(" -"), name.size()));
@@ -42,8 +43,8 @@ std::string localTime() {
 
 }  // namespace
 
-std::string recordName() {
-    return programName() + '-' + localTime();
+std::string recordName(pid_t process) {
+    return programName(process) + '-' + localTime();
 }
 
 }  // namespace platform
