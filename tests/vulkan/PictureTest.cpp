@@ -17,6 +17,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 
 namespace {
@@ -265,16 +267,41 @@ protected:
         support::drawScene(factory, primitives, isClipped);
         vulkan::Pipelines pipelines(machine.gpu);
         vulkan::Renderer renderer(machine.gpu, pipelines, swapchain, 0, list.glyphs.side());
-        const vulkan::Renderer::Frame frame = {machine.queue, 0, 0, nullptr, true, {}};
+        const std::string file = testing::TempDir() + "/kordanix-vulkan-picture";
+        std::ofstream(file).close();  // the one who asks makes it
+        const vulkan::Renderer::Frame frame = {machine.queue, 0, 0, nullptr, true, file};
         VkSemaphore drawn = VK_NULL_HANDLE;
         ASSERT_EQ(renderer.show(list, frame, drawn), nullptr);
         ASSERT_TRUE(renderer.finish());
+        renderer.advance();
         machine.run([&](VkCommandBuffer commands) {
             move(machine.gpu, commands, image.handle(), PRESENTED, READ);
             vkCmdCopyImageToBuffer(commands, image.handle(), READ.layout, buffer.handle(), 1, &copy);
         });
         fromBytes(picture, format, buffer.bytes());
         upright = turned(picture, 4 - quarters);
+        expectSaved(file, upright);
+    }
+
+    /// Upright, in sRGB's codes.
+    static void expectSaved(const std::string& file, const Image& upright) {
+        std::ifstream in(file, std::ios::binary);
+        std::filesystem::remove(file);
+        std::string header;
+        for (std::string line; line != "ENDHDR" && std::getline(in, line);) {
+            header += line + ' ';
+        }
+        ASSERT_EQ(header, "P7 WIDTH 1280 HEIGHT 720 DEPTH 4 MAXVAL 255 TUPLTYPE RGB_ALPHA ENDHDR ");
+        if (!GetParam().mixesCodes) {
+            return;  // what is stored are not sRGB's codes
+        }
+        std::vector<std::uint8_t> bytes(4 * PIXELS);
+        in.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        int largest = 0;
+        for (std::size_t i = 0; i < PIXELS; ++i) {
+            largest = std::max(largest, std::abs(upright.mPixels[i].mRed - bytes[4 * i]));
+        }
+        EXPECT_LE(largest, 1);
     }
 };
 

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstring>
 #include <new>
 
 #include "entry/PictureFile.h"
@@ -24,6 +25,7 @@ constexpr ImageUse COPIED = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_
 FrameReader::FrameReader(const Gpu& gpu, const SwapchainImages& swapchain)
     : mGpu(gpu),
       mSize(swapchain.size),
+      mUpright(swapchain.upright()),
       mFormat(encodingOf(swapchain.format, swapchain.colorSpace) == ColorEncoding::AS_SRGB ||
                       encodingOf(swapchain.format, swapchain.colorSpace) == ColorEncoding::PQ
                   ? VK_FORMAT_R8G8B8A8_UNORM
@@ -78,9 +80,9 @@ void FrameReader::advance(SubmissionRing& ring) {
     mSubmission = 0;
     std::string error = "there is no memory for it";
     try {
-        std::vector<std::uint8_t> pixels(mBuffer.bytes(),
-                                         mBuffer.bytes() + CHANNELS * mSize.width * mSize.height);
-        error = entry::writePicture(mPath, {static_cast<int>(mSize.width), static_cast<int>(mSize.height)},
+        std::vector<std::uint8_t> pixels = uprightPixels();
+        const auto [width, height] = mUpright.size;
+        error = entry::writePicture(mPath, {static_cast<int>(width), static_cast<int>(height)},
                                     entry::RowOrder::TOP_FIRST, pixels);
     } catch (const std::bad_alloc&) {
         unlink(mPath.c_str());
@@ -88,6 +90,25 @@ void FrameReader::advance(SubmissionRing& ring) {
     if (!error.empty()) {
         KORDANIX_LOG_ERROR("no picture could be written: %s", KORDANIX_LOG_HERE, error.c_str());
     }
+}
+
+std::vector<std::uint8_t> FrameReader::uprightPixels() {
+    const auto [width, height] = mUpright.size;
+    const glm::vec4& axes = mUpright.toImage.axes;
+    std::vector<std::uint8_t> pixels(CHANNELS * width * height);
+    std::uint8_t* pixel = pixels.data();
+    for (std::uint32_t y = 0; y < height; ++y) {
+        for (std::uint32_t x = 0; x < width; ++x, pixel += CHANNELS) {
+            const glm::vec2 middle(static_cast<float>(x) + 0.5F, static_cast<float>(y) + 0.5F);
+            const glm::vec2 place =
+                mUpright.toImage.origin + glm::vec2(glm::dot(glm::vec2(axes.x, axes.y), middle),
+                                                    glm::dot(glm::vec2(axes.z, axes.w), middle));
+            const auto column = static_cast<std::size_t>(place.x);
+            const auto row = static_cast<std::size_t>(place.y);
+            std::memcpy(pixel, mBuffer.bytes() + CHANNELS * (row * mSize.width + column), CHANNELS);
+        }
+    }
+    return pixels;
 }
 
 void FrameReader::abandon() {

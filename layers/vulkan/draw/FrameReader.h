@@ -8,11 +8,12 @@
 #include "vulkan/draw/Memory.h"
 #include "vulkan/draw/SubmissionRing.h"
 #include "vulkan/draw/Swapchain.h"
+#include "vulkan/draw/Upright.h"
 
 namespace vulkan {
 
-/// Reads a whole frame into a file (entry/PictureFile.h): asked for in one frame, written in a later one when
-/// the GPU has done it.
+/// Reads a whole frame into a file (entry/PictureFile.h), upright: asked for in one frame, written in a later
+/// one when the GPU has done it.
 class FrameReader {
 public:
     FrameReader(const Gpu& gpu, const SwapchainImages& swapchain);
@@ -33,8 +34,11 @@ public:
     void abandon();
 
 private:
+    std::vector<std::uint8_t> uprightPixels();
+
     const Gpu& mGpu;
     VkExtent2D mSize;
+    Upright mUpright;
     VkFormat mFormat;  ///< that of the copy, whose values are those of the screen
     const char* mObstacle;
     std::optional<DeviceImage> mImage;
