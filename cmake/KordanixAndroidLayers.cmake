@@ -19,13 +19,17 @@ file(CREATE_LINK ${KORDANIX_GL}/GL/glcorearb.h ${neutral_headers}/GL/glcorearb.h
 set(layers ${PROJECT_SOURCE_DIR}/layers)
 set(platform ${PROJECT_SOURCE_DIR}/platform)
 file(GLOB parts CONFIGURE_DEPENDS
-  ${layers}/raster/*.cpp ${layers}/figures/*.cpp ${layers}/figures/sources/*.cpp ${layers}/scene/*.cpp
+  ${layers}/raster/*.cpp ${layers}/figures/*.cpp ${layers}/figures/sources/*.cpp
+  ${layers}/figures/sources/android/*.cpp ${layers}/scene/*.cpp
   ${layers}/drawlist/*.cpp ${layers}/entry/*.cpp
-  ${platform}/io/*.cpp ${platform}/strings/*.cpp ${platform}/runs/android/*.cpp
+  ${platform}/io/*.cpp ${platform}/strings/*.cpp ${platform}/runs/android/*.cpp ${platform}/application/*.cpp
   ${platform}/ostra/*.cpp ${platform}/ostra/android/*.cpp)
 include(${platform}/ostra/HostSources.cmake)
 list(FILTER parts EXCLUDE REGEX ${ostra_host_sources})
 add_library(application_parts OBJECT ${parts} ${PROJECT_SOURCE_DIR}/src/core/HWcounterAdreno.cpp)
+# An application has little room: what runs once or twice a second is built for size, and the rest without -O3's copies.
+list(FILTER parts INCLUDE REGEX "/(platform|figures)/")
+set_source_files_properties(${parts} PROPERTIES COMPILE_OPTIONS $<$<CONFIG:Release>:-Os>)
 
 file(GLOB gles_sources CONFIGURE_DEPENDS
   ${layers}/opengl/gl/*.cpp ${layers}/opengl/draw/*.cpp ${layers}/opengl/passes/*.cpp ${layers}/opengl/entry/*.cpp
@@ -48,7 +52,7 @@ foreach(target application_parts KordanixGles VkLayer_Kordanix)
   target_include_directories(${target} PRIVATE ${layers} ${platform})
   target_compile_definitions(${target} PRIVATE _FILE_OFFSET_BITS=64)
   target_link_libraries(${target} PRIVATE kordanix_options kordanix_headers)
-  target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections)
+  target_compile_options(${target} PRIVATE -ffunction-sections -fdata-sections $<$<CONFIG:Release>:-O2>)
   set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
 endforeach()
 target_include_directories(kordanix_platform_headers SYSTEM INTERFACE ${neutral_headers})

@@ -38,6 +38,7 @@ enum class Source {
     GPU_FAN,
     GPU_MEMORY_DEVICE,
     GPU_MEMORY_CAPACITY,
+    THERMAL_STATUS,
     COUNT
 };
 

@@ -32,6 +32,12 @@ constexpr auto LONGEST_SETTLING = 3s;
 constexpr int LOOKS_BEFORE_REST = 5s / PERIOD;
 constexpr double START_PERIOD_US = 1000000.0;
 
+/// Whether a figure that is not there will hardly come.
+bool isLasting(Reason reason) {
+    return reason != Reason::NONE && reason != Reason::NOT_READ && reason != Reason::ASLEEP &&
+           reason != Reason::FIRST_READING && reason != Reason::NOT_ANSWERING;
+}
+
 /// How often this process was forked off since the library was loaded; relaxed.
 std::atomic<unsigned int> forks{0};
 
@@ -79,6 +85,9 @@ void MachineReader::Shared::publish(MachineFigures& figures, const sources::Want
         const bool isThere = read.test(i) && value && std::isfinite(*value.number);
         slots[i].reason.store(read.test(i) ? value.reason : Reason::NOT_READ, std::memory_order_relaxed);
         slots[i].value.store(isThere ? *value.number : NONE, std::memory_order_relaxed);
+        if (read.test(i) && !isThere && isLasting(value.reason)) {
+            sources::noteMissing(sources::nameOf(static_cast<Id>(i)), value);
+        }
     }
     isFanInPercent.store(std::string(figures.unit(Id::GPU_FAN)) == "percent", std::memory_order_relaxed);
 }

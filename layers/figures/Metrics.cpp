@@ -77,6 +77,7 @@ const Metrics::Reader Metrics::READERS[] = {
     {nullptr, nullptr, Id::GPU_FAN},
     {nullptr, nullptr, Id::GPU_MEMORY_DEVICE},
     {nullptr, nullptr, Id::GPU_MEMORY_TOTAL},
+    {nullptr, nullptr, Id::THERMAL_STATUS},
 };
 
 Metrics::Metrics(Sources sources)

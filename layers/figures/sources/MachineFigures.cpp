@@ -35,6 +35,7 @@ constexpr std::array<Row, FIGURES> ROWS = {{
     {"memory.process", "bytes"},
     {"memory.used", "bytes"},
     {"memory.free", "bytes"},
+    {"thermal.status", "level", 2.0},
 }};
 
 constexpr const char* NVIDIA = "nvidia";
@@ -77,7 +78,7 @@ const char* unitOf(Id id) {
 }
 
 MachineFigures::MachineFigures(const FileTree& tree, pid_t process)
-    : mTree(tree), mProcess(process), mCpu(tree, processFolder(tree, process)), mFiles(tree) {
+    : mTree(tree), mProcess(process), mCpu(tree, processFolder(tree, process)), mFiles(tree), mSystem(tree) {
     if (process != 0) {
         mClients.emplace(tree, processFolder(tree, process));
     }
@@ -168,6 +169,7 @@ void MachineFigures::readCpu(double now, const Wanted& wanted) {
     ask(Id::MEMORY_PROCESS, [&] { return mCpu.processMemory(); });
     ask(Id::MEMORY_USED, [&] { return mCpu.usedMemory(); });
     ask(Id::MEMORY_FREE, [&] { return mCpu.availableMemory(); });
+    ask(Id::THERMAL_STATUS, [&] { return mSystem.thermalStatus(); });
 }
 
 /// Reads the process's clients, and finds the device that they name.
@@ -224,29 +226,33 @@ void MachineFigures::readGpuOfProcess() {
 }
 
 void MachineFigures::readGpu(double now, const Wanted& wanted) {
-    const auto ask = [&](Id id, Value (GpuFiles::*get)()) {
-        if (wanted.test(static_cast<std::size_t>(id))) {
-            take(id, now, [&] { return mGpu.isKnown() ? (mFiles.*get)() : Value::none(Reason::NO_DEVICE); });
-        }
+    const auto file = [&](Value (GpuFiles::*get)()) {
+        return mGpu.isKnown() ? (mFiles.*get)() : Value::none(Reason::NO_FILE);
     };
-    const auto askClock = [&](Id id, Value (GpuFiles::*get)(), Value (GpuClients::*other)() const) {
+    const auto ask = [&](Id id, const auto& read) {
         if (wanted.test(static_cast<std::size_t>(id))) {
             take(id, now, [&] {
-                Value value = mGpu.isKnown() ? (mFiles.*get)() : Value::none(Reason::NO_DEVICE);
-                return mClients && mClients->device() ? firstOf(std::move(value), ((*mClients).*other)())
-                                                      : value;
+                Value value = read();
+                const bool isUnknown = !value && value.reason == Reason::NO_FILE && !mGpu.isKnown();
+                return isUnknown ? Value::none(Reason::NO_DEVICE) : value;
             });
         }
     };
+    const auto ofClient = [&](Value value, Value (GpuClients::*get)() const) {
+        return mClients && mClients->device() ? firstOf(std::move(value), ((*mClients).*get)()) : value;
+    };
     mFiles.begin(mGpu, now);
-    ask(Id::GPU_LOAD_DEVICE, &GpuFiles::load);
-    askClock(Id::GPU_CLOCK, &GpuFiles::clock, &GpuClients::clock);
-    askClock(Id::GPU_CLOCK_MAX, &GpuFiles::maxClock, &GpuClients::maxClock);
-    ask(Id::GPU_TEMPERATURE, &GpuFiles::temperature);
-    ask(Id::GPU_MEMORY_DEVICE, &GpuFiles::memoryUsed);
-    ask(Id::GPU_MEMORY_TOTAL, &GpuFiles::memoryTotal);
-    ask(Id::GPU_POWER, &GpuFiles::power);
-    ask(Id::GPU_FAN, &GpuFiles::fan);
+    ask(Id::GPU_LOAD_DEVICE, [&] { return firstOf(file(&GpuFiles::load), mSystem.gpuLoad(now)); });
+    ask(Id::GPU_CLOCK,
+        [&] { return firstOf(ofClient(file(&GpuFiles::clock), &GpuClients::clock), mSystem.gpuClock()); });
+    ask(Id::GPU_CLOCK_MAX, [&] {
+        return firstOf(ofClient(file(&GpuFiles::maxClock), &GpuClients::maxClock), mSystem.gpuMaxClock());
+    });
+    ask(Id::GPU_TEMPERATURE, [&] { return firstOf(file(&GpuFiles::temperature), mSystem.gpuTemperature()); });
+    ask(Id::GPU_MEMORY_DEVICE, [&] { return file(&GpuFiles::memoryUsed); });
+    ask(Id::GPU_MEMORY_TOTAL, [&] { return file(&GpuFiles::memoryTotal); });
+    ask(Id::GPU_POWER, [&] { return file(&GpuFiles::power); });
+    ask(Id::GPU_FAN, [&] { return file(&GpuFiles::fan); });
 }
 
 /// Asked only of a device that is awake and that this process works with: an open library keeps a laptop's

@@ -15,6 +15,7 @@
 #include "figures/sources/GpuDevice.h"
 #include "figures/sources/GpuFiles.h"
 #include "figures/sources/NvidiaLibrary.h"
+#include "figures/sources/SystemFigures.h"
 #include "figures/sources/Value.h"
 
 namespace sources {
@@ -39,6 +40,7 @@ enum class Id {
     MEMORY_PROCESS,
     MEMORY_USED,
     MEMORY_FREE,
+    THERMAL_STATUS,
     COUNT
 };
 
@@ -48,7 +50,7 @@ using Wanted = std::bitset<FIGURES>;
 /// "cpu.load.process" and so on.
 const char* nameOf(Id id);
 
-/// percent (of all online processors; the core's of one), MHz, celsius, bytes, watts, rpm.
+/// percent (of all online processors; the core's of one), MHz, celsius, bytes, watts, rpm, level.
 const char* unitOf(Id id);
 
 /// Reads a machine's figures, for one process of it or for none. Opens many files and allocates: for a tool
@@ -109,6 +111,7 @@ private:
     CpuFiles mCpu;
     std::optional<GpuClients> mClients;
     GpuFiles mFiles;
+    SystemFigures mSystem;
     GpuDevice mGpu;
     std::unique_ptr<NvidiaLibrary> mNvidia;
     std::array<Value, FIGURES> mValues;
