@@ -1,10 +1,12 @@
 #include "opengl/context/VirtualDisplay.h"
 #include "opengl/context/WidgetPixels.h"
+#include "properties/SystemProperties.h"
 #include "software/Png.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <unistd.h>
 
 namespace {
 
@@ -121,6 +123,26 @@ TEST_F(GlesLayer, FollowsContextsAndLateNames) {
     const support::Outcome late = runClient("late");
     EXPECT_THAT(late.out, HasSubstr("damage of 0 rectangles\n")) << late.err;
     EXPECT_THAT(late.out, HasSubstr("\nshown\n"));
+}
+
+/// By the companion of applications, which is in the layer.
+TEST_F(GlesLayer, DumpsAndSavesPicturesAsAPropertySays) {
+    const std::string folder = mRuntime.path() + "/dumps";
+    mEnvironment["KORDANIX_DUMP_DIR"] = folder;
+    switchOn("es2gears_x11", {"devmode", "true"});
+    setenv("KORDANIX_RUNTIME_DIR", mRuntime.path().c_str(), 1);
+    const ChildProcess program({"es2gears_x11"}, mEnvironment);
+    int number = 0;
+    for (const auto& each : {std::pair(" dump", ".csv"), std::pair(" picture", ".pam")}) {
+        EXPECT_TRUE(support::waitUntil([&] {
+            // What was there before the program listened does nothing.
+            const std::string command = std::to_string(++number) + each.first;
+            EXPECT_EQ(platform::setProperty("debug.kordanix.command", command.c_str()), "");
+            usleep(300'000);
+            const Command find = {"find", folder, "-name", std::string("*") + each.second, "-size", "+0"};
+            return !support::run(find).out.empty();
+        })) << each.first;
+    }
 }
 
 TEST_F(GlesLayer, LeavesTheProgramsStateAsItWas) {
