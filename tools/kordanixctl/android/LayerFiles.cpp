@@ -163,8 +163,11 @@ std::string off(const Session& session) {
     std::string text;
     note(phone.run({"dumpsys", "package", session.options.package}, text));
     note(removeFiles(session, parseApplication(text, session.options.package)));
-    const Answer apk = phone.adb().shell({"pm", "path", LAYER_PACKAGE});
-    if (phone.adb().isShowing() || apk.out.find("package:") != std::string::npos) {
+    // Only an install that was broken off left them there.
+    note(phone.run({"rm", "-f", std::string(HANDOVER) + GLES_FILE, std::string(HANDOVER) + VULKAN_FILE}));
+    bool hasApk = false;
+    note(phone.findPackage(LAYER_PACKAGE, hasApk));
+    if (phone.adb().isShowing() || hasApk) {
         const Answer removed = phone.adb().run({"uninstall", LAYER_PACKAGE});
         note(removed.status == 0 ? std::string() : phone.describe(removed, {"uninstall", LAYER_PACKAGE}));
     }

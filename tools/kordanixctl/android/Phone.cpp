@@ -55,7 +55,20 @@ Application parseApplication(const std::string& text, const std::string& package
 }
 
 std::string Phone::describe(const Answer& answer, const std::vector<std::string>& command) const {
-    return describeTrouble(answer, mPackage, mAdb.line({"shell", shellLine(command)}));
+    const bool isOfAdb =
+        command.front() == "push" || command.front() == "install" || command.front() == "uninstall";
+    return describeTrouble(
+        answer, mPackage,
+        mAdb.line(isOfAdb ? command : std::vector<std::string>{"shell", shellLine(command)}));
+}
+
+std::string Phone::findPackage(const std::string& package, bool& isThere) const {
+    const std::vector<std::string> ask = {"pm", "path", package};
+    const Answer answer = mAdb.shell(ask);
+    isThere = answer.out.find("package:") != std::string::npos;
+    // It ends with 1, and says nothing, when there is no such package.
+    const bool isFine = answer.status == 0 || (answer.status == 1 && answer.err.empty());
+    return isFine ? std::string() : describe(answer, ask);
 }
 
 std::string Phone::run(const std::vector<std::string>& words, std::string& out) const {
@@ -79,7 +92,9 @@ Answer Phone::runAs(const std::vector<std::string>& words) const {
 
 std::string Phone::tryAs(const std::vector<std::string>& words) const {
     const Answer answer = runAs(words);
-    return answer.status == 0 ? std::string() : describe(answer, words);
+    std::vector<std::string> all = {"run-as", mPackage};
+    all.insert(all.end(), words.begin(), words.end());
+    return answer.status == 0 ? std::string() : describe(answer, all);
 }
 
 std::string Phone::findLevel(int& level) const {
@@ -129,7 +144,13 @@ std::string Phone::setProperties(const std::vector<Assignment>& assignments) con
 }
 
 std::string Phone::findProcess(std::string& process) const {
-    const std::vector<std::string> ask = {"pidof", mPackage};
+    std::string shown;
+    const std::string error = run({"getprop", std::string(PREFIX) + "proc"}, shown);
+    if (!error.empty()) {
+        return error;
+    }
+    const bool isFurther = shown.compare(0, mPackage.size() + 1, mPackage + ':') == 0;
+    const std::vector<std::string> ask = {"pidof", isFurther ? shown : mPackage};
     const Answer answer = mAdb.shell(ask);
     process = trimmed(std::string_view(answer.out).substr(0, answer.out.find_first_of(" \r\n")));
     // It ends with 1, and says nothing, when there is no such process.

@@ -42,14 +42,19 @@ public:
     Answer runAs(const std::vector<std::string>& words) const;
     std::string tryAs(const std::vector<std::string>& words) const;
 
-    /// Says what was wrong with an answer; `command` is what was asked.
+    /// Says what was wrong with an answer; `command` is what was asked, a command of adb itself or the
+    /// device's.
     std::string describe(const Answer& answer, const std::vector<std::string>& command) const;
+
+    /// Whether this package is on the device; false while commands are shown.
+    std::string findPackage(const std::string& package, bool& isThere) const;
 
     /// Writes properties, and then publishes them.
     std::string setProperties(const std::vector<Assignment>& assignments) const;
     std::string setProperty(const std::string& name, const std::string& value) const;
 
-    /// The application's main process; empty when it does not run.
+    /// The application's process that shows the overlay, by its property proc, else the main one; empty when
+    /// it does not run.
     std::string findProcess(std::string& process) const;
 
 private:

@@ -27,17 +27,11 @@ std::string set(const Session& session) {
 
 namespace {
 
-/// Whether the layer's APK is on the device; while commands are shown, whether one was named.
-bool hasApk(const Session& session) {
-    const Answer answer = session.phone.adb().shell({"pm", "path", LAYER_PACKAGE});
-    return session.phone.adb().isShowing() ? !session.options.apk.empty()
-                                           : answer.out.find("package:") != std::string::npos;
-}
-
 std::string turnOnLayers(const Session& session) {
     const std::string values[] = {"1", session.options.package, GLES_FILE, VULKAN_NAME, LAYER_PACKAGE};
-    const bool isApk = hasApk(session);
-    std::string error;
+    bool isApk = false;
+    std::string error = session.phone.findPackage(LAYER_PACKAGE, isApk);
+    isApk = isApk || (session.phone.adb().isShowing() && !session.options.apk.empty());
     for (std::size_t i = 0; i < std::size(SETTINGS) && error.empty(); ++i) {
         const bool isWanted = isApk || values[i] != LAYER_PACKAGE;
         error = session.phone.run(
