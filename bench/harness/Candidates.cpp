@@ -35,7 +35,8 @@ std::vector<Candidate> observed(const Candidate& ours, const std::string& build)
     const auto beside = [&](const std::string& verb) {
         return Command{"sh", "-c",
                        "for i in $(seq 600); do '" + build + "/bin/kordanixctl' " + verb +
-                           " && break; sleep 0.1; done >\"$HOME/observer.log\" 2>&1 & exec \"$@\"",
+                           " && break; sleep 0.1; done >\"$HOME/" + verb.substr(0, verb.find(' ')) +
+                           ".out\" 2>&1 & exec \"$@\"",
                        "sh"};
     };
     return {{std::string(OURS) + ", watched", beside("watch --json"), ours.environment, ours.library},
