@@ -149,6 +149,11 @@ protected:
 TEST_F(Serve, OnlyThisPageIsAnswered) {
     httplib::Client client("http://" + mHost);
     const std::string port = mHost.substr(mHost.find(':'));
+    // Whoever connects and says nothing more holds nobody up.
+    const ChildProcess silent({"bash", "-c",
+                               "for i in $(seq 40); do exec {c}<>/dev/tcp/127.0.0.1/" + port.substr(1) +
+                                   " && printf GET >&$c; done; echo all; exec sleep 100"});
+    EXPECT_TRUE(waitUntil([&] { return silent.output() == "all\n"; })) << silent.errors();
     std::string wrong = mPath;
     wrong[20] = wrong[20] == '0' ? '1' : '0';
     const struct {

@@ -37,6 +37,7 @@ th, td { text-align: right; padding: 4px 0 4px 14px; border-bottom: 1px solid va
 th { color: var(--soft); font-weight: 500; font-size: 13px; }
 tr:last-child td { border-bottom: 0; }
 th:first-child, td:first-child { padding-left: 0; }
+.names td:first-child { text-align: left; }
 .frame { margin-top: 18px; }
 .frame p { color: var(--soft); font-size: 13px; margin-bottom: 4px; font-variant-numeric: tabular-nums; }
 details { margin-top: 4px; }
