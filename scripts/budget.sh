@@ -42,8 +42,8 @@ printf '%-10s %12s %12s %8s\n' scenario budget counted change
 while read -r scenario budget; do
     case "$scenario" in "#"* | "") renewed+=("$scenario${budget:+ $budget}"); continue ;; esac
     # What the start costs is in both runs.
-    short=$(count "$scenario" $frames)
-    long=$(count "$scenario" $((2 * frames)))
+    read -r short long < <(paste <(count "$scenario" $frames) <(count "$scenario" $((2 * frames))))
+    [ -n "$long" ] || exit 1  # and count has said why
     counted=$(((long - short + frames / 2) / frames))
     renewed+=("$scenario $counted")
     verdict=

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Makes the Debian packages, lets lintian look at them, installs them in a root of its own, shows the overlay over
-# glxgears and vkcube from there, builds the example with them, and removes them again.
+# Makes the Debian packages, lets lintian look at them, installs them in a root of its own, does there what the README
+# tells a newcomer, builds the example with them, and removes them again.
 # Usage: scripts/package-test.sh [BUILD_FOLDER]    default: build/hardened, which is built first
 #
 # The root is this machine's own under a layer that takes every change, in a mount namespace: nothing outside of it is
@@ -8,6 +8,7 @@
 # root may not mount, the packages are unpacked into a folder and used from there.
 set -euo pipefail
 source_folder=$(cd "$(dirname "$0")/.." && pwd)
+log_seconds=$([ "${CI:-}" = true ] && echo 3 || echo 10)
 
 if [ "${1:-}" = --in-root ]; then  # the part inside
     work=$2
@@ -21,6 +22,8 @@ if [ "${1:-}" = --in-root ]; then  # the part inside
 
     [ "$(command -v kordanixctl)" = /usr/bin/kordanixctl ]
     ./show_overlay.sh "$work"
+    mkdir newcomer
+    ./follow_readme.sh newcomer /usr/share/doc/kordanix/README.md "$log_seconds"
     man --warnings -E UTF-8 -l "$(man --where kordanixctl)" 2>&1 >page | tee warnings
     [ ! -s warnings ] && grep -q 'kordanixctl set' page
 
@@ -45,8 +48,8 @@ if [ "${1:-}" = --in-namespace ]; then  # makes the root
     for folder in dev proc sys; do mount --rbind "/$folder" "$work/root/$folder"; done
     mount -t tmpfs none "$work/root/tmp"
     mkdir "$work/root/tmp/test"
-    cp "$work"/packages/*.deb "$source_folder/tests/install/show_overlay.sh" "$source_folder/scripts/package-test.sh" \
-        "$work/root/tmp/test"
+    cp "$work"/packages/*.deb "$source_folder"/tests/install/{show_overlay,follow_readme}.sh \
+        "$source_folder/scripts/package-test.sh" "$work/root/tmp/test"
     exec chroot "$work/root" /tmp/test/package-test.sh --in-root /tmp/test
 fi
 
@@ -71,4 +74,6 @@ else
     for package in "$work"/packages/*.deb; do dpkg-deb --extract "$package" "$work/root"; done
     export PATH=$work/root/usr/bin:$PATH XDG_DATA_DIRS=$work/root/usr/share:/usr/share
     tests/install/show_overlay.sh "$work"
+    mkdir "$work/newcomer"
+    tests/install/follow_readme.sh "$work/newcomer" "$work/root/usr/share/doc/kordanix/README.md" "$log_seconds"
 fi

@@ -12,7 +12,7 @@ namespace drawlist {
 namespace {
 
 constexpr std::uint8_t FULL = 255;
-constexpr float ROUNDING = 0.5F;
+constexpr float HALF = 0.5F;
 
 /// Texels of the solid corner, in both directions.
 constexpr int SOLID_SIDE = 4;
@@ -42,12 +42,12 @@ int sideFor(const raster::SurfaceShape& shape) {
 }
 
 int toSteps(float position) {
-    return static_cast<int>(position * raster::GLYPH_STEPS + (position < 0.0F ? -ROUNDING : ROUNDING));
+    return static_cast<int>(position * raster::GLYPH_STEPS + (position < 0.0F ? -HALF : HALF));
 }
 
 /// A texel of ink on its outline.
 void write(std::uint8_t* texel, float ink, float outline, Part part) {
-    const auto toByte = [](float share) { return static_cast<std::uint8_t>(share * FULL + ROUNDING); };
+    const auto toByte = [](float share) { return static_cast<std::uint8_t>(share * FULL + HALF); };
     const raster::Outlined both(ink, outline);
     texel[0] = part == Part::BOTH ? toByte(both.ink) : FULL;
     texel[1] = toByte(part == Part::BOTH ? both.cover : part == Part::INK ? ink : outline);
@@ -103,7 +103,7 @@ void GlyphCache::drawProfiles() {
         const float inset = part == Part::INK ? 0.0F : raster::OUTLINE_WIDTH;
         const int middle = profile(part);  // between two rows that are alike
         for (int i = 0; i < PROFILE_LENGTH; ++i) {
-            const float place = (static_cast<float>(i) + ROUNDING) / PROFILE_LENGTH;
+            const float place = (static_cast<float>(i) + HALF) / PROFILE_LENGTH;
             const float inside = longest - std::fabs(2.0F * place - 1.0F) * longest;
             const float ink = std::clamp(inside - inset, 0.0F, 1.0F);
             for (const int row : {middle - 1, middle}) {

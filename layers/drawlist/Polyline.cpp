@@ -8,7 +8,7 @@ namespace drawlist {
 namespace {
 
 /// How many pixels a point may lie above or below the line between its neighbours to be left out.
-constexpr float TOLERANCE = 0.02F;
+constexpr float STRAIGHT_TOLERANCE = 0.02F;
 
 /// The slopes from a point that pass close enough to all points left out so far.
 class Slopes {
@@ -29,8 +29,8 @@ public:
             mLow = HUGE_VALF;  // not a graph, or a bend
             return false;
         }
-        mLow = std::max(mLow, slope - TOLERANCE * perPixel);
-        mHigh = std::min(mHigh, slope + TOLERANCE * perPixel);
+        mLow = std::max(mLow, slope - STRAIGHT_TOLERANCE * perPixel);
+        mHigh = std::min(mHigh, slope + STRAIGHT_TOLERANCE * perPixel);
         return true;
     }
 

@@ -16,10 +16,10 @@ namespace {
 const glm::vec4 RED(1.0F, 0.0F, 0.0F, 1.0F);
 
 // Canvas units.
-constexpr float WIDTH = 38.0F;
-constexpr float HEIGHT = 12.0F;
+constexpr float MARK_WIDTH = 38.0F;
+constexpr float MARK_HEIGHT = 12.0F;
 constexpr float LIGHT = 6.0F;
-constexpr float GAP = 3.0F;
+constexpr float MARK_GAP = 3.0F;
 
 }  // namespace
 
@@ -41,11 +41,11 @@ void DumpMark::layout(const Canvas& canvas) {
         drawer.mSize = glm::vec2(width, height) * unit;
     };
     // At a large scale the margin is too low for it.
-    const glm::vec2 corner(margin.width, std::max(margin.height - (HEIGHT + 1.0F) * unit.y, 0.0F));
-    place(*mBackdrop, corner, WIDTH, HEIGHT);
-    place(*mLight, corner + glm::vec2(GAP, 0.5F * (HEIGHT - LIGHT)) * unit, LIGHT, LIGHT);
-    const float textLeft = GAP + LIGHT + GAP;
-    place(*mText, corner + glm::vec2(textLeft, 0.0F) * unit, WIDTH - textLeft, HEIGHT);
+    const glm::vec2 corner(margin.width, std::max(margin.height - (MARK_HEIGHT + 1.0F) * unit.y, 0.0F));
+    place(*mBackdrop, corner, MARK_WIDTH, MARK_HEIGHT);
+    place(*mLight, corner + glm::vec2(MARK_GAP, 0.5F * (MARK_HEIGHT - LIGHT)) * unit, LIGHT, LIGHT);
+    const float textLeft = MARK_GAP + LIGHT + MARK_GAP;
+    place(*mText, corner + glm::vec2(textLeft, 0.0F) * unit, MARK_WIDTH - textLeft, MARK_HEIGHT);
     mBackdrop->mColor = backdropColor();
     mText->setTextColor(plainTextColor());
     setTextHeight(*mText, NOTE_TEXT_HEIGHT, canvas);

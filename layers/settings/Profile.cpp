@@ -23,7 +23,7 @@ bool isBlank(char c) {
     return BLANKS.find(c) != std::string_view::npos;
 }
 
-std::string_view trimmed(std::string_view text) {
+std::string_view withoutBlanks(std::string_view text) {
     const std::size_t first = std::min(text.find_first_not_of(BLANKS), text.size());
     return text.substr(first, text.find_last_not_of(BLANKS) + 1 - first);
 }
@@ -97,11 +97,11 @@ ProfileLine splitProfileLine(std::string_view line) {
     while (line.substr(0, BYTE_ORDER_MARK.size()) == BYTE_ORDER_MARK) {
         line.remove_prefix(BYTE_ORDER_MARK.size());
     }
-    const std::string_view words = trimmed(withoutComment(trimmed(line)));
+    const std::string_view words = withoutBlanks(withoutComment(withoutBlanks(line)));
     const std::size_t end = std::min(words.find_first_of(std::string(BLANKS) + '='), words.size());
-    std::string_view value = trimmed(words.substr(end));
+    std::string_view value = withoutBlanks(words.substr(end));
     if (!value.empty() && value.front() == '=') {
-        value = trimmed(value.substr(1));
+        value = withoutBlanks(value.substr(1));
     }
     return {words.substr(0, end), value};
 }

@@ -16,7 +16,7 @@ namespace platform {
 namespace {
 
 constexpr std::chrono::milliseconds FRAME_PATIENCE{500};
-constexpr std::chrono::milliseconds EXIT_PATIENCE{1000};
+constexpr std::chrono::milliseconds DUMP_PATIENCE{1000};
 
 /// Logs the failure and writes it into the notice. Never throws; without memory it writes no notice.
 void tellFailure(const DumpPlan& plan, const char* reason) {
@@ -111,7 +111,7 @@ void DumpControl::finish(std::chrono::milliseconds patience) {
 }
 
 void DumpControl::onExit() {
-    finish(EXIT_PATIENCE);
+    finish(DUMP_PATIENCE);
     const std::lock_guard<std::mutex> lock(mMutex);
     if (!mRuntimeDirectory.empty()) {
         removeDumpNotice(mRuntimeDirectory, getpid());

@@ -1,6 +1,7 @@
 #include "ostra/DumpRun.h"
 
 #include "ostra/HelperThread.h"
+#include "ostra/LogTag.h"
 
 #include <android/log.h>
 
@@ -11,7 +12,6 @@ namespace platform {
 
 namespace {
 
-constexpr const char* TAG = "Ostra";
 constexpr std::chrono::milliseconds FLUSH_PERIOD{250};
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "ostra/ProcessChannel.h"
 
 #include "ostra/HelperThread.h"
+#include "ostra/LogTag.h"
 #include "ostra/PerProcess.h"
 #include "ostra/PictureRequest.h"
 #include "ostra/ProcessSocket.h"
@@ -19,8 +20,7 @@ namespace platform {
 
 namespace {
 
-constexpr const char* TAG = "Ostra";
-constexpr std::chrono::milliseconds EXIT_PATIENCE{200};
+constexpr std::chrono::milliseconds LISTENER_PATIENCE{200};
 constexpr unsigned MAX_FAILURES = 6;
 constexpr std::chrono::milliseconds FIRST_PAUSE{500};  // doubled by each failure
 
@@ -198,7 +198,7 @@ void ProcessChannel::onExit() {
     mSocket.remove();
     // A listener may itself have called exit().
     if (mListeningThread != std::this_thread::get_id()) {
-        mListenersDone.wait_for(lock, EXIT_PATIENCE,
+        mListenersDone.wait_for(lock, LISTENER_PATIENCE,
                                 [this] { return mListeningThread == std::thread::id(); });
     }
 }

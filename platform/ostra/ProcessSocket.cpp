@@ -28,8 +28,8 @@ constexpr std::string_view LOG = "log ";
 constexpr std::string_view LAST = "last ";
 constexpr std::uint32_t SECONDS_MAX = 3600;
 constexpr std::string_view FIGURES = "figures ";
-constexpr std::string_view NAME_BEGIN = "process.";
-constexpr std::string_view NAME_END = ".sock";
+constexpr std::string_view SOCKET_BEGIN = "process.";
+constexpr std::string_view SOCKET_END = ".sock";
 constexpr time_t SEND_PATIENCE_S = 1;
 
 std::string errorText(int error) {
@@ -121,13 +121,13 @@ std::string encodeLog(const LogRequest& request) {
 
 /// The process id in the name of a socket file; 0 for any other name.
 pid_t processOfName(std::string_view name) {
-    if (name.size() <= NAME_BEGIN.size() + NAME_END.size() ||
-        name.substr(0, NAME_BEGIN.size()) != NAME_BEGIN ||
-        name.substr(name.size() - NAME_END.size()) != NAME_END) {
+    if (name.size() <= SOCKET_BEGIN.size() + SOCKET_END.size() ||
+        name.substr(0, SOCKET_BEGIN.size()) != SOCKET_BEGIN ||
+        name.substr(name.size() - SOCKET_END.size()) != SOCKET_END) {
         return 0;
     }
-    name.remove_prefix(NAME_BEGIN.size());
-    name.remove_suffix(NAME_END.size());
+    name.remove_prefix(SOCKET_BEGIN.size());
+    name.remove_suffix(SOCKET_END.size());
     pid_t process = 0;
     return takeNumber(name, process) && name.empty() && process > 0 ? process : 0;
 }
@@ -208,7 +208,7 @@ std::optional<ProcessMessage> decodeMessage(std::string_view text) {
 }
 
 std::string processSocketPath(const std::string& directory, pid_t process) {
-    return directory + '/' + std::string(NAME_BEGIN) + std::to_string(process) + std::string(NAME_END);
+    return directory + '/' + std::string(SOCKET_BEGIN) + std::to_string(process) + std::string(SOCKET_END);
 }
 
 int openSocketAt(const std::string& path) {

@@ -15,7 +15,7 @@ namespace platform {
 namespace {
 
 constexpr const char* FILE_NAME = "/log.plan";
-constexpr std::size_t SIZE_MAX_BYTES = 32768;
+constexpr std::size_t PLAN_MAX_BYTES = 32768;
 
 /// An absolute path in the environment; empty for anything else.
 std::string pathOf(const char* variable) {
@@ -55,7 +55,7 @@ LogPlan readLogPlan(const std::string& runFolder) {
     std::string folder;
     std::string length;
     LogPlan plan;
-    if (readPlainFile(runFolder + FILE_NAME, text, SIZE_MAX_BYTES) != 0) {
+    if (readPlainFile(runFolder + FILE_NAME, text, PLAN_MAX_BYTES) != 0) {
         return {};
     }
     std::istringstream stream(text);

@@ -20,9 +20,9 @@ namespace platform {
 
 namespace {
 
-constexpr std::string_view NAME_BEGIN = "note.";
-constexpr std::string_view HEADER = "kordanix note 2";
-constexpr std::size_t SIZE_MAX_BYTES = 32768;
+constexpr std::string_view NOTE_BEGIN = "note.";
+constexpr std::string_view NOTE_HEADER = "kordanix note 2";
+constexpr std::size_t NOTE_MAX_BYTES = 32768;
 
 template <typename Number>
 std::optional<Number> toNumber(std::string_view text) {
@@ -34,20 +34,21 @@ std::optional<Number> toNumber(std::string_view text) {
 
 /// The process in a note's file name; 0 for another name.
 pid_t processOfName(std::string_view name) {
-    if (name.substr(0, NAME_BEGIN.size()) != NAME_BEGIN) {
+    if (name.substr(0, NOTE_BEGIN.size()) != NOTE_BEGIN) {
         return 0;
     }
-    return std::max(toNumber<pid_t>(name.substr(NAME_BEGIN.size())).value_or(0), 0);
+    return std::max(toNumber<pid_t>(name.substr(NOTE_BEGIN.size())).value_or(0), 0);
 }
 
 std::string notePath(const std::string& directory, pid_t process) {
-    return directory + '/' + std::string(NAME_BEGIN) + std::to_string(process);
+    return directory + '/' + std::string(NOTE_BEGIN) + std::to_string(process);
 }
 
 std::string toText(const OverlayNote& note) {
-    return std::string(HEADER) + "\nname " + escapeText(note.name) + "\napi " + std::to_string(note.api) +
-           "\nshown " + (note.wasShown ? "1" : "0") + "\nframes " + std::to_string(note.frames) +
-           "\nreason " + escapeText(note.reason) + "\nown " + std::to_string(note.ownNanoseconds) + '\n';
+    return std::string(NOTE_HEADER) + "\nname " + escapeText(note.name) + "\napi " +
+           std::to_string(note.api) + "\nshown " + (note.wasShown ? "1" : "0") + "\nframes " +
+           std::to_string(note.frames) + "\nreason " + escapeText(note.reason) + "\nown " +
+           std::to_string(note.ownNanoseconds) + '\n';
 }
 
 /// Takes the next line off the text and returns what follows `key` and a blank; nothing when the line does
@@ -65,10 +66,10 @@ std::optional<std::string_view> takeLine(std::string_view& text, std::string_vie
 }
 
 std::optional<OverlayNote> parse(std::string_view text, pid_t process) {
-    if (text.substr(0, HEADER.size() + 1) != std::string(HEADER) + '\n') {
+    if (text.substr(0, NOTE_HEADER.size() + 1) != std::string(NOTE_HEADER) + '\n') {
         return std::nullopt;
     }
-    text.remove_prefix(HEADER.size() + 1);
+    text.remove_prefix(NOTE_HEADER.size() + 1);
     const auto name = takeLine(text, "name");
     const auto api = takeLine(text, "api");
     const auto shown = takeLine(text, "shown");
@@ -94,7 +95,7 @@ std::optional<OverlayNote> parse(std::string_view text, pid_t process) {
 /// Reads a note only if a process of this user wrote it.
 std::optional<OverlayNote> readNote(const std::string& directory, pid_t process) {
     std::string text;
-    if (readPlainFile(notePath(directory, process), text, SIZE_MAX_BYTES) != 0) {
+    if (readPlainFile(notePath(directory, process), text, NOTE_MAX_BYTES) != 0) {
         return std::nullopt;
     }
     return parse(text, process);

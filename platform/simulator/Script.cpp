@@ -15,7 +15,6 @@ namespace {
 
 constexpr std::size_t MAX_VALUES = 6;
 constexpr double MAX_REPETITIONS = 1000.0;
-constexpr double MS_PER_SECOND = 1000.0;
 constexpr double MAX_VALUE = std::numeric_limits<std::uint32_t>::max();
 
 // No device comes near these bounds, and within them all sums and products are finite.
@@ -295,7 +294,7 @@ std::optional<ScriptedFrame> Script::frameAt(double seconds) const {
     if (frames.empty()) {
         return std::nullopt;
     }
-    const double timeMs = seconds * MS_PER_SECOND;
+    const double timeMs = seconds * 1000.0;
     const double inRoundMs = std::fmod(timeMs, endOf(frames));
     const auto next =
         std::upper_bound(frames.begin(), frames.end(), inRoundMs,

@@ -9,7 +9,7 @@ namespace drawer {
 
 namespace {
 
-constexpr float BOTTOM = 1.0F;
+constexpr float BOTTOM_EDGE = 1.0F;
 
 // The order of the comparisons puts NaN on the left edge and on the bottom edge.
 
@@ -18,7 +18,7 @@ float clampX(float x) {
 }
 
 float clampY(float y) {
-    return y < BOTTOM ? std::max(y, -1.0F) : BOTTOM;
+    return y < BOTTOM_EDGE ? std::max(y, -1.0F) : BOTTOM_EDGE;
 }
 
 }  // namespace
@@ -69,7 +69,7 @@ void FixedGraphicDrawer::setData(const std::vector<core::ShaderActivity>& data, 
     mLineMesh->mVertices.reserve(count);
     const auto append = [this](float x, float y) {
         mFillMesh->mVertices.push_back({x, y});
-        mFillMesh->mVertices.push_back({x, BOTTOM});
+        mFillMesh->mVertices.push_back({x, BOTTOM_EDGE});
         mLineMesh->mVertices.push_back({x, y});
     };
     const auto heightOf = [](const ShaderActivity& record) { return clampY(1.0F - 2.0F * record.activity); };

@@ -15,7 +15,7 @@ namespace {
 using core::StateInfo;
 using testing::ElementsAre;
 
-constexpr auto API = static_cast<core::RenderingApiType>(2);
+constexpr auto SOME_API = static_cast<core::RenderingApiType>(2);
 constexpr const char* COMMAND_LINE = "/proc/self/cmdline";
 
 TEST(BaseLayer, AttachAndDetachTakeTurns) {
@@ -53,14 +53,14 @@ TEST_F(OverlaySwitch, SimultaneousFirstQuestionsAllReadWhatWasSetSinceLoad) {
     std::vector<std::thread> threads;
     std::vector<char> answers(8, 0);
     for (char& answer : answers) {
-        threads.emplace_back([&answer] { answer = StateInfo::isOverlayEnabled(API) ? 1 : 0; });
+        threads.emplace_back([&answer] { answer = StateInfo::isOverlayEnabled(SOME_API) ? 1 : 0; });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
     EXPECT_THAT(answers, testing::Each(1));
     doubles::setProperty("debug.kordanix.status", "false");
-    EXPECT_TRUE(StateInfo::isOverlayEnabled(API)) << "not published";
+    EXPECT_TRUE(StateInfo::isOverlayEnabled(SOME_API)) << "not published";
 }
 
 TEST_F(OverlaySwitch, NeedsStatusApiAndProcessToAgree) {
@@ -74,11 +74,11 @@ TEST_F(OverlaySwitch, NeedsStatusApiAndProcessToAgree) {
         {"true", "2", "com.example.app", " com.example.app ", true},  // the command line is
         {"true", "2", "", "", true},
     };
-    StateInfo::isOverlayEnabled(API);
+    StateInfo::isOverlayEnabled(SOME_API);
     for (const auto& c : cases) {
         doubles::setFile(COMMAND_LINE, c.commandLine);
         doubles::set({{"status", c.status}, {"api", c.api}, {"proc", c.process}});
-        EXPECT_EQ(StateInfo::isOverlayEnabled(API), c.isOn) << &c - cases;
+        EXPECT_EQ(StateInfo::isOverlayEnabled(SOME_API), c.isOn) << &c - cases;
     }
 }
 

@@ -6,6 +6,7 @@
 #include "ostra/ProcessSocket.h"
 #include "platform/OstraFaults.h"
 #include "platform/OstraTesting.h"
+#include "properties/RuntimeDirectory.h"
 #include "runs/RunFolder.h"
 #include "support/ChildProcess.h"
 
@@ -168,7 +169,7 @@ TEST_F(Channel, DescriptorsThatTheProgramTookAreItsOwn) {
     const std::string run = platform::makeRunFolder(runtimeDirectory(), error);
     ASSERT_EQ(error, "");
     ChildProcess program([&run] {
-        setenv("KORDANIX_RUNTIME_DIR", run.c_str(), 1);
+        platform::changeRuntimeDirectory(run);
         Ostra::receiveKeyEvents();
         EXPECT_TRUE(platform::isRunHeld(run));
         closefrom(STDERR_FILENO + 1);

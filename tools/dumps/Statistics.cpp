@@ -8,7 +8,6 @@ namespace dumps {
 
 namespace {
 
-constexpr double MS_PER_SECOND = 1000.0;
 constexpr double STABLE_SHARE = 0.2;
 constexpr double MAX_BINS = 40.0;
 

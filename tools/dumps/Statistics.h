@@ -9,6 +9,8 @@
 
 namespace dumps {
 
+constexpr double MS_PER_SECOND = 1000.0;
+
 /// The render passes of one captured frame: a range of the dump's passes.
 struct PassGroup {
     std::size_t first;

@@ -3,6 +3,8 @@
 #include "settings/Presets.h"
 #include "settings/PropertyTable.h"
 
+#include <CLI/CLI.hpp>
+
 #include <algorithm>
 #include <sstream>
 #include <string_view>

@@ -1,5 +1,7 @@
 #include "manual/Description.h"
 
+#include <CLI/CLI.hpp>
+
 namespace manual {
 
 namespace {

@@ -1,9 +1,11 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 /// Manual pages and shell completions, from the parser's own tables: what `--help` prints is what they say.
 namespace manual {

@@ -97,7 +97,7 @@ std::vector<Word> ownOptions(const Description& verb) {
     return own;
 }
 
-void writeVerb(const Description& verb, std::ostream& out) {
+void writeVerbSection(const Description& verb, std::ostream& out) {
     out << ".SS " << plain(verb.name) << "\n.B " << plain(verb.usage) << "\n.PP\n"
         << plain(sentence(verb.meaning)) << '\n';
     if (!verb.footer.empty()) {
@@ -107,7 +107,7 @@ void writeVerb(const Description& verb, std::ostream& out) {
     writeWords(verb.places, out);
     writeWords(ownOptions(verb), out);
     for (const Description& inner : verb.verbs) {
-        writeVerb(inner, out);
+        writeVerbSection(inner, out);
     }
 }
 
@@ -136,7 +136,7 @@ void writeManPage(const Description& program, std::ostream& out) {
     writeWords(program.options, out);
     out << ".SH VERBS\n";
     for (const Description& verb : program.verbs) {
-        writeVerb(verb, out);
+        writeVerbSection(verb, out);
     }
     writeProperties(out);
     out << ".SH ENVIRONMENT\n";

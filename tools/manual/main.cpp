@@ -2,6 +2,8 @@
 #include "manual/CompletionTable.h"
 #include "manual/ManPage.h"
 
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <iostream>
 #include <sstream>

@@ -17,7 +17,6 @@ namespace {
 constexpr const char* STAT = "/proc/stat";
 constexpr const char* MEMINFO = "/proc/meminfo";
 constexpr const char* CPU_FOLDER = "/sys/devices/system/cpu";
-constexpr double PERCENT = 100.0;
 constexpr double MHZ_PER_KHZ = 1e-3;
 /// The fields of a process's stat after the name in brackets; the times are the 14th and 15th of the whole.
 constexpr int FIELDS_BEFORE_TIMES = 11;

@@ -26,8 +26,6 @@ constexpr double SECONDS_TO_STAY = 4.0;
 /// How long it stays chosen without any work, because a long job counts only when it has ended.
 constexpr double SECONDS_OF_REST = 2.0;
 
-constexpr double PERCENT = 100.0;
-constexpr double NS_PER_SECOND = 1e9;
 constexpr double HZ_PER_MHZ = 1e6;
 
 /// Returns the number at the end of a node's name: 128 for "renderD128" and "renderD".

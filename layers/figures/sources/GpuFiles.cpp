@@ -12,10 +12,8 @@ namespace sources {
 
 namespace {
 
-constexpr double PERCENT = 100.0;
 constexpr double MHZ_PER_HZ = 1e-6;
 constexpr double MICRO = 1e-6;
-constexpr double NS_PER_SECOND = 1e9;
 
 Value asPercent(Value value) {
     if (value) {

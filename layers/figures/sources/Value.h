@@ -6,6 +6,9 @@
 
 namespace sources {
 
+constexpr double PERCENT = 100.0;
+constexpr double NS_PER_SECOND = 1e9;
+
 /// Why a figure has no value.
 enum class Reason {
     NONE,           ///< it has one

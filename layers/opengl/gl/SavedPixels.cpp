@@ -29,7 +29,7 @@ const Parameter PACKING[] = {
 };
 
 // Indices mean nothing here, but a shift of theirs sends Mesa's copies down a path that reads too far.
-const GLenum SWITCHES[] = {MAP_COLOR, INDEX_SHIFT, INDEX_OFFSET};
+const GLenum TRANSFER_SWITCHES[] = {MAP_COLOR, INDEX_SHIFT, INDEX_OFFSET};
 
 struct Factor {
     GLenum name;
@@ -82,9 +82,9 @@ void SavedPixelTransfer::set(const Functions& gl) {
         return;
     }
     for (std::size_t i = 0; i < SWITCH_COUNT; ++i) {
-        mSwitches[i] = getInteger(gl, SWITCHES[i]);
+        mSwitches[i] = getInteger(gl, TRANSFER_SWITCHES[i]);
         if (mSwitches[i] != 0) {
-            gl.pixelTransferi(SWITCHES[i], 0);
+            gl.pixelTransferi(TRANSFER_SWITCHES[i], 0);
         }
     }
     for (std::size_t i = 0; i < COUNT; ++i) {
@@ -99,7 +99,7 @@ void SavedPixelTransfer::restore(const Functions& gl) const {
     }
     for (std::size_t i = 0; i < SWITCH_COUNT; ++i) {
         if (mSwitches[i] != 0) {
-            gl.pixelTransferi(SWITCHES[i], mSwitches[i]);
+            gl.pixelTransferi(TRANSFER_SWITCHES[i], mSwitches[i]);
         }
     }
     for (std::size_t i = 0; i < COUNT; ++i) {

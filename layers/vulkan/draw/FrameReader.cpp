@@ -15,11 +15,6 @@ namespace {
 
 constexpr std::size_t CHANNELS = 4;
 
-constexpr ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_WRITE_BIT,
-                              VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL};
-constexpr ImageUse COPIED = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_READ_BIT,
-                             VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL};
-
 }  // namespace
 
 FrameReader::FrameReader(const Gpu& gpu, const SwapchainImages& swapchain)

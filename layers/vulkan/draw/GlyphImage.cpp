@@ -6,10 +6,6 @@ namespace vulkan {
 
 namespace {
 
-constexpr ImageUse READ = {VK_PIPELINE_STAGE_FRAGMENT_SHADER_BIT, VK_ACCESS_SHADER_READ_BIT,
-                           VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL};
-constexpr ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_WRITE_BIT,
-                              VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL};
 constexpr ImageUse FRESH = {VK_PIPELINE_STAGE_TOP_OF_PIPE_BIT, 0, VK_IMAGE_LAYOUT_UNDEFINED};
 
 VkExtent2D square(int side) {

@@ -67,6 +67,12 @@ struct ImageUse {
     VkAccessFlags access;
     VkImageLayout layout;
 };
+inline constexpr ImageUse READ = {VK_PIPELINE_STAGE_FRAGMENT_SHADER_BIT, VK_ACCESS_SHADER_READ_BIT,
+                                  VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL};  ///< by a shader
+inline constexpr ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_WRITE_BIT,
+                                     VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL};  ///< copied to
+inline constexpr ImageUse COPIED = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_READ_BIT,
+                                    VK_IMAGE_LAYOUT_TRANSFER_SRC_OPTIMAL};  ///< copied from
 
 /// Makes an image ready for its next use.
 void move(const Gpu& gpu, VkCommandBuffer commands, VkImage image, const ImageUse& from, const ImageUse& to,

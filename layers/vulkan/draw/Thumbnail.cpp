@@ -10,11 +10,6 @@ namespace vulkan {
 
 namespace {
 
-constexpr ImageUse READ = {VK_PIPELINE_STAGE_FRAGMENT_SHADER_BIT, VK_ACCESS_SHADER_READ_BIT,
-                           VK_IMAGE_LAYOUT_SHADER_READ_ONLY_OPTIMAL};
-constexpr ImageUse WRITTEN = {VK_PIPELINE_STAGE_TRANSFER_BIT, VK_ACCESS_TRANSFER_WRITE_BIT,
-                              VK_IMAGE_LAYOUT_TRANSFER_DST_OPTIMAL};
-
 /// Of the texture; what is shown larger than half of it is shown less sharp.
 constexpr std::uint32_t SIDE = 512;
 constexpr float SCALE = 2.0F;

@@ -2,6 +2,7 @@
 
 #include "io/PlainFile.h"
 #include "ostra/HelperThread.h"
+#include "ostra/LogTag.h"
 #include "ostra/android/FilesFolder.h"
 
 #include <android/log.h>
@@ -20,7 +21,6 @@ namespace platform {
 
 namespace {
 
-constexpr const char* TAG = "Ostra";
 constexpr std::chrono::milliseconds PERIOD{500};
 
 constexpr std::int32_t VOLUME_UP = 24;

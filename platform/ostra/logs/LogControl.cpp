@@ -1,6 +1,7 @@
 #include "ostra/logs/LogControl.h"
 
 #include "ostra/HelperThread.h"
+#include "ostra/LogTag.h"
 #include "properties/RuntimeDirectory.h"
 #include "runs/LogPlan.h"
 #include "runs/RunFolder.h"
@@ -17,9 +18,8 @@ namespace platform {
 
 namespace {
 
-constexpr const char* TAG = "Ostra";
 constexpr std::chrono::milliseconds PERIOD{100};
-constexpr std::chrono::milliseconds EXIT_PATIENCE{1000};
+constexpr std::chrono::milliseconds LOG_PATIENCE{1000};
 
 }  // namespace
 
@@ -139,7 +139,7 @@ void LogControl::onExit() {
     std::unique_lock<std::mutex> lock(mMutex);
     mIsExiting = true;
     mChanged.notify_all();
-    const bool isDone = mChanged.wait_for(lock, EXIT_PATIENCE, [this] { return !mIsWorking; });
+    const bool isDone = mChanged.wait_for(lock, LOG_PATIENCE, [this] { return !mIsWorking; });
     std::string ignored;
     const std::string* const directory = ownRuntimeDirectory(ignored);
     if (isDone && directory != nullptr && runProcess(*directory) == 0) {

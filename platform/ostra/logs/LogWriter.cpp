@@ -1,6 +1,7 @@
 #include "ostra/logs/LogWriter.h"
 
 #include "io/RecordName.h"
+#include "ostra/LogTag.h"
 #include "properties/RuntimeDirectory.h"
 
 #include <android/log.h>
@@ -10,8 +11,6 @@
 namespace platform {
 
 namespace {
-
-constexpr const char* TAG = "Ostra";
 
 /// The GPU's time of a frame is known after a few more frames.
 constexpr std::uint32_t SETTLED_TICKS = FrameRing::TICKS_PER_SECOND / 4;

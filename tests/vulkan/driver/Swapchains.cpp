@@ -23,20 +23,20 @@ struct Swapchain {
     bool isOutdated = false;
 };
 
-std::mutex gMutex;  ///< around the sets and the counts
+std::mutex gSetsMutex;  ///< around the sets and the counts
 std::set<const void*> gSurfaces;
 std::set<const void*> gSwapchains;
 std::uint32_t gPresents = 0;
 
 template <typename Handle>
 bool isOurs(const std::set<const void*>& all, Handle handle) {
-    const std::lock_guard<std::mutex> lock(gMutex);
+    const std::lock_guard<std::mutex> lock(gSetsMutex);
     return all.count(reinterpret_cast<const void*>(handle)) != 0;
 }
 
 template <typename Handle>
 void change(std::set<const void*>& all, Handle handle, bool isAdded) {
-    const std::lock_guard<std::mutex> lock(gMutex);
+    const std::lock_guard<std::mutex> lock(gSetsMutex);
     if (isAdded) {
         all.insert(reinterpret_cast<const void*>(handle));
     } else {
@@ -253,7 +253,7 @@ VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKH
     }
     std::uint32_t present = 0;
     {
-        const std::lock_guard<std::mutex> lock(gMutex);
+        const std::lock_guard<std::mutex> lock(gSetsMutex);
         present = ++gPresents;
     }
     VkQueue real = realQueue(queue);

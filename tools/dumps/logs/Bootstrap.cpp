@@ -45,7 +45,6 @@ struct SlowPart {
 /// The rates over the slowest shares. False when there are not enough slow times. Orders the slow times.
 bool findRates(SlowPart& times, const std::vector<double>& shares,
                std::vector<std::optional<double>>& rates) {
-    constexpr double MS_PER_SECOND = 1000.0;
     rates.clear();
     auto candidates = times.slow.end();
     for (const double share : shares) {

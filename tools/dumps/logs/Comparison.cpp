@@ -35,10 +35,6 @@ void printRow(const std::array<std::string, 6>& cells, std::ostream& out) {
     out << line << '\n';
 }
 
-std::string rateText(const std::optional<double>& rate) {
-    return rate ? fixedPoint(*rate, 1) + " fps" : "-";
-}
-
 void printRates(const char* name, const RateDifference& difference, std::ostream& out) {
     printRow({name, rateText(difference.first), rateText(difference.second), changeText(difference.change),
               intervalText(difference), verdictOf(difference)},

@@ -10,8 +10,6 @@ namespace dumps {
 
 namespace {
 
-constexpr double MS_PER_SECOND = 1000.0;
-
 std::optional<LogSummary::Parts> partsOf(const Dump& log, const FrameTimes& times) {
     const DumpedValue* const swaps = log.findValue("SwapTime");
     const DumpedValue* const gpus = log.findValue("GpuTime");
@@ -58,10 +56,6 @@ std::string percent(double share) {
     return fixedPoint(share * 100.0, 0) + " %";
 }
 
-std::string rateText(const std::optional<double>& rate) {
-    return rate ? fixedPoint(*rate, 1) + " fps" : "-";
-}
-
 void printLine(const char* name, const std::string& text, std::ostream& out) {
     constexpr std::size_t WIDTH = 20;
     std::string label = std::string("  ") + name;
@@ -70,6 +64,10 @@ void printLine(const char* name, const std::string& text, std::ostream& out) {
 }
 
 }  // namespace
+
+std::string rateText(const std::optional<double>& rate) {
+    return rate ? fixedPoint(*rate, 1) + " fps" : "-";
+}
 
 std::vector<double> logTimes(const Dump& log) {
     std::vector<double> milliseconds;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <ostream>
+#include <string>
 #include <vector>
 
 namespace dumps {
@@ -38,6 +39,9 @@ std::optional<LogSummary> summarizeLog(const Dump& log);
 
 /// The frame times in milliseconds, in the order of the frames.
 std::vector<double> logTimes(const Dump& log);
+
+/// A rate as "59.8 fps"; "-" for none. The same in every locale.
+std::string rateText(const std::optional<double>& rate);
 
 /// Prints the figures, a line each, indented by two blanks. The same in every locale.
 void printLogSummary(const LogSummary& summary, std::ostream& out);

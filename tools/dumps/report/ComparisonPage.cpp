@@ -16,7 +16,6 @@ namespace dumps {
 namespace {
 
 constexpr const char* LETTERS[] = {"A", "B"};
-constexpr double MS_PER_SECOND = 1000.0;
 
 void writeRow(const std::string& name, const std::array<std::string, 5>& cells, std::ostream& out) {
     out << "<tr><td>" << name << "</td>";
@@ -26,13 +25,13 @@ void writeRow(const std::string& name, const std::array<std::string, 5>& cells, 
     out << "</tr>\n";
 }
 
-std::string rateText(const std::optional<double>& rate) {
+std::string rateCell(const std::optional<double>& rate) {
     return rate ? fixedPoint(*rate, 1) + " fps" : "&ndash;";
 }
 
 void writeRates(const char* name, const RateDifference& difference, std::ostream& out) {
     writeRow(name,
-             {rateText(difference.first), rateText(difference.second), changeText(difference.change),
+             {rateCell(difference.first), rateCell(difference.second), changeText(difference.change),
               intervalText(difference), verdictOf(difference)},
              out);
 }

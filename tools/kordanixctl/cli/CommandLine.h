@@ -3,11 +3,13 @@
 #include "ExitCode.h"
 #include "cli/Invocation.h"
 
-#include <CLI/CLI.hpp>
-
 #include <memory>
 #include <string>
 #include <vector>
+
+namespace CLI {
+class App;
+}
 
 namespace control {
 

@@ -31,7 +31,7 @@ std::string writePage(const dumps::Comparison& comparison, const std::string& pa
     return error;
 }
 
-std::string read(const std::string& path, dumps::Dump& log, std::ostream& err) {
+std::string readCompared(const std::string& path, dumps::Dump& log, std::ostream& err) {
     std::string error = dumps::readLog(path, log);
     const std::string losses = error.empty() ? dumps::describeLosses(log) : std::string();
     if (!losses.empty()) {
@@ -54,8 +54,8 @@ std::optional<double> parsePercent(const std::string& text) {
 ExitCode compareFiles(const CompareOptions& options, std::ostream& out, std::ostream& err) {
     dumps::Dump first;
     dumps::Dump second;
-    std::string error = read(options.first, first, err);
-    error = error.empty() ? read(options.second, second, err) : error;
+    std::string error = readCompared(options.first, first, err);
+    error = error.empty() ? readCompared(options.second, second, err) : error;
     if (!error.empty()) {
         return fail(error, err);
     }

@@ -22,7 +22,7 @@ namespace {
 using platform::LogNotice;
 
 constexpr double MAX_SECONDS = 86400.0;
-constexpr std::chrono::seconds PATIENCE(3);
+constexpr std::chrono::seconds END_PATIENCE(3);
 
 std::uint32_t toMilliseconds(double seconds) {
     return static_cast<std::uint32_t>(std::clamp(seconds, 0.0, MAX_SECONDS) * 1000.0);
@@ -114,7 +114,7 @@ void RunLog::attend() {
     }
     kill(mStep == 0 ? mLogged : mProgram, mStep < 2 ? SIGTERM : SIGKILL);
     ++mStep;
-    mNextStep = Clock::now() + PATIENCE;
+    mNextStep = Clock::now() + END_PATIENCE;
 }
 
 std::optional<ExitCode> RunLog::finish(std::ostream& err) const {
