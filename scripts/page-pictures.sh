@@ -34,7 +34,7 @@ cd "$work"
 "$control" run --log=before --log-for 8 --fail-if 'mean<0' glmark2 -s 640x360 -b build:duration=60 >/dev/null 2>&1
 "$control" run --log=after --log-for 8 --fail-if 'mean<0' --preset small glmark2 -s 640x360 -b build:duration=60 >/dev/null 2>&1
 "$control" compare before after comparison.html >/dev/null
-picture comparison.png 1280,1180 "file://$work/comparison.html"
+picture comparison.png 1280,1105 "file://$work/comparison.html"
 
 "$control" run -- glmark2 -s 640x360 -b build:duration=60 >/dev/null &
 program=$!
