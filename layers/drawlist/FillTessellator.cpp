@@ -81,7 +81,7 @@ float softnessOf(float slope) {
 /// steep nor near an edge of the clip.
 bool addGentleSlice(const Columns& area, const glm::vec2& from, const glm::vec2& to, float soft) {
     const float floor = area.wholeBottom;
-    if (!(soft <= SHORT_BORDER) || std::max(from.y, to.y) + soft > floor || floor > area.edges.bottom ||
+    if (!(soft <= SHORT_BORDER) || std::max(from.y, to.y) + soft > floor ||
         std::min(from.y, to.y) - soft < area.edges.top) {
         return false;
     }
@@ -103,7 +103,7 @@ bool addSteepSlice(const Columns& area, const glm::vec2& from, const glm::vec2& 
     const float top = std::floor(upper.y);
     const float end = std::ceil(lower.y);
     if (!(soft > SHORT_BORDER) || !(upper.y + soft < end) || !(lower.y - soft > top) ||
-        top < area.edges.top || end > std::min(area.edges.bottom, area.wholeBottom)) {
+        top < area.edges.top || end > area.wholeBottom) {
         return false;
     }
     const float perRow = (lower.x - upper.x) / (lower.y - upper.y);
@@ -199,6 +199,7 @@ void FillTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t co
 void FillTessellator::drawColumns(Batch& batch, float bottom, const Paint& paint,
                                   const raster::PixelRect& clip) const {
     const Columns area(batch, bottom, paint, clip);
+    const bool isWhole = area.wholeBottom <= area.edges.bottom;
     // The row that the bottom covers in part is one rectangle for all slices beside each other that leave it.
     float rowStart = area.edges.left;
     float rowEnd = area.edges.left;
@@ -218,7 +219,7 @@ void FillTessellator::drawColumns(Batch& batch, float bottom, const Paint& paint
         if (from.x < area.edges.left) {
             from = {area.edges.left, to.y - slope * (to.x - area.edges.left)};
         }
-        if (addGentleSlice(area, from, to, soft) || addSteepSlice(area, from, to, soft)) {
+        if (isWhole && (addGentleSlice(area, from, to, soft) || addSteepSlice(area, from, to, soft))) {
             rowEnd = firstColumn(to.x);
         } else {
             addRow();

@@ -198,7 +198,7 @@ void StrokeTessellator::addSegment(const Pen& pen, const Segment& segment, bool 
 
 void StrokeTessellator::addJoint(const Pen& pen, const Joint& joint) {
     const glm::vec2& point = joint.point;
-    if (joint.isMeeting && pen.hasRoom(point)) {
+    if (joint.isMeeting && pen.hasRoom(point) && pen.clip.contains(joint.inner)) {
         Vertex* const vertices = pen.batch.grow(6);
         vertices[0] = vertices[3] = moved(pen.right, joint.inner);
         vertices[1] = vertices[5] = moved(pen.middle, point);

@@ -15,9 +15,9 @@ namespace raster {
 
 /// Where a mesh falls on a surface, in pixels.
 struct MeshPlacement {
-    Box frame;        ///< the mesh's rectangle
-    PixelRect clip;   ///< the pixels of it that may be drawn on
-    float lineWidth;  ///< of curves and grids
+    Box frame;               ///< the mesh's rectangle
+    PixelRect clip;          ///< the pixels of it that may be drawn on
+    float lineWidth = 0.0F;  ///< of curves and grids
 };
 
 /// Places a mesh that is limited to the pixels of `clip`. Its vertices go to `points`, whose memory is kept.

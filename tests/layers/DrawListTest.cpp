@@ -1,6 +1,10 @@
 #include "drawlist/Batch.h"
+#include "drawlist/FillTessellator.h"
+#include "drawlist/StrokeTessellator.h"
 
 #include <algorithm>
+#include <random>
+#include <vector>
 
 namespace {
 
@@ -32,6 +36,39 @@ TEST(Batch, TrianglesAreCutToTheClip) {
         EXPECT_EQ(box.mTop, triangle.expected.mTop);
         EXPECT_EQ(box.mRight, triangle.expected.mRight);
         EXPECT_EQ(box.mBottom, triangle.expected.mBottom);
+    }
+}
+
+// Jagged graphs of which much lies outside, also just outside, of what they are cut to.
+TEST(Batch, GraphsStayInsideTheClip) {
+    std::minstd_rand dice(1);
+    std::uniform_real_distribution<float> height(-30.0F, 60.0F);
+    std::uniform_int_distribution<int> edge(0, 40);
+    drawlist::FillTessellator fill;
+    drawlist::StrokeTessellator stroke;
+    for (int round = 0; round < 2000; ++round) {
+        std::vector<glm::vec2> line;
+        std::vector<glm::vec2> strip;
+        for (float x = 0.25F; x < 40.0F; x += 2.9F) {
+            line.emplace_back(x, height(dice));
+            strip.insert(strip.end(), {line.back(), {x, 38.5F}});
+        }
+        const int top = edge(dice);
+        const raster::PixelRect clip{3, top, 39, std::min(top + edge(dice), 40)};
+        const drawlist::Clip pixels(clip);
+        drawlist::Batch batch;
+        batch.begin({0, 0, 40, 40});
+        fill.draw(batch, strip.data(), strip.size(), drawlist::Paint(glm::vec4(1.0F)), clip);
+        stroke.draw(batch, line.data(), line.size(), 2.0F, drawlist::StrokePaint(glm::vec4(1.0F)), clip);
+        const drawlist::Vertex* const vertices = batch.vertices(drawlist::Batch::Part::REST);
+        const std::size_t count = batch.vertexCount();
+        const auto outside = std::count_if(vertices, vertices + count, [&](const drawlist::Vertex& vertex) {
+            constexpr float ROUNDING = 1e-4F;
+            const glm::vec2 middle(0.5F * (pixels.left + pixels.right), 0.5F * (pixels.top + pixels.bottom));
+            const glm::vec2 point(vertex.x, vertex.y);
+            return !pixels.contains(point + ROUNDING * (middle - point));
+        });
+        ASSERT_EQ(outside, 0) << "in round " << round;
     }
 }
 
