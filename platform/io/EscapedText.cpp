@@ -28,6 +28,9 @@ std::optional<std::string> unescapeText(std::string_view line) {
     std::string text;
     text.reserve(line.size());
     for (std::size_t i = 0; i < line.size(); ++i) {
+        if (line[i] == '\0') {
+            return std::nullopt;
+        }
         if (line[i] != '\\') {
             text += line[i];
             continue;
