@@ -18,7 +18,33 @@
 #   bin, share/kordanix          kordanix-demo and its simulated devices
 #   share/doc/kordanix/examples  the smallest layer
 #
+# Where the dynamic linker's $LIB is another folder than lib, there is a link to lib/kordanix (overlay). A build of what
+# goes into 32-bit programs installs the libraries, lib/kordanix and a manifest: in the $LIB of those for lib.
+#
 # On Android the library and its headers alone: a layer there is built by the NDK's or the platform's own rules.
+# Takes away what the last `cmake --install` of this build folder has put in place.
+add_custom_target(uninstall
+  COMMAND ${CMAKE_COMMAND} -DMANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+    -P ${PROJECT_SOURCE_DIR}/cmake/KordanixUninstall.cmake
+  VERBATIM)
+
+if(KORDANIX_LINKERS_LIB)
+  include(KordanixLinkersFolder)
+endif()
+foreach(module kordanix_opengl kordanix_vulkan KordanixCoreSimulated)
+  if(TARGET ${module})
+    set_target_properties(${module} PROPERTIES INSTALL_RPATH "$ORIGIN/..")
+  endif()
+endforeach()
+if(KORDANIX_PLATFORM STREQUAL host)
+  set_target_properties(KordanixCore kordanix_platform ostra PROPERTIES INSTALL_RPATH "$ORIGIN")
+endif()
+if(KORDANIX_LAYERS_BESIDE)
+  install(TARGETS KordanixCore kordanix_platform ostra
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library NAMELINK_SKIP)
+  return()
+endif()
+
 set(kordanix_headers_folder ${CMAKE_INSTALL_INCLUDEDIR}/kordanix)
 install(DIRECTORY src/core src/gui src/drawers src/utils DESTINATION ${kordanix_headers_folder}
   COMPONENT development FILES_MATCHING PATTERN "*.h")
@@ -63,13 +89,7 @@ if(TARGET kordanix-demo)
     COMPONENT development PATTERN README.md EXCLUDE)
 endif()
 
-set_target_properties(KordanixCore kordanix_platform ostra PROPERTIES INSTALL_RPATH "$ORIGIN")
 set_target_properties(kordanixctl PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
-foreach(module kordanix_opengl kordanix_vulkan KordanixCoreSimulated)
-  if(TARGET ${module})
-    set_target_properties(${module} PROPERTIES INSTALL_RPATH "$ORIGIN/..")
-  endif()
-endforeach()
 if(TARGET kordanix-demo)
   set_target_properties(kordanix-demo PROPERTIES
     INSTALL_RPATH "$ORIGIN/${bin_to_lib}/${KORDANIX_MODULES_FOLDER};$ORIGIN/${bin_to_lib}")
@@ -97,9 +117,3 @@ endforeach()
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT overlay)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT overlay)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
-
-# Takes away what the last `cmake --install` of this build folder has put in place.
-add_custom_target(uninstall
-  COMMAND ${CMAKE_COMMAND} -DMANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
-    -P ${PROJECT_SOURCE_DIR}/cmake/KordanixUninstall.cmake
-  VERBATIM)

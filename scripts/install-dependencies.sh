@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing, measuring and the demo need; those already there
-# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|apk|arm|package]...   (default: build)
+# are left alone. Usage: scripts/install-dependencies.sh [build|test|bench|opengl-bench|apk|arm|32bit|package]...   (default: build)
 set -euo pipefail
 
 build=(g++ cmake ninja-build libglm-dev libpng-dev libcli11-dev nlohmann-json3-dev libfreetype-dev libegl-dev libgl-dev libgles-dev
@@ -17,6 +17,8 @@ opengl_bench=(mangohud xvfb valgrind libx11-dev libgl1-mesa-dri libglx-mesa0)
 package=(lintian dpkg-dev file man-db)
 apk=(aapt zipalign apksigner android-framework-res default-jre-headless)
 arm=(g++-arm-linux-gnueabihf qemu-user googletest libc++-14-dev libc++abi-14-dev)
+# Not gcc-multilib, which excludes the compilers for ARM.
+word32=(lib32stdc++-12-dev libc6-dev-i386)
 
 packages=()
 for group in "${@:-build}"; do
@@ -27,8 +29,9 @@ for group in "${@:-build}"; do
         opengl-bench) packages+=("${opengl_bench[@]}") ;;
         apk) packages+=("${apk[@]}") ;;
         arm) packages+=("${arm[@]}") ;;
+        32bit) packages+=("${word32[@]}") ;;
         package) packages+=("${package[@]}") ;;
-        *) echo "unknown group '$group': build, test, bench, opengl-bench, apk, arm or package" >&2; exit 2 ;;
+        *) echo "unknown group '$group': build, test, bench, opengl-bench, apk, arm, 32bit or package" >&2; exit 2 ;;
     esac
 done
 

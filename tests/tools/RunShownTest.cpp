@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <array>
 
 #include "RunFixture.h"
 #include "opengl/context/VirtualDisplay.h"
@@ -56,6 +57,34 @@ TEST_F(RunShown, WhoeverPresentsFirstShowsItAndElseItIsSaidWhyNot) {
         EXPECT_LE(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
     }
 }
+
+#ifdef PROGRAM32
+TEST_F(RunShown, ProgramsOfBothWordSizesHaveIt) {
+    const std::string told = run("$CTL doctor | grep '^32-bit programs'").out;
+    if (told.find("have the overlay") == std::string::npos) {
+        GTEST_SKIP() << told << "cmake --preset linux32 && cmake --build --preset linux32";
+    }
+    setenv("PROGRAM32", PROGRAM32, 1);
+    std::vector<std::array<const char*, 2>> cases = {
+        {"$PROGRAM32", "program32: its EGL or GLX lacks functions"},
+        {"sh -c '$PROGRAM32; $CLIENT; exit 3'", ""},
+        {"$PROGRAM32 sh -c '$CLIENT; exit 3'", ""},
+    };
+    if (run("command -v glxgears.i386-linux-gnu").status == 0) {
+        cases.push_back(
+            {"sh -c 'glxgears.i386-linux-gnu & sleep 1; $CTL picture $! p.png && s=3; kill $!; exit $s'",
+             ""});
+    }
+    for (const auto& [command, reason] : cases) {
+        const support::Outcome outcome = run(std::string("$CTL run ") + command);
+        EXPECT_EQ(outcome.status, 3) << command;
+        EXPECT_THAT(outcome.err,
+                    reason[0] == '\0' ? testing::Matcher<std::string>(IsEmpty()) : HasSubstr(reason))
+            << command;
+        EXPECT_EQ(outcome.err.find("ld.so"), std::string::npos) << outcome.err;
+    }
+}
+#endif
 
 // Of programs that nobody here wrote: positive, and seldom more than the frame that it belongs to.
 TEST_F(RunShown, ADumpHasTheGpusTimeOfEachFrame) {

@@ -78,7 +78,7 @@ FindSymbol realFindSymbol() {
     if (find != nullptr) {
         return find;
     }
-    for (const char* version : {"GLIBC_2.34", "GLIBC_2.17", "GLIBC_2.2.5"}) {
+    for (const char* version : {"GLIBC_2.34", "GLIBC_2.17", "GLIBC_2.2.5", "GLIBC_2.0"}) {
         find = reinterpret_cast<FindSymbol>(dlvsym(RTLD_NEXT, "dlsym", version));
         if (find != nullptr) {
             break;

@@ -8,6 +8,7 @@
 #include "processes/RunDirectories.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/ShowCommands.h"
+#include "run/Programs32.h"
 #include "runs/RunFolder.h"
 #include "settings/ProfileFiles.h"
 #include "settings/ProgramNames.h"
@@ -143,6 +144,16 @@ void describeRuns(const std::string& current, std::ostream& out) {
                            "--process PID doctor' says more.\n");
 }
 
+void describePrograms32(std::ostream& out) {
+    const Programs32 programs = ownPrograms32();
+    if (!programs.loader.empty()) {
+        out << "\n32-bit programs: "
+            << (programs.folder.empty() ? "have no overlay: " + programs.obstacle
+                                        : "have the overlay, from " + programs.folder)
+            << '\n';
+    }
+}
+
 /// A file's error goes with its advice; several metrics often share it.
 using Advice = std::pair<std::string, std::vector<std::string_view>>;
 
@@ -201,6 +212,7 @@ ExitCode runDoctor(std::ostream& out, std::ostream& err) {
         describeProcesses(directory.path, out);
         describeRuns(directory.path, out);
         out << "\nKeys: " << describeKeys() << '\n';
+        describePrograms32(out);
     }
     describeMetrics(out);
     return result;

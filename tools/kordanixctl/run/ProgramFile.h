@@ -16,7 +16,7 @@ ProgramFile findProgram(const std::string& name);
 
 /// What we can tell about a program before it starts.
 struct ProgramKind {
-    std::string obstacle;       ///< why we cannot show an overlay: "/bin/x is a 32-bit program"; else empty
+    std::string obstacle;       ///< why we cannot show an overlay: "/bin/x is statically linked"; else empty
     bool isHarmedByUs = false;  ///< its loader would complain about our library, or end the program
 };
 

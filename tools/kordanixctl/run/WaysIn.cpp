@@ -1,5 +1,7 @@
 #include "run/WaysIn.h"
 
+#include "run/Programs32.h"
+
 #include <cstdlib>
 #include <filesystem>
 #include <initializer_list>
@@ -69,16 +71,20 @@ std::string findFile(const std::string& name, std::string& error) {
 }  // namespace
 
 std::string openWaysIn() {
+    const Programs32 programs32 = ownPrograms32();
     std::vector<std::pair<const char*, std::string>> variables;
     for (const WayIn& way : WAYS_IN) {
         std::string error;
-        const std::string path = findFile(way.file, error);
+        std::string path = findFile(way.file, error);
         if (path.empty() && way.isOptional) {
             continue;
         }
         error = error.empty() ? pathError(way, path) : error;
         if (!error.empty()) {
             return error;
+        }
+        if (!programs32.folder.empty()) {
+            path = way.isExpanded ? programs32.preloaded : path + way.separator + programs32.folder;
         }
         const char* const set = std::getenv(way.variable);  // NOLINT(concurrency-mt-unsafe): one thread
         const std::string others = set == nullptr || set[0] == '\0' ? way.unset : set;
