@@ -29,7 +29,8 @@ ElfFile readHeaders(const ReadFile& file) {
         Part part = {};
         std::memcpy(&part, table.data() + i, sizeof(part));
         if (part.p_type == PT_INTERP && part.p_filesz <= PATH_MAX) {
-            elf.loader = file.read(part.p_offset, static_cast<std::size_t>(part.p_filesz)).c_str();
+            const std::string text = file.read(part.p_offset, static_cast<std::size_t>(part.p_filesz));
+            elf.loader = text.substr(0, text.find('\0'));
         }
     }
     return elf;
