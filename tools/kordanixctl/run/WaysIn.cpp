@@ -83,12 +83,17 @@ std::string openWaysIn() {
         if (!error.empty()) {
             return error;
         }
-        if (!programs32.folder.empty()) {
-            path = way.isExpanded ? programs32.preloaded : path + way.separator + programs32.folder;
+        if (!programs32.folder.empty() && way.isExpanded) {
+            path = programs32.preloaded;
+        } else if (!programs32.folder.empty()) {
+            path.append(1, way.separator).append(programs32.folder);
         }
         const char* const set = std::getenv(way.variable);  // NOLINT(concurrency-mt-unsafe): one thread
         const std::string others = set == nullptr || set[0] == '\0' ? way.unset : set;
-        variables.emplace_back(way.variable, others.empty() ? path : path + way.separator + others);
+        if (!others.empty()) {
+            path.append(1, way.separator).append(others);
+        }
+        variables.emplace_back(way.variable, path);
         if (way.enabling[0] != '\0') {
             variables.emplace_back(way.enabling, "1");
         }
