@@ -230,17 +230,17 @@ void FrameTimeWidget::setBars(std::size_t first, std::size_t count) {
     const auto lowerEnd = [](const Bar& bar, std::size_t part) {
         return part + 1 < PARTS ? bar[part + 1] : 0;
     };
+    constexpr Bar END = {-1, -1, -1};  // differs from all bars
     std::array<std::size_t, PARTS> starts{};
-    Bar last = toBar(mTimes.ago(first), scales);
-    for (std::size_t i = 1; i <= count; ++i) {
-        const bool isOver = i == count;
-        const Bar bar = isOver ? last : toBar(mTimes.ago(first + i), scales);
-        if (bar == last && !isOver) {
+    Bar last{};
+    for (std::size_t i = 0; i <= count; ++i) {
+        const Bar bar = i < count ? toBar(mTimes.ago(first + i), scales) : END;
+        if (bar == last) {
             continue;
         }
         for (std::size_t part = 0; part < PARTS; ++part) {
             const int low = lowerEnd(last, part);
-            if (isOver || bar[part] != last[part] || lowerEnd(bar, part) != low) {
+            if (bar[part] != last[part] || lowerEnd(bar, part) != low) {
                 addBars(part, {starts[part], i}, {low, last[part]});
                 starts[part] = i;
             }
@@ -273,9 +273,9 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
         first = 0;
     }
     const std::size_t bars = std::min(mBars, known - first);
-    mSorted.clear();
+    mSorted.resize(bars);
     for (std::size_t i = 0; i < bars; ++i) {
-        mSorted.push_back(mTimes.ago(first + i).total);
+        mSorted[i] = mTimes.ago(first + i).total;
     }
     setTexts();
     if (mTopNs == 0.0F) {
