@@ -6,6 +6,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 case "${1:-}" in -*) sed -n '2,4s/^# \{0,1\}//p' "$0" >&2; exit 2 ;; esac
 folder=${1:-build/android-layers}
+[ -e "${ANDROID_NDK:-}/build/cmake/android.toolchain.cmake" ] || {
+    echo "ANDROID_NDK must name the folder of an Android NDK, it is '${ANDROID_NDK:-}'" >&2
+    exit 1
+}
 
 for preset in android-layers:armeabi-v7a android-layers-arm64:arm64-v8a; do
     name=${preset%%:*}

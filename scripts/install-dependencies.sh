@@ -10,7 +10,7 @@ test=(clang clang-format clang-tidy libclang-rt-14-dev libc++-14-dev libc++abi-1
       libgl1-mesa-dri libegl-mesa0 libglx-mesa0 libgles2 xvfb xauth mesa-utils glmark2-x11 glmark2-es2-x11
       mesa-vulkan-drivers vulkan-tools vulkan-validationlayers weston
       libsdl2-tests libx11-dev xdotool procps pkg-config strace locales tmux chromium
-      android-libutils-dev android-liblog-dev
+      android-libutils-dev android-liblog-dev lld libc6-dev-armhf-cross libc6-dev-arm64-cross
       zsh fish groff-base)
 bench=(libbenchmark-dev)
 opengl_bench=(mangohud xvfb valgrind libx11-dev libgl1-mesa-dri libglx-mesa0)

@@ -2,8 +2,9 @@
 
 #include "figures/Catalogue.h"
 
-#include <charconv>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
 
 namespace figures {
 
@@ -46,10 +47,26 @@ std::string formatNumber(const Reading& reading, int decimals, const char* suffi
     if (*reading >= LONG) {
         decimals = 0;
     }
-    char digits[320];  // the largest double has 309 digits
-    const auto result = std::to_chars(digits, digits + sizeof(digits), std::abs(*reading),
-                                      std::chars_format::fixed, decimals);
-    return std::string(digits, result.ptr).append(suffix);
+    // By hand: in a layer with a C++ library of its own, std::to_chars for this comes with 100 KB of tables.
+    std::uint64_t ones = 1;
+    for (int i = 0; i < decimals; ++i) {
+        ones *= 10;
+    }
+    const double rounded = std::floor(std::abs(*reading) * static_cast<double>(ones) + 0.5);
+    constexpr double LARGEST = 1e19;
+    if (rounded >= LARGEST) {
+        char digits[320];  // the largest double has 309
+        std::snprintf(digits, sizeof(digits), "%.0f", rounded);
+        return std::string(digits).append(suffix);
+    }
+    const auto number = static_cast<std::uint64_t>(rounded);
+    std::string text = std::to_string(number / ones);
+    if (decimals > 0) {
+        const std::string fraction = std::to_string(number % ones);
+        text += '.';
+        text.append(static_cast<std::size_t>(decimals) - fraction.size(), '0').append(fraction);
+    }
+    return text.append(suffix);
 }
 
 std::string formatBytes(const Reading& bytes) {

@@ -1,6 +1,9 @@
 #include "ostra/Csv.h"
 
 #include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
 
 namespace platform {
 
@@ -14,7 +17,7 @@ void CsvWriter::beginField() {
 template <typename Number>
 void CsvWriter::addNumber(Number number) {
     beginField();
-    char digits[32];  // the longest is a double such as -2.2250738585072014e-308
+    char digits[32];  // the longest has 20
     const auto result = std::to_chars(digits, digits + sizeof(digits), number);
     mText.append(digits, result.ptr);
 }
@@ -47,8 +50,25 @@ void CsvWriter::add(float number) {
     addNumber(number);
 }
 
+/// At most 17 digits, and fewer where the number can be read again from them. Not by std::to_chars: in a C++
+/// library that is linked statically that is 125 KB.
 void CsvWriter::add(double number) {
-    addNumber(number);
+    beginField();
+    char text[32] = {};
+    for (const int digits : {15, 16, 17}) {
+        std::snprintf(text, sizeof(text), "%.*g", digits, number);
+        if (std::strtod(text, nullptr) == number) {
+            break;
+        }
+    }
+    // The application's locale may have another decimal point, of several bytes.
+    for (const char* symbol = text; *symbol != '\0'; ++symbol) {
+        if (std::strchr("0123456789+-einaf", *symbol) != nullptr) {
+            mText += *symbol;
+        } else if (mText.back() != '.') {
+            mText += '.';
+        }
+    }
 }
 
 void CsvWriter::endRow() {

@@ -16,7 +16,8 @@ public:
     void add(std::uint64_t number);
     void add(std::int64_t number);
 
-    /// Writes the shortest decimal number that reads back as the same value, or "inf", "-inf" or "nan".
+    /// Writes a decimal number that reads back as the same value, no longer than it has to be but for very
+    /// small ones, or "inf", "-inf" or "nan".
     void add(float number);
     void add(double number);
 

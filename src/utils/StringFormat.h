@@ -6,6 +6,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <type_traits>
 
 namespace utils {
 
@@ -33,10 +34,14 @@ std::string strFormat(const std::string& format, Args... args) {
 /// Returns the value as an output stream in the "C" locale writes it, whatever the application has set.
 template <typename T>
 std::string toString(T value) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << value;
-    return stream.str();
+    if constexpr (std::is_unsigned_v<T> && !std::is_same_v<T, bool> && sizeof(T) > 1) {
+        return std::to_string(value);  // needs none of the streams, a good part of a C++ library
+    } else {
+        std::ostringstream stream;
+        stream.imbue(std::locale::classic());
+        stream << value;
+        return stream.str();
+    }
 }
 
 }  // namespace utils

@@ -11,7 +11,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <cstring>
 #include <utility>
 
 namespace sources {
@@ -20,9 +19,10 @@ namespace {
 
 constexpr std::size_t LIMIT = 256 * 1024;
 
-/// Orders "hwmon10" after "hwmon9".
+/// Orders "hwmon10" after "hwmon9", and addresses on a bus, which are hexadecimal, as the bus does. Android
+/// has no strverscmp().
 bool isBefore(const std::string& left, const std::string& right) {
-    return strverscmp(left.c_str(), right.c_str()) < 0;
+    return left.size() != right.size() ? left.size() < right.size() : left < right;
 }
 
 }  // namespace

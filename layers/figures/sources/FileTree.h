@@ -33,8 +33,8 @@ public:
     /// Reads a regular file; with more than 256 KiB it gives EFBIG.
     FileText read(const std::string& path) const;
 
-    /// Returns the names in a folder except "." and "..", with numbers in numeric order; empty when it cannot
-    /// read the folder.
+    /// Returns the names in a folder without the hidden ones, the shorter first, so that numbers are in
+    /// numeric order; empty when it cannot read the folder.
     std::vector<std::string> list(const std::string& folder) const;
 
     /// Returns the paths of the folder's entries whose names begin with `beginning`.
