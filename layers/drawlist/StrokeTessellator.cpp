@@ -114,16 +114,18 @@ void StrokeTessellator::drawRun(const Target& target, const StrokePaint& paint) 
     addRun(target, Part::INK, paint.line.along(GlyphCache::profile(Part::INK)), false);
 }
 
+StrokeTessellator::Section StrokeTessellator::across(const glm::vec2& point, const Segment& segment,
+                                                     float reach) {
+    const glm::vec2 side = reach * rightOf(segment.direction);
+    return {point + side, point - side};
+}
+
 /// False, and nothing is added, when segments lie on each other and must not.
 bool StrokeTessellator::addRun(const Target& target, Part part, const Paint& paint, bool mustMeet) {
     const Pen pen(target, paint, GlyphCache::reach(target.width, part));
     const std::size_t count = mSegments.size() - 1;
-    for (std::size_t i = 0; i < count; ++i) {
-        Segment& segment = mSegments[i];
-        const glm::vec2 side = pen.reach * rightOf(segment.direction);
-        segment.start = {mPoints[i] + side, mPoints[i] - side};
-        segment.end = {mPoints[i + 1] + side, mPoints[i + 1] - side};
-    }
+    mSegments[0].start = across(mPoints[0], mSegments[0], pen.reach);
+    mSegments[count - 1].end = across(mPoints[count], mSegments[count - 1], pen.reach);
     mJoints.clear();
     for (std::size_t i = 1; i < count; ++i) {
         if (!join(pen.reach, i) && mustMeet) {
@@ -169,6 +171,8 @@ bool StrokeTessellator::join(float reach, std::size_t index) {
         before.end = after.start = {point + corner, point - corner};
         return true;
     }
+    before.end = across(point, before, reach);
+    after.start = across(point, after, reach);
     const std::size_t inner = after.turn > 0.0F ? 0 : 1;
     const std::size_t outer = 1 - inner;
     if (isMeeting) {

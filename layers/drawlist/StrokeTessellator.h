@@ -62,6 +62,7 @@ private:
 
     void drawRun(const Target& target, const StrokePaint& paint);
     bool addRun(const Target& target, Part part, const Paint& paint, bool mustMeet);
+    static Section across(const glm::vec2& point, const Segment& segment, float reach);
     bool join(float reach, std::size_t index);
     float roomAt(std::size_t segment) const;
     static void addSegment(const Pen& pen, const Segment& segment, bool isInside);
