@@ -40,7 +40,8 @@ std::string_view RequestGuard::refusal(const Head& head) const {
     }
     const std::string_view path = head.path;
     const std::size_t end = path.find('/', 1);
-    if (path.empty() || end == std::string_view::npos || !isSame(path.substr(1, end - 1), mToken)) {
+    if (path.empty() || path.front() != '/' || end == std::string_view::npos ||
+        !isSame(path.substr(1, end - 1), mToken)) {
         return "the address lacks the token that 'kordanixctl serve' has printed";
     }
     return {};
