@@ -30,7 +30,7 @@ GLuint compile(const Functions& gl, GLenum stage, const ShaderSource& source, st
 
 std::string Program::create(const Functions& gl, Shading shading, bool isLinear) {
     std::string error;
-    const GLuint vertex = compile(gl, GL_VERTEX_SHADER, vertexShader(gl), error);
+    const GLuint vertex = compile(gl, GL_VERTEX_SHADER, vertexShader(gl, shading, isLinear), error);
     const GLuint fragment =
         vertex != 0 ? compile(gl, GL_FRAGMENT_SHADER, fragmentShader(gl, shading, isLinear), error) : 0;
     if (fragment != 0) {

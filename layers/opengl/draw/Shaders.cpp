@@ -36,15 +36,25 @@ uniform vec4 toTexture;
 void main() {
     gl_Position = vec4(position * toClip.xy + toClip.zw, 0.0, 1.0);
     coordinate = uv * toTexture.xy + toTexture.zw;
+#if defined(SOLID) && !defined(LINEAR)
+    shade = vec4(color.rgb * color.a, color.a);
+#else
     shade = color;
+#endif
 }
 )";
 
+// For solid areas the vertices' colours are multiplied by their alpha already. That shader must not compute
+// anything: on surfaces without depth, llvmpipe 22.3 takes a multiplication there for another one.
 constexpr char SHOW[] = R"(
 IN vec2 coordinate;
 IN vec4 shade;
 uniform sampler2D image;
 void main() {
+#if defined(SOLID) && !defined(LINEAR)
+    gl_FragColor = shade;
+}
+#else
 #ifdef SOLID
     vec4 result = shade;
 #else
@@ -55,8 +65,9 @@ void main() {
     vec3 light = pow((result.rgb + 0.055) / 1.055, vec3(2.4));
     result.rgb = mix(dark, light, step(vec3(0.04045), result.rgb));
 #endif
-    gl_FragColor = result;
+    gl_FragColor = vec4(result.rgb * result.a, result.a);
 }
+#endif
 )";
 
 // The bound of a loop has to be known, and this one is too large for compilers to unroll it: where a
@@ -109,8 +120,9 @@ const char* pick(Dialect dialect, const char* old, const char* es, const char* c
 
 }  // namespace
 
-ShaderSource vertexShader(const Functions& functions) {
-    return {{pick(dialectOf(functions), OLD_VERTEX, ES_VERTEX, CORE_VERTEX, NEW_VERTEX), "", "", VERTEX}};
+ShaderSource vertexShader(const Functions& functions, Shading shading, bool isLinear) {
+    return {{pick(dialectOf(functions), OLD_VERTEX, ES_VERTEX, CORE_VERTEX, NEW_VERTEX),
+             shading == Shading::SOLID ? SOLID : "", isLinear ? LINEAR : "", VERTEX}};
 }
 
 ShaderSource fragmentShader(const Functions& functions, Shading shading, bool isLinear) {

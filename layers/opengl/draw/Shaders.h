@@ -22,9 +22,10 @@ struct ShaderSource {
 /// a drawlist::Vertex. Uniforms, of which x and y are factors and z and w are added: `toClip`, from positions
 /// to clip space; `toTexture`, from uv to texture coordinates. To shrink also `samples`: in x and y the
 /// distance between two of them in texture coordinates, in z how many there are in a row, 4 at most.
-ShaderSource vertexShader(const Functions& functions);
+ShaderSource vertexShader(const Functions& functions, Shading shading, bool isLinear);
 
-/// Linear colours are for a surface that stores sRGB on its own.
+/// Writes colours that are multiplied by their alpha. Linear colours are for a surface that stores sRGB on
+/// its own.
 ShaderSource fragmentShader(const Functions& functions, Shading shading, bool isLinear);
 
 }  // namespace opengl

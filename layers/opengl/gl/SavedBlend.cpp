@@ -9,7 +9,7 @@ using Function = std::array<GLenum, 4>;
 using Equation = std::array<GLenum, 2>;
 using Mask = std::array<GLint, 4>;
 
-constexpr Function OVER = {GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA};
+constexpr Function OVER = {GL_ONE, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA};
 constexpr Equation ADD = {GL_FUNC_ADD, GL_FUNC_ADD};
 constexpr Mask ALL = {GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE};
 

@@ -9,8 +9,8 @@ namespace opengl {
 /// Blending and colour mask; only of draw buffer 0 where each draw buffer has its own.
 class SavedBlend {
 public:
-    /// Blends colours over the surface by their alpha, without making the surface more transparent. Enables
-    /// all channels.
+    /// Blends colours that are multiplied by their alpha over the surface, without making the surface more
+    /// transparent. Enables all channels.
     void set(const Functions& gl);
 
     void restore(const Functions& gl) const;

@@ -32,8 +32,8 @@ public:
 
     /// Saves what the overlay's drawing depends on or changes, and sets what the overlay needs: the default
     /// framebuffer, its back buffer, the whole surface of width × height pixels as viewport 0, all tests and
-    /// all special forms of rasterization off, blending with SRC_ALPHA, ONE_MINUS_SRC_ALPHA for colour and
-    /// ONE, ONE_MINUS_SRC_ALPHA for alpha, all channels writable, no sampler at TEXTURE_UNIT.
+    /// all special forms of rasterization off, blending with ONE, ONE_MINUS_SRC_ALPHA for colours that
+    /// are multiplied by their alpha, all channels writable, no sampler at TEXTURE_UNIT.
     ///
     /// The caller may change the program, the vertex array, the array and element buffers and the 2D texture
     /// of TEXTURE_UNIT; they still have the application's values, and restore() puts those back. It must

@@ -117,7 +117,7 @@ bool HeadlessContext::chooseConfig() {
     // clang-format off
     const EGLint wanted[] = {
         EGL_SURFACE_TYPE, kind, EGL_RENDERABLE_TYPE, api, EGL_RED_SIZE, 8, EGL_GREEN_SIZE, 8, EGL_BLUE_SIZE, 8,
-        EGL_ALPHA_SIZE, 8, EGL_DEPTH_SIZE, 24, EGL_STENCIL_SIZE, 8, EGL_SAMPLES, mOptions.samples, EGL_NONE};
+        EGL_ALPHA_SIZE, 8, EGL_DEPTH_SIZE, mOptions.hasDepth ? 24 : 0, EGL_STENCIL_SIZE, mOptions.hasDepth ? 8 : 0, EGL_SAMPLES, mOptions.samples, EGL_NONE};
     // clang-format on
     EGLConfig configs[256];
     EGLint count = 0;
@@ -127,7 +127,8 @@ bool HeadlessContext::chooseConfig() {
             EGLint actual = -1;
             return eglGetConfigAttrib(mDisplay, config, attribute, &actual) && actual == value;
         };
-        return is(EGL_RED_SIZE, 8) && is(EGL_ALPHA_SIZE, 8) && is(EGL_SAMPLES, mOptions.samples);
+        return is(EGL_RED_SIZE, 8) && is(EGL_ALPHA_SIZE, 8) && is(EGL_SAMPLES, mOptions.samples) &&
+               (mOptions.hasDepth || (is(EGL_DEPTH_SIZE, 0) && is(EGL_STENCIL_SIZE, 0)));
     };
     EGLConfig* const end = configs + count;
     EGLConfig* const found = std::find_if(configs, end, isExact);

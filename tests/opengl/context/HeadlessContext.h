@@ -30,6 +30,7 @@ public:
         bool srgb = false;
         int samples = 0;
         bool debug = false;
+        bool hasDepth = true;  ///< and a stencil buffer
         const HeadlessContext* shareWith =
             nullptr;  ///< its textures, buffers, programs are this context's too
         Surface surface = Surface::PBUFFER;

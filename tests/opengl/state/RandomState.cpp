@@ -189,7 +189,7 @@ void RandomState::setValues(Dice& dice, const StateDump& known) const {
     CALL(Scissor)(dice.size(), dice.size(), dice.size(), dice.size());
     CALL(BlendFuncSeparate)(factor(), factor(), factor(), factor());
     if (dice.oneIn(3)) {
-        CALL(BlendFuncSeparate)(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+        CALL(BlendFuncSeparate)(GL_ONE, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     }
     CALL(BlendEquationSeparate)(dice.pick(EQUATIONS), dice.pick(EQUATIONS));
     if (dice.oneIn(4)) {
