@@ -7,9 +7,9 @@
 #include <sstream>
 #include <string>
 
+#include "doctor/Doctor.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeProperties.h"
-#include "overlays/Doctor.h"
 #include "processes/ProcessInfo.h"
 #include "properties/PropertyWriter.h"
 #include "properties/RuntimeDirectory.h"

@@ -62,7 +62,8 @@ void writeParts(const Comparison& comparison, std::ostream& out) {
 
 void writeFigures(const Comparison& comparison, std::ostream& out) {
     const auto& [first, second] = comparison.summaries;
-    out << "<section class=\"card\"><h2>Figures</h2>\n<table class=\"names\"><tr><th></th><th>A</th><th>B</th><th>Change</th>"
+    out << "<section class=\"card\"><h2>Figures</h2>\n<table "
+           "class=\"names\"><tr><th></th><th>A</th><th>B</th><th>Change</th>"
            "<th>95 % between</th><th></th></tr>\n";
     writeRates("mean frame rate", comparison.mean, out);
     writeRates("1 % low", comparison.low1, out);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "run/SideProcess.h"
+#include "processes/SideProcess.h"
 #include "runs/RunFolder.h"
 
 namespace control {

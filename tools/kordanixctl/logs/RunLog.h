@@ -2,7 +2,7 @@
 
 #include "ExitCode.h"
 #include "logs/LogCheck.h"
-#include "run/Attendant.h"
+#include "processes/Attendant.h"
 
 #include <sys/types.h>
 

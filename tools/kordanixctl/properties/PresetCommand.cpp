@@ -1,10 +1,10 @@
 #include "properties/PresetCommand.h"
 
 #include "Diagnostic.h"
+#include "properties/InitialProperties.h"
 #include "properties/Notices.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
-#include "run/InitialProperties.h"
 #include "settings/Presets.h"
 #include "settings/Properties.h"
 

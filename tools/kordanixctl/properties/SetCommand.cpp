@@ -1,9 +1,9 @@
 #include "properties/SetCommand.h"
 
 #include "Diagnostic.h"
+#include "properties/InitialProperties.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SystemProperties.h"
-#include "run/InitialProperties.h"
 #include "runs/OverlayClaim.h"
 #include "settings/KeyConflicts.h"
 #include "settings/Presets.h"

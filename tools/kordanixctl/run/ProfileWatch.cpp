@@ -2,8 +2,8 @@
 
 #include "Diagnostic.h"
 #include "io/WriteSignalsBlocked.h"
+#include "properties/InitialProperties.h"
 #include "properties/PropertyWriter.h"
-#include "run/InitialProperties.h"
 #include "runs/OverlayClaim.h"
 #include "settings/ProgramNames.h"
 #include "settings/Properties.h"

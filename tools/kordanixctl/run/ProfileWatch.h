@@ -1,7 +1,7 @@
 #pragma once
 
-#include "run/Attendant.h"
-#include "run/RunSettings.h"
+#include "processes/Attendant.h"
+#include "properties/RunSettings.h"
 
 #include <ostream>
 #include <string>

@@ -1,7 +1,7 @@
 #include "run/Programs32.h"
 
+#include "processes/SideProcess.h"
 #include "run/ElfFile.h"
-#include "run/SideProcess.h"
 
 #include <unistd.h>
 

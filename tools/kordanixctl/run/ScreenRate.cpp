@@ -1,7 +1,7 @@
 #include "run/ScreenRate.h"
 
 #include "io/PlainFile.h"
-#include "run/SideProcess.h"
+#include "processes/SideProcess.h"
 
 #include <dlfcn.h>
 

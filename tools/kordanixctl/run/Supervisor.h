@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ExitCode.h"
-#include "run/Attendant.h"
+#include "processes/Attendant.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
-#include "overlays/Doctor.h"
+#include "doctor/Doctor.h"
 
+#include "doctor/MetricChecks.h"
 #include "io/ProcessStart.h"
 #include "keys/RunKeys.h"
-#include "overlays/MetricChecks.h"
 #include "overlays/OverlayState.h"
 #include "processes/ProcessInfo.h"
 #include "processes/RunDirectories.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "run/RunSettings.h"
+#include "properties/RunSettings.h"
 
 #include <optional>
 #include <string>

@@ -1,4 +1,4 @@
-#include "machine/MachineDoctor.h"
+#include "doctor/MachineDoctor.h"
 
 #include "Diagnostic.h"
 #include "figures/sources/MachineFigures.h"

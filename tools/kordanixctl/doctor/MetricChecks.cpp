@@ -1,4 +1,4 @@
-#include "overlays/MetricChecks.h"
+#include "doctor/MetricChecks.h"
 
 #include "core/StateInfo.h"
 #include "figures/Catalogue.h"

@@ -1,4 +1,4 @@
-#include "run/RunSettings.h"
+#include "properties/RunSettings.h"
 
 #include "settings/Presets.h"
 

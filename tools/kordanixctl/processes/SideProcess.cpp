@@ -1,4 +1,4 @@
-#include "run/SideProcess.h"
+#include "processes/SideProcess.h"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "run/InitialProperties.h"
+#include "properties/InitialProperties.h"
 
 #include "io/EscapedText.h"
 #include "io/PlainFile.h"
