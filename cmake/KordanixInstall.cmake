@@ -58,8 +58,9 @@ endif()
 
 install(DIRECTORY platform/include/ DESTINATION ${kordanix_headers_folder}/platform
   COMPONENT development FILES_MATCHING PATTERN "*.h")
+# Folders without a header would be installed empty, and stay when the rest is uninstalled.
 install(DIRECTORY layers/figures layers/scene DESTINATION ${kordanix_headers_folder}
-  COMPONENT development FILES_MATCHING PATTERN "*.h")
+  COMPONENT development FILES_MATCHING PATTERN "*.h" PATTERN android EXCLUDE PATTERN host EXCLUDE)
 
 # The libraries. The modules beside them are installed where they are made.
 target_include_directories(kordanix_headers INTERFACE $<INSTALL_INTERFACE:${kordanix_headers_folder}>)

@@ -267,7 +267,7 @@ protected:
         support::drawScene(factory, primitives, isClipped);
         vulkan::Pipelines pipelines(machine.gpu);
         vulkan::Renderer renderer(machine.gpu, pipelines, swapchain, 0, list.glyphs.side());
-        const std::string file = testing::TempDir() + "/kordanix-vulkan-picture";
+        const std::string file = testing::TempDir() + "/kordanix-picture-" + GetParam().name;
         std::ofstream(file).close();  // the one who asks makes it
         const vulkan::Renderer::Frame frame = {machine.queue, 0, 0, nullptr, true, file};
         VkSemaphore drawn = VK_NULL_HANDLE;
