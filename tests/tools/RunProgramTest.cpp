@@ -23,8 +23,8 @@ using RunProgram = RunFixture;
 TEST_F(RunProgram, RunsAsIfByItself) {
     const std::string preload =
         fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/kordanix/libkordanix-preload.so";
-    const std::string vulkan =
-        "1 " + (fs::path(KORDANIXCTL).parent_path().parent_path() / "lib/kordanix").string() + "(:[^:]*)?";
+    const std::string vulkan = "1 " + (fs::path(KORDANIXCTL).parent_path().parent_path() / "lib").string() +
+                               "/[^:]*kordanix(:[^:]*)?";
     // By $LIB where 32-bit programs have the overlay too.
     const std::string preloaded = ".*/kordanix/libkordanix-preload.so";
     const struct {
