@@ -25,10 +25,10 @@ FrameLog::FrameLog() {
 }
 
 void FrameLog::tell(const figures::Metrics& metrics) {
-    constexpr double NOTHING = std::numeric_limits<double>::quiet_NaN();
+    constexpr double NO_FIGURE = std::numeric_limits<double>::quiet_NaN();
     if (Ostra::setLogValues != nullptr) {
         std::transform(mFigures.begin(), mFigures.end(), mValues.begin(), [&](const figures::Figure* figure) {
-            return metrics.reading(*figure).value_or(NOTHING);
+            return metrics.reading(*figure).value_or(NO_FIGURE);
         });
         Ostra::setLogValues(mValues.data(), mValues.size());
     }

@@ -18,7 +18,7 @@ constexpr int LOWEST = 20;
 constexpr int HIGHEST = 1000;
 
 /// A server that does not answer, as one that is stopped, must not keep the program from starting.
-constexpr std::chrono::milliseconds PATIENCE(500);
+constexpr std::chrono::milliseconds ANSWER_WITHIN(500);
 
 /// What is needed of libX11 and libXrandr, which a machine without a screen may lack.
 struct X {
@@ -72,7 +72,7 @@ std::optional<int> screenRate() {
     const std::string text = SideProcess([](int output) {
                                  const std::string rate = std::to_string(askServer());
                                  platform::writeAll(output, rate);
-                             }).finish(PATIENCE);
+                             }).finish(ANSWER_WITHIN);
     int rate = 0;
     std::from_chars(text.data(), text.data() + text.size(), rate);
     return rate >= LOWEST && rate <= HIGHEST ? std::optional(rate) : std::nullopt;
