@@ -17,6 +17,7 @@ struct Mode {
     int frames;         ///< how many are timed
     int countedWarmUp;  ///< frames
     int countedFrames;  ///< in which instructions are counted
+    int countedRate;    ///< like `rate`, while they are counted, which slows the program down
     bool hasPixels;     ///< whether the window shows the overlay
     bool hasTargets = true;
     int pace = 0;       ///< frames per second of real time, whose intervals are measured; 0: no pace
@@ -53,7 +54,8 @@ public:
 
 private:
     std::string path(const Candidate& candidate, const Mode& mode, const std::string& suffix) const;
-    bool runClient(const Candidate& candidate, const Mode& mode, Command tool, const Command& options) const;
+    bool runClient(const Candidate& candidate, const Mode& mode, int rate, Command tool,
+                   const Command& options) const;
 
     std::string mProgram;
     std::string mFolder;
