@@ -22,19 +22,20 @@ until [ -s "$work/display" ]; do sleep 0.1; done
 DISPLAY=:$(cat "$work/display")
 export DISPLAY
 
-# picture NAME SIZE ADDRESS
+# picture NAME SIZE ADDRESS [OPTIONS of the browser...]
 picture() {
     HOME=$work chromium --headless --no-sandbox --disable-gpu --disable-quic --no-first-run \
         --disable-background-networking --disable-component-update --disable-sync --user-data-dir="$work/browser" \
-        --hide-scrollbars --window-size="$2" --virtual-time-budget=30000 --screenshot="$folder/$1" "$3" 2>/dev/null
+        --hide-scrollbars --window-size="$2" --screenshot="$folder/$1" "${@:4}" "$3" 2>/dev/null
     [ -s "$folder/$1" ]
 }
 
 cd "$work"
 "$control" run --log=before --log-for 8 --fail-if 'mean<0' glmark2 -s 640x360 -b build:duration=60 >/dev/null 2>&1
-"$control" run --log=after --log-for 8 --fail-if 'mean<0' --preset small glmark2 -s 640x360 -b build:duration=60 >/dev/null 2>&1
+"$control" run --log=after --log-for 8 --fail-if 'mean<0' --preset small \
+    glmark2 -s 640x360 -b build:duration=60 >/dev/null 2>&1
 "$control" compare before after comparison.html >/dev/null
-picture comparison.png 1280,1105 "file://$work/comparison.html"
+picture comparison.png 1280,1150 "file://$work/comparison.html"
 
 "$control" run -- glmark2 -s 640x360 -b build:duration=60 >/dev/null &
 program=$!
@@ -42,5 +43,5 @@ sleep 4
 "$control" serve >address 2>/dev/null &
 serve=$!
 until [ -s address ]; do sleep 0.1; done
-picture serve.png 1280,960 "$(cat address)"
+picture serve.png 1280,960 "$(cat address)" --virtual-time-budget=30000
 printf '  %s\n' "$folder"/{comparison,serve}.png
