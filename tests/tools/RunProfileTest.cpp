@@ -61,6 +61,9 @@ TEST_F(RunProfile, ProfilesAreUsedSavedListedAndChecked) {
         {"$CTL run --preset big ls", 2, "there is no preset 'big'; expected small, default or full"},
         {"$CTL preset big", 2, "there is no preset 'big'"},
         {"$CTL save config", 0, "/config.conf"},
+        {"echo 'scale 1.2' >config/kordanix/kept.conf; $CTL save kept; s=$?; cat config/kordanix/kept.conf; "
+         "exit $s",
+         1, "scale 1.2\nkordanixctl: no program shows an overlay"},
         {"mkdir config/kordanix/d.conf; $CTL save d", 1, "d.conf: Is a directory"},
         {"$CTL save", 2, "'save NAME' gives it one"},
         {"$CTL profile", 2, "ACTION is required"},

@@ -81,10 +81,10 @@ ExitCode ask(const std::string& directory, pid_t process, const LogRequest& requ
     const LogNotice* const current = running(before);
     const std::string who = describeProcess(process, processName(process));
     if (request.kind == Kind::START && current != nullptr) {
-        return fail(who + " is being logged already, into " + current->path, err);
+        return failToLog(who + " is being logged already, into " + current->path, err);
     }
     if (request.kind == Kind::STOP && current == nullptr) {
-        return fail(who + " is not being logged", err);
+        return failToLog(who + " is not being logged", err);
     }
     const bool isEnding = current != nullptr && (request.kind == Kind::STOP || request.kind == Kind::TOGGLE);
     const std::uint32_t next = before.empty() ? 1 : before.back().number + 1;

@@ -156,12 +156,16 @@ ExitCode saveProfile(const std::string& name, std::optional<pid_t> process, std:
     }
     PropertyTexts defaults;
     keep(forAll.assignments, defaults);
-    Beginning run = {readInitialProperties(directory).value_or(PropertyTexts()), defaults};
+    const std::optional<PropertyTexts> initial = readInitialProperties(directory);
+    Beginning run = {initial.value_or(PropertyTexts()), defaults};
     keep(old.assignments, run.ofProfiles);
     std::string text;
     const int unread = platform::readPlainFile(path, text, SIZE_MAX_BYTES, true);
     if (unread != 0 && unread != ENOENT) {
         return fail(path + ": " + profileFileError(unread), err);
+    }
+    if (!old.assignments.empty() && !initial && nameOfProgram(directory, process).empty()) {
+        return fail("no program shows an overlay, so " + path + " stays as it is", err);
     }
     if (text.empty()) {
         text = "# Saved by 'kordanixctl save'; lines as 'kordanixctl set' takes them.\n";
