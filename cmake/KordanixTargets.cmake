@@ -22,11 +22,9 @@ function(kordanix_add_core target counter_source)
   set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
 endfunction()
 
-# kordanix_parse_command_lines(SOURCES...): sources of the calling folder that use CLI11. Optimising its templates takes
-# longer than compiling the rest of a program that parses once.
-function(kordanix_parse_command_lines)
-  set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS $<IF:$<CONFIG:Debug>,-O0,-O1>)
-endfunction()
+# Compiler options for what uses CLI11: optimising its templates takes longer than compiling the rest of a program that
+# parses once.
+set(KORDANIX_PARSER_OPTIONS $<IF:$<CONFIG:Debug>,-O0,-O1>)
 
 # kordanix_add_test(NAME SOURCES... [LABEL LABEL]): a GoogleTest executable whose cases CTest knows one by one. The
 # label `outruns` is for tests that kill or outrun other processes, which a busy machine may upset: scripts/test.sh

@@ -55,7 +55,7 @@ found=0
 each=20
 for first in $(seq 1 $each $sequences); do
     # shellcheck disable=SC2046
-    validated "${run[@]}" "$client" $(seq -f 'random %g' "$first" $((first + each - 1))) ||
+    validated "${run[@]}" "$client" flight=$((1 + first / each % 3)) $(seq -f 'random %g' "$first" $((first + each - 1))) ||
         fail "sequences from $first: exit status $?"
     count=$(messages)
     [ "$count" = 0 ] || { grep -m 1 -E 'VUID|SYNC-|Validation' out >&2; fail "sequences from $first: $count messages"; }
@@ -64,7 +64,7 @@ for first in $(seq 1 $each $sequences); do
     order=$(grep -o 'Inserted device layer "[A-Za-z_]*"' err | tail -1)
     [ "$order" = 'Inserted device layer "VK_LAYER_KORDANIX_overlay"' ] || fail "layers: $order"
 done
-echo "Random sequences under validation with synchronisation and thread safety: $sequences, messages: $found"
+echo "Random sequences under validation with synchronisation and thread safety, of one to three frames under way: $sequences, messages: $found"
 
 if [ $soak != 20 ]; then
     settings "$synchronisation,$practices"

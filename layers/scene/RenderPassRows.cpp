@@ -86,8 +86,8 @@ unsigned int PassCaption::getOrientation() {
 }
 
 void PassCaption::fitTexts(const Canvas& canvas) {
-    constexpr float ROW_GAP = 1.0F;  // in units of a line, which is 2 high
-    const float width = lineWidth(mFrameText->mText) + ROW_GAP + lineWidth(mVertexLegend->mText);
+    constexpr float TEXT_GAP = 1.0F;  // in units of a line, which is 2 high
+    const float width = lineWidth(mFrameText->mText) + TEXT_GAP + lineWidth(mVertexLegend->mText);
     const glm::vec4 area = getTextDrawnArea();
     const float widest = 2.0F * area.z * canvas.pixels.x / width;
     const bool isFit = area.w * canvas.pixels.y <= widest;

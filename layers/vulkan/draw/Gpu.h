@@ -13,8 +13,9 @@ struct Gpu {
     const InstanceFunctions* instance = nullptr;
     DeviceFunctions vk;
     VkPhysicalDeviceMemoryProperties memory = {};
-    bool isCalibrated = false;     ///< by us: relates its time stamps to CLOCK_MONOTONIC
-    float timeStampPeriod = 0.0F;  ///< nanoseconds that a time stamp counts
+    bool isCalibrated = false;      ///< relates its time stamps to CLOCK_MONOTONIC
+    bool hidesCalibration = false;  ///< it does so by our wish alone
+    float timeStampPeriod = 0.0F;   ///< nanoseconds that a time stamp counts
 
     /// Makes a command buffer that this layer allocated one of the loader's objects.
     PFN_vkSetDeviceLoaderData setLoaderData = nullptr;

@@ -107,8 +107,11 @@ bool SubmissionRing::isDone(std::uint64_t submission) {
 
 bool SubmissionRing::wait() {
     for (Slot& slot : mSlots) {
-        if (slot.submission != 0 &&
-            mGpu.vk.WaitForFences(mGpu.device, 1, &slot.fence, VK_TRUE, LONGEST_WAIT_NS) == VK_TIMEOUT) {
+        if (slot.submission == 0) {
+            continue;
+        }
+        const VkResult result = mGpu.vk.WaitForFences(mGpu.device, 1, &slot.fence, VK_TRUE, LONGEST_WAIT_NS);
+        if (result != VK_SUCCESS && result != VK_ERROR_DEVICE_LOST) {
             return false;
         }
         slot.submission = 0;

@@ -43,7 +43,7 @@ Device::~Device() {
 
 void Device::addQueue(VkQueue queue, std::uint32_t family) {
     if (queue != VK_NULL_HANDLE && mQueues.find(queue) == nullptr) {
-        mQueues.insert(queue, std::make_unique<Queue>(Queue{family, nullptr, false}));
+        mQueues.add(queue, std::make_unique<Queue>(Queue{family, nullptr, false}));
     }
 }
 

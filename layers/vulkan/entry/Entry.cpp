@@ -113,21 +113,21 @@ VKAPI_ATTR VkResult VKAPI_CALL createDevice(VkPhysicalDevice physicalDevice, con
                                           *info);
     link->u.pLayerInfo = next;
     VkResult result = create(physicalDevice, calibrated.info(), allocator, device);
-    bool isCalibrated = calibrated.isOurs();
-    if (result != VK_SUCCESS && isCalibrated) {
+    Gpu gpu;
+    gpu.isCalibrated = calibrated.isCalibrated();
+    gpu.hidesCalibration = calibrated.isOurs();
+    if (result != VK_SUCCESS && gpu.hidesCalibration) {
         // What we added may be the reason. The layers below have moved the link on.
-        isCalibrated = false;
+        gpu.isCalibrated = gpu.hidesCalibration = false;
         link->u.pLayerInfo = next;
         result = create(physicalDevice, info, allocator, device);
     }
     if (result != VK_SUCCESS) {
         return result;
     }
-    Gpu gpu;
     gpu.device = *device;
     gpu.physicalDevice = physicalDevice;
     gpu.instance = &instance->functions;
-    gpu.isCalibrated = isCalibrated;
     const bool isComplete = gpu.vk.load(*device, lookUp);
     gpu.setLoaderData = callback == nullptr ? takeDevicesData : callback->u.pfnSetDeviceLoaderData;
     if (instance->functions.GetPhysicalDeviceMemoryProperties != nullptr) {
@@ -240,7 +240,7 @@ VKAPI_ATTR PFN_vkVoidFunction VKAPI_CALL getDeviceProcAddr(VkDevice device, cons
     if (record == nullptr || name == nullptr) {
         return nullptr;
     }
-    if (record->gpu().isCalibrated && std::strcmp(name, "vkGetCalibratedTimestampsEXT") == 0) {
+    if (record->gpu().hidesCalibration && std::strcmp(name, "vkGetCalibratedTimestampsEXT") == 0) {
         return nullptr;
     }
     const PFN_vkVoidFunction next = record->gpu().vk.GetDeviceProcAddr(device, name);

@@ -198,8 +198,8 @@ void Layer::takeTimes(const Present& present) {
 
 void Layer::expectFrame(const Present& present, std::uint32_t shown) {
     const Queue* const queue = present.device.findQueue(present.queue);
-    if (queue == nullptr) {
-        return;
+    if (queue == nullptr || !present.device.canDraw(queue->family)) {
+        return;  // the overlay is not shown, and such a queue may not even reset what time stamps go into
     }
     mPasses.onFrameBegin(present.device.passQueries(), present.queue, present.device.clockOf(*queue), shown);
     if (mTimer.isWanted()) {

@@ -29,6 +29,15 @@ public:
         mObjects.emplace_back(key, std::move(object));
     }
 
+    /// Leaves what was there.
+    void add(Key key, std::unique_ptr<Object> object) {
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
+        if (std::none_of(mObjects.begin(), mObjects.end(),
+                         [key](const auto& each) { return each.first == key; })) {
+            mObjects.emplace_back(key, std::move(object));
+        }
+    }
+
     std::unique_ptr<Object> remove(Key key) {
         const std::lock_guard<std::shared_mutex> lock(mMutex);
         const auto found = std::find_if(mObjects.begin(), mObjects.end(),

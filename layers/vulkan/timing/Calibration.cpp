@@ -54,14 +54,15 @@ CalibratedDeviceInfo::CalibratedDeviceInfo(const InstanceFunctions& instance, Vk
                                            bool hasProperties2, const VkDeviceCreateInfo& info)
     : mInfo(info), mChanged(info) {
     try {
-        if (!hasProperties2 || isNamed(info.ppEnabledExtensionNames, info.enabledExtensionCount, EXTENSION) ||
-            !canCalibrate(instance, device)) {
+        mIsCalibrated = hasProperties2 && canCalibrate(instance, device);
+        if (!mIsCalibrated || isNamed(info.ppEnabledExtensionNames, info.enabledExtensionCount, EXTENSION)) {
             return;
         }
         mNames.assign(info.ppEnabledExtensionNames,
                       info.ppEnabledExtensionNames + info.enabledExtensionCount);
         mNames.push_back(EXTENSION);
     } catch (const std::bad_alloc&) {
+        mIsCalibrated = false;
         return;
     }
     mChanged.enabledExtensionCount = static_cast<std::uint32_t>(mNames.size());

@@ -19,13 +19,17 @@ public:
 
     /// The application's info itself where nothing was added.
     const VkDeviceCreateInfo* info() const { return mIsOurs ? &mChanged : &mInfo; }
+    /// We have added it, so that the application must not see it.
     bool isOurs() const { return mIsOurs; }
+    /// The device can relate its time stamps, by our wish or the application's.
+    bool isCalibrated() const { return mIsCalibrated; }
 
 private:
     const VkDeviceCreateInfo& mInfo;
     VkDeviceCreateInfo mChanged;
     std::vector<const char*> mNames;
     bool mIsOurs = false;
+    bool mIsCalibrated = false;
 };
 
 /// Whether an instance has what the extension needs.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <utility>
 
 #include "Check.h"
 
@@ -22,7 +23,7 @@ struct Unknown {
 
 }  // namespace
 
-Client::Client(const Setup& setup) : mSetup(setup) {
+Client::Client(const Setup& setup) : mSetup(setup), mFlight(setup.flight) {
     if (!mSetup.isHeadless) {
         mDisplay = XOpenDisplay(nullptr);
         if (mDisplay == nullptr) {
@@ -43,8 +44,12 @@ Client::Client(const Setup& setup) : mSetup(setup) {
 
 Client::~Client() {
     vkDeviceWaitIdle(mDevice);
+    finishAll();
     for (Target& target : mTargets) {
         destroySwapchain(target);
+    }
+    for (VkSemaphore semaphore : mOldSemaphores) {
+        vkDestroySemaphore(mDevice, semaphore, nullptr);
     }
     if (mPasses) {
         mPasses->destroy();
@@ -177,6 +182,8 @@ void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
     vkGetSwapchainImagesKHR(mDevice, target.swapchain, &count, images.data());
     target.isAcquired = false;
     target.commands.resize(count);
+    target.drawn.resize(count);
+    std::generate(target.drawn.begin(), target.drawn.end(), [this] { return createSemaphore(); });
     auto commands = infoOf<VkCommandBufferAllocateInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_ALLOCATE_INFO);
     commands.commandPool = mPool;
     commands.commandBufferCount = count;
@@ -187,7 +194,8 @@ void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
 }
 
 void Client::record(VkCommandBuffer commands, VkImage image) const {
-    const auto begin = infoOf<VkCommandBufferBeginInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO);
+    auto begin = infoOf<VkCommandBufferBeginInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO);
+    begin.flags = VK_COMMAND_BUFFER_USAGE_SIMULTANEOUS_USE_BIT;
     check(vkBeginCommandBuffer(commands, &begin), "vkBeginCommandBuffer");
     // Black is black however colours are written.
     const bool isPlain = mSetup.format.format == VK_FORMAT_B8G8R8A8_UNORM;
@@ -215,7 +223,7 @@ void Client::record(VkCommandBuffer commands, VkImage image) const {
 }
 
 /// The next image of each swapchain; one that is shared with the screen is acquired once for all.
-VkResult Client::acquire(std::vector<VkSemaphore>& acquired) {
+VkResult Client::acquire(Frame& frame) {
     for (Target& target : mTargets) {
         if (target.isAcquired && mSetup.mode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR) {
             continue;
@@ -227,13 +235,15 @@ VkResult Client::acquire(std::vector<VkSemaphore>& acquired) {
             vkDestroySemaphore(mDevice, semaphore, nullptr);
             return result;
         }
-        acquired.push_back(semaphore);
+        frame.acquired.push_back(semaphore);
         target.isAcquired = true;
     }
     return VK_SUCCESS;
 }
 
-VkResult Client::tryPresent(const std::vector<VkSemaphore>& acquired, VkSemaphore drawn) {
+VkResult Client::tryPresent(Frame& frame) {
+    const std::vector<VkSemaphore>& acquired = frame.acquired;
+    const VkSemaphore drawn = mTargets[0].drawn[mTargets[0].index];
     const std::vector<VkPipelineStageFlags> stages(acquired.size(), VK_PIPELINE_STAGE_TRANSFER_BIT);
     std::vector<VkCommandBuffer> commands;
     std::vector<VkSwapchainKHR> swapchains;
@@ -251,7 +261,12 @@ VkResult Client::tryPresent(const std::vector<VkSemaphore>& acquired, VkSemaphor
     submission.pCommandBuffers = commands.data();
     submission.signalSemaphoreCount = mSetup.isWaiting ? 1 : 0;
     submission.pSignalSemaphores = &drawn;
-    if (const VkResult result = vkQueueSubmit(mQueue, 1, &submission, VK_NULL_HANDLE)) {
+    if (mFlight.size() > 1) {
+        const auto fence = infoOf<VkFenceCreateInfo>(VK_STRUCTURE_TYPE_FENCE_CREATE_INFO);
+        check(vkCreateFence(mDevice, &fence, nullptr, &frame.fence), "vkCreateFence");
+    }
+    if (const VkResult result = vkQueueSubmit(mQueue, 1, &submission, frame.fence)) {
+        vkDestroyFence(mDevice, std::exchange(frame.fence, VK_NULL_HANDLE), nullptr);
         return result;
     }
     if (!mSetup.isWaiting) {
@@ -286,14 +301,14 @@ void Client::present() {
     if (mIsLost) {
         return;
     }
-    std::vector<VkSemaphore> acquired;
-    VkSemaphore drawn = createSemaphore();
-    VkResult result = acquire(acquired);
-    result = result < 0 ? result : tryPresent(acquired, drawn);
-    vkDeviceWaitIdle(mDevice);
-    acquired.push_back(drawn);
-    for (VkSemaphore semaphore : acquired) {
-        vkDestroySemaphore(mDevice, semaphore, nullptr);
+    std::rotate(mFlight.begin(), mFlight.begin() + 1, mFlight.end());
+    Frame& frame = mFlight.back();
+    finish(frame);
+    VkResult result = acquire(frame);
+    result = result < 0 ? result : tryPresent(frame);
+    if (mFlight.size() == 1 || result < 0) {
+        vkDeviceWaitIdle(mDevice);
+        finish(frame);
     }
     switch (result) {
         case VK_ERROR_DEVICE_LOST:
@@ -312,6 +327,22 @@ void Client::present() {
     }
 }
 
+void Client::finish(Frame& frame) {
+    if (frame.fence != VK_NULL_HANDLE) {
+        vkWaitForFences(mDevice, 1, &frame.fence, VK_TRUE, UINT64_MAX);
+        vkDestroyFence(mDevice, std::exchange(frame.fence, VK_NULL_HANDLE), nullptr);
+    }
+    for (VkSemaphore semaphore : std::exchange(frame.acquired, {})) {
+        vkDestroySemaphore(mDevice, semaphore, nullptr);
+    }
+}
+
+void Client::finishAll() {
+    for (Frame& frame : mFlight) {
+        finish(frame);
+    }
+}
+
 void Client::presentPasses() {
     if (mIsLost) {
         return;
@@ -319,27 +350,28 @@ void Client::presentPasses() {
     if (!mPasses) {
         mPasses.emplace(mPhysicalDevice, mDevice, mPool);
     }
+    vkDeviceWaitIdle(mDevice);  // its command buffers are recorded again
     mPasses->submit(mQueue);
     present();
 }
 
 void Client::resize(std::uint32_t width, std::uint32_t height) {
     mSize = {width, height};
+    finishAll();  // the presents may go on
     for (Target& target : mTargets) {
         if (target.window != 0) {
             XResizeWindow(mDisplay, target.window, width, height);
             XSync(mDisplay, False);
         }
-        VkSwapchainKHR last = target.swapchain;
-        vkFreeCommandBuffers(mDevice, mPool, static_cast<std::uint32_t>(target.commands.size()),
-                             target.commands.data());
-        createSwapchain(target, last);
-        vkDestroySwapchainKHR(mDevice, last, nullptr);
+        Target last = target;
+        createSwapchain(target, last.swapchain);
+        destroySwapchain(last);
     }
 }
 
 void Client::renew(bool hasNewSurfaces) {
     vkDeviceWaitIdle(mDevice);
+    finishAll();
     for (Target& target : mTargets) {
         destroySwapchain(target);
         if (hasNewSurfaces) {
@@ -354,6 +386,7 @@ void Client::renew(bool hasNewSurfaces) {
 }
 
 void Client::destroySwapchain(Target& target) {
+    mOldSemaphores.insert(mOldSemaphores.end(), target.drawn.begin(), target.drawn.end());
     vkFreeCommandBuffers(mDevice, mPool, static_cast<std::uint32_t>(target.commands.size()),
                          target.commands.data());
     vkDestroySwapchainKHR(mDevice, target.swapchain, nullptr);

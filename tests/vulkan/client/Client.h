@@ -25,6 +25,7 @@ struct Setup {
     std::uint32_t queues = 1;      ///< of that family, presenting in turns
     std::uint32_t minor = 3;       ///< of Vulkan's version
     std::uint32_t turn = 1;        ///< of the picture, a VkSurfaceTransformFlagBitsKHR
+    std::uint32_t flight = 1;  ///< frames that may be under way; one: each is waited for, with its present
     bool isProtected = false;
     bool isWaiting = true;  ///< a present waits for a semaphore, rather than the program for its queue
     std::string chain;      ///< of each present: "regions", or "unknown" for those behind something unknown
@@ -61,8 +62,15 @@ private:
         VkSurfaceKHR surface = VK_NULL_HANDLE;
         VkSwapchainKHR swapchain = VK_NULL_HANDLE;
         std::vector<VkCommandBuffer> commands;  ///< for each image
+        std::vector<VkSemaphore> drawn;         ///< for each image, which a present waits for
         std::uint32_t index = 0;                ///< of the image that was acquired
         bool isAcquired = false;
+    };
+
+    /// What has to last until the program's submission of a frame is done.
+    struct Frame {
+        VkFence fence = VK_NULL_HANDLE;  ///< null: nothing to wait for
+        std::vector<VkSemaphore> acquired;
     };
 
     void createInstance();
@@ -72,8 +80,10 @@ private:
     void destroySwapchain(Target& target);
     void record(VkCommandBuffer commands, VkImage image) const;
     VkSemaphore createSemaphore();
-    VkResult acquire(std::vector<VkSemaphore>& acquired);
-    VkResult tryPresent(const std::vector<VkSemaphore>& acquired, VkSemaphore drawn);
+    VkResult acquire(Frame& frame);
+    VkResult tryPresent(Frame& frame);
+    void finish(Frame& frame);
+    void finishAll();
 
     Setup mSetup;
     Display* mDisplay = nullptr;
@@ -86,6 +96,8 @@ private:
     VkCommandPool mPool = VK_NULL_HANDLE;
     std::vector<Target> mTargets;
     std::optional<Passes> mPasses;
+    std::vector<Frame> mFlight;
+    std::vector<VkSemaphore> mOldSemaphores;  ///< of swapchains that are gone
     std::uint32_t mFrames = 0;
     bool mIsLost = false;
 };

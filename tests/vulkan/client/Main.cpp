@@ -1,7 +1,7 @@
 // A Vulkan program that does what its arguments say. First how it is set up (see Client.h):
 //   headless  format=unorm|srgb|rgba|ten|hdr|half  mode=N  layers=N  swapchains=N  family=N  queues=N minor=N
-//   turn=N protected  nowait  chain=regions|unknown  threads=N (as many of these programs, each in its own
-//   thread)
+//   flight=N turn=N protected  nowait  chain=regions|unknown  threads=N (as many of these programs, each in
+//   its own thread)
 // and then, one after another:
 //   present N    N frames of one colour
 //   passes N     N frames with render passes of every kind
@@ -40,9 +40,10 @@ bool setUp(const std::string& word, Setup& setup, unsigned int& threads) {
     const std::string name = word.substr(0, middle);
     const std::string value = middle == std::string::npos ? "" : word.substr(middle + 1);
     const std::map<std::string, std::uint32_t*> numbers = {
-        {"layers", &setup.layers}, {"swapchains", &setup.swapchains}, {"family", &setup.family},
-        {"queues", &setup.queues}, {"minor", &setup.minor},           {"turn", &setup.turn},
-        {"threads", &threads}};
+        {"layers", &setup.layers}, {"swapchains", &setup.swapchains},
+        {"family", &setup.family}, {"queues", &setup.queues},
+        {"minor", &setup.minor},   {"turn", &setup.turn},
+        {"flight", &setup.flight}, {"threads", &threads}};
     if (const auto number = numbers.find(name); number != numbers.end()) {
         *number->second = static_cast<std::uint32_t>(std::stoul(value));
     } else if (name == "format") {
