@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "vkcube --c 90 --present_mode 0", "vkcube --c 90 --present_mode 1",
                     "'" CLIENT "' passes 40 nulls", "'" CLIENT "' swapchains=2 minor=1 random 3 present 20",
                     "'" CLIENT "' present 40 resize 300 200 present 40 renew present 40 surfaces present 20",
-                    STAND_IN "format=half layers=2 minor=2 random 4", STAND_IN "format=hdr random 5",
+                    STAND_IN "format=half layers=2 minor=2 random 4", STAND_IN "flight=2 format=hdr random 5",
                     STAND_IN "format=srgb swapchains=3 present 20", STAND_IN "format=ten queues=2 present 9",
                     STAND_IN "minor=0 nowait chain=regions random 6", STAND_IN "threads=3 random 7",
                     STAND_IN "family=1 flight=2 present 30", STAND_IN "family=2 flight=2 present 30",

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iostream>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -19,6 +20,7 @@ struct Swapchain {
     VkSwapchainCreateInfoKHR info = {};
     std::vector<VkImage> images;
     std::vector<VkDeviceMemory> memories;
+    std::vector<VkSemaphore> waited;  ///< for each image: by its present, until it is acquired again
     std::uint32_t next = 0;
     bool isOutdated = false;
 };
@@ -172,7 +174,7 @@ VKAPI_ATTR VkResult VKAPI_CALL createSwapchain(VkDevice device, const VkSwapchai
     if (!isOurs(gSurfaces, info->surface) && !has("unseen")) {
         return REAL(vkCreateSwapchainKHR)(device, info, allocator, handle);
     }
-    auto swapchain = std::make_unique<Swapchain>(Swapchain{device, *info, {}, {}, 0, false});
+    auto swapchain = std::make_unique<Swapchain>(Swapchain{device, *info, {}, {}, {}, 0, false});
     const bool isShared = info->presentMode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR;
     const std::uint32_t count = isShared ? 1 : std::max(info->minImageCount, 3U);
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -181,6 +183,7 @@ VKAPI_ATTR VkResult VKAPI_CALL createSwapchain(VkDevice device, const VkSwapchai
             return result;
         }
     }
+    swapchain->waited.resize(count);
     *handle = reinterpret_cast<VkSwapchainKHR>(swapchain.release());
     change(gSwapchains, *handle, true);
     return VK_SUCCESS;
@@ -215,6 +218,7 @@ VKAPI_ATTR VkResult VKAPI_CALL acquire(VkDevice device, VkSwapchainKHR handle, s
         return VK_ERROR_OUT_OF_DATE_KHR;
     }
     *index = swapchain.next;
+    swapchain.waited[*index] = VK_NULL_HANDLE;
     swapchain.next = (swapchain.next + 1) % static_cast<std::uint32_t>(swapchain.images.size());
     VkSubmitInfo info = {};
     info.sType = VK_STRUCTURE_TYPE_SUBMIT_INFO;
@@ -247,10 +251,24 @@ VkResult wantedResult(std::uint32_t present) {
     return VK_SUCCESS;
 }
 
+/// What validation cannot know: a present has not waited for its semaphore for sure before its image is
+/// acquired again.
+void checkSemaphores(const VkPresentInfoKHR& info) {
+    for (std::uint32_t i = 0; i < info.swapchainCount && info.waitSemaphoreCount > 0; ++i) {
+        std::vector<VkSemaphore>& waited = reinterpret_cast<Swapchain*>(info.pSwapchains[i])->waited;
+        const VkSemaphore semaphore = info.pWaitSemaphores[0];
+        if (waited.size() > 1 && std::count(waited.begin(), waited.end(), semaphore) > 0) {
+            std::cout << "Validation by the driver: a semaphore of a present is used again too early\n";
+        }
+        waited[info.pImageIndices[i]] = semaphore;
+    }
+}
+
 VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKHR* info) {
     if (!isOurs(gSwapchains, info->pSwapchains[0])) {
         return REAL(vkQueuePresentKHR)(realQueue(queue), info);
     }
+    checkSemaphores(*info);
     std::uint32_t present = 0;
     {
         const std::lock_guard<std::mutex> lock(gSetsMutex);
