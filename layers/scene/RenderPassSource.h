@@ -18,7 +18,8 @@ public:
 
     virtual ~RenderPassSource() = default;
 
-    /// A capture begins: measure the frame that begins with the swap after this call.
+    /// A capture begins: measure the frame that begins with the swap after this call, or the one after it
+    /// where what is recorded ahead has to be known first.
     virtual void startCapture() {}
 
     /// Returns the capture's progress. Called in every frame after startCapture() until the result is not

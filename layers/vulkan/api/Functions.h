@@ -99,6 +99,7 @@ namespace vulkan {
     DO(CmdEndRenderingKHR)                   \
     DO(CreateRenderPass2)                    \
     DO(CreateRenderPass2KHR)                 \
+    DO(CreateSharedSwapchainsKHR)            \
     DO(CreateSwapchainKHR)                   \
     DO(DestroySwapchainKHR)                  \
     DO(GetCalibratedTimestampsEXT)           \

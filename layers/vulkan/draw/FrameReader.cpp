@@ -7,13 +7,24 @@
 
 #include "entry/PictureFile.h"
 #include "utils/Log.h"
-#include "vulkan/draw/ColorEncoding.h"
+#include "vulkan/draw/SrgbCodes.h"
 
 namespace vulkan {
 
 namespace {
 
-constexpr std::size_t CHANNELS = 4;
+VkFormat formatFor(ColorEncoding encoding) {
+    switch (encoding) {
+        case ColorEncoding::AS_SRGB:
+            return VK_FORMAT_R8G8B8A8_UNORM;
+        case ColorEncoding::LINEAR:
+            return VK_FORMAT_R8G8B8A8_SRGB;
+        case ColorEncoding::SCRGB:
+        case ColorEncoding::PQ:
+            break;
+    }
+    return VK_FORMAT_R16G16B16A16_SFLOAT;
+}
 
 }  // namespace
 
@@ -21,10 +32,8 @@ FrameReader::FrameReader(const Gpu& gpu, const SwapchainImages& swapchain)
     : mGpu(gpu),
       mSize(swapchain.size),
       mUpright(swapchain.upright()),
-      mFormat(encodingOf(swapchain.format, swapchain.colorSpace) == ColorEncoding::AS_SRGB ||
-                      encodingOf(swapchain.format, swapchain.colorSpace) == ColorEncoding::PQ
-                  ? VK_FORMAT_R8G8B8A8_UNORM
-                  : VK_FORMAT_R8G8B8A8_SRGB),
+      mEncoding(encodingOf(swapchain.format, swapchain.colorSpace)),
+      mFormat(formatFor(mEncoding)),
       mObstacle(!swapchain.isReadable ? "the surface does not let its images be read"
                 : !gpu.has(swapchain.format, VK_FORMAT_FEATURE_BLIT_SRC_BIT) ||
                         !gpu.has(mFormat, VK_FORMAT_FEATURE_BLIT_DST_BIT)
@@ -39,7 +48,8 @@ void FrameReader::read(const std::string& path, VkImage image, VkCommandBuffer c
         mImage.emplace(mGpu, mFormat, mSize,
                        VK_IMAGE_USAGE_TRANSFER_SRC_BIT | VK_IMAGE_USAGE_TRANSFER_DST_BIT);
     }
-    mBuffer.reserve(CHANNELS * mSize.width * mSize.height);
+    const std::size_t bytes = isConverted() ? SrgbCodes::HALF_PIXEL : SrgbCodes::CODE_PIXEL;
+    mBuffer.reserve(bytes * mSize.width * mSize.height);
     move(mGpu, commands, mImage->handle(), {VK_PIPELINE_STAGE_TRANSFER_BIT, 0, VK_IMAGE_LAYOUT_UNDEFINED},
          WRITTEN);
     const VkOffset3D end = {static_cast<std::int32_t>(mSize.width), static_cast<std::int32_t>(mSize.height),
@@ -90,17 +100,24 @@ void FrameReader::advance(SubmissionRing& ring) {
 std::vector<std::uint8_t> FrameReader::uprightPixels() {
     const auto [width, height] = mUpright.size;
     const glm::vec4& axes = mUpright.toImage.axes;
-    std::vector<std::uint8_t> pixels(CHANNELS * width * height);
+    const std::optional<SrgbCodes> codes =
+        isConverted() ? std::make_optional<SrgbCodes>(mEncoding) : std::nullopt;
+    std::vector<std::uint8_t> pixels(SrgbCodes::CODE_PIXEL * width * height);
     std::uint8_t* pixel = pixels.data();
     for (std::uint32_t y = 0; y < height; ++y) {
-        for (std::uint32_t x = 0; x < width; ++x, pixel += CHANNELS) {
+        for (std::uint32_t x = 0; x < width; ++x, pixel += SrgbCodes::CODE_PIXEL) {
             const glm::vec2 middle(static_cast<float>(x) + 0.5F, static_cast<float>(y) + 0.5F);
             const glm::vec2 place =
                 mUpright.toImage.origin + glm::vec2(glm::dot(glm::vec2(axes.x, axes.y), middle),
                                                     glm::dot(glm::vec2(axes.z, axes.w), middle));
             const auto column = static_cast<std::size_t>(place.x);
             const auto row = static_cast<std::size_t>(place.y);
-            std::memcpy(pixel, mBuffer.bytes() + CHANNELS * (row * mSize.width + column), CHANNELS);
+            const std::size_t index = row * mSize.width + column;
+            if (codes) {
+                codes->convert(mBuffer.bytes() + SrgbCodes::HALF_PIXEL * index, pixel);
+            } else {
+                std::memcpy(pixel, mBuffer.bytes() + SrgbCodes::CODE_PIXEL * index, SrgbCodes::CODE_PIXEL);
+            }
         }
     }
     return pixels;

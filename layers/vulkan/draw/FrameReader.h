@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "vulkan/draw/ColorEncoding.h"
 #include "vulkan/draw/Memory.h"
 #include "vulkan/draw/SubmissionRing.h"
 #include "vulkan/draw/Swapchain.h"
@@ -34,12 +35,14 @@ public:
     void abandon();
 
 private:
+    bool isConverted() const { return mFormat == VK_FORMAT_R16G16B16A16_SFLOAT; }
     std::vector<std::uint8_t> uprightPixels();
 
     const Gpu& mGpu;
     VkExtent2D mSize;
     Upright mUpright;
-    VkFormat mFormat;  ///< that of the copy, whose values are those of the screen
+    ColorEncoding mEncoding;
+    VkFormat mFormat;  ///< that of the copy: sRGB's codes, or half floats that become those
     const char* mObstacle;
     std::optional<DeviceImage> mImage;
     MappedBuffer mBuffer;

@@ -6,8 +6,8 @@
 
 namespace vulkan {
 
-/// Where upright pixels are in an image. A program may turn its picture itself, as the screen of a device
-/// that is held otherwise wants it; the overlay is laid out upright and turned with it.
+/// Where upright pixels are in an image. A program may turn or mirror its picture itself, as the screen of a
+/// device that is held otherwise wants it; the overlay is laid out upright and turned with it.
 struct Upright {
     Upright(VkExtent2D image, VkSurfaceTransformFlagBitsKHR transform);
 

@@ -17,6 +17,14 @@ namespace {
 constexpr VkImageUsageFlags NEEDED = VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT;
 constexpr VkImageUsageFlags WANTED = VK_IMAGE_USAGE_TRANSFER_SRC_BIT;
 
+constexpr char NOT_DRAWN_INTO[] = "its surface does not let its images be drawn into";
+
+/// Whether it may be for what the layer has added that a swapchain could not be made.
+bool isPerhapsOurFault(VkResult result) {
+    return result < 0 && result != VK_ERROR_DEVICE_LOST && result != VK_ERROR_SURFACE_LOST_KHR &&
+           result != VK_ERROR_NATIVE_WINDOW_IN_USE_KHR;
+}
+
 }  // namespace
 
 Device::Device(const Instance& instance, const Gpu& gpu, bool isComplete)
@@ -55,7 +63,11 @@ std::uint32_t Device::familyOf(VkQueue queue) const {
 TimeStampClock Device::clockOf(const Queue& queue) const {
     const std::uint32_t bits =
         queue.family < mFamilies.size() ? mFamilies[queue.family].timestampValidBits : 0;
-    return bits == 0 ? TimeStampClock() : TimeStampClock(bits, mGpu.timeStampPeriod);
+    const bool isAnyUntimed =
+        std::any_of(mFamilies.begin(), mFamilies.end(), [](const VkQueueFamilyProperties& family) {
+            return (family.queueFlags & VK_QUEUE_GRAPHICS_BIT) != 0 && family.timestampValidBits == 0;
+        });
+    return bits == 0 || isAnyUntimed ? TimeStampClock() : TimeStampClock(bits, mGpu.timeStampPeriod);
 }
 
 void Device::expectFrame(VkQueue queue, std::uint32_t frame) {
@@ -103,7 +115,7 @@ VkResult Device::createSwapchain(const VkSwapchainCreateInfoKHR& info, const VkA
         if (swapchain->obstacle == nullptr) {
             changed.imageUsage |= possibleUses(info);
             if ((changed.imageUsage & NEEDED) != NEEDED) {
-                swapchain->obstacle = "its surface does not let its images be drawn into";
+                swapchain->obstacle = NOT_DRAWN_INTO;
                 changed.imageUsage = info.imageUsage;
             }
         }
@@ -111,7 +123,13 @@ VkResult Device::createSwapchain(const VkSwapchainCreateInfoKHR& info, const VkA
         swapchain.reset();
         changed = info;
     }
-    const VkResult result = mGpu.vk.CreateSwapchainKHR(mGpu.device, &changed, allocator, handle);
+    VkResult result = mGpu.vk.CreateSwapchainKHR(mGpu.device, &changed, allocator, handle);
+    if (isPerhapsOurFault(result) && changed.imageUsage != info.imageUsage) {
+        changed.imageUsage = info.imageUsage;
+        changed.oldSwapchain = VK_NULL_HANDLE;  // the first try has retired it
+        swapchain->obstacle = NOT_DRAWN_INTO;
+        result = mGpu.vk.CreateSwapchainKHR(mGpu.device, &changed, allocator, handle);
+    }
     if (result != VK_SUCCESS || swapchain == nullptr) {
         return result;
     }
@@ -133,6 +151,19 @@ VkResult Device::createSwapchain(const VkSwapchainCreateInfoKHR& info, const VkA
         KORDANIX_LOG_ERROR("a swapchain is passed through: %s", KORDANIX_LOG_HERE, error.what());
     }
     return result;
+}
+
+void Device::addSharedSwapchains(std::uint32_t count, const VkSwapchainKHR* handles) {
+    for (std::uint32_t i = 0; i < count; ++i) {
+        try {
+            auto swapchain = std::make_unique<Swapchain>();
+            swapchain->handle = handles[i];
+            swapchain->obstacle = "it was made together with other swapchains, for a display";
+            mSwapchains.insert(handles[i], std::move(swapchain));
+        } catch (const std::bad_alloc&) {
+            // It is passed through, and nobody is told.
+        }
+    }
 }
 
 void Device::destroySwapchain(VkSwapchainKHR handle, const VkAllocationCallbacks* allocator) {
@@ -165,6 +196,9 @@ Renderer& Device::renderer(Swapchain& swapchain, std::uint32_t family, drawlist:
 void Device::release(Swapchain& swapchain) {
     if (Layer* const layer = platform::PerProcess<Layer>::find()) {
         layer->forget(swapchain);
+    }
+    for (VkImage image : swapchain.images.images) {
+        mAttachments.removeImage(image);
     }
     if (swapchain.renderer == nullptr) {
         return;
@@ -238,7 +272,7 @@ VkImageUsageFlags Device::possibleUses(const VkSwapchainCreateInfoKHR& info) con
     return uses;
 }
 
-void Device::readImages(Swapchain& swapchain) const {
+void Device::readImages(Swapchain& swapchain) {
     std::uint32_t count = 0;
     std::vector<VkImage>& images = swapchain.images.images;
     check(mGpu.vk.GetSwapchainImagesKHR(mGpu.device, swapchain.handle, &count, nullptr),
@@ -246,6 +280,9 @@ void Device::readImages(Swapchain& swapchain) const {
     images.resize(count);
     check(mGpu.vk.GetSwapchainImagesKHR(mGpu.device, swapchain.handle, &count, images.data()),
           "vkGetSwapchainImagesKHR");
+    for (VkImage image : images) {
+        mAttachments.addImage(image, swapchain.images.size);
+    }
 }
 
 }  // namespace vulkan

@@ -64,7 +64,8 @@ public:
     /// Null for one that the application has not asked for.
     Queue* findQueue(VkQueue queue) const { return mQueues.find(queue); }
 
-    /// What the time stamps of a queue count.
+    /// What the time stamps of a queue count; nothing where it has none, or where another family that draws
+    /// has none, in whose command buffers they may not be written.
     TimeStampClock clockOf(const Queue& queue) const;
 
     /// The next submission to the queue begins a frame of that name, which is timed.
@@ -77,10 +78,13 @@ public:
     AttachmentRecords& attachments() { return mAttachments; }
     PassRecorder::Queries& passQueries() { return mPassQueries; }
 
-    /// The application's function, for which uses are added that drawing needs and the surface allows. `made`
-    /// is what the layer knows of the new swapchain; null after a failure.
+    /// The application's function, for which uses are added that drawing needs and the surface allows, unless
+    /// it fails with them. `made` is what the layer knows of the new swapchain; null after a failure.
     VkResult createSwapchain(const VkSwapchainCreateInfoKHR& info, const VkAllocationCallbacks* allocator,
                              VkSwapchainKHR* handle, Swapchain*& made);
+
+    /// Of swapchains that were made together, which are left alone.
+    void addSharedSwapchains(std::uint32_t count, const VkSwapchainKHR* handles);
     void destroySwapchain(VkSwapchainKHR handle, const VkAllocationCallbacks* allocator);
     Swapchain* findSwapchain(VkSwapchainKHR handle) const { return mSwapchains.find(handle); }
 
@@ -94,7 +98,7 @@ private:
     void release(Swapchain& swapchain);
     entry::Obstacle findObstacle(const VkSwapchainCreateInfoKHR& info) const;
     VkImageUsageFlags possibleUses(const VkSwapchainCreateInfoKHR& info) const;
-    void readImages(Swapchain& swapchain) const;
+    void readImages(Swapchain& swapchain);
 
     const Instance& mInstance;
     const Gpu mGpu;

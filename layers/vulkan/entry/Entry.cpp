@@ -199,6 +199,19 @@ VKAPI_ATTR VkResult VKAPI_CALL createSwapchain(VkDevice device, const VkSwapchai
     return result;
 }
 
+VKAPI_ATTR VkResult VKAPI_CALL createSharedSwapchains(VkDevice device, std::uint32_t count,
+                                                      const VkSwapchainCreateInfoKHR* infos,
+                                                      const VkAllocationCallbacks* allocator,
+                                                      VkSwapchainKHR* swapchains) {
+    Device& record = *devices().find(keyOf(device));
+    const VkResult result =
+        record.gpu().vk.CreateSharedSwapchainsKHR(device, count, infos, allocator, swapchains);
+    if (result == VK_SUCCESS) {
+        record.addSharedSwapchains(count, swapchains);
+    }
+    return result;
+}
+
 VKAPI_ATTR void VKAPI_CALL destroySwapchain(VkDevice device, VkSwapchainKHR swapchain,
                                             const VkAllocationCallbacks* allocator) {
     devices().find(keyOf(device))->destroySwapchain(swapchain, allocator);
@@ -215,11 +228,14 @@ VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKH
 }
 
 PFN_vkVoidFunction findDeviceHook(const char* name) {
-    static const Hook HOOKS[] = {
-        {"vkGetDeviceProcAddr", erase(getDeviceProcAddr)}, {"vkDestroyDevice", erase(destroyDevice)},
-        {"vkGetDeviceQueue", erase(getDeviceQueue)},       {"vkGetDeviceQueue2", erase(getDeviceQueue2)},
-        {"vkCreateSwapchainKHR", erase(createSwapchain)},  {"vkDestroySwapchainKHR", erase(destroySwapchain)},
-        {"vkQueuePresentKHR", erase(queuePresent)}};
+    static const Hook HOOKS[] = {{"vkGetDeviceProcAddr", erase(getDeviceProcAddr)},
+                                 {"vkDestroyDevice", erase(destroyDevice)},
+                                 {"vkGetDeviceQueue", erase(getDeviceQueue)},
+                                 {"vkGetDeviceQueue2", erase(getDeviceQueue2)},
+                                 {"vkCreateSwapchainKHR", erase(createSwapchain)},
+                                 {"vkDestroySwapchainKHR", erase(destroySwapchain)},
+                                 {"vkCreateSharedSwapchainsKHR", erase(createSharedSwapchains)},
+                                 {"vkQueuePresentKHR", erase(queuePresent)}};
     const PFN_vkVoidFunction hook = findHook(HOOKS, name);
     return hook != nullptr ? hook : findTimingHook(name);
 }

@@ -144,6 +144,19 @@ VKAPI_ATTR VkResult VKAPI_CALL createFramebuffer(VkDevice device, const VkFrameb
     return result;
 }
 
+/// Of the images that may be attachments: what a dynamic pass draws into is told by nothing else.
+VKAPI_ATTR VkResult VKAPI_CALL createImage(VkDevice device, const VkImageCreateInfo* info,
+                                           const VkAllocationCallbacks* allocator, VkImage* made) {
+    constexpr VkImageUsageFlags ATTACHMENT =
+        VK_IMAGE_USAGE_COLOR_ATTACHMENT_BIT | VK_IMAGE_USAGE_DEPTH_STENCIL_ATTACHMENT_BIT;
+    Device& record = deviceOf(device);
+    const VkResult result = record.gpu().vk.CreateImage(device, info, allocator, made);
+    if (result == VK_SUCCESS && (info->usage & ATTACHMENT) != 0) {
+        record.attachments().addImage(*made, {info->extent.width, info->extent.height});
+    }
+    return result;
+}
+
 VKAPI_ATTR VkResult VKAPI_CALL createImageView(VkDevice device, const VkImageViewCreateInfo* info,
                                                const VkAllocationCallbacks* allocator, VkImageView* made) {
     Device& record = deviceOf(device);
@@ -192,6 +205,8 @@ PFN_vkVoidFunction findTimingHook(const char* name) {
         {"vkCreateFramebuffer", erase(createFramebuffer)},
         {"vkDestroyFramebuffer",
          erase(destroy<&Vk::DestroyFramebuffer, &Records::removeFramebuffer, VkFramebuffer>)},
+        {"vkCreateImage", erase(createImage)},
+        {"vkDestroyImage", erase(destroy<&Vk::DestroyImage, &Records::removeImage, VkImage>)},
         {"vkCreateImageView", erase(createImageView)},
         {"vkDestroyImageView", erase(destroy<&Vk::DestroyImageView, &Records::removeView, VkImageView>)}};
     return findHook(HOOKS, name);

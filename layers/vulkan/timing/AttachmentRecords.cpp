@@ -1,5 +1,6 @@
 #include "vulkan/timing/AttachmentRecords.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -40,8 +41,22 @@ void AttachmentRecords::addFramebuffer(VkFramebuffer framebuffer, const VkFrameb
     put(mMutex, mFramebuffers, framebuffer, {info.width, info.height});
 }
 
+void AttachmentRecords::addImage(VkImage image, VkExtent2D size) {
+    put(mMutex, mImages, image, size);
+}
+
 void AttachmentRecords::addView(VkImageView view, const VkImageViewCreateInfo& info) {
-    put(mMutex, mViews, view, info.format);
+    View made = {info.format, {0, 0}};
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        const auto image = mImages.find(info.image);
+        if (image != mImages.end()) {
+            const std::uint32_t level = info.subresourceRange.baseMipLevel;
+            made.size = {std::max(image->second.width >> level, 1U),
+                         std::max(image->second.height >> level, 1U)};
+        }
+    }
+    put(mMutex, mViews, view, made);
 }
 
 void AttachmentRecords::removeRenderPass(VkRenderPass renderPass) {
@@ -52,6 +67,11 @@ void AttachmentRecords::removeRenderPass(VkRenderPass renderPass) {
 void AttachmentRecords::removeFramebuffer(VkFramebuffer framebuffer) {
     const std::lock_guard<std::mutex> lock(mMutex);
     mFramebuffers.erase(framebuffer);
+}
+
+void AttachmentRecords::removeImage(VkImage image) {
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mImages.erase(image);
 }
 
 void AttachmentRecords::removeView(VkImageView view) {
@@ -76,11 +96,19 @@ PassTargets AttachmentRecords::targetsOf(const VkRenderPassBeginInfo& info) cons
 PassTargets AttachmentRecords::targetsOf(const VkRenderingInfo& info) const {
     const std::lock_guard<std::mutex> lock(mMutex);
     PassTargets targets;
-    targets.size = info.renderArea.extent;
-    const auto add = [&](const VkRenderingAttachmentInfo* attachment) {
-        const auto view = attachment == nullptr ? mViews.end() : mViews.find(attachment->imageView);
+    const auto addView = [&](VkImageView handle) {
+        const auto view = mViews.find(handle);
         if (view != mViews.end()) {
-            targets.formats.push_back(view->second);
+            targets.formats.push_back(view->second.format);
+            targets.size = targets.size.width == 0 ? view->second.size : targets.size;
+        }
+    };
+    const auto add = [&](const VkRenderingAttachmentInfo* attachment) {
+        if (attachment != nullptr) {
+            addView(attachment->imageView);
+            if (attachment->resolveMode != VK_RESOLVE_MODE_NONE) {
+                addView(attachment->resolveImageView);
+            }
         }
     };
     for (std::uint32_t i = 0; i < info.colorAttachmentCount; ++i) {
@@ -90,6 +118,9 @@ PassTargets AttachmentRecords::targetsOf(const VkRenderingInfo& info) const {
     if (info.pDepthAttachment == nullptr || info.pStencilAttachment == nullptr ||
         info.pDepthAttachment->imageView != info.pStencilAttachment->imageView) {
         add(info.pStencilAttachment);
+    }
+    if (targets.size.width == 0) {  // of a pass without attachments, all that is drawn
+        targets.size = info.renderArea.extent;
     }
     return targets;
 }

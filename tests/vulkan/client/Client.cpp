@@ -121,6 +121,9 @@ void Client::createDevice() {
     if (!mSetup.chain.empty()) {
         names.push_back(VK_KHR_INCREMENTAL_PRESENT_EXTENSION_NAME);
     }
+    if (mSetup.isShared) {
+        names.push_back(VK_KHR_DISPLAY_SWAPCHAIN_EXTENSION_NAME);
+    }
     if (mSetup.mode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR) {
         names.push_back(VK_KHR_SHARED_PRESENTABLE_IMAGE_EXTENSION_NAME);
     }
@@ -175,7 +178,11 @@ void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
     info.presentMode = mSetup.mode;
     info.clipped = VK_TRUE;
     info.oldSwapchain = last;
-    check(vkCreateSwapchainKHR(mDevice, &info, nullptr, &target.swapchain), "vkCreateSwapchainKHR");
+    const auto createShared = reinterpret_cast<PFN_vkCreateSharedSwapchainsKHR>(
+        vkGetDeviceProcAddr(mDevice, "vkCreateSharedSwapchainsKHR"));
+    check(mSetup.isShared ? createShared(mDevice, 1, &info, nullptr, &target.swapchain)
+                          : vkCreateSwapchainKHR(mDevice, &info, nullptr, &target.swapchain),
+          "vkCreateSwapchainKHR");
     std::uint32_t count = 0;
     vkGetSwapchainImagesKHR(mDevice, target.swapchain, &count, nullptr);
     std::vector<VkImage> images(count);

@@ -27,6 +27,7 @@ struct Setup {
     std::uint32_t turn = 1;        ///< of the picture, a VkSurfaceTransformFlagBitsKHR
     std::uint32_t flight = 1;  ///< frames that may be under way; one: each is waited for, with its present
     bool isProtected = false;
+    bool isShared = false;  ///< made by the call that makes several together
     bool isWaiting = true;  ///< a present waits for a semaphore, rather than the program for its queue
     std::string chain;      ///< of each present: "regions", or "unknown" for those behind something unknown
 };

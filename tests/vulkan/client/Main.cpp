@@ -1,7 +1,7 @@
 // A Vulkan program that does what its arguments say. First how it is set up (see Client.h):
 //   headless  format=unorm|srgb|rgba|ten|hdr|half  mode=N  layers=N  swapchains=N  family=N  queues=N minor=N
-//   flight=N turn=N protected  nowait  chain=regions|unknown  threads=N (as many of these programs, each in
-//   its own thread)
+//   flight=N turn=N protected  shared  nowait  chain=regions|unknown  threads=N (as many of these programs,
+//   each in its own thread)
 // and then, one after another:
 //   present N    N frames of one colour
 //   passes N     N frames with render passes of every kind
@@ -54,6 +54,8 @@ bool setUp(const std::string& word, Setup& setup, unsigned int& threads) {
         setup.chain = value;
     } else if (name == "headless") {
         setup.isHeadless = true;
+    } else if (name == "shared") {
+        setup.isShared = true;
     } else if (name == "protected") {
         setup.isProtected = true;
     } else if (name == "nowait") {

@@ -112,14 +112,14 @@ void Passes::recordLegacy(VkCommandBuffer commands) const {
     wait(commands);
 }
 
-void Passes::recordDynamic(VkCommandBuffer commands, VkRenderingFlags flags, std::uint32_t width) const {
+void Passes::recordDynamic(VkCommandBuffer commands, VkRenderingFlags flags) const {
     auto attachment = infoOf<VkRenderingAttachmentInfo>(VK_STRUCTURE_TYPE_RENDERING_ATTACHMENT_INFO);
     attachment.imageView = mView;
     attachment.imageLayout = VK_IMAGE_LAYOUT_COLOR_ATTACHMENT_OPTIMAL;
     attachment.loadOp = VK_ATTACHMENT_LOAD_OP_CLEAR;
     auto info = infoOf<VkRenderingInfo>(VK_STRUCTURE_TYPE_RENDERING_INFO);
     info.flags = flags;
-    info.renderArea = {{0, 0}, {width, 64}};
+    info.renderArea = {{0, 0}, {100, 64}};
     info.layerCount = 1;
     info.colorAttachmentCount = 1;
     info.pColorAttachments = &attachment;
@@ -132,16 +132,16 @@ void Passes::recordAll() {
     VkCommandBuffer commands = mCommands[1];
     check(vkBeginCommandBuffer(commands, &begin), "vkBeginCommandBuffer");
     recordLegacy(commands);
-    recordDynamic(commands, 0, 100);
+    recordDynamic(commands, 0);
     wait(commands);
-    recordDynamic(commands, VK_RENDERING_SUSPENDING_BIT, 101);
-    recordDynamic(commands, VK_RENDERING_RESUMING_BIT, 101);
+    recordDynamic(commands, VK_RENDERING_SUSPENDING_BIT);
+    recordDynamic(commands, VK_RENDERING_RESUMING_BIT);
     wait(commands);
     const auto inherited =
         infoOf<VkCommandBufferInheritanceInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_INHERITANCE_INFO);
     begin.pInheritanceInfo = &inherited;
     check(vkBeginCommandBuffer(mSecondary, &begin), "vkBeginCommandBuffer");
-    recordDynamic(mSecondary, 0, 102);
+    recordDynamic(mSecondary, 0);
     check(vkEndCommandBuffer(mSecondary), "vkEndCommandBuffer");
     vkCmdExecuteCommands(commands, 1, &mSecondary);
     wait(commands);

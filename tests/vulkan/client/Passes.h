@@ -25,7 +25,7 @@ private:
     void createRenderPass();
     void recordLegacy(VkCommandBuffer commands) const;
     void recordAll();
-    void recordDynamic(VkCommandBuffer commands, VkRenderingFlags flags, std::uint32_t width) const;
+    void recordDynamic(VkCommandBuffer commands, VkRenderingFlags flags) const;
 
     VkDevice mDevice;
     std::array<VkCommandBuffer, 2> mCommands{};  ///< recorded once, and in each frame

@@ -41,8 +41,8 @@ std::vector<std::string> words() {
 
 constexpr std::array<VkExtensionProperties, 2> INSTANCE_EXTENSIONS = {
     {{VK_EXT_HEADLESS_SURFACE_EXTENSION_NAME, 1}, {VK_EXT_SWAPCHAIN_COLOR_SPACE_EXTENSION_NAME, 4}}};
-constexpr std::array<VkExtensionProperties, 1> DEVICE_EXTENSIONS = {
-    {{VK_KHR_SHARED_PRESENTABLE_IMAGE_EXTENSION_NAME, 1}}};
+constexpr std::array<VkExtensionProperties, 2> DEVICE_EXTENSIONS = {
+    {{VK_KHR_SHARED_PRESENTABLE_IMAGE_EXTENSION_NAME, 1}, {VK_KHR_DISPLAY_SWAPCHAIN_EXTENSION_NAME, 10}}};
 
 /// The software driver's extensions, and `more`.
 template <typename More, typename Enumerate>

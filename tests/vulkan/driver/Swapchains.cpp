@@ -174,6 +174,9 @@ VKAPI_ATTR VkResult VKAPI_CALL createSwapchain(VkDevice device, const VkSwapchai
     if (!isOurs(gSurfaces, info->surface) && !has("unseen")) {
         return REAL(vkCreateSwapchainKHR)(device, info, allocator, handle);
     }
+    if (has("strict") && info->imageUsage != VK_IMAGE_USAGE_TRANSFER_DST_BIT) {
+        return VK_ERROR_INITIALIZATION_FAILED;
+    }
     auto swapchain = std::make_unique<Swapchain>(Swapchain{device, *info, {}, {}, {}, 0, false});
     const bool isShared = info->presentMode == VK_PRESENT_MODE_SHARED_DEMAND_REFRESH_KHR;
     const std::uint32_t count = isShared ? 1 : std::max(info->minImageCount, 3U);
@@ -187,6 +190,12 @@ VKAPI_ATTR VkResult VKAPI_CALL createSwapchain(VkDevice device, const VkSwapchai
     *handle = reinterpret_cast<VkSwapchainKHR>(swapchain.release());
     change(gSwapchains, *handle, true);
     return VK_SUCCESS;
+}
+
+VKAPI_ATTR VkResult VKAPI_CALL createShared(VkDevice device, std::uint32_t count,
+                                            const VkSwapchainCreateInfoKHR* infos,
+                                            const VkAllocationCallbacks* allocator, VkSwapchainKHR* handles) {
+    return count == 1 ? createSwapchain(device, infos, allocator, handles) : VK_ERROR_INITIALIZATION_FAILED;
 }
 
 VKAPI_ATTR void VKAPI_CALL destroySwapchain(VkDevice device, VkSwapchainKHR handle,
@@ -316,6 +325,7 @@ PFN_vkVoidFunction findSwapchainHook(const char* name) {
                           HOOK(vkGetPhysicalDeviceSurfaceFormatsKHR, getFormats),
                           HOOK(vkGetPhysicalDeviceSurfacePresentModesKHR, getModes),
                           HOOK(vkCreateSwapchainKHR, createSwapchain),
+                          HOOK(vkCreateSharedSwapchainsKHR, createShared),
                           HOOK(vkDestroySwapchainKHR, destroySwapchain),
                           HOOK(vkGetSwapchainImagesKHR, getImages),
                           HOOK(vkAcquireNextImageKHR, acquire),
