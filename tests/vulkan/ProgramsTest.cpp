@@ -53,8 +53,8 @@ TEST_P(UnderValidation, NothingIsSaidOfTheOverlayNorOfTheProgram) {
 }
 
 /// Frames of passes of which one is captured, and a picture taken; and a compositor's window.
-#define CAPTURE                                                                                          \
-    "cd $(mktemp -d); export KORDANIX_DUMP_DIR=$PWD; \"$CTL\" set devmode true; '" CLIENT                \
+#define CAPTURE                                                                                         \
+    "cd $(mktemp -d); export KORDANIX_DUMP_DIR=$PWD; \"$CTL\" set devmode true; '" CLIENT               \
     "' passes 500 & sleep 1; \"$CTL\" key dump; \"$CTL\" key capture; \"$CTL\" picture a.png || exit; " \
     "wait; grep -q ,256, */passes.csv || exit; rm -r $PWD"
 #define WAYLAND                                                                                          \
@@ -72,8 +72,9 @@ INSTANTIATE_TEST_SUITE_P(
                     STAND_IN "format=half layers=2 minor=2 random 4", STAND_IN "flight=2 format=hdr random 5",
                     STAND_IN "format=srgb swapchains=3 present 20", STAND_IN "format=ten queues=2 present 9",
                     STAND_IN "minor=0 nowait chain=regions random 6", STAND_IN "threads=3 random 7",
-                    STAND_IN "family=1 flight=2 present 30", STAND_IN "family=2 flight=2 present 30", CAPTURE,
-                    WAYLAND, "'" CLIENT "' flight=3 present 40 resize 300 200 present 40 random 8",
+                    STAND_IN "swapchains=2 queues=2 apart 200", STAND_IN "family=1 flight=2 present 30",
+                    STAND_IN "family=2 flight=2 present 30", CAPTURE, WAYLAND,
+                    "'" CLIENT "' flight=3 present 40 resize 300 200 present 40 random 8",
                     "for i in 1 2 3 4 5 6 7 8; do '" CLIENT "' random $i || exit 1; done"));
 
 /// What the largest window shows of a program that presents one picture for long.
@@ -172,6 +173,37 @@ TEST(VulkanPrograms, ArePassedThroughForAReasonThatIsTold) {
         EXPECT_THAT(outcome.out, testing::EndsWith("done\n"));
         EXPECT_THAT(outcome.err, testing::HasSubstr(reason));
     }
+}
+
+/// Of a client that submits once a present too.
+TEST(VulkanPrograms, HaveOneSubmissionMoreAPresentAndNothingMadeOnceWarm) {
+    for (const bool isOn : {true, false}) {
+        auto variables = environment();
+        variables["VK_ICD_FILENAMES"] = STAND_IN_DRIVER;
+        variables["STAND_IN"] = "count";
+        const support::Outcome outcome =
+            support::run({KORDANIXCTL, "run", "--set", isOn ? "status=true" : "status=false", CLIENT,
+                          "headless", "present", "200"},
+                         variables);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_THAT(
+            outcome.out,
+            testing::HasSubstr(isOn ? "presents 200, submissions 400, most draws 3, made when warm 0\n"
+                                    : "presents 200, submissions 200, most draws 0, made when warm 0\n"));
+    }
+}
+
+/// In the very process that did nothing before.
+TEST(VulkanPrograms, ShowTheOverlayAsSoonAsItIsSwitchedOn) {
+    ASSERT_THAT(VirtualDisplay::get().name(), testing::Not(testing::IsEmpty()));
+    const support::Outcome outcome =
+        support::run({KORDANIXCTL, "run", "--set", "status=false", "sh", "-c",
+                      "cd $KORDANIX_RUNTIME_DIR; '" CLIENT
+                      "' present 100000 & until grep 'shown 0' note.* >&2; do sleep .1; done; "
+                      "\"$CTL\" set status true; for i in $(seq 50); do grep 'shown 1' note.* && break; "
+                      "sleep .1; done; kill $!"},
+                     environment());
+    EXPECT_EQ(outcome.out, "shown 1\n") << outcome.err;
 }
 
 TEST(VulkanPrograms, SeeTheSameResultsAsWithoutTheOverlay) {

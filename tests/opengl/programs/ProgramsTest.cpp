@@ -97,8 +97,11 @@ TEST(RealPrograms, WhatTheyPrintAndReturnIsTheirOwn) {
     const Case cases[] = {{{"glmark2", "-b", "build:duration=0.3", "-s", "320x200"}, true},
                           {{"glmark2-es2", "-b", "texture:duration=0.3", "-s", "320x200"}, true},
                           {{"glxgears", "-badoption"}, true},
+                          {{"vkcube", "--c", "30"}, true},
+                          {{"vkcube", "--badoption"}, true},
                           {{"glxgears"}, false},
-                          {{"es2gears_x11"}, false}};
+                          {{"es2gears_x11"}, false},
+                          {{"vkcube"}, false}};
     for (const Case& item : cases) {
         std::map<std::string, std::string> variables = environment(false);
         if (!item.hasDisplay) {

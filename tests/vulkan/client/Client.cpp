@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <thread>
 #include <utility>
 
 #include "Check.h"
@@ -65,6 +66,11 @@ Client::~Client() {
     }
 }
 
+const void* Client::carried() const {
+    static const Unknown UNKNOWN;
+    return mSetup.chain == "unknown" ? &UNKNOWN : nullptr;
+}
+
 void Client::createInstance() {
     std::vector<const char*> names = {VK_KHR_SURFACE_EXTENSION_NAME};
     names.push_back(mSetup.isHeadless ? VK_EXT_HEADLESS_SURFACE_EXTENSION_NAME
@@ -76,6 +82,7 @@ void Client::createInstance() {
     application.apiVersion = VK_MAKE_API_VERSION(0, 1, mSetup.minor, 0);
     auto info = infoOf<VkInstanceCreateInfo>(VK_STRUCTURE_TYPE_INSTANCE_CREATE_INFO);
     info.pApplicationInfo = mSetup.minor == 0 ? nullptr : &application;
+    info.pNext = carried();
     info.enabledExtensionCount = static_cast<std::uint32_t>(names.size());
     info.ppEnabledExtensionNames = names.data();
     check(vkCreateInstance(&info, nullptr, &mInstance), "vkCreateInstance");
@@ -131,7 +138,8 @@ void Client::createDevice() {
         infoOf<VkPhysicalDeviceVulkan13Features>(VK_STRUCTURE_TYPE_PHYSICAL_DEVICE_VULKAN_1_3_FEATURES);
     features.dynamicRendering = features.synchronization2 = VK_TRUE;
     auto info = infoOf<VkDeviceCreateInfo>(VK_STRUCTURE_TYPE_DEVICE_CREATE_INFO);
-    info.pNext = mSetup.minor == 3 ? &features : nullptr;
+    features.pNext = const_cast<void*>(carried());
+    info.pNext = mSetup.minor == 3 ? &features : carried();
     info.queueCreateInfoCount = mSetup.family == 0 ? 1 : 2;
     info.pQueueCreateInfos = queues.data();
     info.enabledExtensionCount = static_cast<std::uint32_t>(names.size());
@@ -159,6 +167,7 @@ void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
     check(vkGetPhysicalDeviceSurfaceCapabilitiesKHR(mPhysicalDevice, target.surface, &surface),
           "vkGetPhysicalDeviceSurfaceCapabilitiesKHR");
     auto info = infoOf<VkSwapchainCreateInfoKHR>(VK_STRUCTURE_TYPE_SWAPCHAIN_CREATE_INFO_KHR);
+    info.pNext = carried();
     info.flags = mSetup.isProtected ? VK_SWAPCHAIN_CREATE_PROTECTED_BIT_KHR : 0;
     info.surface = target.surface;
     info.minImageCount = surface.minImageCount;
@@ -202,6 +211,7 @@ void Client::createSwapchain(Target& target, VkSwapchainKHR last) {
 
 void Client::record(VkCommandBuffer commands, VkImage image) const {
     auto begin = infoOf<VkCommandBufferBeginInfo>(VK_STRUCTURE_TYPE_COMMAND_BUFFER_BEGIN_INFO);
+    begin.pNext = carried();
     begin.flags = VK_COMMAND_BUFFER_USAGE_SIMULTANEOUS_USE_BIT;
     check(vkBeginCommandBuffer(commands, &begin), "vkBeginCommandBuffer");
     // Black is black however colours are written.
@@ -261,6 +271,7 @@ VkResult Client::tryPresent(Frame& frame) {
         indices.push_back(target.index);
     }
     auto submission = infoOf<VkSubmitInfo>(VK_STRUCTURE_TYPE_SUBMIT_INFO);
+    submission.pNext = carried();
     submission.waitSemaphoreCount = static_cast<std::uint32_t>(acquired.size());
     submission.pWaitSemaphores = acquired.data();
     submission.pWaitDstStageMask = stages.data();
@@ -399,17 +410,55 @@ void Client::destroySwapchain(Target& target) {
     vkDestroySwapchainKHR(mDevice, target.swapchain, nullptr);
 }
 
+void Client::presentAlone(Target& target, VkQueue queue) {
+    VkSemaphore acquired = createSemaphore();
+    check(
+        vkAcquireNextImageKHR(mDevice, target.swapchain, UINT64_MAX, acquired, VK_NULL_HANDLE, &target.index),
+        "vkAcquireNextImageKHR");
+    constexpr VkPipelineStageFlags STAGE = VK_PIPELINE_STAGE_TRANSFER_BIT;
+    auto submission = infoOf<VkSubmitInfo>(VK_STRUCTURE_TYPE_SUBMIT_INFO);
+    submission.waitSemaphoreCount = submission.commandBufferCount = submission.signalSemaphoreCount = 1;
+    submission.pWaitSemaphores = &acquired;
+    submission.pWaitDstStageMask = &STAGE;
+    submission.pCommandBuffers = &target.commands[target.index];
+    submission.pSignalSemaphores = &target.drawn[target.index];
+    check(vkQueueSubmit(queue, 1, &submission, VK_NULL_HANDLE), "vkQueueSubmit");
+    auto info = infoOf<VkPresentInfoKHR>(VK_STRUCTURE_TYPE_PRESENT_INFO_KHR);
+    info.waitSemaphoreCount = info.swapchainCount = 1;
+    info.pWaitSemaphores = submission.pSignalSemaphores;
+    info.pSwapchains = &target.swapchain;
+    info.pImageIndices = &target.index;
+    check(vkQueuePresentKHR(queue, &info), "vkQueuePresentKHR");
+    check(vkQueueWaitIdle(queue), "vkQueueWaitIdle");
+    vkDestroySemaphore(mDevice, acquired, nullptr);
+}
+
+void Client::presentApart(int frames) {
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < mTargets.size(); ++i) {
+        threads.emplace_back([this, i, frames] {
+            for (int frame = 0; frame < frames; ++frame) {
+                presentAlone(mTargets[i], mPresenting.at(i));
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
 void Client::callWithNulls() const {
     const auto find = [this](const char* name) { return vkGetDeviceProcAddr(mDevice, name); };
-    reinterpret_cast<PFN_vkDestroySwapchainKHR>(find("vkDestroySwapchainKHR"))(mDevice, VK_NULL_HANDLE,
-                                                                               nullptr);
+    for (const char* const name :
+         {"vkDestroySwapchainKHR", "vkDestroyCommandPool", "vkDestroyRenderPass", "vkDestroyFramebuffer",
+          "vkDestroyImage", "vkDestroyImageView", "vkDestroySemaphore"}) {
+        reinterpret_cast<void (*)(VkDevice, std::uint64_t, const void*)>(find(name))(mDevice, 0, nullptr);
+    }
     reinterpret_cast<PFN_vkDestroyDevice>(find("vkDestroyDevice"))(VK_NULL_HANDLE, nullptr);
     reinterpret_cast<PFN_vkQueueSubmit>(find("vkQueueSubmit"))(mQueue, 0, nullptr, VK_NULL_HANDLE);
-    reinterpret_cast<PFN_vkDestroyCommandPool>(find("vkDestroyCommandPool"))(mDevice, VK_NULL_HANDLE,
-                                                                             nullptr);
-    reinterpret_cast<PFN_vkDestroyRenderPass>(find("vkDestroyRenderPass"))(mDevice, VK_NULL_HANDLE, nullptr);
-    reinterpret_cast<PFN_vkDestroyFramebuffer>(find("vkDestroyFramebuffer"))(mDevice, VK_NULL_HANDLE,
-                                                                             nullptr);
+    if (mSetup.minor == 3) {
+        reinterpret_cast<PFN_vkQueueSubmit2>(find("vkQueueSubmit2"))(mQueue, 0, nullptr, VK_NULL_HANDLE);
+    }
     const std::array<VkCommandBuffer, 2> none = {};
     reinterpret_cast<PFN_vkFreeCommandBuffers>(find("vkFreeCommandBuffers"))(
         mDevice, mPool, static_cast<std::uint32_t>(none.size()), none.data());
@@ -418,6 +467,8 @@ void Client::callWithNulls() const {
     for (const char* const absent : {"vkNoSuchFunction", "vkGetCalibratedTimestampsEXT",
                                      "vkGetPhysicalDeviceCalibrateableTimeDomainsEXT"}) {
         check(find(absent) == nullptr ? VK_SUCCESS : VK_ERROR_UNKNOWN, absent);
+        check(vkGetInstanceProcAddr(VK_NULL_HANDLE, absent) == nullptr ? VK_SUCCESS : VK_ERROR_UNKNOWN,
+              absent);
     }
 }
 

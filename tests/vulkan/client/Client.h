@@ -29,7 +29,8 @@ struct Setup {
     bool isProtected = false;
     bool isShared = false;  ///< made by the call that makes several together
     bool isWaiting = true;  ///< a present waits for a semaphore, rather than the program for its queue
-    std::string chain;      ///< of each present: "regions", or "unknown" for those behind something unknown
+    std::string chain;      ///< of each present: "regions", or "unknown" for those behind something unknown,
+                            ///< which all else carries then too
 };
 
 /// A Vulkan program with windows of 500 by 400. A call that fails where it may not ends the process.
@@ -46,6 +47,9 @@ public:
 
     /// The same after render passes of every kind.
     void presentPasses();
+
+    /// So many frames of each swapchain, in a thread and on a queue of its own.
+    void presentApart(int frames);
 
     /// The windows get that size, and the swapchains are made anew from the old ones.
     void resize(std::uint32_t width, std::uint32_t height);
@@ -74,6 +78,8 @@ private:
         std::vector<VkSemaphore> acquired;
     };
 
+    /// By every structure, so that nobody may choke on it; null unless the setup says so.
+    const void* carried() const;
     void createInstance();
     void createSurface(Target& target);
     void createDevice();
@@ -81,6 +87,7 @@ private:
     void destroySwapchain(Target& target);
     void record(VkCommandBuffer commands, VkImage image) const;
     VkSemaphore createSemaphore();
+    void presentAlone(Target& target, VkQueue queue);
     VkResult acquire(Frame& frame);
     VkResult tryPresent(Frame& frame);
     void finish(Frame& frame);

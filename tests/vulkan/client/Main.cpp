@@ -4,6 +4,7 @@
 //   each in its own thread)
 // and then, one after another:
 //   present N    N frames of one colour
+//   apart N      N frames of each swapchain, each in a thread and on a queue of its own
 //   passes N     N frames with render passes of every kind
 //   resize W H   the windows get that size, and the swapchains are made anew from the old ones
 //   renew        the swapchains are destroyed and made anew
@@ -97,6 +98,8 @@ bool act(Client& client, const Words& words, std::size_t& i) {
                 client.presentPasses();
             }
         }
+    } else if (word == "apart") {
+        client.presentApart(static_cast<int>(number()));
     } else if (word == "resize") {
         const unsigned int width = number();
         client.resize(width, number());

@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstring>
 #include <deque>
+#include <iostream>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -76,7 +77,26 @@ VKAPI_ATTR void VKAPI_CALL getQueue2(VkDevice device, const VkDeviceQueueInfo2* 
     getQueue(device, info->queueFamilyIndex, info->queueIndex, queue);
 }
 
+/// Draws in the render pass that is recorded; the client draws nothing.
+std::atomic<std::uint32_t> gDraws = 0;
+std::atomic<std::uint32_t> gMostDraws = 0;
+
+VKAPI_ATTR void VKAPI_CALL drawIndirect(VkCommandBuffer commands, VkBuffer buffer, VkDeviceSize offset,
+                                        std::uint32_t count, std::uint32_t stride) {
+    gMostDraws = std::max(gMostDraws.load(), gDraws += count);
+    REAL(vkCmdDrawIndirect)(commands, buffer, offset, count, stride);
+}
+
+VKAPI_ATTR void VKAPI_CALL endRenderPass(VkCommandBuffer commands) {
+    gDraws = 0;
+    REAL(vkCmdEndRenderPass)(commands);
+}
+
 VKAPI_ATTR void VKAPI_CALL destroyDevice(VkDevice device, const VkAllocationCallbacks* allocator) {
+    if (has("count")) {
+        std::cout << "presents " << presents() << ", submissions " << gSubmissions << ", most draws "
+                  << gMostDraws << ", made when warm " << made() << '\n';
+    }
     {
         const std::lock_guard<std::mutex> lock(gMutex);
         for (auto each = gByPlace.begin(); each != gByPlace.end();) {
@@ -153,6 +173,8 @@ PFN_vkVoidFunction findQueueHook(const char* name) {
                           HOOK(vkGetPhysicalDeviceQueueFamilyProperties2KHR, getFamilies2),
                           HOOK(vkGetDeviceQueue, getQueue),
                           HOOK(vkGetDeviceQueue2, getQueue2),
+                          HOOK(vkCmdDrawIndirect, drawIndirect),
+                          HOOK(vkCmdEndRenderPass, endRenderPass),
                           HOOK(vkDestroyDevice, destroyDevice),
                           HOOK(vkCreateCommandPool, createPool),
                           HOOK(vkQueueSubmit, queueSubmit),

@@ -8,6 +8,8 @@
 
 /// A driver for tests: Mesa's software driver, and in front of it what that lacks. STAND_IN in the
 /// environment names, with blanks between, what is to be so besides:
+///   count             what was presented, submitted, drawn and made is printed when a device goes
+///   strict            a swapchain may be copied to and nothing else, though the surface says otherwise
 ///   unseen            what is presented to a window is not shown there either, so that it can be shot
 ///   plain             images of swapchains can only be copied to
 ///   shot=N:FILE       the N-th picture that is presented is written (see Swapchains.h)
@@ -69,6 +71,10 @@ void loseDevice();
 
 /// The software driver's queue behind one of ours.
 VkQueue realQueue(VkQueue queue);
+
+/// So far; and what has been made since enough of them that nothing more should be.
+std::uint32_t presents();
+std::uint32_t made();
 
 /// Counting for "refuse" begins.
 void beginRefusing();

@@ -317,6 +317,11 @@ VKAPI_ATTR VkResult VKAPI_CALL queuePresent(VkQueue queue, const VkPresentInfoKH
 
 }  // namespace
 
+std::uint32_t presents() {
+    const std::lock_guard<std::mutex> lock(gSetsMutex);
+    return gPresents;
+}
+
 PFN_vkVoidFunction findSwapchainHook(const char* name) {
     const Hook hooks[] = {HOOK(vkCreateHeadlessSurfaceEXT, createSurface),
                           HOOK(vkDestroySurfaceKHR, destroySurface),
