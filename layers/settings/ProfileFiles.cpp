@@ -20,6 +20,10 @@ std::string absolutePath(const char* variable) {
     return value == nullptr || value[0] != '/' ? std::string() : std::string(value);
 }
 
+std::string pathIn(const std::string& folder, const std::string& name) {
+    return folder + '/' + name + std::string(ENDING);
+}
+
 }  // namespace
 
 std::string profileFolder() {
@@ -32,7 +36,7 @@ std::string profileFolder() {
 }
 
 std::string profilePath(const std::string& name) {
-    return name.find('/') == std::string::npos ? profileFolder() + '/' + name + std::string(ENDING) : name;
+    return name.find('/') == std::string::npos ? pathIn(profileFolder(), name) : name;
 }
 
 std::vector<std::string> profileNames() {
@@ -88,14 +92,14 @@ bool readProfile(const std::string& path, ProgramProfiles& all) {
     return true;
 }
 
-ProgramProfiles readProfiles(const std::vector<std::string>& names) {
+ProgramProfiles readProfiles(const std::vector<std::string>& names, const std::string& folder) {
     ProgramProfiles all;
-    if (profileFolder().empty()) {
+    if (folder.empty()) {
         return all;
     }
-    readProfile(profilePath(DEFAULT_PROFILE), all);
+    readProfile(pathIn(folder, DEFAULT_PROFILE), all);
     for (const std::string& name : names) {
-        if (name != DEFAULT_PROFILE && readProfile(profilePath(name), all)) {
+        if (name != DEFAULT_PROFILE && readProfile(pathIn(folder, name), all)) {
             break;
         }
     }

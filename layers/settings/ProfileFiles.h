@@ -37,7 +37,8 @@ std::string profileFileError(int error);
 bool readProfile(const std::string& path, ProgramProfiles& all);
 
 /// Reads the profiles for a program that may have these names (see ProgramNames.h); the first one for which
-/// there is a file counts.
-ProgramProfiles readProfiles(const std::vector<std::string>& names);
+/// there is a file counts. With a folder that was asked for before, any thread.
+ProgramProfiles readProfiles(const std::vector<std::string>& names,
+                             const std::string& folder = profileFolder());
 
 }  // namespace control

@@ -8,8 +8,6 @@
 #include <string>
 #include <system_error>
 
-#include "io/EscapedText.h"
-#include "io/PlainFile.h"
 #include "io/WriteSignalsBlocked.h"
 #include "properties/PropertyWriter.h"
 #include "properties/RuntimeDirectory.h"
@@ -38,18 +36,10 @@ void removeEnded(const std::string& directory) {
 }
 
 /// Returns what went wrong, in plain words.
-std::string fill(const std::string& folder, const OwnProperties& properties) {
-    std::string begin;
-    for (const auto& [name, text] : properties) {
-        begin += name + ' ' + escapeText(text) + '\n';
-    }
-    for (const auto& [name, text] : {std::pair{OWN_MARKER, std::string()}, {INITIAL_PROPERTIES, begin}}) {
-        const int failure = replaceFile(folder + name, text);
-        if (failure != 0) {
-            return "cannot write " + folder + name + ": " + plainFileError(failure);
-        }
-    }
-    std::string error = openOverlayClaim(folder);
+std::string fill(const std::string& folder, const PropertyTexts& properties) {
+    std::string error = writePropertyTexts(folder + OWN_MARKER, {});
+    error = error.empty() ? writePropertyTexts(folder + INITIAL_PROPERTIES, properties) : error;
+    error = error.empty() ? openOverlayClaim(folder) : error;
     if (error.empty()) {
         PropertyWriter writer(folder);
         for (const auto& [name, text] : properties) {
@@ -63,26 +53,27 @@ std::string fill(const std::string& folder, const OwnProperties& properties) {
 
 }  // namespace
 
-void beginOwnRun(OwnProperties (*readProperties)()) {
+bool canBeginOwnRun() {
+    std::string error;
+    const std::string* const directory = ownRuntimeDirectory(error);
+    return directory != nullptr && runProcess(*directory) == 0;
+}
+
+std::string beginOwnRun(const PropertyTexts& properties) {
     const WriteSignalsBlocked blocked;
     std::string error;
     try {
         const std::string* const directory = ownRuntimeDirectory(error);
         if (directory == nullptr || runProcess(*directory) != 0) {
-            return;
+            return {};
         }
         removeEnded(*directory);
-        OwnProperties all = {{"debug.kordanix.status", "true"}};
-        if (readProperties != nullptr) {
-            const OwnProperties more = readProperties();
-            all.insert(all.end(), more.begin(), more.end());
-        }
-        const std::string folder = makeRunFolder(*directory, error);
+        std::string folder = makeRunFolder(*directory, error);
         if (!folder.empty()) {
-            error = fill(folder, all);
+            error = fill(folder, properties);
             if (error.empty()) {
                 useRuntimeDirectory(folder);
-                return;
+                return folder;
             }
             removeEndedRun(folder);
         }
@@ -90,6 +81,7 @@ void beginOwnRun(OwnProperties (*readProperties)()) {
         error = failure.what();
     }
     __android_log_print(ANDROID_LOG_ERROR, "Ostra", "Properties of this program's own: %s", error.c_str());
+    return {};
 }
 
 }  // namespace platform

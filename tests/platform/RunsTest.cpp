@@ -161,19 +161,14 @@ TEST(OwnRunTest, IsBegunOnceWithItsOwnProperties) {
     }
     const support::TemporaryDirectory directory;
     changeRuntimeDirectory(directory.path());
-    static int asked = 0;
-    const auto readProperties = []() -> OwnProperties {
-        ++asked;
-        return {{"debug.kordanix.scale", " 1.2"}};
-    };
-    beginOwnRun(readProperties);
-    beginOwnRun(readProperties);
-    EXPECT_EQ(asked, 1);
+    EXPECT_TRUE(canBeginOwnRun());
+    const std::string folder = beginOwnRun({{"debug.kordanix.scale", " 1.2"}});
     std::string error;
-    const std::string folder = *ownRuntimeDirectory(error);
+    EXPECT_EQ(folder, *ownRuntimeDirectory(error));
+    EXPECT_FALSE(canBeginOwnRun());
+    EXPECT_EQ(beginOwnRun({}), "");
     EXPECT_EQ(fs::path(folder).parent_path(), directory.path());
     EXPECT_TRUE(isRunFolder(folder));
-    EXPECT_EQ(PropertyWriter(folder).value("debug.kordanix.status"), "true");
     EXPECT_EQ(PropertyWriter(folder).value("debug.kordanix.scale"), " 1.2");
     EXPECT_THAT(support::readFile(folder + INITIAL_PROPERTIES), testing::HasSubstr("scale \\x201.2\n"));
     EXPECT_EQ(claimOverlay("program", 1), Claim::OWN);

@@ -130,11 +130,14 @@ TEST(VulkanPrograms, HaveTheirProfileAlsoWithoutALauncher) {
     ASSERT_TRUE(home.shell("mkdir kordanix; printf 'scale 1.5\\nscal 1\\n' >kordanix/vulkan_client.conf"));
     const auto outcome = support::run(
         {"sh", "-c",
-         "'" CLIENT
-         "' present 100000 & for i in $(seq 100); do \"$CTL\" --process $! get scale | grep 1.5 && break; "
-         "sleep 0.1; done; kill $!"},
+         "shows() { for i in $(seq 100); do \"$CTL\" --process $! get $1 | grep \"$2\" && break; sleep 0.1; "
+         "done; }; '" CLIENT
+         "' present 100000 & shows scale 1.5; \"$CTL\" --process $! set widget_memory on; "
+         "printf 'scale 1.2\\nwidget_memory 0' >$XDG_CONFIG_HOME/kordanix/default.conf; "
+         "printf widget_cpu_gpu=on >$XDG_CONFIG_HOME/kordanix/vulkan_client.conf; shows scale 1.2; "
+         "shows widget_memory true; kill $!"},
         variables);
-    EXPECT_EQ(outcome.out, "1.5\n");
+    EXPECT_EQ(outcome.out, "1.5\n1.2\ntrue\n");
     EXPECT_THAT(outcome.err, testing::HasSubstr(
                                  "vulkan_client.conf:2: there is no property 'scal'; did you mean 'scale'?"));
 }

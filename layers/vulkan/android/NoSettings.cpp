@@ -2,9 +2,7 @@
 
 namespace vulkan {
 
-/// An application has no profiles of a user.
-platform::OwnProperties programSettings() {
-    return {};
-}
+/// An application has neither runs nor a user's profiles.
+void beginProgramsRun() {}
 
 }  // namespace vulkan

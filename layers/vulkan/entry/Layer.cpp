@@ -12,7 +12,6 @@
 #include "entry/LibraryFrame.h"
 #include "entry/SurfaceSize.h"
 #include "ostra/PictureRequest.h"
-#include "runs/OwnRun.h"
 #include "utils/Log.h"
 #include "vulkan/entry/ProgramSettings.h"
 
@@ -129,7 +128,7 @@ Obstacle Layer::draw(const Present& present, VkSemaphore& drawn) {
 Obstacle Layer::beginFrame() {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (!std::exchange(mHasRun, true)) {
-        platform::beginOwnRun(programSettings);
+        beginProgramsRun();
     }
     return entry::beginFrame(mOverlay, mRight, nullptr, true, mIsInFrame);
 }

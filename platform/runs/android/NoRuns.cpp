@@ -1,6 +1,5 @@
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
-#include "runs/OwnRun.h"
 
 // Nobody starts an Android application by 'run': the properties alone say which process shows the overlay.
 namespace platform {
@@ -10,7 +9,5 @@ Claim claimOverlay(const std::string& /*processName*/, std::int32_t /*api*/) {
 }
 
 void writeOverlayNote(const OverlayNote& /*note*/) {}
-
-void beginOwnRun(OwnProperties (* /*readProperties*/)()) {}
 
 }  // namespace platform

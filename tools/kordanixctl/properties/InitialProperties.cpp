@@ -14,15 +14,6 @@ constexpr const char* BEGIN_FILE = platform::INITIAL_PROPERTIES;
 constexpr const char* DEFAULT_FILE = "/properties.default";
 constexpr std::size_t SIZE_MAX_BYTES = std::size_t{1} << 20U;
 
-std::string writeTexts(const std::string& path, const PropertyTexts& texts) {
-    std::string lines;
-    for (const auto& [name, text] : texts) {
-        lines += name + ' ' + platform::escapeText(text) + '\n';
-    }
-    const int error = platform::replaceFile(path, lines);
-    return error == 0 ? std::string() : "cannot write " + path + ": " + platform::plainFileError(error);
-}
-
 std::optional<PropertyTexts> readTexts(const std::string& path) {
     std::string bytes;
     if (platform::readPlainFile(path, bytes, SIZE_MAX_BYTES) != 0) {
@@ -43,8 +34,8 @@ std::optional<PropertyTexts> readTexts(const std::string& path) {
 }  // namespace
 
 std::string writeInitialProperties(const std::string& folder, const RunSettings& settings) {
-    std::string error = writeTexts(folder + DEFAULT_FILE, settings.withoutPreset());
-    return error.empty() ? writeTexts(folder + BEGIN_FILE, settings.all()) : error;
+    std::string error = platform::writePropertyTexts(folder + DEFAULT_FILE, settings.withoutPreset());
+    return error.empty() ? platform::writePropertyTexts(folder + BEGIN_FILE, settings.all()) : error;
 }
 
 std::optional<PropertyTexts> readInitialProperties(const std::string& folder) {

@@ -1,15 +1,12 @@
 #pragma once
 
 #include "settings/ProfileFiles.h"
+#include "settings/RunProperties.h"
 
-#include <map>
 #include <string>
 #include <vector>
 
 namespace control {
-
-/// Properties by their full names.
-using PropertyTexts = std::map<std::string, std::string>;
 
 /// What a run's properties begin with, and where that comes from. Of several that set one property the later
 /// counts: what every run has, the default profile, the program's own profile, the preset, --set.

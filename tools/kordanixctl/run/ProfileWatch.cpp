@@ -3,11 +3,9 @@
 #include "Diagnostic.h"
 #include "io/WriteSignalsBlocked.h"
 #include "properties/InitialProperties.h"
-#include "properties/PropertyWriter.h"
 #include "runs/OverlayClaim.h"
 #include "settings/ProgramNames.h"
-#include "settings/Properties.h"
-#include "settings/PropertyTable.h"
+#include "settings/RunProperties.h"
 
 #include <sys/inotify.h>
 #include <unistd.h>
@@ -24,11 +22,6 @@ namespace {
 constexpr std::uint32_t COMES = IN_CREATE | IN_MOVED_TO;
 constexpr std::uint32_t CHANGES = IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
 constexpr std::uint32_t GOES = IN_DELETE_SELF | IN_MOVE_SELF;
-
-std::string textOf(const PropertyTexts& texts, const std::string& name) {
-    const auto found = texts.find(name);
-    return found == texts.end() ? std::string() : found->second;
-}
 
 }  // namespace
 
@@ -132,29 +125,13 @@ void ProfileWatch::update() {
     if (texts == mTexts) {
         return;
     }
-    const std::string error = write(texts);
+    std::string error = changeBeginning(mFolder, mTexts, texts);
+    error = error.empty() ? writeInitialProperties(mFolder, mSettings) : error;
     if (error.empty()) {
         mTexts = std::move(texts);
     } else {
         printDiagnostic("the changed profile has no effect: " + error, mErr);
     }
-}
-
-/// Returns what went wrong, in plain words.
-std::string ProfileWatch::write(const PropertyTexts& texts) {
-    PropertyTexts all = texts;
-    all.insert(mTexts.begin(), mTexts.end());
-    platform::PropertyWriter writer(mFolder);
-    for (const auto& [name, either] : all) {
-        const std::string before = textOf(mTexts, name);
-        const std::string now = textOf(texts, name);
-        if (now != before && writer.value(name) == before) {
-            writer.set(name, now);
-        }
-    }
-    writer.set(std::string(GENERATION_NAME), generationAfter(writer.value(std::string(GENERATION_NAME))));
-    std::string error = writer.commit();
-    return error.empty() ? writeInitialProperties(mFolder, mSettings) : error;
 }
 
 }  // namespace control

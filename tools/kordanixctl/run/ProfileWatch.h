@@ -30,7 +30,6 @@ private:
     void watch();
     bool followProgram();
     void update();
-    std::string write(const PropertyTexts& texts);
 
     std::string mFolder;
     RunSettings mSettings;
