@@ -41,6 +41,9 @@ std::string_view withoutComment(std::string_view line) {
 /// Returns what is wrong with the line, or an empty text.
 std::string readLine(const ProfileLine& line, Assignment& assignment) {
     const std::string name(line.name);
+    if (name == "preset") {
+        return "a profile has no presets: 'run --preset' begins with one, and 'kordanixctl save' writes what one shows";
+    }
     const Property* const property = findProperty(name);
     const bool isWhere =
         property != nullptr && (property->type == PropertyType::GENERATION || property->shortName == "api" ||

@@ -130,18 +130,21 @@ TEST_F(RunKeys, AreNotListenedToWhenTheyAreOff) {
     const struct {
         const char* options;
         const char* profile;
+        const char* later;  ///< what is done then
         const char* children;
-    } cases[] = {{"", "", "kordanix-keys sleep "},
-                 {"--no-keys", "", "sleep "},
-                 {"--set keys=off", "", "sleep "},
-                 {"", "keys = off", "sleep "},
-                 {"--set keys=on", "keys = off", "kordanix-keys sleep "}};
+    } cases[] = {{"", "", ":", "kordanix-keys sleep "},
+                 {"--no-keys", "", ":", "sleep "},
+                 {"--set keys=off", "", ":", "sleep "},
+                 {"", "keys = off", ":", "sleep "},
+                 {"", "keys = off", "sleep .3; : >config/kordanix/default.conf", "kordanix-keys sleep "},
+                 {"--no-keys", "", "until $CTL set keys on; do sleep .1; done", "kordanix-keys sleep "},
+                 {"--set keys=on", "keys = off", ":", "kordanix-keys sleep "}};
     std::filesystem::create_directories(mHome.path("config/kordanix"));
-    for (const auto& [options, profile, children] : cases) {
+    for (const auto& [options, profile, later, children] : cases) {
         std::ofstream(mHome.path("config/kordanix/default.conf")) << profile << '\n';
         const support::Outcome outcome =
-            run(std::string("$CTL run ") + options +
-                " sleep 60 & for i in $(seq 100); do sleep 0.05; found=$(ps -o comm= --ppid $! | sort | tr "
+            run(std::string("$CTL run ") + options + " sleep 60 & " + later +
+                "; for i in $(seq 100); do sleep 0.05; found=$(ps -o comm= --ppid $! | sort | tr "
                 "'\\n' ' '); [ \"$found\" = '" +
                 children + "' ] && break; done; echo \"$found\"; kill $!");
         EXPECT_EQ(outcome.out, std::string(children) + '\n') << options << profile;

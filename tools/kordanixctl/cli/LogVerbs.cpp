@@ -36,13 +36,15 @@ void addLog(CLI::App& app, Invocation& invocation) {
         verb->add_option("--last", options->last,
                          "Save the frames of the last SECONDS instead, of which there are always some 60")
             ->type_name("SECONDS")
-            ->check(isSeconds())
-            ->excludes(word);
+            ->check(isSeconds());
     verb->footer(
         "A log is a table with a row for each frame, in ~/.local/share/kordanix/logs or where 'run --log' "
         "said. "
         "When it ends, its figures are printed.");
     verb->callback([=, &invocation] {
+        if (word->count() > 0 && last->count() > 0) {
+            throw CLI::ParseError("--last neither starts nor stops a log", USAGE_ERROR);
+        }
         platform::LogRequest request;
         request.kind = options->word == "start"  ? Kind::START
                        : options->word == "stop" ? Kind::STOP
@@ -66,7 +68,17 @@ void addCompare(CLI::App& app, Invocation& invocation) {
     const char* const what = "A log, or a folder with logs: then its newest";
     verb->add_option("A", options->first, what)->type_name("")->required();
     verb->add_option("B", options->second, what)->type_name("")->required();
-    verb->add_option("OUT.html", options->page, "Page to write or replace")->type_name("");
+    verb->add_option("OUT.html", options->page, "Page to write or replace")
+        ->type_name("")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                const std::size_t dot = text.rfind('.');
+                const std::string ending = dot == std::string::npos ? std::string() : text.substr(dot);
+                return ending == ".html" || ending == ".htm" || text.rfind("/dev/", 0) == 0
+                           ? std::string()
+                           : "'" + text + "' does not end in .html, as a page does; two logs are compared at a time";
+            },
+            ""));
     CLI::Option* const slower =
         verb->add_option(
                 "--fail-if-slower", *limit,

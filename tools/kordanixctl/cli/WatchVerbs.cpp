@@ -21,12 +21,10 @@ void addWatch(CLI::App& app, Invocation& invocation) {
     const auto options = std::make_shared<Options>();
     CLI::App* const verb = addVerb(
         app, "watch", "Show a running program's figures on the whole terminal, with keys for the switches");
-    CLI::Option* const json =
-        verb->add_flag("--json", options->isJson,
-                       "Print all figures and the new frames' times instead, a JSON object a line");
+    verb->add_flag("--json", options->isJson,
+                   "Print all figures and the new frames' times instead, a JSON object a line");
     verb->add_flag("--properties", options->isProperties,
-                   "Print properties as they change instead, until Ctrl-C")
-        ->excludes(json);
+                   "Print properties as they change instead, until Ctrl-C");
     verb->add_option("--count", options->limits.count, "Stop after so many lines")
         ->type_name("N")
         ->check(isCount());
@@ -34,6 +32,10 @@ void addWatch(CLI::App& app, Invocation& invocation) {
         ->type_name("SECONDS")
         ->check(isSeconds());
     verb->callback([=, &invocation] {
+        if (options->isJson && options->isProperties) {
+            throw CLI::ParseError("--json prints figures, and --properties properties: one of them at a time",
+                                  USAGE_ERROR);
+        }
         const bool isLimited = verb->count("--count") + verb->count("--seconds") != 0;
         if (isLimited && !options->isJson && !options->isProperties) {
             throw CLI::ParseError("--count and --seconds are for --json and --properties", USAGE_ERROR);

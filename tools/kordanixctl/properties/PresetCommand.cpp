@@ -17,6 +17,10 @@ ExitCode switchPreset(const std::string& name, std::ostream& out, std::ostream& 
     if (!wrong.empty()) {
         return fail(wrong, err, USAGE_ERROR);
     }
+    const ChosenOverlays listening = chooseListeners(process);
+    if (!listening.error.empty() && OverlayState(listening.directory).processes().empty()) {
+        return fail(listening.error, err);
+    }
     const std::string chosen =
         name.empty() ? presetAfter(readProperty(PRESET_PROPERTY).value_or(std::string())) : name;
     const PropertyTexts base = readDefaultProperties(platform::openRuntimeDirectory().path);

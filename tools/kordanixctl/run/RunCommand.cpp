@@ -2,7 +2,7 @@
 
 #include "Diagnostic.h"
 #include "io/WriteSignalsBlocked.h"
-#include "keys/RunKeys.h"
+#include "keys/KeysWatch.h"
 #include "processes/ProcessInfo.h"
 #include "processes/RunDirectories.h"
 #include "properties/InitialProperties.h"
@@ -179,10 +179,10 @@ ExitCode runProgram(const RunOptions& options, const std::vector<std::string>& w
         printDiagnostic(wrong, err);
     }
     keepLog(folder);
-    SideProcess keys = areKeysOn() ? listenForRun(folder, hold) : SideProcess();
+    KeysWatch keys(folder, hold);
     ProfileWatch profiles(folder, std::move(settings), names, err);
-    const ProgramEnd end = superviseProgram(words, {&profiles, &log});
-    const std::string told = keys.finish(std::chrono::milliseconds(0));
+    const ProgramEnd end = superviseProgram(words, {&profiles, &keys, &log});
+    const std::string told = keys.finish();
     const std::string reason = end.startError == 0 ? notShownReason(folder, kind.obstacle) : std::string();
     std::optional<ExitCode> judged;
     if (end.startError == 0) {
