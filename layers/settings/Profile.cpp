@@ -42,7 +42,8 @@ std::string_view withoutComment(std::string_view line) {
 std::string readLine(const ProfileLine& line, Assignment& assignment) {
     const std::string name(line.name);
     if (name == "preset") {
-        return "a profile has no presets: 'run --preset' begins with one, and 'kordanixctl save' writes what one shows";
+        return "a profile has no presets: 'run --preset' begins with one, and 'kordanixctl save' writes what "
+               "one shows";
     }
     const Property* const property = findProperty(name);
     const bool isWhere =

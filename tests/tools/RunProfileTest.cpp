@@ -60,6 +60,11 @@ TEST_F(RunProfile, ProfilesAreUsedSavedListedAndChecked) {
          0, "false\ndefault\ntrue\nfull\ntrue\ndefault\n"},
         {"$CTL run --preset big ls", 2, "there is no preset 'big'; expected small, default or full"},
         {"$CTL preset big", 2, "there is no preset 'big'"},
+        {"$CTL preset small", 1, "no overlay is running"},
+        {"$CTL profile list game", 2, "'profile list' lists all; it takes no name"},
+        {"echo preset small >config/kordanix/p.conf; $CTL profile check p; s=$?; rm config/kordanix/p.conf; "
+         "exit $s",
+         1, "p.conf:1: a profile has no presets: 'run --preset' begins with one"},
         {"$CTL save config", 0, "/config.conf"},
         {"echo 'scale 1.2' >config/kordanix/kept.conf; $CTL save kept; s=$?; cat config/kordanix/kept.conf; "
          "exit $s",

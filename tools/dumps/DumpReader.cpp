@@ -38,8 +38,8 @@ std::string readFrames(const std::string& path, Dump& dump) {
         error = parseFrames(text, dump);
     }
     if (error.empty() && dump.frames.empty()) {
-        error = dump.skippedRows > 0 ? "it has no frames, only malformed rows (" + std::to_string(dump.skippedRows) +
-                                           "), the first in line 2"
+        error = dump.skippedRows > 0 ? "it has no frames, only malformed rows (" +
+                                           std::to_string(dump.skippedRows) + "), the first in line 2"
                                      : "it is empty, without a whole frame";
     }
     return error.empty() ? error : path + ": " + error;

@@ -76,7 +76,8 @@ void addCompare(CLI::App& app, Invocation& invocation) {
                 const std::string ending = dot == std::string::npos ? std::string() : text.substr(dot);
                 return ending == ".html" || ending == ".htm" || text.rfind("/dev/", 0) == 0
                            ? std::string()
-                           : "'" + text + "' does not end in .html, as a page does; two logs are compared at a time";
+                           : "'" + text +
+                                 "' does not end in .html, as a page does; two logs are compared at a time";
             },
             ""));
     CLI::Option* const slower =

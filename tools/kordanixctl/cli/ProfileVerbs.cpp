@@ -58,6 +58,9 @@ void addProfile(CLI::App& app, Invocation& invocation) {
         ->type_name("");
     verb->footer(FILES);
     verb->callback([=, &invocation] {
+        if (options->action == "list" && !options->name.empty()) {
+            throw CLI::ParseError("'profile list' lists all; it takes no name", USAGE_ERROR);
+        }
         invocation.address = Invocation::Address::NONE;
         invocation.action = [=] {
             return options->action == "list"   ? listProfiles(std::cout, std::cerr)

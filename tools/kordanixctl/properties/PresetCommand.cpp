@@ -1,10 +1,13 @@
 #include "properties/PresetCommand.h"
 
 #include "Diagnostic.h"
+#include "overlays/ChosenOverlays.h"
+#include "overlays/OverlayState.h"
 #include "properties/InitialProperties.h"
 #include "properties/Notices.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
+#include "runs/RunFolder.h"
 #include "settings/Presets.h"
 #include "settings/Properties.h"
 
@@ -17,8 +20,9 @@ ExitCode switchPreset(const std::string& name, std::ostream& out, std::ostream& 
     if (!wrong.empty()) {
         return fail(wrong, err, USAGE_ERROR);
     }
-    const ChosenOverlays listening = chooseListeners(process);
-    if (!listening.error.empty() && OverlayState(listening.directory).processes().empty()) {
+    const ChosenOverlays listening = chooseListeners(std::nullopt);
+    const bool isRun = platform::runProcess(listening.directory) != 0;
+    if (!isRun && !listening.error.empty() && OverlayState(listening.directory).processes().empty()) {
         return fail(listening.error, err);
     }
     const std::string chosen =
