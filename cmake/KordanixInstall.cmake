@@ -22,10 +22,9 @@
 # goes into 32-bit programs installs the libraries, lib/kordanix and a manifest: in the $LIB of those for lib.
 #
 # On Android the library and its headers alone: a layer there is built by the NDK's or the platform's own rules.
-# Takes away what the last `cmake --install` of this build folder has put in place.
+# Takes away what the last `cmake --install` of this build folder, or of each component, has put in place.
 add_custom_target(uninstall
-  COMMAND ${CMAKE_COMMAND} -DMANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
-    -P ${PROJECT_SOURCE_DIR}/cmake/KordanixUninstall.cmake
+  COMMAND ${CMAKE_COMMAND} -DFOLDER=${PROJECT_BINARY_DIR} -P ${PROJECT_SOURCE_DIR}/cmake/KordanixUninstall.cmake
   VERBATIM)
 
 if(KORDANIX_LINKERS_LIB)
@@ -108,13 +107,19 @@ install(FILES ${PROJECT_BINARY_DIR}/KordanixCoreConfig.cmake ${PROJECT_BINARY_DI
   DESTINATION ${package_folder} COMPONENT development)
 
 file(RELATIVE_PATH pkgconfig_to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+# From the prefix, also where they are given as absolute paths.
+file(RELATIVE_PATH prefix_to_lib ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_LIBDIR})
+file(RELATIVE_PATH prefix_to_include ${CMAKE_INSTALL_PREFIX} ${CMAKE_INSTALL_FULL_INCLUDEDIR})
 list(TRANSFORM CMAKE_DL_LIBS PREPEND -l OUTPUT_VARIABLE scene_libraries)
 foreach(name kordanix-core kordanix-scene)
   configure_file(cmake/${name}.pc.in ${name}.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/${name}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endforeach()
 
-# What to read. README.md points into docs/.
-install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT overlay)
+# What to read: README.md, and what it and docs/ point to.
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT overlay)
+foreach(layer gles opengl vulkan)
+  install(FILES layers/${layer}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/layers/${layer} COMPONENT overlay)
+endforeach()
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT overlay)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)

@@ -1,11 +1,17 @@
-# Usage: cmake -DMANIFEST=FILE -P KordanixUninstall.cmake
-# Removes the files that an installation's manifest names, below DESTDIR if that is set, and then the folders that
-# became empty by it. Files that are gone already are no failure; the manifest goes last, so that a run that fails
-# may be repeated.
-if(NOT EXISTS ${MANIFEST})
-  message(FATAL_ERROR "Nothing is installed from this build folder: there is no ${MANIFEST}")
+# Usage: cmake -DFOLDER=BUILD -P KordanixUninstall.cmake
+# Removes the files that a build folder's manifests of installations name, below DESTDIR if that is set, and then the
+# folders that became empty by it. Files that are gone already are no failure; the manifests go last, so that a run that
+# fails may be repeated.
+file(GLOB manifests "${FOLDER}/install_manifest*.txt")
+if(NOT manifests)
+  message(FATAL_ERROR "Nothing is installed from this build folder: there is no ${FOLDER}/install_manifest.txt")
 endif()
-file(STRINGS ${MANIFEST} files)
+set(files "")
+foreach(manifest IN LISTS manifests)
+  file(STRINGS ${manifest} named)
+  list(APPEND files ${named})
+endforeach()
+list(REMOVE_DUPLICATES files)
 set(folders "")
 foreach(name IN LISTS files)
   set(file "$ENV{DESTDIR}${name}")
@@ -32,4 +38,4 @@ foreach(folder IN LISTS folders)
     get_filename_component(folder "${folder}" DIRECTORY)
   endwhile()
 endforeach()
-file(REMOVE ${MANIFEST})
+file(REMOVE ${manifests})

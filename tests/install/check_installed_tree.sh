@@ -103,6 +103,14 @@ done
 ran=$("$prefix/bin/kordanixctl" run -- sh -c 'echo "$LD_PRELOAD"' 2>"$work/log") || fail "$(cat "$work/log")"
 [ "$ran" = "$lib/kordanix/libkordanix-preload.so" ] || fail "A program is started with $ran"
 
+# The pages' links lead somewhere.
+lost=$(cd "$prefix/share/doc/kordanix" && for page in README.md docs/*.md; do
+    grep -oE '\]\([^)#: ]+' "$page" | cut -c3- | while read -r link; do
+        [ -e "${page%/*}/$link" ] || [ -e "$link" ] || echo "$page: $link"
+    done
+done)
+[ -z "$lost" ] || fail "Links into the void:" "$lost"
+
 # The demo finds its devices.
 "$prefix/bin/kordanix-demo" --private --fixed-step --device mali-b31 --size 370x180 --seconds 1 --png "$work/out.png" \
     >"$work/log" 2>&1 || fail "$(cat "$work/log")"
@@ -114,7 +122,10 @@ readelf -d "$lib/libKordanixCore.so" | grep -qE 'SONAME.*libKordanixCore\.so\.[0
 
 # At home, with another prefix than the build was made for. The manual and the completions come along.
 export HOME=$work/home
-"$cmake" --install "$build" --prefix "$HOME/.local" >"$work/install.log" || fail "$(cat "$work/install.log")"
+for component in overlay library development; do
+    "$cmake" --install "$build" --prefix "$HOME/.local" --component $component >"$work/install.log" ||
+        fail "$(cat "$work/install.log")"
+done
 unset XDG_DATA_HOME XDG_CONFIG_HOME XDG_CONFIG_DIRS XDG_DATA_DIRS
 export PATH=$HOME/.local/bin:$PATH
 "$source/tests/install/show_overlay.sh" "$work"

@@ -149,9 +149,11 @@ TEST(CompareCommand, SetsLogsSideBySideAndFailsWhenAsked) {
     std::ofstream(home.path("a.csv")) << makeLog(2000, 10.0, 30.0);
     std::ofstream(home.path("b.csv")) << makeLog(2000, 10.5, 30.0);
     std::ofstream(home.path("few.csv")) << makeLog(1, 10.0, 10.0);
+    std::ofstream(home.path("hundred.csv")) << makeLog(100, 10.0, 10.0);
     std::ofstream(home.path("four.csv")) << makeLog(4, 10.0, 10.0);
     const std::tuple<std::string, std::string, const char*, int, const char*> cases[] = {
         {"a.csv", "four.csv", "3%", 1, "too few frames"},
+        {"a.csv", "hundred.csv", "3%", 1, "too few frames"},
         {"a.csv", "b.csv", "3%", 1, "is slower than"},
         {"a.csv", "b.csv", "5%", 0, ""},
         {"b.csv", "a.csv", "0%", 0, ""},
