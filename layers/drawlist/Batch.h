@@ -60,7 +60,7 @@ struct Clip {
 };
 
 /// The triangles of one drawing, each three vertices. Cut to the clip here, so that a clip needs no drawing
-/// call of its own. Leaves out what is not finite. Keeps its memory from use to use.
+/// call of its own. Skips coordinates that are not finite. Reuses its memory.
 ///
 /// They are in parts, which are drawn one after the other. Within a part the order is that of the calls. A
 /// solid shape belongs to the first part unless it lies on something that was drawn before.

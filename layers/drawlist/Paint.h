@@ -7,7 +7,7 @@
 
 namespace drawlist {
 
-/// A drawing colour; components 0..1, what lies outside is cut, not-a-number counts as 0.
+/// A drawing colour. Clamps its components to 0..1; NaN counts as 0.
 class Paint {
 public:
     explicit Paint(const glm::vec4& color);

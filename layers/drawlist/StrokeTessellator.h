@@ -25,7 +25,7 @@ struct StrokePaint {
 };
 
 /// Turns a line through points into triangles with round joints and ends, which the profile of a stroke in
-/// the glyph texture lies across. Nothing is covered twice. Keeps its memory from use to use.
+/// the glyph texture lies across. Covers nothing twice. Reuses its memory.
 class StrokeTessellator {
 public:
     /// `count` points in surface pixels, `width` that of the surface's lines. Where a point is not finite

@@ -17,8 +17,8 @@ namespace figures {
 /// The values of the figures of the catalogue. A refresh takes all that are wanted; until the next one the
 /// answers stay as they are. What is not wanted costs nothing. Rendering thread only.
 ///
-/// What lies below /sys/kernel/gpu the library's own readers are asked for first, and for everything where a
-/// simulated device is served. The rest is the machine's, as a helper thread reads it.
+/// Asks the library's own readers first for what lies below /sys/kernel/gpu, and for everything when a device
+/// is simulated. A helper thread reads the rest from the machine's files.
 class Metrics {
 public:
     /// Who may be asked.
@@ -71,8 +71,8 @@ private:
     Reading machineValue(sources::Id id) const;
     Reading gpuTimeShare() const;
 
-    // The library's sources, called once a refresh. A negative or infinite number, one with all bits set
-    // and what is no number at all give an empty reading.
+    // The library's sources, called once a refresh. A number that is negative, infinite, NaN or has all bits
+    // set gives an empty reading.
 
     /// See FrameStatistics.
     Reading currentFps();

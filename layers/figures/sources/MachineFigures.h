@@ -61,8 +61,8 @@ public:
     /// another machine any number stands for the process whose files are in it.
     MachineFigures(const FileTree& tree, pid_t process);
 
-    /// From now on reads as a guest in the process: most figures once a second instead of every time, what
-    /// cannot be read and what took long twice seldom, and looks for the device anew only now and then.
+    /// From now on reads as a guest in the process: most figures once a second instead of every time, rarely
+    /// those that cannot be read or were slow twice, and looks for the device again only now and then.
     void beSparing() { mIsSparing = true; }
 
     /// Takes a reading of the figures that are wanted; `now` in seconds, on a clock that does not jump. Rates

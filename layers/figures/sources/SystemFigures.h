@@ -5,10 +5,9 @@
 
 namespace sources {
 
-/// What the system tells an application of the device by other ways than the
-/// kernel's usual files: Android does, elsewhere there is nothing. The build
-/// decides who answers. May wait for another process, so not for the thread
-/// that draws. One thread at a time.
+/// What the system tells an application about the device other than in the kernel's usual files: something on
+/// Android, nothing elsewhere. The build decides who answers. May wait for another process, so do not call it
+/// on the frame thread. One thread at a time.
 class SystemFigures {
 public:
     explicit SystemFigures(const FileTree& tree) : mTree(tree) {}

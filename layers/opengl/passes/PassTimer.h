@@ -17,10 +17,9 @@ namespace opengl {
 /// What a pass is:
 /// - A pass is the time in which one framebuffer stays bound for drawing. Binding it again does not end the
 ///   pass, and neither does binding another one for reading.
-/// - A time below NEGLIGIBLE_NS is no pass: the program drew next to nothing between two bindings (it
-/// prepared
-///   a framebuffer, or bound one and bound the old one back). If the times before and after went to the same
-///   framebuffer, they are one pass.
+/// - A time below NEGLIGIBLE_NS is no pass: the program drew next to nothing between two bindings (it only
+///   prepared a framebuffer, or bound one and then the old one again). If the times before and after went
+///   to the same framebuffer, they are one pass.
 /// - The time before the first change is no pass: a frame ends with the framebuffer that the next one begins
 ///   with, and that stays idle until the program is ready to draw. Without any change it is a pass.
 /// - Framebuffers after the first MAX_STAMPS - 1 count into the last pass.

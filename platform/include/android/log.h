@@ -25,7 +25,6 @@ typedef enum android_LogPriority {
 /// names (verbose, debug, info, warn, error, fatal, silent or their first letters; default info; read at the
 /// first message) are dropped. Writes at most 1023 bytes. Any thread. Returns 1 when it wrote the message, 0
 /// when it dropped it, a negative error number otherwise; keeps errno.
-/// written, 0 when it was filtered, a negative error number otherwise; keeps errno.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((format(printf, 3, 4)));
 
