@@ -40,5 +40,10 @@ for built in "$gles" "$vulkan"; do
         <(nm -D --undefined-only "$built" | awk '{ sub("@.*", "", $2); print $2 }' | sort -u) |
         grep -vE '^__system_property_|^__android_log_print$' || true)
     [ -z "$others" ] || { echo "takes from the host: $others"; exit 1; }
+    readelf -dW "$built" | grep -q NODELETE || { echo "$built may be unloaded"; exit 1; }
+    if readelf -lW "$built" | awk '$1 == "LOAD" && $NF != "0x4000"' | grep .; then
+        echo "$built has segments that do not fit pages of 16 KB"
+        exit 1
+    fi
     grep -q debug.kordanix.command "$built" || { echo "does not know the property of commands"; exit 1; }
 done

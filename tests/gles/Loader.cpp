@@ -170,6 +170,9 @@ Context gContexts[CONTEXTS];
 thread_local Context* gCurrent = nullptr;
 
 void* driversContext(void* handle) {
+    if (handle != nullptr && (handle < std::begin(gContexts) || handle >= std::end(gContexts))) {
+        fail("a layer passed a handle on", "it is not the platform's");
+    }
     return handle != nullptr ? static_cast<Context*>(handle)->drivers.load() : nullptr;
 }
 
@@ -280,6 +283,9 @@ void loadLayer(const std::string& path, Function (&top)[COUNT]) {
     reinterpret_cast<void (*)(void*, Function (*)(void*, const char*))>(initialise)(layer, next);
     for (std::size_t i = 0; i < COUNT; ++i) {
         top[i] = layer->getProcAddress(NAMES[i].text, layer->below[i]);
+        if (top[i] == nullptr) {
+            fail("a layer has no function for a name", NAMES[i].text);
+        }
     }
 }
 

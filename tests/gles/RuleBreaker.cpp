@@ -21,6 +21,36 @@ void callPublic(const char* name, Arguments... arguments) {
     reinterpret_cast<void* (*)(Arguments...)>(dlsym(RTLD_DEFAULT, name))(arguments...);
 }
 
+/// The function below the layer.
+template <typename... Arguments>
+unsigned int callNext(const char* name, Arguments... arguments) {
+    return reinterpret_cast<unsigned int (*)(Arguments...)>(gNext(gLayer, name))(arguments...);
+}
+
+unsigned int makeCurrent(void* display, void* draw, void* read, void* /*context*/) {
+    return callNext("eglMakeCurrent", display, draw, read, static_cast<void*>(&gLayer));
+}
+
+unsigned int setRegion(void* display, void* surface, int* rects, int count) {
+    callNext("eglSetDamageRegionKHR", display, surface, rects, count);
+    return callNext("eglSetDamageRegionKHR", display, surface, rects, count);
+}
+
+unsigned int swap(void* display, void* surface) {
+    callNext("glDispatchCompute", 0U, 0U, 0U);
+    return callNext("eglSwapBuffers", display, surface);
+}
+
+/// What a rule's breaker puts in the place of a function.
+const struct {
+    const char* rule;
+    const char* name;
+    void* function;
+} REPLACEMENTS[] = {{"handle", "eglMakeCurrent", reinterpret_cast<void*>(makeCurrent)},
+                    {"region", "eglSetDamageRegionKHR", reinterpret_cast<void*>(setRegion)},
+                    {"missing", "eglSwapBuffers", reinterpret_cast<void*>(swap)},
+                    {"null", "glEnable", nullptr}};
+
 }  // namespace
 
 #define EXPORT extern "C" [[gnu::visibility("default")]]
@@ -39,6 +69,11 @@ EXPORT void* AndroidGLESLayer_GetProcAddress(const char* name, void* next) {
     }
     if (breaks("waits") && std::strcmp(name, "eglSwapBuffersWithDamageEXT") == 0) {
         callPublic("eglGetProcAddress", "eglSwapBuffersWithDamageKHR");
+    }
+    for (const auto& each : REPLACEMENTS) {
+        if (breaks(each.rule) && std::strcmp(name, each.name) == 0) {
+            return each.function;
+        }
     }
     return next;
 }
