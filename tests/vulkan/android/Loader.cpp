@@ -1,13 +1,15 @@
 // Android's Vulkan loader with one layer, played: a libvulkan for programs that are not changed. The layer is
-// the file that LAYER names, below it is the driver that DRIVER names. Ends the process when the layer breaks
-// a rule.
+// the first libVkLayer*.so in the folder LAYERS, below it is the driver that DRIVER names. Ends the process
+// when the layer breaks a rule.
 
 #include <dlfcn.h>
+#include <glob.h>
 #include <vulkan/vk_layer.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <iostream>
+#include <string>
 
 namespace {
 
@@ -16,8 +18,8 @@ PFN_vkGetDeviceProcAddr gLayerOfDevice = nullptr;
 PFN_vkGetInstanceProcAddr gDriver = nullptr;
 
 [[noreturn]] void fail(const char* what) {
-    std::cerr << "the layer and Android's loader: " << what << '\n';
-    std::exit(3);  // NOLINT(concurrency-mt-unsafe): it is over
+    std::fprintf(stderr, "the layer and Android's loader: %s\n", what);
+    std::_Exit(3);  // the program has not begun
 }
 
 template <typename Function>
@@ -29,18 +31,38 @@ Function find(void* library, const char* name) {
     return function;
 }
 
-void* open(const char* variable) {
-    void* const library =
-        dlopen(std::getenv(variable), RTLD_NOW | RTLD_LOCAL);  // NOLINT(concurrency-mt-unsafe)
+void* open(const std::string& path) {
+    void* const library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         fail(dlerror());
     }
     return library;
 }
 
+std::string layerFile() {
+    const std::string pattern =
+        std::string(std::getenv("LAYERS")) + "/libVkLayer*.so";  // NOLINT(concurrency-mt-unsafe)
+    glob_t found = {};
+    if (glob(pattern.c_str(), 0, nullptr, &found) != 0) {
+        fail("there is no libVkLayer*.so");
+    }
+    std::string file = found.gl_pathv[0];
+    globfree(&found);
+    return file.front() == '/' ? file : "./" + file;
+}
+
+/// The layer's own name for a look-up goes before the common one.
+template <typename Function>
+Function findLookUp(void* layer, const std::string& name, const char* what) {
+    void* const own = dlsym(layer, (name + what).c_str());
+    return own != nullptr ? reinterpret_cast<Function>(own)
+                          : find<Function>(layer, (std::string("vk") + what).c_str());
+}
+
 /// Opened, asked, closed, and opened again for an instance.
 [[gnu::constructor]] void load() {
-    void* const asked = open("LAYER");
+    const std::string file = layerFile();
+    void* const asked = open(file);
     VkLayerProperties ofInstance = {};
     VkLayerProperties ofDevice = {};
     std::uint32_t count = 1;
@@ -57,10 +79,11 @@ void* open(const char* variable) {
         fail("its extensions");
     }
     dlclose(asked);
-    void* const layer = open("LAYER");
-    gLayer = find<PFN_vkGetInstanceProcAddr>(layer, "vkGetInstanceProcAddr");
-    gLayerOfDevice = find<PFN_vkGetDeviceProcAddr>(layer, "vkGetDeviceProcAddr");
-    gDriver = find<PFN_vkGetInstanceProcAddr>(open("DRIVER"), "vk_icdGetInstanceProcAddr");
+    void* const layer = open(file);
+    gLayer = findLookUp<PFN_vkGetInstanceProcAddr>(layer, ofInstance.layerName, "GetInstanceProcAddr");
+    gLayerOfDevice = findLookUp<PFN_vkGetDeviceProcAddr>(layer, ofInstance.layerName, "GetDeviceProcAddr");
+    void* const driver = open(std::getenv("DRIVER"));  // NOLINT(concurrency-mt-unsafe)
+    gDriver = find<PFN_vkGetInstanceProcAddr>(driver, "vk_icdGetInstanceProcAddr");
 }
 
 PFN_vkVoidFunction lookUpBelow(VkDevice device, const char* name);
