@@ -157,13 +157,6 @@ TEST(FrameStatistics, AreTrueAtAnyRate) {
     }
 }
 
-TEST(Metrics, AskForNoVendorWithoutAGpu) {
-    doubles::removeAllFiles();
-    doubles::takeLog();
-    const figures::Metrics metrics;
-    EXPECT_TRUE(doubles::takeLog().empty());
-}
-
 /// The pass of a frame that the test times. At first a source that knows at once.
 class OnePass : public scene::RenderPassSource {
 public:
@@ -262,22 +255,6 @@ TEST_F(SceneOverlay, WhatCannotBeReadTakesNoRoomUnlessItsUserWantsIt) {
     EXPECT_THAT(drawn(), Contains("37%")) << "for a moment";
     frames(80);
     EXPECT_THAT(drawn(), Not(Contains("37%")));
-}
-
-// Upright and so narrow that each of them would fill the row.
-TEST_F(SceneOverlay, TheCaptionsTextsStandSideBySide) {
-    mFactory.mSize = {60, 740};
-    core::StateInfo::mVendor = utils::Vendor::MALI;  // with counters
-    publish({});
-    frame();
-    const auto& calls = doubles::drawCalls();
-    const auto legend = std::find_if(calls.begin(), calls.end(),
-                                     [](const auto& call) { return call.what == "@Vertex @Fragment"; });
-    ASSERT_NE(legend, calls.end());
-    const glm::vec2 pixels = legend->size * glm::vec2(mFactory.mSize);
-    EXPECT_LT((scene::lineWidth("N/A") + scene::lineWidth(legend->what)) * pixels.y / 2.0F, pixels.x);
-    EXPECT_EQ((legend + 1)->what, "@Fragment");
-    EXPECT_EQ((legend + 1)->size.y, legend->size.y) << "it covers the end of the other one";
 }
 
 TEST_F(SceneOverlay, ShowsTheFiguresOfTheFiles) {
@@ -491,26 +468,6 @@ TEST_F(SceneOverlay, TextsNeitherLeaveTheirWidgetNorOverlap) {
             }
         }
     }
-}
-
-// As for a figure that the library has no cell for.
-TEST_F(SceneOverlay, FiguresWithoutCellsShareTheStrip) {
-    publish({{"widget_memory", "true"}});
-    scene::FigureWidgetLayout layout = scene::MEMORY_WIDGET;
-    layout.cellCount = 2;
-    scene::FigureWidget widget(mFactory, layout);
-    frame();  // places the widgets
-    widget.enable();
-    widget.layout(scene::Canvas(mFactory.mSize));
-    doubles::drawCalls().clear();
-    widget.draw();
-    const auto& calls = doubles::drawCalls();
-    float free = calls.at(0).position.x;  // names and values, from left to right
-    for (std::size_t i = 1; i <= 10; ++i) {
-        EXPECT_GE(calls.at(i).position.x, free - 0.0001F) << calls[i].what;
-        free = calls[i].position.x + calls[i].size.x;
-    }
-    EXPECT_LE(free, calls[0].position.x + calls[0].size.x + 0.0001F);
 }
 
 TEST_F(SceneOverlay, ACaptureWaitsForThePassesButNotForEver) {

@@ -54,7 +54,7 @@ std::string copyFile(const Session& session, const std::string& path) {
     const std::string part = name + ".part";
     const Answer pushed = phone.adb().run({"push", path, handed});
     if (pushed.status != 0) {
-        return phone.describe(pushed, {"push", name});
+        return phone.describe(pushed, {"push", path, handed});
     }
     std::string error = phone.tryAs({"cp", handed, part});
     error = error.empty() ? phone.tryAs({"mv", "-f", part, name}) : error;
@@ -70,7 +70,7 @@ std::string installApk(const Session& session, const Application& application, c
     words.push_back(session.options.apk);
     const Answer answer = session.phone.adb().run(words);
     const bool isFine = answer.status == 0 && answer.out.find("Failure") == std::string::npos;
-    return isFine ? std::string() : session.phone.describe(answer, {"install", session.options.apk});
+    return isFine ? std::string() : session.phone.describe(answer, words);
 }
 
 std::string clearProperties(const Phone& phone) {
