@@ -132,13 +132,15 @@ TEST_F(RunKeys, AreNotListenedToWhenTheyAreOff) {
         const char* profile;
         const char* later;  ///< what is done then
         const char* children;
-    } cases[] = {{"", "", ":", "kordanix-keys sleep "},
-                 {"--no-keys", "", ":", "sleep "},
-                 {"--set keys=off", "", ":", "sleep "},
-                 {"", "keys = off", ":", "sleep "},
-                 {"", "keys = off", "sleep .3; : >config/kordanix/default.conf", "kordanix-keys sleep "},
-                 {"--no-keys", "", "until $CTL set keys on; do sleep .1; done", "kordanix-keys sleep "},
-                 {"--set keys=on", "keys = off", ":", "kordanix-keys sleep "}};
+    } cases[] = {
+        {"", "", ":", "kordanix-keys sleep "},
+        {"--no-keys", "", ":", "sleep "},
+        {"--set keys=off", "", ":", "sleep "},
+        {"", "keys = off", ":", "sleep "},
+        {"", "keys = off", "sleep .3; : >config/kordanix/default.conf", "kordanix-keys sleep "},
+        {"--no-keys", "", "until $CTL get status | grep -q true; do sleep .1; done; $CTL set keys on",
+         "kordanix-keys sleep "},
+        {"--set keys=on", "keys = off", ":", "kordanix-keys sleep "}};
     std::filesystem::create_directories(mHome.path("config/kordanix"));
     for (const auto& [options, profile, later, children] : cases) {
         std::ofstream(mHome.path("config/kordanix/default.conf")) << profile << '\n';
@@ -146,7 +148,7 @@ TEST_F(RunKeys, AreNotListenedToWhenTheyAreOff) {
             run(std::string("$CTL run ") + options + " sleep 60 & " + later +
                 "; for i in $(seq 100); do sleep 0.05; found=$(ps -o comm= --ppid $! | sort | tr "
                 "'\\n' ' '); [ \"$found\" = '" +
-                children + "' ] && break; done; echo \"$found\"; kill $!");
+                children + "' ] && break; done; echo \"$found\"; kill $!; wait $!");
         EXPECT_EQ(outcome.out, std::string(children) + '\n') << options << profile;
     }
 }
