@@ -2,6 +2,7 @@
 # Builds the layers for applications as for Android, against a tree that offers what an NDK would, and looks at the
 # result: one file, which needs nothing that an application's process does not have. The C++ library, which an NDK links
 # statically, may be there.
+# Then LOAD, a program with its arguments, loads them.
 #   build_layers.sh SOURCE PLATFORM_LIBRARY CMAKE_OPTIONS...
 set -euo pipefail
 source=$1
@@ -47,3 +48,5 @@ for built in "$gles" "$vulkan"; do
     fi
     grep -q debug.kordanix.command "$built" || { echo "does not know the property of commands"; exit 1; }
 done
+# shellcheck disable=SC2086
+LD_LIBRARY_PATH=$(dirname "$platform") $LOAD "$gles" "$vulkan"

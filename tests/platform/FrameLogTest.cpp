@@ -74,8 +74,9 @@ TEST(FrameRing, AReaderNeverTakesAFrameThatIsBeingWritten) {
     std::vector<double> values(2);
     for (std::uint32_t back = 1; !isOver || read == 0; back = back % FrameRing::FRAMES + 97) {
         FrameRing::Frame frame;
-        const std::uint32_t number = ring.count() - back;
-        if (ring.count() > back && ring.read(number, frame)) {
+        const std::uint32_t count = ring.count();
+        const std::uint32_t number = count - back;
+        if (count > back && ring.read(number, frame)) {
             ++read;
             torn += frame.end != number || frame.total != number || frame.swap != number ||
                             frame.overlay != number
