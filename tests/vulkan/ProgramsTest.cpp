@@ -77,30 +77,6 @@ INSTANTIATE_TEST_SUITE_P(
                     "'" CLIENT "' flight=3 present 40 resize 300 200 present 40 random 8",
                     "for i in 1 2 3 4 5 6 7 8; do '" CLIENT "' random $i || exit 1; done"));
 
-/// What the largest window shows of a program that presents one picture for long.
-std::optional<Image> pictureOf(std::vector<std::string> command) {
-    command.insert(command.end(), {CLIENT, "present", "1000000"});
-    const support::ChildProcess program(command, environment());
-    return VirtualDisplay::get().windowPicture(false);
-}
-
-TEST(VulkanPrograms, TheOverlayIsInThePictureAndNothingElseHasChanged) {
-    ASSERT_THAT(VirtualDisplay::get().name(), testing::Not(testing::IsEmpty()));
-    const std::optional<Image> picture = pictureOf({KORDANIXCTL, "run", "--"});
-    ASSERT_TRUE(picture);
-    ASSERT_EQ(picture->mWidth, 500U);
-    std::size_t changed = 0;
-    const auto background = picture->row(0)[0];
-    for (std::size_t y = 0; y < picture->mHeight; ++y) {
-        for (std::size_t x = 0; x < picture->mWidth; ++x) {
-            changed += picture->row(y)[x] == background ? 0 : 1;
-        }
-    }
-    const std::size_t all = std::size_t{picture->mWidth} * picture->mHeight;
-    EXPECT_GT(changed, all / 20);
-    EXPECT_LT(changed, all / 2);
-}
-
 TEST(VulkanPrograms, ACaptureHasEveryPassThatWasRecordedInItsFrame) {
     ASSERT_THAT(VirtualDisplay::get().name(), testing::Not(testing::IsEmpty()));
     const support::TemporaryDirectory folder;

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstring>
 
 namespace vulkan {
 namespace {
@@ -99,15 +98,6 @@ TEST(PresentCopyTest, SaysThatTheWholePictureIsNewAndCarriesAllElse) {
     EXPECT_NE(copy.prepare(present, 0, images), nullptr);
 }
 
-/// The device's own clock, and another one.
-template <VkTimeDomainEXT OTHER>
-VkResult domains(VkPhysicalDevice /*device*/, std::uint32_t* count, VkTimeDomainEXT* all) {
-    *count = 2;
-    all[0] = VK_TIME_DOMAIN_DEVICE_EXT;
-    all[1] = OTHER;
-    return VK_SUCCESS;
-}
-
 // The device's clock counts in halves of a nanosecond with 36 bits.
 TEST(Calibration, SaysWhenATimeStampWasTaken) {
     static std::uint64_t deviceTime = 0;
@@ -132,39 +122,6 @@ TEST(Calibration, SaysWhenATimeStampWasTaken) {
     result = VK_SUCCESS;
     gpu.isCalibrated = false;
     EXPECT_EQ(monotonicTime(gpu, clock, 3000), std::nullopt);
-}
-
-TEST(Calibration, IsAskedForOnlyWhereThereIsSuchAClockAndTheApplicationDoesNot) {
-    static const char* extension = nullptr;
-    InstanceFunctions instance;
-    instance.EnumerateDeviceExtensionProperties = [](auto, auto, std::uint32_t* count, auto* properties) {
-        *count = 1;
-        return properties == nullptr || std::strcpy(properties->extensionName, extension) != nullptr
-                   ? VK_SUCCESS
-                   : VK_INCOMPLETE;
-    };
-    const char* const name = VK_EXT_CALIBRATED_TIMESTAMPS_EXTENSION_NAME;
-    const struct {
-        const char* extension;
-        PFN_vkGetPhysicalDeviceCalibrateableTimeDomainsEXT domains;
-        bool hasProperties2, isEnabled, isCalibrated, isOurs;
-    } cases[] = {
-        {name, domains<VK_TIME_DOMAIN_CLOCK_MONOTONIC_EXT>, true, false, true, true},
-        {name, domains<VK_TIME_DOMAIN_CLOCK_MONOTONIC_EXT>, true, true, true, false},
-        {name, domains<VK_TIME_DOMAIN_CLOCK_MONOTONIC_EXT>, false, false, false, false},
-        {name, domains<VK_TIME_DOMAIN_CLOCK_MONOTONIC_RAW_EXT>, true, false, false, false},
-        {"VK_KHR_swapchain", domains<VK_TIME_DOMAIN_CLOCK_MONOTONIC_EXT>, true, false, false, false}};
-    for (const auto& each : cases) {
-        SCOPED_TRACE(&each - cases);
-        extension = each.extension;
-        instance.GetPhysicalDeviceCalibrateableTimeDomainsEXT = each.domains;
-        VkDeviceCreateInfo info = {};
-        info.enabledExtensionCount = each.isEnabled ? 1 : 0;
-        info.ppEnabledExtensionNames = &name;
-        const CalibratedDeviceInfo made(instance, VK_NULL_HANDLE, each.hasProperties2, info);
-        EXPECT_TRUE(made.isCalibrated() == each.isCalibrated && made.isOurs() == each.isOurs);
-        EXPECT_EQ(made.info()->enabledExtensionCount, info.enabledExtensionCount + (each.isOurs ? 1 : 0));
-    }
 }
 
 }  // namespace
