@@ -27,6 +27,8 @@ if [ "${1:-}" = --in-root ]; then  # the part inside
     man --warnings -E UTF-8 -l "$(man --where kordanixctl)" 2>&1 >page | tee warnings
     [ ! -s warnings ] && grep -q 'kordanixctl set' page
 
+    for shell in bash zsh fish; do ./check_completions.sh "$shell" /usr/share; done
+
     cp -r /usr/share/doc/kordanix/examples/null-layer .
     make -s -C null-layer
     cmake -S null-layer -B by-cmake >/dev/null && cmake --build by-cmake >/dev/null
@@ -48,7 +50,7 @@ if [ "${1:-}" = --in-namespace ]; then  # makes the root
     for folder in dev proc sys; do mount --rbind "/$folder" "$work/root/$folder"; done
     mount -t tmpfs none "$work/root/tmp"
     mkdir "$work/root/tmp/test"
-    cp "$work"/packages/*.deb "$source_folder"/tests/install/{show_overlay,follow_readme}.sh \
+    cp "$work"/packages/*.deb "$source_folder"/tests/install/{show_overlay,follow_readme,check_completions}.sh \
         "$source_folder/scripts/package-test.sh" "$work/root/tmp/test"
     exec chroot "$work/root" /tmp/test/package-test.sh --in-root /tmp/test
 fi
