@@ -40,7 +40,7 @@ add_library(KordanixGles MODULE ${gles_sources} ${layers}/opengl/shim/OverlaidSu
 file(GLOB vulkan_sources CONFIGURE_DEPENDS
   ${layers}/vulkan/api/*.cpp ${layers}/vulkan/draw/*.cpp ${layers}/vulkan/timing/*.cpp ${layers}/vulkan/entry/*.cpp
   ${layers}/vulkan/android/*.cpp)
-list(FILTER vulkan_sources EXCLUDE REGEX "/entry/(Negotiation|ProgramSettings)\\.cpp$")  # the desktop's
+list(FILTER vulkan_sources EXCLUDE REGEX "/entry/(Negotiation|ProgramProfiles|ProgramRun)\\.cpp$")  # the desktop's
 include(${layers}/vulkan/shaders/Shaders.cmake)
 add_library(VkLayer_Kordanix MODULE ${vulkan_sources} ${vulkan_shaders}
   $<TARGET_OBJECTS:application_parts> $<TARGET_OBJECTS:kordanix_core_objects>)

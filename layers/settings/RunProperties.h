@@ -1,6 +1,6 @@
 #pragma once
 
-#include "runs/RunFolder.h"
+#include "runs/PropertyTexts.h"
 
 #include <string>
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "runs/RunFolder.h"
+#include "runs/PropertyTexts.h"
 
 /// A run that no launcher began: the layer of an API that gets into programs without one makes its folder.
 namespace platform {

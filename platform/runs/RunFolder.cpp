@@ -13,7 +13,6 @@
 #include <system_error>
 #include <utility>
 
-#include "io/EscapedText.h"
 #include "io/PlainFile.h"
 #include "io/ProcessStart.h"
 
@@ -128,15 +127,6 @@ bool readName(const std::string& folder, pid_t& process, std::uint64_t& start) {
 }
 
 }  // namespace
-
-std::string writePropertyTexts(const std::string& path, const PropertyTexts& texts) {
-    std::string lines;
-    for (const auto& [name, text] : texts) {
-        lines += name + ' ' + escapeText(text) + '\n';
-    }
-    const int error = replaceFile(path, lines);
-    return error == 0 ? std::string() : "cannot write " + path + ": " + plainFileError(error);
-}
 
 std::string makeRunFolder(const std::string& userDirectory, std::string& error) {
     const auto start = processStart(getpid());

@@ -2,7 +2,6 @@
 
 #include <sys/types.h>
 
-#include <map>
 #include <string>
 
 #include "io/OwnDescriptor.h"
@@ -18,12 +17,6 @@ constexpr const char* RUN_MARKER = "run";
 
 /// In it, with a slash: what the run began with, for `reset`: a name and a value a line.
 constexpr const char* INITIAL_PROPERTIES = "/properties.begin";
-
-/// Properties by their full names, and their texts.
-using PropertyTexts = std::map<std::string, std::string>;
-
-/// Writes them to a file such as that. Returns what went wrong, in plain words.
-std::string writePropertyTexts(const std::string& path, const PropertyTexts& texts);
 
 /// Creates the folder and its marker for a program that this process will start. Returns the path; on
 /// failure, or when the path would be too long for a socket in it, an empty text with the reason in `error`.

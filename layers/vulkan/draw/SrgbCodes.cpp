@@ -3,6 +3,7 @@
 #include <glm/glm.hpp>
 #include <glm/gtc/packing.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
@@ -14,6 +15,8 @@ namespace {
 constexpr std::size_t HALVES = 65536;
 constexpr std::size_t STEPS = 16384;  ///< fine enough for codes next to black
 constexpr float WHITE_NITS = 203.0F;
+constexpr float PQ_NITS = 10000.0F;  ///< of its largest code
+constexpr float SCRGB_NITS = 80.0F;  ///< of 1
 constexpr float LARGEST_CODE = 255.0F;
 
 /// SMPTE ST 2084: the light of a code from 0 to 1, where 1 is 10,000 nits.
@@ -40,8 +43,9 @@ SrgbCodes::SrgbCodes(ColorEncoding encoding) : mLight(HALVES), mCodes(STEPS + 1)
         const float value = glm::unpackHalf1x16(static_cast<glm::uint16>(bits));
         // A comparison that is false for what is no number.
         const float seen = value > 0.0F ? value : 0.0F;
-        mLight[bits] = isPq ? lightOfPq(std::min(seen, 1.0F)) * 10000.0F / WHITE_NITS
-                            : std::min(seen, 125.0F) * 80.0F / WHITE_NITS;
+        mLight[bits] =
+            (isPq ? lightOfPq(std::min(seen, 1.0F)) * PQ_NITS : std::min(seen * SCRGB_NITS, PQ_NITS)) /
+            WHITE_NITS;
     }
     for (std::size_t step = 0; step <= STEPS; ++step) {
         mCodes[step] = rounded(codeOfLight(static_cast<float>(step) / static_cast<float>(STEPS)));

@@ -39,6 +39,10 @@ Device::Device(const Instance& instance, const Gpu& gpu, bool isComplete)
         mFamilies.resize(count);
         instance.functions.GetPhysicalDeviceQueueFamilyProperties(gpu.physicalDevice, &count,
                                                                   mFamilies.data());
+        mCanStampPasses =
+            std::none_of(mFamilies.begin(), mFamilies.end(), [](const VkQueueFamilyProperties& family) {
+                return (family.queueFlags & VK_QUEUE_GRAPHICS_BIT) != 0 && family.timestampValidBits == 0;
+            });
         mPipelines.emplace(mGpu);
     }
 }
@@ -63,11 +67,7 @@ std::uint32_t Device::familyOf(VkQueue queue) const {
 TimeStampClock Device::clockOf(const Queue& queue) const {
     const std::uint32_t bits =
         queue.family < mFamilies.size() ? mFamilies[queue.family].timestampValidBits : 0;
-    const bool isAnyUntimed =
-        std::any_of(mFamilies.begin(), mFamilies.end(), [](const VkQueueFamilyProperties& family) {
-            return (family.queueFlags & VK_QUEUE_GRAPHICS_BIT) != 0 && family.timestampValidBits == 0;
-        });
-    return bits == 0 || isAnyUntimed ? TimeStampClock() : TimeStampClock(bits, mGpu.timeStampPeriod);
+    return bits == 0 ? TimeStampClock() : TimeStampClock(bits, mGpu.timeStampPeriod);
 }
 
 void Device::expectFrame(VkQueue queue, std::uint32_t frame) {

@@ -64,9 +64,14 @@ public:
     /// Null for one that the application has not asked for.
     Queue* findQueue(VkQueue queue) const { return mQueues.find(queue); }
 
-    /// What the time stamps of a queue count; nothing where it has none, or where another family that draws
-    /// has none, in whose command buffers they may not be written.
+    /// What the time stamps of a queue count; nothing where it has none.
     TimeStampClock clockOf(const Queue& queue) const;
+
+    /// The same for stamps in the application's command buffers, which do not tell their family: nothing
+    /// where any family that draws has none.
+    TimeStampClock passClockOf(const Queue& queue) const {
+        return mCanStampPasses ? clockOf(queue) : TimeStampClock();
+    }
 
     /// The next submission to the queue begins a frame of that name, which is timed.
     void expectFrame(VkQueue queue, std::uint32_t frame);
@@ -104,6 +109,7 @@ private:
     const Gpu mGpu;
     const bool mIsComplete;
     std::vector<VkQueueFamilyProperties> mFamilies;
+    bool mCanStampPasses = true;
     std::optional<Pipelines> mPipelines;
     RetiredSemaphores mRetired;
     AttachmentRecords mAttachments;

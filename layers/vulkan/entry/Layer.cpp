@@ -13,7 +13,7 @@
 #include "entry/SurfaceSize.h"
 #include "ostra/PictureRequest.h"
 #include "utils/Log.h"
-#include "vulkan/entry/ProgramSettings.h"
+#include "vulkan/entry/ProgramRun.h"
 
 namespace vulkan {
 
@@ -200,7 +200,8 @@ void Layer::expectFrame(const Present& present, std::uint32_t shown) {
     if (queue == nullptr || !present.device.canDraw(queue->family)) {
         return;  // the overlay is not shown, and such a queue may not even reset what time stamps go into
     }
-    mPasses.onFrameBegin(present.device.passQueries(), present.queue, present.device.clockOf(*queue), shown);
+    mPasses.onFrameBegin(present.device.passQueries(), present.queue, present.device.passClockOf(*queue),
+                         shown);
     if (mTimer.isWanted()) {
         present.device.expectFrame(present.queue, mTimer.frame());
     }

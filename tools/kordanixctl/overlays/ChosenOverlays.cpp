@@ -5,6 +5,7 @@
 #include "processes/Addressing.h"
 #include "processes/ProcessInfo.h"
 #include "properties/RuntimeDirectory.h"
+#include "runs/RunFolder.h"
 
 #include <algorithm>
 
@@ -56,6 +57,13 @@ ChosenOverlays chooseListeners(std::optional<pid_t> process) {
         chosen.error = chosen.processes.empty() ? nobodyListens(chosen.directory) : std::string();
     }
     return chosen;
+}
+
+std::string whyNobodyRuns(std::optional<pid_t> process) {
+    const ChosenOverlays chosen = chooseListeners(process);
+    const bool isAnybody = chosen.error.empty() || platform::runProcess(chosen.directory) != 0 ||
+                           !OverlayState(chosen.directory).processes().empty();
+    return isAnybody ? std::string() : chosen.error;
 }
 
 }  // namespace control

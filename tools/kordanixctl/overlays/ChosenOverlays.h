@@ -30,4 +30,8 @@ ChosenOverlays chooseOverlay(std::optional<pid_t> process, Overlay which);
 /// All that listen, whether they have an overlay or not.
 ChosenOverlays chooseListeners(std::optional<pid_t> process);
 
+/// Why there is no program whose settings a verb could change: none listens or has told of its overlay, and
+/// no run waits for one. Empty otherwise.
+std::string whyNobodyRuns(std::optional<pid_t> process);
+
 }  // namespace control

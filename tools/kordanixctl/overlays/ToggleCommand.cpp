@@ -9,9 +9,9 @@
 namespace control {
 
 ExitCode toggleOverlay(std::optional<pid_t> process, std::ostream& out, std::ostream& err) {
-    const ChosenOverlays chosen = chooseListeners(process);
-    if (!chosen.error.empty() && OverlayState(chosen.directory).processes().empty()) {
-        return fail(chosen.error, err);
+    const std::string nobody = whyNobodyRuns(process);
+    if (!nobody.empty()) {
+        return fail(nobody, err);
     }
     const bool isShown = displayedValue("status") != "true";
     const std::string what = isShown ? "Overlay shown" : "Overlay hidden";

@@ -2,12 +2,10 @@
 
 #include "Diagnostic.h"
 #include "overlays/ChosenOverlays.h"
-#include "overlays/OverlayState.h"
 #include "properties/InitialProperties.h"
 #include "properties/Notices.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
-#include "runs/RunFolder.h"
 #include "settings/Presets.h"
 #include "settings/Properties.h"
 
@@ -20,10 +18,9 @@ ExitCode switchPreset(const std::string& name, std::ostream& out, std::ostream& 
     if (!wrong.empty()) {
         return fail(wrong, err, USAGE_ERROR);
     }
-    const ChosenOverlays listening = chooseListeners(std::nullopt);
-    const bool isRun = platform::runProcess(listening.directory) != 0;
-    if (!isRun && !listening.error.empty() && OverlayState(listening.directory).processes().empty()) {
-        return fail(listening.error, err);
+    const std::string nobody = whyNobodyRuns(std::nullopt);
+    if (!nobody.empty()) {
+        return fail(nobody, err);
     }
     const std::string chosen =
         name.empty() ? presetAfter(readProperty(PRESET_PROPERTY).value_or(std::string())) : name;

@@ -1,4 +1,4 @@
-#include "vulkan/entry/ProgramSettings.h"
+#include "vulkan/entry/ProgramRun.h"
 
 namespace vulkan {
 
