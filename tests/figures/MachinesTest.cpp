@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "figures/sources/FdInfo.h"
 #include "figures/sources/MachineFigures.h"
@@ -282,17 +281,6 @@ TEST(MachineFigures, LinksDoNotLeadOutOfARecordedFolder) {
     EXPECT_NE(tree.read("/proc/meminfo").error, 0);
     EXPECT_NE(tree.read("/proc/stat").error, 0);
     EXPECT_NE(tree.read("/proc/version").error, 0);
-}
-
-TEST(MachineFigures, ReadsThisMachine) {
-    const sources::FileTree tree;
-    sources::MachineFigures figures(tree, getpid());
-    figures.read(1.0);
-    EXPECT_GT(figures.value(Id::MEMORY_PROCESS).number.value_or(0.0), 4096.0);
-    EXPECT_GT(figures.value(Id::MEMORY_USED).number.value_or(0.0), 4096.0);
-    figures.read(2.0);
-    EXPECT_TRUE(figures.value(Id::CPU_LOAD_PROCESS));
-    EXPECT_TRUE(figures.value(Id::CPU_LOAD_SYSTEM));
 }
 
 // The counters of what the number stands for now have nothing to do with those before.

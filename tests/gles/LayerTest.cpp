@@ -183,22 +183,4 @@ TEST_F(GlesLayer, TheStandInFindsWhateverBreaksTheLoadersRules) {
     }
 }
 
-TEST(GlesLayerFile, IsSelfContained) {
-    const auto outputOf = [](const std::string& command) {
-        const support::Outcome outcome = support::run({"/bin/sh", "-c", command});
-        EXPECT_EQ(outcome.status, 0) << command;
-        return outcome.out;
-    };
-    EXPECT_EQ(outputOf("nm -D --defined-only -j " LAYER " | LC_ALL=C sort"),
-              "AndroidGLESLayer_GetProcAddress\nAndroidGLESLayer_Initialize\n");
-    EXPECT_THAT(outputOf("readelf -dW " LAYER), HasSubstr("NODELETE"));
-    EXPECT_EQ(outputOf("readelf -dW " LAYER
-                       " | sed -n 's/.*NEEDED.*\\[\\(lib\\(c\\|m\\|dl\\)\\.so\\|ld-linux\\).*//p; "
-                       "s/.*NEEDED.*\\[\\(.*\\)\\]/\\1/p' | grep -v '^$' || :"),
-              "");
-    EXPECT_THAT(outputOf("nm -D --undefined-only -j " LAYER),
-                Not(testing::ContainsRegex("(^|\n)(egl|gl)[A-Z]")));
-    EXPECT_EQ(outputOf("readelf -lW " LAYER " | awk '$1 == \"LOAD\" && $NF != \"0x4000\"'"), "");
-}
-
 }  // namespace

@@ -170,7 +170,7 @@ TEST_F(RunKeys, AServerNeitherHoldsUpNorEndsTheRun) {
     close(silent);
 
     const support::Outcome dying = run(
-        "Xvfb -displayfd 5 -nolisten tcp 5>number 2>/dev/null & until grep -q . number; do sleep 0.1; done\n"
+        "Xvfb -displayfd 5 -nolisten tcp 5>number 2>/dev/null & until grep -qs . number; do sleep 0.1; done\n"
         "export DISPLAY=:$(cat number) X=$!; $CTL run sh -c 'sleep 0.5; kill $X; sleep 0.5; exit 4'");
     EXPECT_EQ(dying.status, 4);
     EXPECT_THAT(dying.err, HasSubstr("the overlay was not shown"));
