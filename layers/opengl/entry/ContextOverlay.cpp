@@ -77,6 +77,10 @@ Obstacle ContextOverlay::drawOverlay(const WindowLibrary& library, const Swap& s
         if (mSurface.obstacle != nullptr) {
             return mSurface.obstacle;
         }
+        // A processor that draws the pixels begins with the program's while the overlay is laid out.
+        if (mFunctions.features.softwareRaster) {
+            mFunctions.flush();
+        }
     }
     Obstacle obstacle = beginFrame(isLookedAt);
     const bool isPictured = mIsInFrame && isPictureWanted();
