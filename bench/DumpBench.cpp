@@ -7,9 +7,8 @@
 #include "gui/WidgetsSettings.h"
 #include "scene/RenderPassRows.h"
 
-#include <ostra/Ostra.h>
-
 #include <benchmark/benchmark.h>
+#include <ostra/Ostra.h>
 #include <unistd.h>
 
 #include <cstdlib>

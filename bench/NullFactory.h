@@ -6,9 +6,8 @@
 #include "drawers/TextDrawer.h"
 #include "scene/PrimitiveFactory.h"
 
-#include <glm/mat4x4.hpp>
-
 #include <cstddef>
+#include <glm/mat4x4.hpp>
 #include <memory>
 
 namespace bench {

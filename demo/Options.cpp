@@ -4,7 +4,6 @@
 #include "utils/StringFormat.h"
 
 #include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cstdio>
 

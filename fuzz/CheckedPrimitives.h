@@ -6,9 +6,8 @@
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
 
-#include <glm/gtc/matrix_transform.hpp>
-
 #include <cmath>
+#include <glm/gtc/matrix_transform.hpp>
 #include <memory>
 #include <utility>
 

@@ -5,12 +5,11 @@
 #include "conversions/DumpCommands.h"
 #include "support/TemporaryDirectory.h"
 
-#include <nlohmann/json.hpp>
-
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <string_view>

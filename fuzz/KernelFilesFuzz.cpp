@@ -1,13 +1,12 @@
 // Every reader of kernel and driver files, with any bytes in the files.
 
 // The target contains the library's readers, so that it can reset what they find out once per process.
-#include "core/SystemMetrics.cpp"
-#include "utils/SystemInfoHelper.cpp"
-
 #include "ByteReader.h"
 #include "Check.h"
+#include "core/SystemMetrics.cpp"
 #include "doubles/FakeFiles.h"
 #include "figures/KernelFiles.h"
+#include "utils/SystemInfoHelper.cpp"
 
 #include <cmath>
 #include <cstdint>

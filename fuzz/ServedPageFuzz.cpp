@@ -12,11 +12,11 @@
 
 #include <sys/system_properties.h>
 #include <unistd.h>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 

@@ -3,15 +3,15 @@
 // driver.
 //   kordanix-sources-bench MACHINES
 
+#include "figures/sources/FileTree.h"
+#include "figures/sources/MachineFigures.h"
+
 #include <unistd.h>
 
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
 #include <string>
-
-#include "figures/sources/FileTree.h"
-#include "figures/sources/MachineFigures.h"
 
 namespace {
 

@@ -1,12 +1,13 @@
 // The primitives that a layer supplies for its graphics API. These draw nothing and print what they are
 // given.
 #pragma once
-#include <cstdio>
-#include <memory>
 #include "drawers/GridDrawer.h"
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
+
+#include <cstdio>
+#include <memory>
 
 constexpr glm::vec2 SURFACE{1480.0F, 720.0F};  // pixels; a real layer asks its API in every frame
 

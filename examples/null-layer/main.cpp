@@ -1,5 +1,4 @@
 // The shortest complete layer: one widget, the library's calls in order, and an application with five frames.
-#include <unistd.h>
 #include "Primitives.h"
 #include "core/BaseLayer.h"
 #include "core/KeyEventInterceptor.h"
@@ -9,6 +8,8 @@
 #include "gui/WidgetsSettings.h"
 #include "utils/StringFormat.h"
 #include "utils/UpdateHelper.h"
+
+#include <unistd.h>
 
 constexpr auto API = static_cast<core::RenderingApiType>(7);  // debug.kordanix.api selects this layer by it
 

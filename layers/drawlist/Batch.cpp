@@ -1,13 +1,12 @@
 #include "drawlist/Batch.h"
 
-#include <glm/common.hpp>
+#include "drawlist/GlyphCache.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <glm/common.hpp>
 #include <utility>
-
-#include "drawlist/GlyphCache.h"
 
 namespace drawlist {
 

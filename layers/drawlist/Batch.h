@@ -1,14 +1,13 @@
 #pragma once
 
-#include <glm/vec2.hpp>
+#include "drawlist/Paint.h"
+#include "raster/Geometry.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <glm/vec2.hpp>
 #include <vector>
-
-#include "drawlist/Paint.h"
-#include "raster/Geometry.h"
 
 namespace drawlist {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <array>
-
 #include "drawlist/Batch.h"
 #include "drawlist/GlyphCache.h"
 #include "drawlist/PictureTimer.h"
 #include "raster/SurfaceShape.h"
+
+#include <array>
 
 namespace drawlist {
 

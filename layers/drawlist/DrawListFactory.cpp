@@ -1,13 +1,13 @@
 #include "drawlist/DrawListFactory.h"
 
-#include <utility>
-
 #include "drawlist/DrawList.h"
 #include "drawlist/MeshPrimitive.h"
 #include "drawlist/RectPrimitive.h"
 #include "drawlist/TextPrimitive.h"
 #include "drawlist/ThumbnailPrimitive.h"
 #include "raster/SurfaceGrid.h"
+
+#include <utility>
 
 namespace drawlist {
 

@@ -1,9 +1,9 @@
 #include "drawlist/FillTessellator.h"
 
+#include "drawlist/Polyline.h"
+
 #include <algorithm>
 #include <cmath>
-
-#include "drawlist/Polyline.h"
 
 namespace drawlist {
 

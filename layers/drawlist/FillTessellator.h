@@ -1,12 +1,11 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
-#include <cstddef>
-#include <vector>
-
 #include "drawlist/Batch.h"
 #include "raster/Geometry.h"
+
+#include <cstddef>
+#include <glm/vec2.hpp>
+#include <vector>
 
 namespace drawlist {
 

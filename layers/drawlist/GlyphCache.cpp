@@ -1,11 +1,11 @@
 #include "drawlist/GlyphCache.h"
 
+#include "gui/GlyphAtlas.h"
+#include "raster/Outline.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-
-#include "gui/GlyphAtlas.h"
-#include "raster/Outline.h"
 
 namespace drawlist {
 

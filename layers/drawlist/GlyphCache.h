@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <vector>
-
 #include "raster/LineFit.h"
 #include "raster/OutlinedGlyph.h"
 #include "raster/SurfaceShape.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
 
 namespace gui {
 struct Glyph;

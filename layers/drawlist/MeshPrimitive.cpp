@@ -1,9 +1,9 @@
 #include "drawlist/MeshPrimitive.h"
 
+#include "raster/GridLine.h"
+
 #include <algorithm>
 #include <cstring>
-
-#include "raster/GridLine.h"
 
 namespace drawlist {
 

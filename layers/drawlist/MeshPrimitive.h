@@ -1,15 +1,14 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
-#include <vector>
-
 #include "drawers/MeshDrawer.h"
 #include "drawlist/FillTessellator.h"
 #include "drawlist/RetainedRange.h"
 #include "drawlist/StrokeTessellator.h"
 #include "raster/MeshPlacement.h"
 #include "scene/PrimitiveFactory.h"
+
+#include <glm/vec2.hpp>
+#include <vector>
 
 namespace drawlist {
 

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-
 #include <array>
 #include <cstdint>
+#include <glm/vec4.hpp>
 
 namespace drawlist {
 

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
 #include <cstddef>
+#include <glm/vec2.hpp>
 #include <vector>
 
 namespace drawlist {

@@ -1,13 +1,12 @@
 #pragma once
 
+#include "drawers/Drawer.h"
+#include "drawlist/DrawList.h"
+
+#include <cstdint>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 #include <glm/vec4.hpp>
-
-#include <cstdint>
-
-#include "drawers/Drawer.h"
-#include "drawlist/DrawList.h"
 
 namespace drawlist {
 

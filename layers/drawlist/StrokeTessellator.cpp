@@ -1,14 +1,13 @@
 #include "drawlist/StrokeTessellator.h"
 
-#include <glm/geometric.hpp>
+#include "drawlist/GlyphCache.h"
+#include "drawlist/Polyline.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <glm/geometric.hpp>
 #include <utility>
-
-#include "drawlist/GlyphCache.h"
-#include "drawlist/Polyline.h"
 
 namespace drawlist {
 

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
-#include <array>
-#include <cstddef>
-#include <vector>
-
 #include "drawlist/Batch.h"
 #include "drawlist/GlyphCache.h"
 #include "raster/Geometry.h"
 #include "raster/Outline.h"
+
+#include <array>
+#include <cstddef>
+#include <glm/vec2.hpp>
+#include <vector>
 
 namespace drawlist {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "drawlist/Paint.h"
 #include "drawlist/RetainedRange.h"
 #include "raster/SurfaceText.h"
+
+#include <cstdint>
+#include <string>
 
 namespace drawlist {
 

@@ -1,11 +1,11 @@
 #include "entry/FigureHandout.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include "figures/Catalogue.h"
 #include "ostra/FigureReport.h"
 #include "scene/Overlay.h"
+
+#include <algorithm>
+#include <cstring>
 
 namespace entry {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <limits>
-
 #include "core/RenderingApiType.h"
 #include "entry/FrameClock.h"
 #include "entry/Obstacle.h"
+
+#include <atomic>
+#include <cstdint>
+#include <limits>
 
 namespace entry {
 

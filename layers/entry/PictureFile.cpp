@@ -1,13 +1,13 @@
 #include "entry/PictureFile.h"
 
+#include "io/PlainFile.h"
+
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
-
-#include "io/PlainFile.h"
 
 namespace entry {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "entry/SurfaceSize.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "entry/SurfaceSize.h"
 
 namespace entry {
 

@@ -1,12 +1,12 @@
 #include "entry/StatusNote.h"
 
-#include <unistd.h>
-
-#include <algorithm>
-
 #include "entry/FrameClock.h"
 #include "runs/OverlayNote.h"
 #include "utils/SystemInfoHelper.h"
+
+#include <unistd.h>
+
+#include <algorithm>
 
 namespace entry {
 

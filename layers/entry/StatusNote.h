@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "core/RenderingApiType.h"
 #include "entry/Obstacle.h"
+
+#include <cstdint>
+#include <string>
 
 namespace entry {
 

@@ -1,8 +1,8 @@
 // In the place of the preloaded shim's LayerLoader.cpp: the layer is in this library itself.
 
-#include <pthread.h>
-
 #include "opengl/shim/LayerLoader.h"
+
+#include <pthread.h>
 
 namespace opengl {
 

@@ -1,11 +1,11 @@
 #include "gles/Wrappers.h"
 
-#include <cstddef>
-#include <cstring>
-
 #include "gles/NextFunctions.h"
 #include "gles/ToolkitThread.h"
 #include "opengl/shim/WrappedCalls.h"
+
+#include <cstddef>
+#include <cstring>
 
 namespace gles {
 

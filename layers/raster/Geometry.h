@@ -1,9 +1,8 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
 #include <algorithm>
 #include <cmath>
+#include <glm/vec2.hpp>
 
 namespace raster {
 

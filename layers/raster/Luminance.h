@@ -1,9 +1,8 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-
 #include <algorithm>
 #include <cmath>
+#include <glm/vec4.hpp>
 
 namespace raster {
 

@@ -1,9 +1,9 @@
 #include "raster/MeshPlacement.h"
 
-#include <algorithm>
-
 #include "drawers/MeshDrawer.h"
 #include "raster/Outline.h"
+
+#include <algorithm>
 
 namespace raster {
 

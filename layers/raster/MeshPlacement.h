@@ -1,11 +1,10 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-
-#include <vector>
-
 #include "raster/Geometry.h"
 #include "raster/SurfaceShape.h"
+
+#include <glm/vec2.hpp>
+#include <vector>
 
 namespace drawer {
 class MeshDrawer;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-
 #include "raster/Luminance.h"
+
+#include <glm/vec4.hpp>
 
 namespace raster {
 

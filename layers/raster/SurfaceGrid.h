@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <utility>
-
 #include "drawers/GridDrawer.h"
 #include "drawers/MeshDrawer.h"
 #include "raster/SurfaceShape.h"
+
+#include <memory>
+#include <utility>
 
 namespace raster {
 

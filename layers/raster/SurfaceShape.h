@@ -2,11 +2,10 @@
 
 #include "raster/Geometry.h"
 
+#include <cstdint>
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
-
-#include <cstdint>
 
 namespace raster {
 

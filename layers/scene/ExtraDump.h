@@ -3,9 +3,8 @@
 #include "figures/Catalogue.h"
 #include "scene/FrameTimes.h"
 
-#include <glm/vec2.hpp>
-
 #include <cstdint>
+#include <glm/vec2.hpp>
 #include <vector>
 
 namespace figures {

@@ -5,9 +5,8 @@
 #include "scene/PrimitiveFactory.h"
 #include "scene/Scene.h"
 
-#include <glm/vec2.hpp>
-
 #include <cstdint>
+#include <glm/vec2.hpp>
 
 class KeyEventInterceptor;
 

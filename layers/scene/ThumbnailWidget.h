@@ -3,9 +3,8 @@
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
 
-#include <string>
-
 #include <array>
+#include <string>
 
 namespace drawer {
 class RectDrawer;

@@ -5,11 +5,10 @@
 #include "scene/ScaleText.h"
 #include "scene/Style.h"
 
-#include <glm/common.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <glm/common.hpp>
 #include <vector>
 
 namespace scene {

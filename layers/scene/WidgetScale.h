@@ -4,7 +4,6 @@
 #include "gui/LayoutDef.h"
 
 #include <glm/vec2.hpp>
-
 #include <string>
 #include <vector>
 

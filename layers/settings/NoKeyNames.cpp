@@ -1,6 +1,6 @@
-#include <functional>
-
 #include "settings/KeyNames.h"
+
+#include <functional>
 
 // In the place of those that need X's headers. Without X no key is heard, and a profile may be another
 // machine's.

@@ -2,9 +2,8 @@
 
 #include "software/Image.h"
 
-#include <glm/vec4.hpp>
-
 #include <cstdint>
+#include <glm/vec4.hpp>
 
 namespace software {
 

@@ -4,7 +4,6 @@
 #include "scene/PrimitiveFactory.h"
 
 #include <glm/vec2.hpp>
-
 #include <vector>
 
 namespace software {

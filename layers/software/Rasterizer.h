@@ -8,10 +8,9 @@
 #include "software/Image.h"
 #include "software/StrokeMask.h"
 
-#include <glm/vec2.hpp>
-
 #include <cstddef>
 #include <cstdint>
+#include <glm/vec2.hpp>
 #include <vector>
 
 namespace software {

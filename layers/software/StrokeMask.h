@@ -3,7 +3,6 @@
 #include "raster/Geometry.h"
 
 #include <glm/vec2.hpp>
-
 #include <vector>
 
 namespace software {

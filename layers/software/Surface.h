@@ -5,9 +5,8 @@
 #include "software/Image.h"
 #include "software/Rasterizer.h"
 
-#include <glm/vec2.hpp>
-
 #include <cstdint>
+#include <glm/vec2.hpp>
 
 namespace software {
 

@@ -1,5 +1,7 @@
 #include "io/PlainFile.h"
 
+#include "io/WriteSignalsBlocked.h"
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,8 +11,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <system_error>
-
-#include "io/WriteSignalsBlocked.h"
 
 namespace platform {
 

@@ -1,5 +1,7 @@
 #include "io/ProcessStart.h"
 
+#include "io/PlainFile.h"
+
 #include <unistd.h>
 
 #include <cerrno>
@@ -7,8 +9,6 @@
 #include <csignal>
 #include <string>
 #include <string_view>
-
-#include "io/PlainFile.h"
 
 namespace platform {
 

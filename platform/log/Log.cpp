@@ -1,3 +1,6 @@
+#include "log/LogLevel.h"
+#include "log/LogOutput.h"
+
 #include <android/log.h>
 #include <strings.h>
 #include <unistd.h>
@@ -11,9 +14,6 @@
 #include <new>
 #include <string>
 #include <string_view>
-
-#include "log/LogLevel.h"
-#include "log/LogOutput.h"
 
 namespace platform {
 namespace {

@@ -1,5 +1,7 @@
 #include "log/LogOutput.h"
 
+#include "io/PlainFile.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
@@ -9,8 +11,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <string>
-
-#include "io/PlainFile.h"
 
 namespace platform {
 namespace {

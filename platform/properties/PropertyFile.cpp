@@ -1,12 +1,12 @@
 #include "properties/PropertyFile.h"
 
+#include "io/PlainFile.h"
+
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <tuple>
-
-#include "io/PlainFile.h"
 
 namespace platform {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "properties/PropertyText.h"
+
 #include <sys/stat.h>
 
 #include <cstdint>
 #include <string>
-
-#include "properties/PropertyText.h"
 
 /// The file "properties" of a runtime directory (see PropertyText.h). Nobody writes it in place: each change
 /// makes a new file and moves it there. So a reader finds either the old bytes or the new ones, and a writer

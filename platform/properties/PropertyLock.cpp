@@ -1,5 +1,7 @@
 #include "properties/PropertyLock.h"
 
+#include "io/PlainFile.h"
+
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -12,8 +14,6 @@
 #include <cstdio>
 #include <system_error>
 #include <thread>
-
-#include "io/PlainFile.h"
 
 namespace platform {
 

@@ -1,11 +1,11 @@
 #include "properties/PropertyText.h"
 
+#include "io/EscapedText.h"
+#include "properties/PropertyName.h"
+
 #include <charconv>
 #include <chrono>
 #include <optional>
-
-#include "io/EscapedText.h"
-#include "properties/PropertyName.h"
 
 namespace platform {
 

@@ -1,13 +1,13 @@
 #include "properties/PropertyView.h"
 
+#include "properties/RuntimeDirectory.h"
+
 #include <android/log.h>
 #include <limits.h>
 #include <pthread.h>
 
 #include <atomic>
 #include <utility>
-
-#include "properties/RuntimeDirectory.h"
 
 namespace platform {
 

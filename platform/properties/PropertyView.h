@@ -1,9 +1,9 @@
 #pragma once
 
+#include "properties/PropertyFile.h"
+
 #include <memory>
 #include <string>
-
-#include "properties/PropertyFile.h"
 
 namespace platform {
 

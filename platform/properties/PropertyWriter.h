@@ -1,10 +1,10 @@
 #pragma once
 
-#include <chrono>
-#include <string>
-
 #include "properties/PropertyFile.h"
 #include "properties/PropertyLock.h"
+
+#include <chrono>
+#include <string>
 
 namespace platform {
 

@@ -1,5 +1,7 @@
 #include "properties/RuntimeDirectory.h"
 
+#include "runs/RunFolder.h"
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,8 +10,6 @@
 #include <cstdlib>
 #include <memory>
 #include <system_error>
-
-#include "runs/RunFolder.h"
 
 namespace platform {
 namespace {

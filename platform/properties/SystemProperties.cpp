@@ -1,5 +1,9 @@
 #include "properties/SystemProperties.h"
 
+#include "properties/DirectoryWatch.h"
+#include "properties/PropertyView.h"
+#include "properties/PropertyWriter.h"
+
 #include <android/log.h>
 #include <sys/system_properties.h>
 
@@ -10,10 +14,6 @@
 #include <exception>
 #include <memory>
 #include <optional>
-
-#include "properties/DirectoryWatch.h"
-#include "properties/PropertyView.h"
-#include "properties/PropertyWriter.h"
 
 /// A property that somebody looked up. Never freed, since handles are valid for good; the file has its value.
 struct prop_info {

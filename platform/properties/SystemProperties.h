@@ -1,10 +1,10 @@
 #pragma once
 
+#include "properties/RuntimeDirectory.h"
+
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "properties/RuntimeDirectory.h"
 
 namespace platform {
 

@@ -1,14 +1,14 @@
 #include "runs/LogPlan.h"
 
+#include "io/EscapedText.h"
+#include "io/PlainFile.h"
+
 #include <unistd.h>
 
 #include <charconv>
 #include <cstdlib>
 #include <locale>
 #include <sstream>
-
-#include "io/EscapedText.h"
-#include "io/PlainFile.h"
 
 namespace platform {
 

@@ -1,5 +1,9 @@
 #include "runs/OverlayClaim.h"
 
+#include "io/ProcessStart.h"
+#include "properties/PropertyWriter.h"
+#include "properties/RuntimeDirectory.h"
+
 #include <sys/system_properties.h>
 #include <unistd.h>
 
@@ -9,10 +13,6 @@
 #include <charconv>
 #include <chrono>
 #include <string_view>
-
-#include "io/ProcessStart.h"
-#include "properties/PropertyWriter.h"
-#include "properties/RuntimeDirectory.h"
 
 namespace platform {
 

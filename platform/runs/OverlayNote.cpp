@@ -1,5 +1,10 @@
 #include "runs/OverlayNote.h"
 
+#include "io/EscapedText.h"
+#include "io/PlainFile.h"
+#include "properties/RuntimeDirectory.h"
+#include "runs/RunFolder.h"
+
 #include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,11 +15,6 @@
 #include <csignal>
 #include <optional>
 #include <string_view>
-
-#include "io/EscapedText.h"
-#include "io/PlainFile.h"
-#include "properties/RuntimeDirectory.h"
-#include "runs/RunFolder.h"
 
 namespace platform {
 

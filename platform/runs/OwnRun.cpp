@@ -1,5 +1,11 @@
 #include "runs/OwnRun.h"
 
+#include "io/WriteSignalsBlocked.h"
+#include "properties/PropertyWriter.h"
+#include "properties/RuntimeDirectory.h"
+#include "runs/OverlayClaim.h"
+#include "runs/RunFolder.h"
+
 #include <android/log.h>
 #include <unistd.h>
 
@@ -7,12 +13,6 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
-
-#include "io/WriteSignalsBlocked.h"
-#include "properties/PropertyWriter.h"
-#include "properties/RuntimeDirectory.h"
-#include "runs/OverlayClaim.h"
-#include "runs/RunFolder.h"
 
 namespace platform {
 

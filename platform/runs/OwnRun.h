@@ -1,8 +1,8 @@
 #pragma once
 
-#include <string>
-
 #include "runs/PropertyTexts.h"
+
+#include <string>
 
 /// A run that no launcher began: the layer of an API that gets into programs without one makes its folder.
 namespace platform {

@@ -1,5 +1,8 @@
 #include "runs/RunFolder.h"
 
+#include "io/PlainFile.h"
+#include "io/ProcessStart.h"
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -12,9 +15,6 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
-
-#include "io/PlainFile.h"
-#include "io/ProcessStart.h"
 
 namespace platform {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "io/OwnDescriptor.h"
+
 #include <sys/types.h>
 
 #include <string>
-
-#include "io/OwnDescriptor.h"
 
 /// A run is a program that `kordanixctl run` started, with everything that it starts in turn. A run has its
 /// own runtime directory, run-PID-START below the user's. In it lies our marker, the file "run". `run` and

@@ -1,11 +1,10 @@
 #include "simulator/Script.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 

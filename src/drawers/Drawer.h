@@ -4,10 +4,10 @@
 #include "utils/Export.h"
 
 #include <ostra/Ostra.h>
-#include <glm/vec2.hpp>
-#include <glm/vec3.hpp>
 
 #include <cstdint>
+#include <glm/vec2.hpp>
+#include <glm/vec3.hpp>
 
 namespace gui {
 

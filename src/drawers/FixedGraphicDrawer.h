@@ -8,7 +8,6 @@
 #include "utils/Export.h"
 
 #include <glm/vec4.hpp>
-
 #include <memory>
 #include <vector>
 

@@ -6,9 +6,8 @@
 #include "drawers/RectDrawer.h"
 #include "utils/Export.h"
 
-#include <glm/vec4.hpp>
-
 #include <cstdint>
+#include <glm/vec4.hpp>
 #include <memory>
 #include <vector>
 

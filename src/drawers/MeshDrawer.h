@@ -4,7 +4,6 @@
 #include "utils/Export.h"
 
 #include <glm/vec4.hpp>
-
 #include <vector>
 
 namespace gui {

@@ -5,9 +5,8 @@
 #include "gui/FrameData.h"
 #include "utils/Export.h"
 
-#include <glm/vec4.hpp>
-
 #include <cstdint>
+#include <glm/vec4.hpp>
 #include <memory>
 #include <vector>
 

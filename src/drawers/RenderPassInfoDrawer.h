@@ -6,7 +6,6 @@
 #include "utils/Export.h"
 
 #include <glm/vec4.hpp>
-
 #include <memory>
 
 namespace drawer {

@@ -4,12 +4,11 @@
 #include "gui/GlyphAtlas.h"
 #include "utils/Export.h"
 
+#include <cstdint>
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
 #include <glm/vec3.hpp>
 #include <glm/vec4.hpp>
-
-#include <cstdint>
 #include <string>
 
 namespace gui {

@@ -5,9 +5,8 @@
 #include "drawers/TextDrawer.h"
 #include "utils/Export.h"
 
-#include <glm/vec4.hpp>
-
 #include <cstdint>
+#include <glm/vec4.hpp>
 #include <memory>
 #include <string>
 #include <vector>

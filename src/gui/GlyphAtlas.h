@@ -2,10 +2,9 @@
 
 #include "utils/Export.h"
 
+#include <cstdint>
 #include <glm/mat4x4.hpp>
 #include <glm/vec2.hpp>
-
-#include <cstdint>
 #include <map>
 
 namespace gui {

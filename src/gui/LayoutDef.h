@@ -2,9 +2,8 @@
 
 #include "utils/Export.h"
 
-#include <glm/vec4.hpp>
-
 #include <cstdint>
+#include <glm/vec4.hpp>
 #include <vector>
 
 namespace gui {

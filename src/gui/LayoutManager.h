@@ -4,7 +4,6 @@
 #include "utils/Export.h"
 
 #include <glm/vec2.hpp>
-
 #include <list>
 #include <vector>
 

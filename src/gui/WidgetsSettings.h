@@ -4,10 +4,10 @@
 #include "utils/Export.h"
 
 #include <ostra/Ostra.h>
-#include <glm/vec4.hpp>
 
 #include <atomic>
 #include <cstdint>
+#include <glm/vec4.hpp>
 #include <string>
 #include <vector>
 

@@ -1,5 +1,4 @@
 #include "core/HWcounterThread.h"
-
 #include "core/RenderPassInfo.h"
 #include "doubles/Emulator.h"
 #include "doubles/FakeClock.h"

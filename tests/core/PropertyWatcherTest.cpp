@@ -1,5 +1,4 @@
 #include "core/SysPropWatcher.h"
-
 #include "doubles/Emulator.h"
 #include "doubles/Settings.h"
 #include "support/ChildProcess.h"

@@ -8,7 +8,6 @@
 #include "utils/SystemInfoHelper.h"
 
 #include <gmock/gmock.h>
-
 #include <sys/wait.h>
 
 #include <clocale>

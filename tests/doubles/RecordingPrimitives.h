@@ -6,7 +6,6 @@
 #include "drawers/TextDrawer.h"
 
 #include <glm/gtc/matrix_transform.hpp>
-
 #include <memory>
 #include <string>
 #include <utility>

@@ -2,9 +2,8 @@
 #include "drawers/FixedGraphicDrawer.h"
 #include "drawers/GraphicDrawer.h"
 
-#include <ostra/Ostra.h>
-
 #include <gmock/gmock.h>
+#include <ostra/Ostra.h>
 
 namespace {
 

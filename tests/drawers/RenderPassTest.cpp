@@ -5,9 +5,8 @@
 #include "drawers/TextblockDrawer.h"
 #include "gui/FrameData.h"
 
-#include <ostra/Ostra.h>
-
 #include <gmock/gmock.h>
+#include <ostra/Ostra.h>
 
 namespace {
 

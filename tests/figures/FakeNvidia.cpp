@@ -1,6 +1,7 @@
 // A management library with few functions and rows of every bad kind. FAKE_NVIDIA=hang never ends its start.
 
 #include <unistd.h>
+
 #include <cstdlib>
 #include <cstring>
 

@@ -1,16 +1,16 @@
+#include "figures/sources/FdInfo.h"
+#include "figures/sources/MachineFigures.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include "figures/sources/FdInfo.h"
-#include "figures/sources/MachineFigures.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
-#include <cstdlib>
-#include <memory>
-#include <string>
+#include "figures/sources/NvidiaLibrary.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "figures/sources/NvidiaLibrary.h"
+#include <cstdlib>
+#include <memory>
+#include <string>
 
 // The search path of libraries is this test's environment; each case has a process of its own.
 namespace {

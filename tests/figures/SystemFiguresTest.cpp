@@ -1,6 +1,5 @@
-#include "figures/sources/SystemFigures.h"
-
 #include "doubles/FakeLog.h"
+#include "figures/sources/SystemFigures.h"
 #include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>

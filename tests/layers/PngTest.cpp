@@ -1,9 +1,9 @@
-#include "software/Png.h"
-
 #include "software/Image.h"
+#include "software/Png.h"
 #include "support/TemporaryDirectory.h"
 
 #include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>

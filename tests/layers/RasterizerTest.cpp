@@ -1,10 +1,9 @@
 #include "software/Rasterizer.h"
 
-#include <glm/common.hpp>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <glm/common.hpp>
 #include <limits>
 #include <random>
 

@@ -22,7 +22,6 @@
 #include "utils/SystemInfoHelper.h"
 
 #include <gmock/gmock.h>
-
 #include <sys/wait.h>
 #include <unistd.h>
 

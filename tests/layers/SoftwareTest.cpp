@@ -1,15 +1,13 @@
-#include "software/SoftwareFactory.h"
-
 #include "drawers/GridDrawer.h"
 #include "drawers/MeshDrawer.h"
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
+#include "software/SoftwareFactory.h"
 #include "software/Surface.h"
-
-#include <glm/vec4.hpp>
 
 #include <algorithm>
 #include <array>
+#include <glm/vec4.hpp>
 #include <memory>
 #include <utility>
 #include <vector>

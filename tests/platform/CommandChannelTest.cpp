@@ -1,7 +1,6 @@
-#include "ostra/android/CommandChannel.h"
-
 #include "ostra/DumpNotice.h"
 #include "ostra/PictureRequest.h"
+#include "ostra/android/CommandChannel.h"
 #include "ostra/android/FilesFolder.h"
 #include "platform/OstraTesting.h"
 #include "properties/SystemProperties.h"

@@ -1,5 +1,4 @@
 #include "ostra/FigureReport.h"
-
 #include "ostra/ProcessSocket.h"
 #include "platform/OstraTesting.h"
 #include "support/ChildProcess.h"

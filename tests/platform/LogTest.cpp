@@ -1,3 +1,6 @@
+#include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
+
 #include <android/log.h>
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -7,9 +10,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-
-#include "support/ChildProcess.h"
-#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {

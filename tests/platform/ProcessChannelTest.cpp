@@ -1,8 +1,7 @@
-#include "ostra/ProcessChannel.h"
-
 #include "doubles/Emulator.h"
 #include "doubles/FakeThreads.h"
 #include "ostra/PictureRequest.h"
+#include "ostra/ProcessChannel.h"
 #include "ostra/ProcessSocket.h"
 #include "platform/OstraFaults.h"
 #include "platform/OstraTesting.h"

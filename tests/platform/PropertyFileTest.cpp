@@ -1,3 +1,9 @@
+#include "properties/PropertyName.h"
+#include "properties/PropertyWriter.h"
+#include "properties/SystemProperties.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
+
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
@@ -5,12 +11,6 @@
 
 #include <random>
 #include <thread>
-
-#include "properties/PropertyName.h"
-#include "properties/PropertyWriter.h"
-#include "properties/SystemProperties.h"
-#include "support/ChildProcess.h"
-#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {

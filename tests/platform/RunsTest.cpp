@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-#include <sys/stat.h>
-
 #include "doubles/Emulator.h"
 #include "properties/PropertyWriter.h"
 #include "properties/SystemProperties.h"
@@ -10,6 +7,9 @@
 #include "runs/RunFolder.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
 
 namespace platform {
 namespace {

@@ -1,9 +1,8 @@
 #include "properties/RuntimeDirectory.h"
+#include "support/TemporaryDirectory.h"
 
 #include <gmock/gmock.h>
 #include <unistd.h>
-
-#include "support/TemporaryDirectory.h"
 
 namespace platform {
 namespace {

@@ -1,3 +1,7 @@
+#include "properties/SystemProperties.h"
+#include "support/ChildProcess.h"
+#include "support/TemporaryDirectory.h"
+
 #include <android/log.h>
 #include <gmock/gmock.h>
 #include <sys/system_properties.h>
@@ -7,10 +11,6 @@
 #include <cerrno>
 #include <csignal>
 #include <thread>
-
-#include "properties/SystemProperties.h"
-#include "support/ChildProcess.h"
-#include "support/TemporaryDirectory.h"
 
 static std::atomic<int> gLoggedErrors = 0;
 

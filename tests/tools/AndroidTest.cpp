@@ -1,11 +1,11 @@
+#include "RunFixture.h"
+#include "android/Phone.h"
+#include "android/ShellWord.h"
+
 #include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
-
-#include "RunFixture.h"
-#include "android/Phone.h"
-#include "android/ShellWord.h"
 
 namespace control {
 namespace {

@@ -1,11 +1,3 @@
-#include <sys/wait.h>
-
-#include <map>
-#include <nlohmann/json.hpp>
-#include <sstream>
-#include <tuple>
-#include <vector>
-
 #include "RunFixture.h"
 #include "properties/RuntimeDirectory.h"
 #include "properties/SetCommand.h"
@@ -14,6 +6,14 @@
 #include "settings/Properties.h"
 #include "settings/PropertyTable.h"
 #include "settings/ValueText.h"
+
+#include <sys/wait.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <tuple>
+#include <vector>
 
 namespace control {
 namespace {

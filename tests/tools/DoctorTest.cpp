@@ -1,12 +1,3 @@
-#include <gmock/gmock.h>
-
-#include <unistd.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-#include <string>
-
 #include "doctor/Doctor.h"
 #include "doubles/FakeFiles.h"
 #include "doubles/FakeProperties.h"
@@ -17,6 +8,14 @@
 #include "runs/OverlayNote.h"
 #include "runs/RunFolder.h"
 #include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
 
 namespace control {
 namespace {

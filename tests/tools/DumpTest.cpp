@@ -1,3 +1,11 @@
+#include "conversions/DumpCommands.h"
+#include "dumps/DumpReader.h"
+#include "dumps/DumpText.h"
+#include "dumps/Statistics.h"
+#include "dumps/Trace.h"
+#include "dumps/report/Report.h"
+#include "support/TemporaryDirectory.h"
+
 #include <gmock/gmock.h>
 
 #include <algorithm>
@@ -6,14 +14,6 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <sstream>
-
-#include "conversions/DumpCommands.h"
-#include "dumps/DumpReader.h"
-#include "dumps/DumpText.h"
-#include "dumps/Statistics.h"
-#include "dumps/Trace.h"
-#include "dumps/report/Report.h"
-#include "support/TemporaryDirectory.h"
 
 namespace dumps {
 namespace {

@@ -1,9 +1,3 @@
-#include <gmock/gmock.h>
-
-#include <cmath>
-#include <random>
-#include <sstream>
-
 #include "conversions/DumpCommands.h"
 #include "dumps/DumpReader.h"
 #include "dumps/DumpText.h"
@@ -14,6 +8,12 @@
 #include "logs/CompareCommand.h"
 #include "logs/LogCheck.h"
 #include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <random>
+#include <sstream>
 
 namespace dumps {
 namespace {

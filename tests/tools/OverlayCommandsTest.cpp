@@ -1,9 +1,3 @@
-#include <gmock/gmock.h>
-#include <ostra/Ostra.h>
-
-#include <atomic>
-#include <csignal>
-
 #include "RunFixture.h"
 #include "ostra/DumpNotice.h"
 #include "overlays/Pam.h"
@@ -14,6 +8,12 @@
 #include "properties/SetCommand.h"
 #include "runs/OverlayNote.h"
 #include "software/Image.h"
+
+#include <gmock/gmock.h>
+#include <ostra/Ostra.h>
+
+#include <atomic>
+#include <csignal>
 
 namespace control {
 namespace {

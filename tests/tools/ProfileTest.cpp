@@ -1,12 +1,11 @@
-#include "settings/Profile.h"
-
-#include <tuple>
-
 #include "RunFixture.h"
 #include "profiles/ProfileText.h"
 #include "settings/KeyNames.h"
 #include "settings/Presets.h"
+#include "settings/Profile.h"
 #include "settings/ProgramNames.h"
+
+#include <tuple>
 
 namespace control {
 namespace {

@@ -1,5 +1,3 @@
-#include "settings/PropertyTable.h"
-
 #include "core/RenderingApiType.h"
 #include "core/SysPropWatcher.h"
 #include "figures/Catalogue.h"
@@ -9,6 +7,7 @@
 #include "scene/FrameTimeSettings.h"
 #include "scene/ShapeSettings.h"
 #include "scene/WidgetScale.h"
+#include "settings/PropertyTable.h"
 
 #include <gmock/gmock.h>
 #include <sys/system_properties.h>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <gmock/gmock.h>
-
 #include "doubles/Emulator.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryDirectory.h"
+
+#include <gmock/gmock.h>
 
 namespace control {
 

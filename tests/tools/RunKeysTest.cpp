@@ -1,14 +1,14 @@
+#include "RunFixture.h"
+#include "keys/KeyChords.h"
+#include "opengl/context/VirtualDisplay.h"
+#include "settings/KeyNames.h"
+
 #include <gmock/gmock.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include <tuple>
-
-#include "RunFixture.h"
-#include "keys/KeyChords.h"
-#include "opengl/context/VirtualDisplay.h"
-#include "settings/KeyNames.h"
 
 namespace control {
 namespace {

@@ -1,11 +1,11 @@
+#include "RunFixture.h"
+#include "run/ProgramFile.h"
+
 #include <gmock/gmock.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-
-#include "RunFixture.h"
-#include "run/ProgramFile.h"
 
 namespace control {
 namespace {

@@ -1,14 +1,14 @@
-#include <gmock/gmock.h>
-
-#include <algorithm>
-#include <array>
-
 #include "RunFixture.h"
 #include "opengl/context/VirtualDisplay.h"
 #include "ostra/PictureRequest.h"
 #include "runs/OverlayClaim.h"
 #include "runs/OverlayNote.h"
 #include "software/Png.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <array>
 
 namespace control {
 namespace {

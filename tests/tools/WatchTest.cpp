@@ -1,12 +1,12 @@
+#include "RunFixture.h"
+#include "figures/Catalogue.h"
+#include "opengl/context/VirtualDisplay.h"
+
 #include <gmock/gmock.h>
 #include <httplib.h>
 
 #include <nlohmann/json.hpp>
 #include <sstream>
-
-#include "RunFixture.h"
-#include "figures/Catalogue.h"
-#include "opengl/context/VirtualDisplay.h"
 
 namespace control {
 namespace {

@@ -12,14 +12,14 @@
 #include "vulkan/draw/Renderer.h"
 
 #include <gtest/gtest.h>
-#include <glm/gtc/packing.hpp>
-#include <glm/packing.hpp>
 
 #include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <glm/gtc/packing.hpp>
+#include <glm/packing.hpp>
 
 namespace {
 

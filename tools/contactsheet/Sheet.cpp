@@ -4,10 +4,9 @@
 #include "software/SoftwareFactory.h"
 #include "software/Surface.h"
 
+#include <algorithm>
 #include <glm/vec2.hpp>
 #include <glm/vec4.hpp>
-
-#include <algorithm>
 #include <memory>
 
 namespace {

@@ -2,7 +2,6 @@
 #include "software/Png.h"
 
 #include <CLI/CLI.hpp>
-
 #include <cstdint>
 #include <cstdio>
 #include <string>

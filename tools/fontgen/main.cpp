@@ -6,7 +6,6 @@
 #include "Preview.h"
 
 #include <CLI/CLI.hpp>
-
 #include <exception>
 #include <fstream>
 #include <iostream>

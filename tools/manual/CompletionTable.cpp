@@ -4,7 +4,6 @@
 #include "settings/PropertyTable.h"
 
 #include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <sstream>
 #include <string_view>

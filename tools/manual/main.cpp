@@ -3,7 +3,6 @@
 #include "manual/ManPage.h"
 
 #include <CLI/CLI.hpp>
-
 #include <fstream>
 #include <iostream>
 #include <sstream>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "figures/sources/FdInfo.h"
+
 #include <cstdint>
 #include <optional>
-
-#include "figures/sources/FdInfo.h"
 
 namespace sources {
 

@@ -1,14 +1,14 @@
 #include "figures/sources/CpuFiles.h"
 
+#include "figures/sources/KernelText.h"
+#include "figures/sources/Sensors.h"
+
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
-
-#include "figures/sources/KernelText.h"
-#include "figures/sources/Sensors.h"
 
 namespace sources {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "figures/sources/FileTree.h"
+#include "figures/sources/Value.h"
+
 #include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
-
-#include "figures/sources/FileTree.h"
-#include "figures/sources/Value.h"
 
 namespace sources {
 

@@ -1,8 +1,8 @@
 #include "figures/sources/FdInfo.h"
 
-#include <limits>
-
 #include "figures/sources/KernelText.h"
+
+#include <limits>
 
 namespace sources {
 

@@ -1,5 +1,7 @@
 #include "figures/sources/GpuClients.h"
 
+#include "figures/sources/ClientMemory.h"
+
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
@@ -8,8 +10,6 @@
 #include <charconv>
 #include <string_view>
 #include <utility>
-
-#include "figures/sources/ClientMemory.h"
 
 namespace sources {
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "figures/sources/FdInfo.h"
+#include "figures/sources/FileTree.h"
+#include "figures/sources/Value.h"
+
 #include <sys/types.h>
 
 #include <cstdint>
@@ -7,10 +11,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "figures/sources/FdInfo.h"
-#include "figures/sources/FileTree.h"
-#include "figures/sources/Value.h"
 
 namespace sources {
 

@@ -1,11 +1,11 @@
 #include "figures/sources/GpuDevice.h"
 
+#include "figures/sources/KernelText.h"
+#include "figures/sources/Sensors.h"
+
 #include <algorithm>
 #include <string_view>
 #include <vector>
-
-#include "figures/sources/KernelText.h"
-#include "figures/sources/Sensors.h"
 
 namespace sources {
 

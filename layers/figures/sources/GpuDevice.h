@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "figures/sources/FileTree.h"
 #include "figures/sources/GpuClients.h"
+
+#include <string>
 
 namespace sources {
 

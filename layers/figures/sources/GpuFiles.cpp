@@ -1,12 +1,12 @@
 #include "figures/sources/GpuFiles.h"
 
+#include "figures/sources/KernelText.h"
+#include "figures/sources/Sensors.h"
+
 #include <algorithm>
 #include <optional>
 #include <string_view>
 #include <utility>
-
-#include "figures/sources/KernelText.h"
-#include "figures/sources/Sensors.h"
 
 namespace sources {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <map>
-#include <string>
-
 #include "figures/sources/FileTree.h"
 #include "figures/sources/GpuDevice.h"
 #include "figures/sources/Value.h"
+
+#include <map>
+#include <string>
 
 namespace sources {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "figures/sources/FileTree.h"
+#include "figures/sources/Value.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "figures/sources/FileTree.h"
-#include "figures/sources/Value.h"
 
 namespace sources {
 

@@ -1,14 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <array>
-#include <bitset>
-#include <cstddef>
-#include <memory>
-#include <optional>
-#include <string>
-
 #include "figures/sources/CpuFiles.h"
 #include "figures/sources/FileTree.h"
 #include "figures/sources/GpuClients.h"
@@ -17,6 +8,15 @@
 #include "figures/sources/NvidiaLibrary.h"
 #include "figures/sources/SystemFigures.h"
 #include "figures/sources/Value.h"
+
+#include <sys/types.h>
+
+#include <array>
+#include <bitset>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
 
 namespace sources {
 

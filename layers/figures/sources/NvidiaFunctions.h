@@ -1,12 +1,12 @@
 #pragma once
 
+#include "figures/sources/Value.h"
+
 #include <sys/types.h>
 
 #include <atomic>
 #include <optional>
 #include <string>
-
-#include "figures/sources/Value.h"
 
 /// The functions of NVIDIA's management library that we use, with its own records. A function that the
 /// library lacks is null.

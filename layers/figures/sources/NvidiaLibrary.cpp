@@ -1,14 +1,14 @@
 #include "figures/sources/NvidiaLibrary.h"
 
+#include "figures/sources/NvidiaFunctions.h"
+#include "utils/Thread.h"
+
 #include <unistd.h>
 
 #include <algorithm>
 #include <exception>
 #include <utility>
 #include <vector>
-
-#include "figures/sources/NvidiaFunctions.h"
-#include "utils/Thread.h"
 
 namespace sources {
 

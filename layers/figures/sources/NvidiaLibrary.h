@@ -1,11 +1,11 @@
 #pragma once
 
+#include "figures/sources/Value.h"
+
 #include <sys/types.h>
 
 #include <memory>
 #include <string>
-
-#include "figures/sources/Value.h"
 
 namespace sources {
 

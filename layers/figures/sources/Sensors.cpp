@@ -1,9 +1,9 @@
 #include "figures/sources/Sensors.h"
 
+#include "figures/sources/KernelText.h"
+
 #include <algorithm>
 #include <string_view>
-
-#include "figures/sources/KernelText.h"
 
 namespace sources {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "figures/sources/FileTree.h"
+#include "figures/sources/Value.h"
+
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "figures/sources/FileTree.h"
-#include "figures/sources/Value.h"
 
 /// Sensors of the kernel's hwmon and thermal classes, chosen by their kind and never by their number.
 namespace sources {

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <string>
-
 #include "drawlist/DrawList.h"
 #include "drawlist/DrawListFactory.h"
 #include "opengl/draw/Renderer.h"
+
+#include <string>
 
 namespace opengl {
 

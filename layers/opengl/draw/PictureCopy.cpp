@@ -1,11 +1,11 @@
 #include "opengl/draw/PictureCopy.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "opengl/draw/Textures.h"
 #include "opengl/gl/ObjectNames.h"
 #include "opengl/gl/SavedState.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace opengl {
 

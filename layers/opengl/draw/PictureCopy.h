@@ -1,11 +1,11 @@
 #pragma once
 
-#include <glm/vec2.hpp>
-#include <glm/vec4.hpp>
-
 #include "drawlist/DrawList.h"
 #include "opengl/draw/Program.h"
 #include "opengl/gl/Functions.h"
+
+#include <glm/vec2.hpp>
+#include <glm/vec4.hpp>
 
 namespace opengl {
 

@@ -1,8 +1,8 @@
 #include "opengl/draw/Program.h"
 
-#include <array>
-
 #include "opengl/gl/SavedState.h"
+
+#include <array>
 
 namespace opengl {
 

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <glm/vec3.hpp>
-#include <glm/vec4.hpp>
-
-#include <string>
-
 #include "opengl/draw/Shaders.h"
 #include "opengl/gl/Functions.h"
+
+#include <glm/vec3.hpp>
+#include <glm/vec4.hpp>
+#include <string>
 
 namespace opengl {
 

@@ -1,10 +1,10 @@
 #include "opengl/draw/Renderer.h"
 
-#include <algorithm>
-
 #include "opengl/draw/Textures.h"
 #include "opengl/gl/ObjectNames.h"
 #include "opengl/gl/SavedState.h"
+
+#include <algorithm>
 
 namespace opengl {
 

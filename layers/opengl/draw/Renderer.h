@@ -1,13 +1,13 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <string>
-
 #include "drawlist/DrawList.h"
 #include "opengl/draw/PictureCopy.h"
 #include "opengl/draw/Program.h"
 #include "opengl/gl/Functions.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
 
 namespace opengl {
 

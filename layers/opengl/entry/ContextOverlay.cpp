@@ -1,5 +1,12 @@
 #include "opengl/entry/ContextOverlay.h"
 
+#include "core/StateInfo.h"
+#include "entry/LibraryFrame.h"
+#include "entry/PictureFile.h"
+#include "opengl/entry/LayerApi.h"
+#include "ostra/PictureRequest.h"
+#include "utils/Log.h"
+
 #include <ostra/ExtraColumns.h>
 #include <unistd.h>
 
@@ -9,13 +16,6 @@
 #include <optional>
 #include <utility>
 #include <vector>
-
-#include "core/StateInfo.h"
-#include "entry/LibraryFrame.h"
-#include "entry/PictureFile.h"
-#include "opengl/entry/LayerApi.h"
-#include "ostra/PictureRequest.h"
-#include "utils/Log.h"
 
 namespace opengl {
 

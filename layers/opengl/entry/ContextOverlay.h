@@ -1,9 +1,5 @@
 #pragma once
 
-#include <mutex>
-#include <stdexcept>
-#include <string>
-
 #include "entry/OverlayRight.h"
 #include "opengl/draw/OverlayDrawing.h"
 #include "opengl/entry/LayerApi.h"
@@ -13,6 +9,10 @@
 #include "opengl/passes/GpuTimer.h"
 #include "opengl/passes/PassTimer.h"
 #include "scene/Overlay.h"
+
+#include <mutex>
+#include <stdexcept>
+#include <string>
 
 namespace opengl {
 

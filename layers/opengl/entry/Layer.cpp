@@ -1,14 +1,14 @@
 #include "opengl/entry/Layer.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <exception>
-#include <limits>
-
 #include "entry/FrameClock.h"
 #include "opengl/passes/PassTimer.h"
 #include "ostra/PerProcess.h"
 #include "utils/Log.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <limits>
 
 namespace opengl {
 

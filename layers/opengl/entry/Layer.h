@@ -1,16 +1,16 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <memory>
-#include <mutex>
-#include <vector>
-
 #include "entry/StatusNote.h"
 #include "opengl/entry/ContextOverlay.h"
 #include "opengl/entry/LayerApi.h"
 #include "opengl/entry/WindowLibrary.h"
 #include "opengl/shim/LayerCalls.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <vector>
 
 namespace opengl {
 

@@ -1,8 +1,8 @@
 #include "opengl/entry/SurfaceSizeCache.h"
 
-#include <algorithm>
-
 #include "entry/FrameClock.h"
+
+#include <algorithm>
 
 namespace opengl {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "opengl/entry/WindowLibrary.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "opengl/entry/WindowLibrary.h"
 
 namespace opengl {
 

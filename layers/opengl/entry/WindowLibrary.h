@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-
 #include "entry/SurfaceSize.h"
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/Obstacle.h"
 #include "opengl/shim/LayerCalls.h"
+
+#include <cstdint>
 
 namespace opengl {
 

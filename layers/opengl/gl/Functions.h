@@ -1,10 +1,10 @@
 #pragma once
 
-#include <GL/glcorearb.h>
-
 #include "opengl/gl/Constants.h"
 #include "opengl/gl/Features.h"
 #include "opengl/gl/Version.h"
+
+#include <GL/glcorearb.h>
 
 namespace opengl {
 

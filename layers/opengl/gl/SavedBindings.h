@@ -1,10 +1,10 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/Obstacle.h"
+
+#include <array>
+#include <cstddef>
 
 namespace opengl {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <array>
-
 #include "opengl/gl/Functions.h"
+
+#include <array>
 
 namespace opengl {
 

@@ -1,9 +1,9 @@
 #include "opengl/gl/SavedPixels.h"
 
-#include <iterator>
-
 #include "opengl/gl/Get.h"
 #include "opengl/gl/SavedTarget.h"
+
+#include <iterator>
 
 namespace opengl {
 namespace {

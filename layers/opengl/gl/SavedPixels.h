@@ -1,9 +1,9 @@
 #pragma once
 
+#include "opengl/gl/Functions.h"
+
 #include <array>
 #include <cstddef>
-
-#include "opengl/gl/Functions.h"
 
 namespace opengl {
 

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "opengl/gl/Functions.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "opengl/gl/Functions.h"
 
 namespace opengl {
 

@@ -1,8 +1,8 @@
 #include "opengl/gl/SavedTarget.h"
 
-#include <algorithm>
-
 #include "opengl/gl/Get.h"
+
+#include <algorithm>
 
 namespace opengl {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <array>
-
 #include "opengl/gl/Functions.h"
 #include "opengl/gl/Obstacle.h"
+
+#include <array>
 
 namespace opengl {
 

@@ -1,10 +1,10 @@
 #include "opengl/passes/GpuTimer.h"
 
+#include "opengl/passes/TimeStamps.h"
+
 #include <algorithm>
 #include <chrono>
 #include <utility>
-
-#include "opengl/passes/TimeStamps.h"
 
 namespace opengl {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "opengl/gl/Functions.h"
+#include "scene/FrameTimer.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "opengl/gl/Functions.h"
-#include "scene/FrameTimer.h"
 
 namespace opengl {
 

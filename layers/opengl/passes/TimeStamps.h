@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "opengl/gl/Functions.h"
+
+#include <cstdint>
 
 /// Checks around GPU time stamps, so that the program does not notice them. Use them only with
 /// Features::timerQueries.

@@ -2,6 +2,8 @@
 // platform/runs/OverlayNote.cpp. Without the note the launcher could not tell whether the program uses OpenGL
 // at all.
 
+#include "opengl/shim/LayerLoader.h"
+
 #include <errno.h>
 #include <fcntl.h>
 #include <link.h>
@@ -13,8 +15,6 @@
 #include <unistd.h>
 
 #include <initializer_list>
-
-#include "opengl/shim/LayerLoader.h"
 
 namespace opengl {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "opengl/shim/LayerCalls.h"
+
 #include <atomic>
 #include <cstddef>
-
-#include "opengl/shim/LayerCalls.h"
 
 namespace opengl {
 

@@ -1,13 +1,13 @@
 #include "opengl/shim/LayerLoader.h"
 
+#include "opengl/shim/RealFunctions.h"
+
 #include <dlfcn.h>
 #include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <unistd.h>
-
-#include "opengl/shim/RealFunctions.h"
 
 namespace opengl {
 

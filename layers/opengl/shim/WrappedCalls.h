@@ -1,14 +1,14 @@
 #pragma once
 
+#include "opengl/shim/LayerCalls.h"
+#include "opengl/shim/LayerLoader.h"
+#include "opengl/shim/OverlaidSurfaces.h"
+
 #include <errno.h>
 #include <string.h>
 
 #include <atomic>
 #include <cstdint>
-
-#include "opengl/shim/LayerCalls.h"
-#include "opengl/shim/LayerLoader.h"
-#include "opengl/shim/OverlaidSurfaces.h"
 
 /// What wrappers of EGL's functions, and of glBindFramebuffer, do around the real call, however they got into
 /// its place: the preloaded shim's, and those of Android's layer. Each makes the real call once and returns

@@ -1,8 +1,8 @@
-#include <dlfcn.h>
-
 #include "opengl/shim/Hooks.h"
 #include "opengl/shim/RealFunctions.h"
 #include "opengl/shim/WrappedCalls.h"
+
+#include <dlfcn.h>
 
 // The window systems' own headers are not needed: handles are pointers, drawables unsigned long.
 

@@ -2,11 +2,11 @@
 // the layers in it, closes it, and opens it again for an instance. What the instance's layers and the
 // device's are must be the same, byte by byte, or the layer is left out of devices.
 
+#include "vulkan/entry/Hooks.h"
+
 #include <algorithm>
 #include <array>
 #include <cstring>
-
-#include "vulkan/entry/Hooks.h"
 
 namespace {
 

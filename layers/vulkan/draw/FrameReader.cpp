@@ -1,13 +1,13 @@
 #include "vulkan/draw/FrameReader.h"
 
+#include "entry/PictureFile.h"
+#include "utils/Log.h"
+#include "vulkan/draw/SrgbCodes.h"
+
 #include <unistd.h>
 
 #include <cstring>
 #include <new>
-
-#include "entry/PictureFile.h"
-#include "utils/Log.h"
-#include "vulkan/draw/SrgbCodes.h"
 
 namespace vulkan {
 

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <vector>
-
 #include "vulkan/draw/ColorEncoding.h"
 #include "vulkan/draw/Memory.h"
 #include "vulkan/draw/SubmissionRing.h"
 #include "vulkan/draw/Swapchain.h"
 #include "vulkan/draw/Upright.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace vulkan {
 

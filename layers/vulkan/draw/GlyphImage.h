@@ -1,12 +1,12 @@
 #pragma once
 
-#include <cstdint>
-#include <memory>
-#include <vector>
-
 #include "drawlist/GlyphCache.h"
 #include "vulkan/draw/Memory.h"
 #include "vulkan/draw/SubmissionRing.h"
+
+#include <cstdint>
+#include <memory>
+#include <vector>
 
 namespace vulkan {
 

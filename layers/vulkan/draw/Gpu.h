@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "vulkan/api/Functions.h"
+
+#include <cstdint>
 
 namespace vulkan {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "vulkan/draw/Gpu.h"
+
 #include <cstddef>
 #include <cstdint>
-
-#include "vulkan/draw/Gpu.h"
 
 namespace vulkan {
 

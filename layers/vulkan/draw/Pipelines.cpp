@@ -1,11 +1,11 @@
 #include "vulkan/draw/Pipelines.h"
 
-#include <array>
-#include <cstddef>
-
 #include "drawlist/Batch.h"
 #include "vulkan/shaders/overlay.frag.h"
 #include "vulkan/shaders/overlay.vert.h"
+
+#include <array>
+#include <cstddef>
 
 namespace vulkan {
 

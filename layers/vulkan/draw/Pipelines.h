@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "vulkan/draw/ColorEncoding.h"
 #include "vulkan/draw/Gpu.h"
 #include "vulkan/draw/Placing.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace vulkan {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdint>
-
 #include "vulkan/draw/Placing.h"
+
+#include <cstdint>
 
 namespace vulkan {
 

@@ -1,10 +1,5 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "drawlist/DrawList.h"
 #include "entry/Obstacle.h"
 #include "vulkan/draw/FrameReader.h"
@@ -14,6 +9,11 @@
 #include "vulkan/draw/Targets.h"
 #include "vulkan/draw/Thumbnail.h"
 #include "vulkan/draw/VertexBuffers.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 namespace vulkan {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "vulkan/draw/SubmissionRing.h"
+
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <vector>
-
-#include "vulkan/draw/SubmissionRing.h"
 
 namespace vulkan {
 

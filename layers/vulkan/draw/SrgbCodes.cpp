@@ -1,12 +1,11 @@
 #include "vulkan/draw/SrgbCodes.h"
 
-#include <glm/glm.hpp>
-#include <glm/gtc/packing.hpp>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <glm/glm.hpp>
+#include <glm/gtc/packing.hpp>
 
 namespace vulkan {
 

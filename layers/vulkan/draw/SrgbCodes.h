@@ -1,12 +1,11 @@
 #pragma once
 
-#include <glm/mat3x3.hpp>
+#include "vulkan/draw/ColorEncoding.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <glm/mat3x3.hpp>
 #include <vector>
-
-#include "vulkan/draw/ColorEncoding.h"
 
 namespace vulkan {
 

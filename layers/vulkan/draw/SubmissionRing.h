@@ -1,12 +1,12 @@
 #pragma once
 
+#include "vulkan/draw/Gpu.h"
+#include "vulkan/draw/Recording.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <vector>
-
-#include "vulkan/draw/Gpu.h"
-#include "vulkan/draw/Recording.h"
 
 namespace vulkan {
 

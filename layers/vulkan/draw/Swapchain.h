@@ -1,10 +1,10 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
-
 #include "vulkan/draw/Gpu.h"
 #include "vulkan/draw/Upright.h"
+
+#include <cstdint>
+#include <vector>
 
 namespace vulkan {
 

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "vulkan/draw/Gpu.h"
+#include "vulkan/draw/Swapchain.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
-
-#include "vulkan/draw/Gpu.h"
-#include "vulkan/draw/Swapchain.h"
 
 namespace vulkan {
 

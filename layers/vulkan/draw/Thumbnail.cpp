@@ -1,10 +1,10 @@
 #include "vulkan/draw/Thumbnail.h"
 
+#include "vulkan/draw/ColorEncoding.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
-
-#include "vulkan/draw/ColorEncoding.h"
 
 namespace vulkan {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <glm/vec4.hpp>
-
 #include "drawlist/DrawList.h"
 #include "vulkan/draw/Memory.h"
 #include "vulkan/draw/Swapchain.h"
+
+#include <glm/vec4.hpp>
 
 namespace vulkan {
 

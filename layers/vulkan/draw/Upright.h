@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vulkan/vulkan.h>
-
 #include "vulkan/draw/Placing.h"
+
+#include <vulkan/vulkan.h>
 
 namespace vulkan {
 

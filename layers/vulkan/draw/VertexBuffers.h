@@ -1,14 +1,14 @@
 #pragma once
 
+#include "drawlist/DrawList.h"
+#include "vulkan/draw/Memory.h"
+#include "vulkan/draw/SubmissionRing.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
-
-#include "drawlist/DrawList.h"
-#include "vulkan/draw/Memory.h"
-#include "vulkan/draw/SubmissionRing.h"
 
 namespace vulkan {
 

@@ -1,14 +1,14 @@
 #include "vulkan/entry/Device.h"
 
-#include <ostra/ExtraColumns.h>
-
-#include <algorithm>
-#include <exception>
-
 #include "entry/SurfaceSize.h"
 #include "ostra/PerProcess.h"
 #include "utils/Log.h"
 #include "vulkan/entry/Layer.h"
+
+#include <ostra/ExtraColumns.h>
+
+#include <algorithm>
+#include <exception>
 
 namespace vulkan {
 

@@ -1,11 +1,5 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <memory>
-#include <optional>
-#include <vector>
-
 #include "entry/Obstacle.h"
 #include "vulkan/draw/Pipelines.h"
 #include "vulkan/draw/Renderer.h"
@@ -14,6 +8,12 @@
 #include "vulkan/timing/AttachmentRecords.h"
 #include "vulkan/timing/FrameStamps.h"
 #include "vulkan/timing/PassRecorder.h"
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
 
 namespace vulkan {
 

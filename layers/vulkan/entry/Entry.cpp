@@ -1,14 +1,14 @@
 // What Vulkan's loader calls.
 
-#include <exception>
-#include <memory>
-#include <new>
-
 #include "ostra/PerProcess.h"
 #include "utils/Log.h"
 #include "vulkan/entry/Hooks.h"
 #include "vulkan/entry/Layer.h"
 #include "vulkan/timing/Calibration.h"
+
+#include <exception>
+#include <memory>
+#include <new>
 
 namespace vulkan {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <cstring>
-
 #include "vulkan/entry/Device.h"
 #include "vulkan/entry/DispatchMap.h"
+
+#include <cstring>
 
 /// How the functions that the layer puts between the application and its Vulkan find their objects.
 /// Dispatchable handles begin with a pointer of the loader's, which the objects made from an instance, or

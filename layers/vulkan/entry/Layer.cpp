@@ -1,5 +1,12 @@
 #include "vulkan/entry/Layer.h"
 
+#include "core/StateInfo.h"
+#include "entry/LibraryFrame.h"
+#include "entry/SurfaceSize.h"
+#include "ostra/PictureRequest.h"
+#include "utils/Log.h"
+#include "vulkan/entry/ProgramRun.h"
+
 #include <unistd.h>
 
 #include <algorithm>
@@ -7,13 +14,6 @@
 #include <exception>
 #include <optional>
 #include <utility>
-
-#include "core/StateInfo.h"
-#include "entry/LibraryFrame.h"
-#include "entry/SurfaceSize.h"
-#include "ostra/PictureRequest.h"
-#include "utils/Log.h"
-#include "vulkan/entry/ProgramRun.h"
 
 namespace vulkan {
 

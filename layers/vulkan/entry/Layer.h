@@ -1,12 +1,5 @@
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <deque>
-#include <mutex>
-#include <string>
-#include <vector>
-
 #include "core/RenderingApiType.h"
 #include "drawlist/DrawList.h"
 #include "drawlist/DrawListFactory.h"
@@ -17,6 +10,13 @@
 #include "vulkan/entry/PresentCopy.h"
 #include "vulkan/timing/GpuTimer.h"
 #include "vulkan/timing/PassRecorder.h"
+
+#include <atomic>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <vector>
 
 namespace vulkan {
 

@@ -1,8 +1,8 @@
 // What the desktop's loader asks the layer's file for.
 
-#include <vulkan/vk_layer.h>
-
 #include "vulkan/entry/Hooks.h"
+
+#include <vulkan/vk_layer.h>
 
 extern "C" [[gnu::visibility("default")]] VKAPI_ATTR VkResult VKAPI_CALL
 vkNegotiateLoaderLayerInterfaceVersion(VkNegotiateLayerInterface* negotiation) {

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "entry/Obstacle.h"
+#include "vulkan/draw/Swapchain.h"
+
 #include <vulkan/vulkan.h>
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
-
-#include "entry/Obstacle.h"
-#include "vulkan/draw/Swapchain.h"
 
 namespace vulkan {
 

@@ -1,11 +1,11 @@
 #include "vulkan/entry/ProgramProfiles.h"
 
-#include <sys/stat.h>
-
 #include "io/WriteSignalsBlocked.h"
 #include "runs/RunFolder.h"
 #include "settings/ProgramNames.h"
 #include "utils/Log.h"
+
+#include <sys/stat.h>
 
 namespace vulkan {
 

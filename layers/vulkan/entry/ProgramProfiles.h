@@ -1,12 +1,12 @@
 #pragma once
 
+#include "settings/ProfileFiles.h"
+#include "settings/RunProperties.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#include "settings/ProfileFiles.h"
-#include "settings/RunProperties.h"
 
 namespace vulkan {
 

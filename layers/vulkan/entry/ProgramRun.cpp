@@ -1,13 +1,13 @@
 #include "vulkan/entry/ProgramRun.h"
 
-#include <chrono>
-#include <exception>
-#include <thread>
-
 #include "runs/OwnRun.h"
 #include "utils/Log.h"
 #include "utils/Thread.h"
 #include "vulkan/entry/ProgramProfiles.h"
+
+#include <chrono>
+#include <exception>
+#include <thread>
 
 namespace vulkan {
 

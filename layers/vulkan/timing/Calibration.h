@@ -1,11 +1,11 @@
 #pragma once
 
+#include "vulkan/draw/Gpu.h"
+#include "vulkan/timing/TimeStampClock.h"
+
 #include <cstdint>
 #include <optional>
 #include <vector>
-
-#include "vulkan/draw/Gpu.h"
-#include "vulkan/timing/TimeStampClock.h"
 
 namespace vulkan {
 

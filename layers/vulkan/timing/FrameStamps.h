@@ -1,12 +1,12 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include "scene/FrameTimer.h"
 #include "vulkan/draw/SubmissionRing.h"
 #include "vulkan/timing/SubmissionCopy.h"
 #include "vulkan/timing/TimeStampClock.h"
+
+#include <array>
+#include <cstdint>
 
 namespace vulkan {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <utility>
-
 #include "scene/FrameTimer.h"
+
+#include <utility>
 
 namespace vulkan {
 

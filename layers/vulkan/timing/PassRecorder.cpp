@@ -1,12 +1,12 @@
 #include "vulkan/timing/PassRecorder.h"
 
+#include "utils/Log.h"
+#include "vulkan/timing/Calibration.h"
+
 #include <algorithm>
 #include <array>
 #include <exception>
 #include <utility>
-
-#include "utils/Log.h"
-#include "vulkan/timing/Calibration.h"
 
 namespace vulkan {
 

@@ -1,15 +1,15 @@
 #pragma once
 
+#include "scene/RenderPassSource.h"
+#include "vulkan/draw/SubmissionRing.h"
+#include "vulkan/timing/AttachmentRecords.h"
+#include "vulkan/timing/TimeStampClock.h"
+
 #include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <unordered_map>
 #include <vector>
-
-#include "scene/RenderPassSource.h"
-#include "vulkan/draw/SubmissionRing.h"
-#include "vulkan/timing/AttachmentRecords.h"
-#include "vulkan/timing/TimeStampClock.h"
 
 namespace vulkan {
 

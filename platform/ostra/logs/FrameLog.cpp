@@ -1,7 +1,7 @@
-#include <ostra/FrameLog.h>
-
 #include "ostra/PerProcess.h"
 #include "ostra/logs/LogControl.h"
+
+#include <ostra/FrameLog.h>
 
 namespace Ostra {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "opengl/gl/Functions.h"
+
 #include <EGL/egl.h>
 
 #include <cstdint>
 #include <memory>
 #include <vector>
-
-#include "opengl/gl/Functions.h"
 
 /// An OpenGL or OpenGL ES context on Mesa's software renderer (set LIBGL_ALWAYS_SOFTWARE=1), with a surface
 /// in memory or on the X server that $DISPLAY names. Current on the thread that made it; destroyed with the

@@ -1,9 +1,9 @@
 // In the place of the layer: prints what the shim tells it, and spoils what it must not.
 
+#include "opengl/shim/LayerCalls.h"
+
 #include <cerrno>
 #include <cstdio>
-
-#include "opengl/shim/LayerCalls.h"
 
 namespace {
 

@@ -1,4 +1,13 @@
+#include "core/StateInfo.h"
+#include "doubles/FakeLog.h"
+#include "doubles/FakeProperties.h"
+#include "opengl/context/Call.h"
+#include "opengl/context/VirtualDisplay.h"
 #include "opengl/entry/Layer.h"
+#include "ostra/PictureRequest.h"
+#include "runs/OverlayClaim.h"
+#include "runs/OverlayNote.h"
+#include "utils/SystemInfoHelper.h"
 
 #include <dlfcn.h>
 #include <gmock/gmock.h>
@@ -13,16 +22,6 @@
 #include <optional>
 #include <sstream>
 #include <thread>
-
-#include "core/StateInfo.h"
-#include "doubles/FakeLog.h"
-#include "doubles/FakeProperties.h"
-#include "opengl/context/Call.h"
-#include "opengl/context/VirtualDisplay.h"
-#include "ostra/PictureRequest.h"
-#include "runs/OverlayClaim.h"
-#include "runs/OverlayNote.h"
-#include "utils/SystemInfoHelper.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
+#include "support/ChildProcess.h"
+
 #include <gmock/gmock.h>
 #include <stdlib.h>
 
 #include <regex>
-
-#include "support/ChildProcess.h"
 
 namespace {
 

@@ -1,8 +1,6 @@
-#include "opengl/passes/PassTimer.h"
-
-#include "opengl/passes/GpuTimer.h"
-
 #include "opengl/context/HeadlessContext.h"
+#include "opengl/passes/GpuTimer.h"
+#include "opengl/passes/PassTimer.h"
 
 #include <gmock/gmock.h>
 

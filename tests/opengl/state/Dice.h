@@ -1,10 +1,10 @@
 #pragma once
 
+#include "opengl/context/Call.h"
+
 #include <initializer_list>
 #include <random>
 #include <vector>
-
-#include "opengl/context/Call.h"
 
 /// Numbers at random.
 class Dice {

@@ -1,9 +1,9 @@
 #include "opengl/state/RandomState.h"
 
+#include "opengl/state/StateDump.h"
+
 #include <cstdint>
 #include <initializer_list>
-
-#include "opengl/state/StateDump.h"
 
 namespace {
 

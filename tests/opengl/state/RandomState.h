@@ -1,8 +1,8 @@
 #pragma once
 
-#include <vector>
-
 #include "opengl/state/Dice.h"
+
+#include <vector>
 
 class HeadlessContext;
 class StateDump;

@@ -1,11 +1,11 @@
 #include "opengl/state/StateDump.h"
 
+#include "opengl/context/Call.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
 #include <sstream>
-
-#include "opengl/context/Call.h"
 
 namespace {
 

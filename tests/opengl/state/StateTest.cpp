@@ -1,7 +1,3 @@
-#include <gmock/gmock.h>
-
-#include <cstdlib>
-
 #include "drawers/RectDrawer.h"
 #include "drawers/TextDrawer.h"
 #include "opengl/context/HeadlessContext.h"
@@ -9,6 +5,10 @@
 #include "opengl/gl/SavedState.h"
 #include "opengl/state/RandomState.h"
 #include "opengl/state/StateDump.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
 
 using opengl::Functions;
 using opengl::SavedState;

@@ -1,12 +1,12 @@
 #include "Client.h"
 
+#include "Check.h"
+
 #include <algorithm>
 #include <array>
 #include <iostream>
 #include <thread>
 #include <utility>
-
-#include "Check.h"
 
 namespace client {
 

@@ -3,14 +3,14 @@
 #include <X11/Xlib.h>
 
 #define VK_USE_PLATFORM_XLIB_KHR
+#include "Passes.h"
+
 #include <vulkan/vulkan.h>
 
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "Passes.h"
 
 namespace client {
 

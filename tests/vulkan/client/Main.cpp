@@ -13,13 +13,13 @@
 //   random SEED  30 of these, as the seed decides
 // Exits with 1, and says why, when a call fails.
 
+#include "Client.h"
+
 #include <iostream>
 #include <map>
 #include <random>
 #include <string>
 #include <thread>
-
-#include "Client.h"
 
 namespace {
 

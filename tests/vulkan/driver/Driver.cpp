@@ -1,5 +1,7 @@
 // What Vulkan's loader asks a driver for.
 
+#include "Real.h"
+
 #include <dlfcn.h>
 #include <vulkan/vk_icd.h>
 
@@ -10,8 +12,6 @@
 #include <cstring>
 #include <sstream>
 #include <vector>
-
-#include "Real.h"
 
 namespace standin {
 

@@ -1,8 +1,8 @@
+#include "Swapchains.h"
+
 #include <cstdio>
 #include <fstream>
 #include <vector>
-
-#include "Swapchains.h"
 
 namespace standin {
 

@@ -1,5 +1,7 @@
 // Queues of three families, all of them the software driver's one queue, and a device that can be lost.
 
+#include "Real.h"
+
 #include <vulkan/vk_icd.h>
 
 #include <algorithm>
@@ -11,8 +13,6 @@
 #include <map>
 #include <mutex>
 #include <vector>
-
-#include "Real.h"
 
 namespace standin {
 

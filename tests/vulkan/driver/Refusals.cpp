@@ -1,10 +1,10 @@
 // Calls that make something: they are counted, and one of them fails.
 
+#include "Real.h"
+
 #include <atomic>
 #include <cstring>
 #include <iostream>
-
-#include "Real.h"
 
 namespace standin {
 

@@ -3,7 +3,6 @@
 #include "cli/Invocation.h"
 
 #include <CLI/CLI.hpp>
-
 #include <string>
 #include <vector>
 

@@ -4,8 +4,6 @@
 #include "figures/sources/MachineFigures.h"
 #include "machine/MachineRecorder.h"
 
-#include <nlohmann/json.hpp>
-
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -14,6 +12,7 @@
 #include <iomanip>
 #include <locale>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <system_error>
 #include <thread>

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "keys/XFunctions.h"
+
 #include <sys/types.h>
 
 #include <functional>
-
-#include "keys/XFunctions.h"
 
 namespace control {
 

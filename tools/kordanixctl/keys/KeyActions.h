@@ -1,8 +1,8 @@
 #pragma once
 
-#include <ostream>
-
 #include "keys/KeyChords.h"
+
+#include <ostream>
 
 namespace control {
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "keys/KeyChords.h"
+
 #include <sys/types.h>
 
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "keys/KeyChords.h"
 
 namespace control {
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
-
 #include "processes/SideProcess.h"
 #include "runs/RunFolder.h"
+
+#include <string>
 
 namespace control {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExitCode.h"
+#include "ostra/logs/LogRequest.h"
 
 #include <sys/types.h>
 
@@ -8,8 +9,6 @@
 #include <optional>
 #include <ostream>
 #include <string>
-
-#include "ostra/logs/LogRequest.h"
 
 namespace control {
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExitCode.h"
+#include "ostra/DumpNotice.h"
 
 #include <sys/types.h>
 
@@ -9,8 +10,6 @@
 #include <ostream>
 #include <string>
 #include <vector>
-
-#include "ostra/DumpNotice.h"
 
 namespace control {
 

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "runs/OverlayNote.h"
+
 #include <sys/types.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "runs/OverlayNote.h"
 
 /// Who shows the overlay, and why others do not.
 namespace control {

@@ -6,10 +6,9 @@
 #include "settings/PropertyTable.h"
 #include "settings/ValueText.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <iomanip>
+#include <nlohmann/json.hpp>
 #include <vector>
 
 namespace control {

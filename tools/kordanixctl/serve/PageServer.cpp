@@ -4,10 +4,10 @@
 
 #include <httplib.h>
 #include <sys/socket.h>
-#include <nlohmann/json.hpp>
 
 #include <charconv>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 namespace control {

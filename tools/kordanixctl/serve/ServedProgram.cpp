@@ -13,8 +13,8 @@
 #include "watch/ReportJson.h"
 
 #include <sys/system_properties.h>
-#include <nlohmann/json.hpp>
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <vector>
 

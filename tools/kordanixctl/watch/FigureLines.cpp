@@ -6,10 +6,9 @@
 #include "watch/ReportJson.h"
 #include "watch/WatchTarget.h"
 
-#include <nlohmann/json.hpp>
-
 #include <chrono>
 #include <cmath>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace control {

@@ -4,10 +4,9 @@
 #include "figures/TextFormat.h"
 #include "figures/sources/Value.h"
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
 #include <cmath>
+#include <nlohmann/json.hpp>
 #include <string_view>
 
 namespace control {

@@ -3,9 +3,8 @@
 #include "figures/Reading.h"
 #include "ostra/FigureReport.h"
 
-#include <nlohmann/json_fwd.hpp>
-
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 
 namespace figures {
 struct Figure;
