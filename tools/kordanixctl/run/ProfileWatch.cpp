@@ -13,6 +13,8 @@
 #include <cerrno>
 #include <cstring>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace control {
@@ -78,17 +80,23 @@ bool ProfileWatch::takeEvents() {
 
 /// Watches the profiles' folder, or the nearest one above it while there is none; and what a link leads to.
 void ProfileWatch::watch() {
-    std::string folder = profileFolder();
     int found = -1;
-    std::uint32_t what = CHANGES;
-    while (!folder.empty()) {
-        found = inotify_add_watch(mDescriptor, folder.c_str(), what | GOES | IN_ONLYDIR);
-        if (found >= 0 || (errno != ENOENT && errno != ENOTDIR)) {
-            break;
+    std::string missing;  // the highest folder that was not there
+    std::error_code ignored;
+    do {
+        std::string folder = profileFolder();
+        missing.clear();
+        while (!folder.empty()) {
+            const std::uint32_t what = missing.empty() ? CHANGES : COMES;
+            found = inotify_add_watch(mDescriptor, folder.c_str(), what | GOES | IN_ONLYDIR);
+            if (found >= 0 || (errno != ENOENT && errno != ENOTDIR)) {
+                break;
+            }
+            missing = folder;
+            folder.resize(folder.rfind('/'));
         }
-        folder.resize(folder.rfind('/'));
-        what = COMES;
-    }
+        // One that has come before the watch above it was there is never told.
+    } while (found >= 0 && std::filesystem::is_directory(missing, ignored));
     if (mProfilesWatch >= 0 && mProfilesWatch != found) {
         inotify_rm_watch(mDescriptor, mProfilesWatch);
     }
