@@ -36,14 +36,19 @@ glm::vec4 toShares(const drawlist::Batch& batch) {
 void PictureCopy::create() {
     const Functions& gl = mFunctions;
     gl.getIntegerv(GL_MAX_TEXTURE_SIZE, &mLargestTexture);
-    if (gl.features.framebuffers && mProgram.create(gl, Shading::SHRINK, false).empty()) {
-        mFramebuffer = newFramebuffer(gl);
+    if (!gl.features.framebuffers || !mMean16.create(gl, Shading::MEAN_16, false).empty()) {
+        return;
+    }
+    mFramebuffer = newFramebuffer(gl);
+    if (gl.features.readFramebuffers) {
+        mMean4.create(gl, Shading::MEAN_4, false);  // without it no picture is reduced
     }
 }
 
 void PictureCopy::destroy() {
     const Functions& gl = mFunctions;
-    mProgram.destroy(gl);
+    mMean16.destroy(gl);
+    mMean4.destroy(gl);
     for (const Texture& texture : {mWhole, mSmall}) {
         if (texture.name != 0) {
             gl.deleteTextures(1, &texture.name);
@@ -61,7 +66,8 @@ void PictureCopy::dropFramebuffer() {
 }
 
 void PictureCopy::abandon() {
-    mProgram = {};
+    mMean16 = {};
+    mMean4 = {};
     mFramebuffer = 0;
     mWhole = {};
     mSmall = {};
@@ -93,11 +99,10 @@ bool PictureCopy::take(const drawlist::DrawList& list, SavedState& state) {
     if (!state.prepareCopy()) {
         return false;
     }
-    if (!isReducible(list)) {
-        mSamples = SAMPLES;
+    mIsReduced = isReducible(list);
+    if (!mIsReduced) {
         return copy(surface, state);
     }
-    mSamples = REDUCED_SAMPLES;
     const bool isTaken = reduce(list, surface, state);
     state.drawInto(0, surface.x, surface.y);
     return isTaken;
@@ -108,7 +113,7 @@ bool PictureCopy::take(const drawlist::DrawList& list, SavedState& state) {
 /// it.
 bool PictureCopy::isReducible(const drawlist::DrawList& list) const {
     const Functions& gl = mFunctions;
-    if (!isShrunk() || !gl.features.readFramebuffers || list.isSrgb) {
+    if (!isShrunk() || !mMean4 || list.isSrgb) {
         return false;
     }
     GLint buffers = 0;
@@ -155,8 +160,9 @@ void PictureCopy::drawShrunk(const drawlist::DrawList& list) {
     const glm::vec2 toClip = 2.0F / glm::vec2(pixels.width(), pixels.height());
     const glm::vec2 start = -1.0F - glm::vec2(pixels.mLeft, pixels.mTop) * toClip;
     const glm::vec4 shares = toShares(list.batch);
-    mProgram.use(gl, glm::vec4(toClip, start), shares);
-    mProgram.setSamples(gl, {shares.x / mSamples, shares.y / mSamples, mSamples});
+    Program& mean = mIsReduced ? mMean4 : mMean16;
+    mean.use(gl, glm::vec4(toClip, start), shares);
+    mean.setGap(gl, glm::vec2(shares) / (mIsReduced ? REDUCED_SAMPLES : SAMPLES));
     gl.bindTexture(GL_TEXTURE_2D, mWhole.name);
     const drawlist::Batch::Range picture = list.rangeOf(drawlist::Batch::Part::PICTURE);
     gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(picture.mFirst), static_cast<GLsizei>(picture.mCount));

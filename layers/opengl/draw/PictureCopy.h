@@ -50,13 +50,14 @@ private:
     void dropFramebuffer();
 
     const Functions& mFunctions;
-    Program mProgram;
+    Program mMean16;  ///< shrinks the picture in full size
+    Program mMean4;   ///< shrinks the reduced one
     GLuint mFramebuffer = 0;
     Texture mWhole;  ///< the whole surface, in full size or reduced
     Texture mSmall;  ///< in the size in which it is shown
     GLint mLargestTexture = 0;
-    float mSamples = 0.0F;   ///< in a row, of which shrink() makes a pixel
-    bool mIsCopied = false;  ///< since the last frame, and not yet shrunk
+    bool mIsReduced = false;  ///< mWhole is not in full size
+    bool mIsCopied = false;   ///< since the last frame, and not yet shrunk
     bool mIsTaken = false;
 };
 

@@ -61,7 +61,7 @@ std::string Program::create(const Functions& gl, Shading shading, bool isLinear)
     }
     mToClipLocation = gl.getUniformLocation(mName, "toClip");
     mToTextureLocation = gl.getUniformLocation(mName, "toTexture");
-    mSamplesLocation = gl.getUniformLocation(mName, "samples");
+    mGapLocation = gl.getUniformLocation(mName, "gap");
     gl.useProgram(mName);
     gl.uniform1i(gl.getUniformLocation(mName, "image"), SavedState::TEXTURE_UNIT);
     return {};
@@ -86,8 +86,8 @@ void Program::use(const Functions& gl, const glm::vec4& toClip, const glm::vec4&
     }
 }
 
-void Program::setSamples(const Functions& gl, const glm::vec3& samples) const {
-    gl.uniform4f(mSamplesLocation, samples.x, samples.y, samples.z, 0.0F);
+void Program::setGap(const Functions& gl, const glm::vec2& gap) const {
+    gl.uniform2f(mGapLocation, gap.x, gap.y);
 }
 
 }  // namespace opengl

@@ -3,7 +3,7 @@
 #include "opengl/draw/Shaders.h"
 #include "opengl/gl/Functions.h"
 
-#include <glm/vec3.hpp>
+#include <glm/vec2.hpp>
 #include <glm/vec4.hpp>
 #include <string>
 
@@ -25,8 +25,8 @@ public:
     /// Uses the program with these uniforms, as described at vertexShader().
     void use(const Functions& gl, const glm::vec4& toClip, const glm::vec4& toTexture);
 
-    /// Only for a program that shrinks, while it is in use.
-    void setSamples(const Functions& gl, const glm::vec3& samples) const;
+    /// Only for a program of means, while it is in use.
+    void setGap(const Functions& gl, const glm::vec2& gap) const;
 
     explicit operator bool() const { return mName != 0; }
 
@@ -34,7 +34,7 @@ private:
     GLuint mName = 0;
     GLint mToClipLocation = -1;
     GLint mToTextureLocation = -1;
-    GLint mSamplesLocation = -1;
+    GLint mGapLocation = -1;
     glm::vec4 mToClip{0.0F};
     glm::vec4 mToTexture{0.0F};
 };

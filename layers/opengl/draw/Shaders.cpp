@@ -22,6 +22,8 @@ constexpr char NEW_FRAGMENT[] =
 constexpr char GLYPHS[] = "#define CHANNELS rrrg\n";
 constexpr char COLORS[] = "#define CHANNELS rgba\n";
 constexpr char SOLID[] = "#define SOLID\n";
+constexpr char SAMPLES_4[] = "#define SAMPLES 2\n";
+constexpr char SAMPLES_16[] = "#define SAMPLES 4\n";
 
 constexpr char LINEAR[] = "#define LINEAR\n";
 
@@ -70,23 +72,20 @@ void main() {
 #endif
 )";
 
-// The bound of a loop has to be known, and this one is too large for compilers to unroll it: where a
-// rasterizer runs both sides of a branch, only a loop leaves samples out.
-constexpr char SHRINK[] = R"(
+// Compilers unroll these loops: one that ends early costs llvmpipe more than its samples.
+constexpr char MEAN[] = R"(
 IN vec2 coordinate;
 uniform sampler2D image;
-uniform vec4 samples;
+uniform vec2 gap;
 void main() {
     vec3 sum = vec3(0.0);
-    for (int i = 0; i < 64; ++i) {
-        if (float(i) + 0.5 > samples.z * samples.z) {
-            break;
+    for (int y = 0; y < SAMPLES; ++y) {
+        for (int x = 0; x < SAMPLES; ++x) {
+            vec2 place = vec2(float(x), float(y)) - 0.5 * (float(SAMPLES) - 1.0);
+            sum += texture2D(image, coordinate + place * gap).rgb;
         }
-        float row = floor((float(i) + 0.5) / samples.z);
-        vec2 place = vec2(float(i) - samples.z * row, row) - 0.5 * (samples.z - 1.0);
-        sum += texture2D(image, coordinate + place * samples.xy).rgb;
     }
-    gl_FragColor = vec4(sum / (samples.z * samples.z), 1.0);
+    gl_FragColor = vec4(sum / float(SAMPLES * SAMPLES), 1.0);
 }
 )";
 
@@ -128,8 +127,8 @@ ShaderSource vertexShader(const Functions& functions, Shading shading, bool isLi
 ShaderSource fragmentShader(const Functions& functions, Shading shading, bool isLinear) {
     const char* const dialect =
         pick(dialectOf(functions), OLD_FRAGMENT, ES_FRAGMENT, CORE_FRAGMENT, NEW_FRAGMENT);
-    if (shading == Shading::SHRINK) {
-        return {{dialect, "", "", SHRINK}};
+    if (shading == Shading::MEAN_4 || shading == Shading::MEAN_16) {
+        return {{dialect, shading == Shading::MEAN_4 ? SAMPLES_4 : SAMPLES_16, "", MEAN}};
     }
     const char* const channels =
         shading == Shading::SOLID ? SOLID : (shading == Shading::GLYPHS ? GLYPHS : COLORS);
