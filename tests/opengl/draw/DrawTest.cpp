@@ -56,7 +56,8 @@ opengl::Functions functionsFor(const HeadlessContext& context, bool isPlain) {
     opengl::Functions functions = context.functions();
     for (bool opengl::Features::*feature :
          {&opengl::Features::vertexArrays, &opengl::Features::redGreenTextures,
-          &opengl::Features::textureSwizzle, &opengl::Features::softwareRaster}) {
+          &opengl::Features::textureSwizzle, &opengl::Features::softwareRaster,
+          &opengl::Features::readFramebuffers}) {
         functions.features.*feature = functions.features.*feature && !isPlain;
     }
     return functions;
