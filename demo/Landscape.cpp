@@ -30,8 +30,8 @@ Pixel toPixel(const Color& color) {
 }
 
 void blend(Pixel& pixel, const Color& color, float coverage) {
-    const Color below{static_cast<float>(pixel.mRed), static_cast<float>(pixel.mGreen),
-                      static_cast<float>(pixel.mBlue)};
+    const Color below{static_cast<float>(pixel.red), static_cast<float>(pixel.green),
+                      static_cast<float>(pixel.blue)};
     pixel = toPixel(mix(below, color, coverage));
 }
 

@@ -23,9 +23,9 @@ bool isFinite(const Corner& corner) {
 /// another one in part. At most three pieces.
 struct Pieces {
     struct Piece {
-        int mFirst;
-        int mEnd;
-        float mCoverage;
+        int first;
+        int end;
+        float coverage;
     };
 
     Pieces(float low, float high, int limitLow, int limitHigh) {
@@ -40,15 +40,15 @@ struct Pieces {
 
     void add(int first, int end, float low, float high) {
         if (first < end) {
-            mPieces[mCount++] = {first, end, raster::overlap(low, high, first)};
+            pieces[count++] = {first, end, raster::overlap(low, high, first)};
         }
     }
 
-    const Piece* begin() const { return mPieces; }
-    const Piece* end() const { return mPieces + mCount; }
+    const Piece* begin() const { return pieces; }
+    const Piece* end() const { return pieces + count; }
 
-    Piece mPieces[3] = {};
-    int mCount = 0;
+    Piece pieces[3] = {};
+    int count = 0;
 };
 
 /// Keeps the part of a convex polygon on one side of a line: where `side` is not negative.
@@ -94,20 +94,20 @@ void Batch::begin(const raster::PixelRect& surface) {
     mSurface = surface;
     mClip = surface;
     for (Stream& each : mStreams) {
-        std::swap(each.mVertices, each.mLastVertices);
-        each.mLastCount = std::exchange(each.mCount, 0);
+        std::swap(each.vertices, each.lastVertices);
+        each.lastCount = std::exchange(each.count, 0);
     }
     mPart = Part::REST;
     mCovered.clear();
 }
 
 bool Batch::Stream::isRepeated() const {
-    return mCount == mLastCount &&
-           (mCount == 0 || std::memcmp(mVertices.data(), mLastVertices.data(), mCount * sizeof(Vertex)) == 0);
+    return count == lastCount &&
+           (count == 0 || std::memcmp(vertices.data(), lastVertices.data(), count * sizeof(Vertex)) == 0);
 }
 
 void Batch::Stream::makeRoom() {
-    mVertices.resize(std::max(USUAL_VERTICES, 2 * mCount));
+    vertices.resize(std::max(USUAL_VERTICES, 2 * count));
 }
 
 bool Batch::isRepeated() const {
@@ -118,14 +118,14 @@ bool Batch::isRepeated() const {
 std::size_t Batch::vertexCount() const {
     std::size_t count = 0;
     for (const Stream& each : mStreams) {
-        count += each.mCount;
+        count += each.count;
     }
     return count;
 }
 
 void Batch::copyVertices(Vertex* to) const {
     for (const Stream& each : mStreams) {
-        to = std::copy_n(each.mVertices.data(), each.mCount, to);
+        to = std::copy_n(each.vertices.data(), each.count, to);
     }
 }
 
@@ -147,7 +147,7 @@ void Batch::beginShape() {
 
 Batch::Shape Batch::endShape(const raster::PixelRect& bounds) {
     const Shape shape{mPart, {mShapeStart, vertexCount(mPart) - mShapeStart}, bounds};
-    if (mPart == Part::REST && shape.vertices.mCount != 0) {
+    if (mPart == Part::REST && shape.vertices.count != 0) {
         mCovered.push_back(bounds);
     }
     mPart = Part::REST;
@@ -161,17 +161,16 @@ Batch::Shape Batch::repeat(const Shape& last, bool isSolid) {
         beginShape();
     }
     const Range& vertices = last.vertices;
-    std::copy_n(stream(last.part).mLastVertices.data() + vertices.mFirst, vertices.mCount,
-                grow(vertices.mCount));
+    std::copy_n(stream(last.part).lastVertices.data() + vertices.first, vertices.count, grow(vertices.count));
     return endShape(last.bounds);
 }
 
 void Batch::addPixels(const raster::PixelRect& pixels, const Texels& texels,
                       const std::array<std::uint8_t, 4>& color) {
-    const auto left = static_cast<float>(pixels.mLeft);
-    const auto top = static_cast<float>(pixels.mTop);
-    const auto right = static_cast<float>(pixels.mRight);
-    const auto bottom = static_cast<float>(pixels.mBottom);
+    const auto left = static_cast<float>(pixels.left);
+    const auto top = static_cast<float>(pixels.top);
+    const auto right = static_cast<float>(pixels.right);
+    const auto bottom = static_cast<float>(pixels.bottom);
     const Vertex topLeft{left, top, texels[0], texels[1], color};
     const Vertex topRight{right, top, texels[2], texels[1], color};
     const Vertex bottomLeft{left, bottom, texels[0], texels[3], color};
@@ -192,13 +191,13 @@ void Batch::addPieces(const raster::Box& box, const Paint& paint, const raster::
     if (touched.isEmpty()) {
         return;
     }
-    const Pieces columns(box.mLeft, box.mRight, touched.mLeft, touched.mRight);
-    const Pieces rows(box.mTop, box.mBottom, touched.mTop, touched.mBottom);
+    const Pieces columns(box.left, box.right, touched.left, touched.right);
+    const Pieces rows(box.top, box.bottom, touched.top, touched.bottom);
     for (const Pieces::Piece& row : rows) {
         for (const Pieces::Piece& column : columns) {
-            const std::array<std::uint8_t, 4> color = paint.covering(row.mCoverage * column.mCoverage);
+            const std::array<std::uint8_t, 4> color = paint.covering(row.coverage * column.coverage);
             if (color[3] != 0) {
-                const raster::PixelRect pixels{column.mFirst, row.mFirst, column.mEnd, row.mEnd};
+                const raster::PixelRect pixels{column.first, row.first, column.end, row.end};
                 addPixels(pixels, texelsOf(pixels), color);
             }
         }
@@ -228,8 +227,8 @@ void Batch::addTexels(const raster::PixelRect& pixels, int u, int v, const Paint
     }
     const auto texel = [](int value) { return static_cast<std::uint16_t>(value); };
     addPixels(seen,
-              {texel(u + seen.mLeft - pixels.mLeft), texel(v + seen.mTop - pixels.mTop),
-               texel(u + seen.mRight - pixels.mLeft), texel(v + seen.mBottom - pixels.mTop)},
+              {texel(u + seen.left - pixels.left), texel(v + seen.top - pixels.top),
+               texel(u + seen.right - pixels.left), texel(v + seen.bottom - pixels.top)},
               paint.covering(1.0F));
 }
 
@@ -298,8 +297,8 @@ void Batch::addCut(Polygon corners, std::size_t count, const Paint& paint, const
 }
 
 void Batch::addPicture(const raster::Box& box) {
-    const float width = box.mRight - box.mLeft;
-    const float height = box.mBottom - box.mTop;
+    const float width = box.right - box.left;
+    const float height = box.bottom - box.top;
     if (hasPicture() || !(width > 0.0F) || !(height > 0.0F) || !std::isfinite(width) ||
         !std::isfinite(height)) {
         return;
@@ -309,8 +308,8 @@ void Batch::addPicture(const raster::Box& box) {
     mPicturePixels = raster::touchedPixels(box, mClip);
     const auto texel = [](int pixel, int first) { return static_cast<std::uint16_t>(pixel - first); };
     addPieces(box, Paint(glm::vec4(1.0F)), mClip, [&](const raster::PixelRect& pixels) {
-        return Texels{texel(pixels.mLeft, mPicturePixels.mLeft), texel(pixels.mTop, mPicturePixels.mTop),
-                      texel(pixels.mRight, mPicturePixels.mLeft), texel(pixels.mBottom, mPicturePixels.mTop)};
+        return Texels{texel(pixels.left, mPicturePixels.left), texel(pixels.top, mPicturePixels.top),
+                      texel(pixels.right, mPicturePixels.left), texel(pixels.bottom, mPicturePixels.top)};
     });
     mPart = Part::REST;
     mCovered.push_back(mPicturePixels);

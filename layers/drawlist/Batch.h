@@ -42,10 +42,10 @@ inline Vertex moved(Vertex vertex, const glm::vec2& to) {
 /// Pixels that shapes are cut to.
 struct Clip {
     explicit Clip(const raster::PixelRect& pixels)
-        : left(static_cast<float>(pixels.mLeft)),
-          top(static_cast<float>(pixels.mTop)),
-          right(static_cast<float>(pixels.mRight)),
-          bottom(static_cast<float>(pixels.mBottom)) {}
+        : left(static_cast<float>(pixels.left)),
+          top(static_cast<float>(pixels.top)),
+          right(static_cast<float>(pixels.right)),
+          bottom(static_cast<float>(pixels.bottom)) {}
 
     /// False for what is not a number.
     bool contains(const glm::vec2& point) const {
@@ -72,10 +72,10 @@ public:
     };
     static constexpr std::size_t PARTS = 3;
 
-    /// The vertices of a part from mFirst on, mCount of them.
+    /// The vertices of a part from first on, count of them.
     struct Range {
-        std::size_t mFirst = 0;
-        std::size_t mCount = 0;
+        std::size_t first = 0;
+        std::size_t count = 0;
     };
 
     /// What was added between beginSolid() or beginShape() and endShape().
@@ -118,12 +118,12 @@ public:
     /// Adds that many vertices inside the clip, three a triangle, which the caller writes at once.
     Vertex* grow(std::size_t count) {
         Stream& to = stream(mPart);
-        const std::size_t first = to.mCount;
-        to.mCount += count;
-        if (to.mCount > to.mVertices.size()) {
+        const std::size_t first = to.count;
+        to.count += count;
+        if (to.count > to.vertices.size()) {
             to.makeRoom();
         }
-        return to.mVertices.data() + first;
+        return to.vertices.data() + first;
     }
 
     /// The application's picture in the box. Of several in one drawing only the first is shown. It covers
@@ -142,8 +142,8 @@ public:
     /// Adds a shape of the drawing before once more; where it is now.
     Shape repeat(const Shape& last, bool isSolid);
 
-    const Vertex* vertices(Part part) const { return stream(part).mVertices.data(); }
-    std::size_t vertexCount(Part part) const { return stream(part).mCount; }
+    const Vertex* vertices(Part part) const { return stream(part).vertices.data(); }
+    std::size_t vertexCount(Part part) const { return stream(part).count; }
 
     /// Of all parts.
     std::size_t vertexCount() const;
@@ -175,10 +175,10 @@ private:
 
     /// The vertices of a part.
     struct Stream {
-        std::vector<Vertex> mVertices;  ///< room for more than are in use
-        std::size_t mCount = 0;
-        std::vector<Vertex> mLastVertices;  ///< of the drawing before
-        std::size_t mLastCount = 0;
+        std::vector<Vertex> vertices;  ///< room for more than are in use
+        std::size_t count = 0;
+        std::vector<Vertex> lastVertices;  ///< of the drawing before
+        std::size_t lastCount = 0;
 
         bool isRepeated() const;
         void makeRoom();

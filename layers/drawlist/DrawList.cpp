@@ -6,7 +6,7 @@ namespace drawlist {
 
 void DrawList::setSize(int width, int height) {
     const auto side = [](int pixels) { return static_cast<std::uint32_t>(std::max(pixels, 0)); };
-    if (side(width) == shape.mWidth && side(height) == shape.mHeight) {
+    if (side(width) == shape.width && side(height) == shape.height) {
         return;
     }
     shape = {side(width), side(height)};

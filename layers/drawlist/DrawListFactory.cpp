@@ -32,7 +32,7 @@ std::unique_ptr<drawer::Drawer> DrawListFactory::createThumbnail() {
 }
 
 glm::uvec2 DrawListFactory::getSurfaceSize() const {
-    return {mList.shape.mWidth, mList.shape.mHeight};
+    return {mList.shape.width, mList.shape.height};
 }
 
 void DrawListFactory::setClip(const glm::vec2& position, const glm::vec2& size) {

@@ -136,8 +136,8 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
     // Rows above the edge are empty and rows below it full. In between, the coverage rises over the height in
     // which a line of this slope crosses a pixel.
     raster::PixelRect rows = clip;
-    rows.mTop = std::max(rows.mTop, floorOf(high));
-    rows.mBottom = std::min({rows.mBottom, ceilOf(low), wholeBottom});
+    rows.top = std::max(rows.top, floorOf(high));
+    rows.bottom = std::min({rows.bottom, ceilOf(low), wholeBottom});
     const float slope = (toY - fromY) / (to.x - from.x);
     const float soft = softnessOf(slope);
     if (!rows.isEmpty() && std::isfinite(soft)) {
@@ -146,7 +146,7 @@ void addSlice(Batch& batch, const glm::vec2& from, const glm::vec2& to, float bo
         const float deepest = static_cast<float>(ceilOf(low)) + soft;
         batch.addQuad(corner(from.x, fromY - soft, 0.0F), corner(to.x, toY - soft, 0.0F),
                       corner(to.x, toY + soft, 1.0F), corner(from.x, fromY + soft, 1.0F), paint, band);
-        if (high + soft < static_cast<float>(rows.mBottom) - 0.5F) {
+        if (high + soft < static_cast<float>(rows.bottom) - 0.5F) {
             batch.addQuad(corner(from.x, fromY + soft, 1.0F), corner(to.x, toY + soft, 1.0F),
                           corner(to.x, deepest, 1.0F), corner(from.x, deepest, 1.0F), paint, band);
         }
@@ -185,8 +185,8 @@ void FillTessellator::draw(Batch& batch, const glm::vec2* points, std::size_t co
     mEdge.back().x = std::ceil(right);
     const auto drawPart = [&](int first, int end) {
         raster::PixelRect columns = clip;
-        columns.mLeft = std::max(columns.mLeft, first);
-        columns.mRight = std::min(columns.mRight, end);
+        columns.left = std::max(columns.left, first);
+        columns.right = std::min(columns.right, end);
         if (!columns.isEmpty()) {
             drawColumns(batch, bottom, paint.fainter(raster::overlap(left, right, first)), columns);
         }

@@ -33,7 +33,7 @@ constexpr float FARTHEST = 65536.0F;
 
 /// Room for the pictures of all letters and for digits in many places.
 int sideFor(const raster::SurfaceShape& shape) {
-    const std::uint32_t wanted = std::min(shape.mWidth, shape.mHeight) / 2;
+    const std::uint32_t wanted = std::min(shape.width, shape.height) / 2;
     int side = SMALLEST_SIDE;
     while (side < GlyphCache::LARGEST_SIDE && static_cast<std::uint32_t>(side) < wanted) {
         side *= 2;
@@ -125,14 +125,14 @@ GlyphCache::Rows GlyphCache::takeChanges() {
 
 GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const raster::Box& box,
                                      Part part) {
-    if (!(std::fabs(box.mLeft) < FARTHEST) || !(std::fabs(box.mTop) < FARTHEST) ||
-        !(box.mRight - box.mLeft < LONGEST_SIDE) || !(box.mBottom - box.mTop < LONGEST_SIDE) || mSide == 0) {
+    if (!(std::fabs(box.left) < FARTHEST) || !(std::fabs(box.top) < FARTHEST) ||
+        !(box.right - box.left < LONGEST_SIDE) || !(box.bottom - box.top < LONGEST_SIDE) || mSide == 0) {
         return {};
     }
-    const int left = toSteps(box.mLeft);
-    const int top = toSteps(box.mTop);
-    const int width = toSteps(box.mRight) - left;
-    const int height = toSteps(box.mBottom) - top;
+    const int left = toSteps(box.left);
+    const int top = toSteps(box.top);
+    const int width = toSteps(box.right) - left;
+    const int height = toSteps(box.bottom) - top;
     if (width <= 0 || height <= 0) {
         return {};
     }
@@ -145,11 +145,11 @@ GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const
                               phaseY << 44 | static_cast<std::uint64_t>(part) << 42 |
                               static_cast<std::uint64_t>(width) << 20 | static_cast<std::uint64_t>(height);
     std::size_t index = hash(key) % ENTRIES;
-    while (mEntries[index].mKey != 0 && mEntries[index].mKey != key) {
+    while (mEntries[index].key != 0 && mEntries[index].key != key) {
         index = (index + 1) % ENTRIES;
     }
     Entry& entry = mEntries[index];
-    if (entry.mKey == 0) {
+    if (entry.key == 0) {
         const auto toPixels = [](std::uint64_t steps) {
             return static_cast<float>(steps) / raster::GLYPH_STEPS;
         };
@@ -161,13 +161,13 @@ GlyphCache::Picture GlyphCache::find(char symbol, const gui::Glyph& glyph, const
             mIsFull = true;
             return {};
         }
-        entry.mKey = key;
+        entry.key = key;
         ++mCount;
     }
-    return {entry.mU,
-            entry.mV,
-            {column + entry.mLeft, row + entry.mTop, column + entry.mLeft + entry.mWidth,
-             row + entry.mTop + entry.mHeight}};
+    return {entry.u,
+            entry.v,
+            {column + entry.left, row + entry.top, column + entry.left + entry.width,
+             row + entry.top + entry.height}};
 }
 
 bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& box, Part part) {
@@ -177,39 +177,39 @@ bool GlyphCache::draw(Entry& entry, const gui::Glyph& glyph, const raster::Box& 
         return true;  // a space
     }
     const raster::PixelRect pixels = mGlyph.pixels();
-    entry.mWidth = static_cast<std::uint16_t>(pixels.width());
-    entry.mHeight = static_cast<std::uint16_t>(pixels.height());
-    entry.mLeft = static_cast<std::int16_t>(pixels.mLeft);
-    entry.mTop = static_cast<std::int16_t>(pixels.mTop);
+    entry.width = static_cast<std::uint16_t>(pixels.width());
+    entry.height = static_cast<std::uint16_t>(pixels.height());
+    entry.left = static_cast<std::int16_t>(pixels.left);
+    entry.top = static_cast<std::int16_t>(pixels.top);
     if (!place(entry)) {
         return false;
     }
     for (int y = 0; y < pixels.height(); ++y) {
-        const float* const ink = mGlyph.ink(pixels.mTop + y);
-        const float* const outline = mGlyph.outline(pixels.mTop + y);
+        const float* const ink = mGlyph.ink(pixels.top + y);
+        const float* const outline = mGlyph.outline(pixels.top + y);
         for (int x = 0; x < pixels.width(); ++x) {
-            write(texel(entry.mU + x, entry.mV + y), ink[x], outline[x], part);
+            write(texel(entry.u + x, entry.v + y), ink[x], outline[x], part);
         }
     }
     return true;
 }
 
 bool GlyphCache::place(Entry& entry) {
-    if (mShelfEnd + entry.mWidth > mSide) {
+    if (mShelfEnd + entry.width > mSide) {
         mShelfTop += mShelfHeight;
         mShelfHeight = 0;
         mShelfEnd = 0;
     }
-    if (entry.mWidth > mSide || mShelfTop + entry.mHeight > mSide) {
+    if (entry.width > mSide || mShelfTop + entry.height > mSide) {
         return false;
     }
-    entry.mU = static_cast<std::uint16_t>(mShelfEnd);
-    entry.mV = static_cast<std::uint16_t>(mShelfTop);
-    mShelfEnd += entry.mWidth;
-    mShelfHeight = std::max(mShelfHeight, static_cast<int>(entry.mHeight));
-    const bool isFirst = mChanged.mFirst == mChanged.mEnd;
-    mChanged.mFirst = isFirst ? mShelfTop : std::min(mChanged.mFirst, mShelfTop);
-    mChanged.mEnd = isFirst ? mShelfTop + entry.mHeight : std::max(mChanged.mEnd, mShelfTop + entry.mHeight);
+    entry.u = static_cast<std::uint16_t>(mShelfEnd);
+    entry.v = static_cast<std::uint16_t>(mShelfTop);
+    mShelfEnd += entry.width;
+    mShelfHeight = std::max(mShelfHeight, static_cast<int>(entry.height));
+    const bool isFirst = mChanged.first == mChanged.end;
+    mChanged.first = isFirst ? mShelfTop : std::min(mChanged.first, mShelfTop);
+    mChanged.end = isFirst ? mShelfTop + entry.height : std::max(mChanged.end, mShelfTop + entry.height);
     return true;
 }
 

@@ -50,15 +50,15 @@ public:
 
     /// Where a picture lies in the texture and on the surface.
     struct Picture {
-        int mU = 0;  ///< first texel
-        int mV = 0;
-        raster::PixelRect mPixels;  ///< on the surface, with the outline; empty when nothing is to be seen
+        int u = 0;  ///< first texel
+        int v = 0;
+        raster::PixelRect pixels;  ///< on the surface, with the outline; empty when nothing is to be seen
     };
 
     /// Rows that have changed, end exclusive.
     struct Rows {
-        int mFirst = 0;
-        int mEnd = 0;
+        int first = 0;
+        int end = 0;
     };
 
     GlyphCache();
@@ -84,7 +84,7 @@ public:
         return mTexels.data() + static_cast<std::ptrdiff_t>(v) * mSide * CHANNELS;
     }
 
-    bool isChanged() const { return mChanged.mFirst < mChanged.mEnd; }
+    bool isChanged() const { return mChanged.first < mChanged.end; }
 
     /// The rows that have changed since the last call.
     Rows takeChanges();
@@ -97,13 +97,13 @@ private:
     static constexpr int PROFILE_LENGTH = 128;
 
     struct Entry {
-        std::uint64_t mKey = 0;  ///< 0: free
-        std::uint16_t mU = 0;
-        std::uint16_t mV = 0;
-        std::uint16_t mWidth = 0;
-        std::uint16_t mHeight = 0;
-        std::int16_t mLeft = 0;  ///< of the picture, from the box's first pixel
-        std::int16_t mTop = 0;
+        std::uint64_t key = 0;  ///< 0: free
+        std::uint16_t u = 0;
+        std::uint16_t v = 0;
+        std::uint16_t width = 0;
+        std::uint16_t height = 0;
+        std::int16_t left = 0;  ///< of the picture, from the box's first pixel
+        std::int16_t top = 0;
     };
 
     void empty();

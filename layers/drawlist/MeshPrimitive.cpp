@@ -61,7 +61,7 @@ void MeshPrimitive::sortLines(const raster::MeshPlacement& place) {
         raster::Box box;
         if (!raster::alignLine(mPoints[i - 1], mPoints[i], place.lineWidth, place.frame, box)) {
             mSlanted.push_back(i - 1);
-        } else if (box.mRight - box.mLeft > box.mBottom - box.mTop) {
+        } else if (box.right - box.left > box.bottom - box.top) {
             mLevel.push_back(box);
         } else {
             mUpright.push_back(box);
@@ -78,18 +78,18 @@ void MeshPrimitive::drawLines(const raster::MeshPlacement& place, const Paint& p
     }
     // Where lines cross, the pixels are covered once: upright ones leave out what the level ones have.
     std::sort(mLevel.begin(), mLevel.end(),
-              [](const raster::Box& a, const raster::Box& b) { return a.mTop < b.mTop; });
+              [](const raster::Box& a, const raster::Box& b) { return a.top < b.top; });
     for (const raster::Box& line : mUpright) {
         raster::Box piece = line;
         for (const raster::Box& level : mLevel) {
-            const bool isCrossing = level.mLeft < line.mRight && level.mRight > line.mLeft;
-            if (isCrossing && level.mTop < line.mBottom && level.mBottom > piece.mTop) {
-                piece.mBottom = level.mTop;
+            const bool isCrossing = level.left < line.right && level.right > line.left;
+            if (isCrossing && level.top < line.bottom && level.bottom > piece.top) {
+                piece.bottom = level.top;
                 mList.batch.addRect(piece, paint, place.clip);
-                piece.mTop = level.mBottom;
+                piece.top = level.bottom;
             }
         }
-        piece.mBottom = line.mBottom;
+        piece.bottom = line.bottom;
         mList.batch.addRect(piece, paint, place.clip);
     }
 }

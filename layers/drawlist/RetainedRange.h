@@ -17,8 +17,8 @@ public:
     /// Call it first. Returns whether everything that determines the triangles is as in the previous drawing,
     /// except for what the primitive compares itself.
     bool begin(const DrawList& list, const drawer::Drawer& drawer, const glm::vec4& color) {
-        const Key key{drawer.mPosition,  drawer.mSize,      drawer.mTranslation, color,
-                      list.batch.clip(), list.shape.mWidth, list.shape.mHeight,  list.glyphs.emptied()};
+        const Key key{drawer.mPosition,  drawer.mSize,     drawer.mTranslation, color,
+                      list.batch.clip(), list.shape.width, list.shape.height,   list.glyphs.emptied()};
         const bool isSame = mDrawing + 1 == list.drawing && key == mKey;
         mKey = key;
         mDrawing = list.drawing;
@@ -46,7 +46,7 @@ private:
         unsigned int emptied = 0;
 
         static bool isSame(const raster::PixelRect& a, const raster::PixelRect& b) {
-            return a.mLeft == b.mLeft && a.mTop == b.mTop && a.mRight == b.mRight && a.mBottom == b.mBottom;
+            return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
         }
         bool operator==(const Key& other) const {
             return position == other.position && size == other.size && translation == other.translation &&

@@ -32,17 +32,17 @@ void TextPrimitive::drawGlyph(const gui::Glyph& glyph, const glm::mat4& transfor
     }
     const raster::Box box = glyphBox(glyph, transform);
     GlyphCache::Picture picture = mList.glyphs.find(symbol, glyph, box, mIsDark ? Part::OUTLINE : Part::BOTH);
-    if (picture.mPixels.isEmpty()) {
+    if (picture.pixels.isEmpty()) {
         return;
     }
-    const int left = firstColumn(picture.mPixels.mLeft + 1, picture.mPixels.mRight - 1);
-    picture.mU += left - picture.mPixels.mLeft;
-    picture.mPixels.mLeft = left;
-    mBounds = raster::unite(mBounds, picture.mPixels);
-    mList.batch.addTexels(picture.mPixels, picture.mU, picture.mV, mIsDark ? mOutline : mPaint);
+    const int left = firstColumn(picture.pixels.left + 1, picture.pixels.right - 1);
+    picture.u += left - picture.pixels.left;
+    picture.pixels.left = left;
+    mBounds = raster::unite(mBounds, picture.pixels);
+    mList.batch.addTexels(picture.pixels, picture.u, picture.v, mIsDark ? mOutline : mPaint);
     if (mIsDark) {
         const GlyphCache::Picture ink = mList.glyphs.find(symbol, glyph, box, Part::INK);
-        mList.batch.addTexels(ink.mPixels, ink.mU, ink.mV, mPaint);
+        mList.batch.addTexels(ink.pixels, ink.u, ink.v, mPaint);
     }
 }
 

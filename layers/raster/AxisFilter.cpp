@@ -25,14 +25,14 @@ bool AxisFilter::prepare(float low, float high, int sourceCount, int limitLow, i
         const double from = center - 0.5 * footprint;
         const double to = center + 0.5 * footprint;
         Taps taps;
-        taps.mWeights = mWeights.size();
+        taps.weights = mWeights.size();
         const int start = floorToInt(from, 0, sourceCount);
         const int last = ceilToInt(to, 0, sourceCount);
-        taps.mFirst = static_cast<std::size_t>(start);
+        taps.first = static_cast<std::size_t>(start);
         for (int cell = start; cell < last; ++cell) {
             const double covered = std::min(to, cell + 1.0) - std::max(from, double(cell));
             mWeights.push_back(static_cast<float>(covered / footprint));
-            ++taps.mCount;
+            ++taps.count;
         }
         mTaps.push_back(taps);
     }

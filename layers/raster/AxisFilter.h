@@ -10,11 +10,11 @@ namespace raster {
 /// coverage. An enlarged copy blends between neighbouring source cells. Reuses its memory.
 class AxisFilter {
 public:
-    /// The source cells of one target pixel: mCount cells from mFirst on.
+    /// The source cells of one target pixel: `count` cells from `first` on.
     struct Taps {
-        std::size_t mFirst = 0;
-        std::size_t mCount = 0;
-        std::size_t mWeights = 0;  ///< index of the first weight
+        std::size_t first = 0;
+        std::size_t count = 0;
+        std::size_t weights = 0;  ///< index of the first weight
     };
 
     /// Prepares to copy `sourceCount` cells to low..high (pixels), limited to the pixels limitLow..limitHigh
@@ -26,7 +26,7 @@ public:
     int end() const { return mFirst + static_cast<int>(mTaps.size()); }
 
     const Taps& taps(int pixel) const { return mTaps[static_cast<std::size_t>(pixel - mFirst)]; }
-    const float* weights(const Taps& taps) const { return mWeights.data() + taps.mWeights; }
+    const float* weights(const Taps& taps) const { return mWeights.data() + taps.weights; }
 
 private:
     int mFirst = 0;

@@ -9,22 +9,22 @@ namespace raster {
 /// A rectangle in surface pixels, y downwards; (0, 0) is the top-left corner of the top-left pixel, so pixels
 /// have their centres at halves. Edges may have any value, even NaN.
 struct Box {
-    float mLeft = 0.0F;
-    float mTop = 0.0F;
-    float mRight = 0.0F;
-    float mBottom = 0.0F;
+    float left = 0.0F;
+    float top = 0.0F;
+    float right = 0.0F;
+    float bottom = 0.0F;
 };
 
 /// A rectangle of whole pixels, right and bottom exclusive; empty when right <= left or bottom <= top.
 struct PixelRect {
-    int mLeft = 0;
-    int mTop = 0;
-    int mRight = 0;
-    int mBottom = 0;
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
 
-    bool isEmpty() const { return mRight <= mLeft || mBottom <= mTop; }
-    int width() const { return mRight - mLeft; }
-    int height() const { return mBottom - mTop; }
+    bool isEmpty() const { return right <= left || bottom <= top; }
+    int width() const { return right - left; }
+    int height() const { return bottom - top; }
 };
 
 inline bool isFinite(const glm::vec2& point) {
@@ -50,13 +50,13 @@ inline int ceilToInt(double value, int low, int high) {
 }
 
 inline PixelRect intersect(const PixelRect& a, const PixelRect& b) {
-    return {std::max(a.mLeft, b.mLeft), std::max(a.mTop, b.mTop), std::min(a.mRight, b.mRight),
-            std::min(a.mBottom, b.mBottom)};
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
 }
 
 inline Box toBox(const PixelRect& rect) {
-    return {static_cast<float>(rect.mLeft), static_cast<float>(rect.mTop), static_cast<float>(rect.mRight),
-            static_cast<float>(rect.mBottom)};
+    return {static_cast<float>(rect.left), static_cast<float>(rect.top), static_cast<float>(rect.right),
+            static_cast<float>(rect.bottom)};
 }
 
 /// The smallest rectangle with both in it.
@@ -65,19 +65,18 @@ inline PixelRect unite(const PixelRect& a, const PixelRect& b) {
         return b;
     }
     return b.isEmpty() ? a
-                       : PixelRect{std::min(a.mLeft, b.mLeft), std::min(a.mTop, b.mTop),
-                                   std::max(a.mRight, b.mRight), std::max(a.mBottom, b.mBottom)};
+                       : PixelRect{std::min(a.left, b.left), std::min(a.top, b.top),
+                                   std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
 
 /// Every pixel of `limits` that the box touches; empty when an edge is NaN.
 inline PixelRect touchedPixels(const Box& box, const PixelRect& limits) {
-    if (!(box.mLeft < box.mRight) || !(box.mTop < box.mBottom)) {
+    if (!(box.left < box.right) || !(box.top < box.bottom)) {
         return {};
     }
-    return {floorToInt(box.mLeft, limits.mLeft, limits.mRight),
-            floorToInt(box.mTop, limits.mTop, limits.mBottom),
-            ceilToInt(box.mRight, limits.mLeft, limits.mRight),
-            ceilToInt(box.mBottom, limits.mTop, limits.mBottom)};
+    return {floorToInt(box.left, limits.left, limits.right), floorToInt(box.top, limits.top, limits.bottom),
+            ceilToInt(box.right, limits.left, limits.right),
+            ceilToInt(box.bottom, limits.top, limits.bottom)};
 }
 
 /// The rectangle between two opposite corners, moved to the nearest whole pixels, as far as it is in
@@ -89,8 +88,8 @@ inline PixelRect nearestPixels(const glm::vec2& a, const glm::vec2& b, const Pix
         return {};
     }
     const auto round = [](float value, int from, int to) { return floorToInt(value + 0.5F, from, to); };
-    return {round(low.x, limits.mLeft, limits.mRight), round(low.y, limits.mTop, limits.mBottom),
-            round(high.x, limits.mLeft, limits.mRight), round(high.y, limits.mTop, limits.mBottom)};
+    return {round(low.x, limits.left, limits.right), round(low.y, limits.top, limits.bottom),
+            round(high.x, limits.left, limits.right), round(high.y, limits.top, limits.bottom)};
 }
 
 /// How much of the pixel (or texel) index..index + 1 the interval low..high covers: 0..1.

@@ -17,28 +17,28 @@ TexelRect texelsOf(const gui::Glyph& glyph, const gui::GlyphAtlas& atlas) {
     const int left = texel(from.x, width);
     const int top = texel(from.y, height);
     TexelRect texels;
-    texels.mWidth = texel(to.x, width) - left;
-    texels.mHeight = texel(to.y, height) - top;
-    texels.mStride = atlas.mBitmapWidth;
-    if (texels.mWidth > 0 && texels.mHeight > 0) {
-        texels.mFirst = atlas.mBitmap + static_cast<std::size_t>(top) * texels.mStride + left;
+    texels.width = texel(to.x, width) - left;
+    texels.height = texel(to.y, height) - top;
+    texels.stride = atlas.mBitmapWidth;
+    if (texels.width > 0 && texels.height > 0) {
+        texels.first = atlas.mBitmap + static_cast<std::size_t>(top) * texels.stride + left;
     }
     return texels;
 }
 
 bool GlyphScaler::prepare(const TexelRect& texels, const Box& box, const PixelRect& limits) {
     mTexels = texels;
-    return mColumns.prepare(box.mLeft, box.mRight, texels.mWidth, limits.mLeft, limits.mRight) &&
-           mRows.prepare(box.mTop, box.mBottom, texels.mHeight, limits.mTop, limits.mBottom);
+    return mColumns.prepare(box.left, box.right, texels.width, limits.left, limits.right) &&
+           mRows.prepare(box.top, box.bottom, texels.height, limits.top, limits.bottom);
 }
 
 const float* GlyphScaler::row(int y) {
-    const auto width = static_cast<std::size_t>(mTexels.mWidth);
+    const auto width = static_cast<std::size_t>(mTexels.width);
     const AxisFilter::Taps& rows = mRows.taps(y);
     const float* rowWeights = mRows.weights(rows);
     mSums.assign(width, 0.0F);
-    for (std::size_t j = 0; j < rows.mCount; ++j) {
-        const std::uint8_t* source = mTexels.mFirst + (rows.mFirst + j) * mTexels.mStride;
+    for (std::size_t j = 0; j < rows.count; ++j) {
+        const std::uint8_t* source = mTexels.first + (rows.first + j) * mTexels.stride;
         for (std::size_t i = 0; i < width; ++i) {
             mSums[i] += rowWeights[j] * static_cast<float>(source[i]);
         }
@@ -48,8 +48,8 @@ const float* GlyphScaler::row(int y) {
         const AxisFilter::Taps& columns = mColumns.taps(x);
         const float* columnWeights = mColumns.weights(columns);
         float sum = 0.0F;
-        for (std::size_t i = 0; i < columns.mCount; ++i) {
-            sum += columnWeights[i] * mSums[columns.mFirst + i];
+        for (std::size_t i = 0; i < columns.count; ++i) {
+            sum += columnWeights[i] * mSums[columns.first + i];
         }
         mCoverage.push_back(sum);
     }

@@ -16,10 +16,10 @@ namespace raster {
 
 /// A rectangle of texels of an 8-bit coverage bitmap.
 struct TexelRect {
-    const std::uint8_t* mFirst = nullptr;  ///< top-left texel
-    std::size_t mStride = 0;               ///< texels in a row of the bitmap
-    int mWidth = 0;
-    int mHeight = 0;
+    const std::uint8_t* first = nullptr;  ///< top-left texel
+    std::size_t stride = 0;               ///< texels in a row of the bitmap
+    int width = 0;
+    int height = 0;
 };
 
 /// The texels between the quad's first and last corner, clipped to the bitmap.

@@ -22,12 +22,12 @@ float startOf(float center, float width, float low, float high) {
 bool alignLine(const glm::vec2& from, const glm::vec2& to, float width, const Box& frame, Box& box) {
     const float wholeWidth = std::max(1.0F, std::round(width));
     if (std::fabs(from.x - to.x) < STRAIGHT) {
-        const float left = startOf(0.5F * (from.x + to.x), wholeWidth, frame.mLeft, frame.mRight);
+        const float left = startOf(0.5F * (from.x + to.x), wholeWidth, frame.left, frame.right);
         box = {left, std::min(from.y, to.y), left + wholeWidth, std::max(from.y, to.y)};
         return true;
     }
     if (std::fabs(from.y - to.y) < STRAIGHT) {
-        const float top = startOf(0.5F * (from.y + to.y), wholeWidth, frame.mTop, frame.mBottom);
+        const float top = startOf(0.5F * (from.y + to.y), wholeWidth, frame.top, frame.bottom);
         box = {std::min(from.x, to.x), top, std::max(from.x, to.x), top + wholeWidth};
         return true;
     }

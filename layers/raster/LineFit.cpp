@@ -31,28 +31,28 @@ float snap(float position) {
 class RowMap {
 public:
     RowMap(const FontHeights& font, float scale, float offset) : mFont(font), mScale(scale) {
-        mBase = std::round(font.mBase * scale + offset);
-        mSmall = mBase - std::max(1.0F, std::round((font.mBase - font.mSmall) * scale));
-        mCapitals = mBase - std::max(1.0F, std::floor((font.mBase - font.mCapitals) * scale + TALLER));
+        mBase = std::round(font.base * scale + offset);
+        mSmall = mBase - std::max(1.0F, std::round((font.base - font.small) * scale));
+        mCapitals = mBase - std::max(1.0F, std::floor((font.base - font.capitals) * scale + TALLER));
     }
 
     float operator()(float y) const {
-        if (std::fabs(y - mFont.mBase) <= mFont.mTolerance) {
+        if (std::fabs(y - mFont.base) <= mFont.tolerance) {
             return mBase;
         }
-        if (std::fabs(y - mFont.mSmall) <= mFont.mTolerance) {
+        if (std::fabs(y - mFont.small) <= mFont.tolerance) {
             return mSmall;
         }
-        if (std::fabs(y - mFont.mCapitals) <= mFont.mTolerance) {
+        if (std::fabs(y - mFont.capitals) <= mFont.tolerance) {
             return mCapitals;
         }
-        if (y > mFont.mBase) {
-            return mBase + (y - mFont.mBase) * mScale;
+        if (y > mFont.base) {
+            return mBase + (y - mFont.base) * mScale;
         }
-        if (y < mFont.mCapitals) {
-            return mCapitals + (y - mFont.mCapitals) * mScale;
+        if (y < mFont.capitals) {
+            return mCapitals + (y - mFont.capitals) * mScale;
         }
-        return mBase + (y - mFont.mBase) * (mCapitals - mBase) / (mFont.mCapitals - mFont.mBase);
+        return mBase + (y - mFont.base) * (mCapitals - mBase) / (mFont.capitals - mFont.base);
     }
 
 private:
@@ -70,11 +70,11 @@ FontHeights measureFont(const gui::GlyphAtlas& atlas) {
     const auto capital = atlas.mGlyphs.find('H');
     const auto small = atlas.mGlyphs.find('x');
     if (capital != atlas.mGlyphs.end() && small != atlas.mGlyphs.end()) {
-        heights.mCapitals = topOf(*capital->second);
-        heights.mSmall = topOf(*small->second);
-        heights.mBase = bottomOf(*capital->second);
-        heights.mTolerance = OVERSHOOT;
-        heights.mKnown = heights.mCapitals < heights.mSmall && heights.mSmall < heights.mBase;
+        heights.capitals = topOf(*capital->second);
+        heights.small = topOf(*small->second);
+        heights.base = bottomOf(*capital->second);
+        heights.tolerance = OVERSHOOT;
+        heights.known = heights.capitals < heights.small && heights.small < heights.base;
     }
     return heights;
 }
@@ -85,12 +85,12 @@ Box fitGlyph(const FontHeights& font, const gui::Glyph& glyph, const glm::mat4& 
     // The glyph's place in its line and on the surface gives the line's own scale and place.
     const float scale = transform[1][1] / glyph.mTransform[1][1];
     const float offset = transform[3][1] - glyph.mTransform[3][1] * scale;
-    if (font.mKnown && std::isfinite(scale) && std::isfinite(offset) && scale > 0.0F) {
+    if (font.known && std::isfinite(scale) && std::isfinite(offset) && scale > 0.0F) {
         const RowMap map(font, scale, offset);
-        box.mTop = map(topOf(glyph));
-        box.mBottom = map(bottomOf(glyph));
+        box.top = map(topOf(glyph));
+        box.bottom = map(bottomOf(glyph));
     }
-    return {snap(box.mLeft), snap(box.mTop), snap(box.mRight), snap(box.mBottom)};
+    return {snap(box.left), snap(box.top), snap(box.right), snap(box.bottom)};
 }
 
 }  // namespace raster

@@ -13,11 +13,11 @@ namespace raster {
 
 /// The heights at which many letters of a font begin or end, in line units (a line is 2 high, its top at -1).
 struct FontHeights {
-    float mCapitals = 0.0F;   ///< top of the capitals
-    float mSmall = 0.0F;      ///< top of the small letters without ascender
-    float mBase = 0.0F;       ///< base line
-    float mTolerance = 0.0F;  ///< how far round letters reach beyond these
-    bool mKnown = false;      ///< false when the font lacks the letters to measure
+    float capitals = 0.0F;   ///< top of the capitals
+    float small = 0.0F;      ///< top of the small letters without ascender
+    float base = 0.0F;       ///< base line
+    float tolerance = 0.0F;  ///< how far round letters reach beyond these
+    bool known = false;      ///< false when the font lacks the letters to measure
 };
 
 /// Measures the capital H and the small x.

@@ -12,9 +12,9 @@ MeshPlacement placeMesh(const drawer::MeshDrawer& mesh, bool isCurve, const Surf
     const Box frame = shape.toPixels(mesh.mPosition, mesh.mSize, mesh.mTranslation);
     const float width = shape.lineWidth();
     const float inset = isCurve ? 0.5F * width + OUTLINE_WIDTH : 0.0F;
-    const glm::vec2 center(0.5F * (frame.mLeft + frame.mRight), 0.5F * (frame.mTop + frame.mBottom));
-    const glm::vec2 half(0.5F * (frame.mRight - frame.mLeft) - inset,
-                         0.5F * (frame.mBottom - frame.mTop) - inset);
+    const glm::vec2 center(0.5F * (frame.left + frame.right), 0.5F * (frame.top + frame.bottom));
+    const glm::vec2 half(0.5F * (frame.right - frame.left) - inset,
+                         0.5F * (frame.bottom - frame.top) - inset);
     points.resize(mesh.mVertices.size());
     std::transform(
         mesh.mVertices.begin(), mesh.mVertices.end(), points.begin(),

@@ -15,7 +15,7 @@ constexpr float OUTLINE_GAIN = 1.25F;
 
 bool OutlinedGlyph::prepare(const TexelRect& texels, const Box& box, const PixelRect& limits) {
     const auto grow = [](const PixelRect& rect) {
-        return PixelRect{rect.mLeft - 1, rect.mTop - 1, rect.mRight + 1, rect.mBottom + 1};
+        return PixelRect{rect.left - 1, rect.top - 1, rect.right + 1, rect.bottom + 1};
     };
     if (limits.isEmpty() || !mScaler.prepare(texels, box, grow(limits))) {
         return false;
@@ -23,12 +23,12 @@ bool OutlinedGlyph::prepare(const TexelRect& texels, const Box& box, const Pixel
     const PixelRect touched = mScaler.pixels();
     const PixelRect all = grow(touched);
     mPixels = intersect(all, limits);
-    mLeft = all.mLeft;
-    mTop = all.mTop;
+    mLeft = all.left;
+    mTop = all.top;
     mStride = static_cast<std::size_t>(all.width());
     const std::size_t count = mStride * static_cast<std::size_t>(all.height());
     mInk.assign(count, 0.0F);
-    for (int y = touched.mTop; y < touched.mBottom; ++y) {
+    for (int y = touched.top; y < touched.bottom; ++y) {
         const float* const coverage = mScaler.row(y);
         float* const ink = mInk.data() + static_cast<std::size_t>(y - mTop) * mStride + 1;
         std::transform(coverage, coverage + touched.width(), ink,

@@ -27,7 +27,7 @@ public:
 
 private:
     std::size_t at(int y) const {
-        return static_cast<std::size_t>(y - mTop) * mStride + static_cast<std::size_t>(mPixels.mLeft - mLeft);
+        return static_cast<std::size_t>(y - mTop) * mStride + static_cast<std::size_t>(mPixels.left - mLeft);
     }
 
     GlyphScaler mScaler;

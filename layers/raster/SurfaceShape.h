@@ -12,8 +12,8 @@ namespace raster {
 /// The size of a surface, and conversions that follow from it. The virtual canvas covers the whole surface,
 /// so canvas fractions are fractions of the surface. A value type.
 struct SurfaceShape {
-    std::uint32_t mWidth = 0;  ///< pixels
-    std::uint32_t mHeight = 0;
+    std::uint32_t width = 0;  ///< pixels
+    std::uint32_t height = 0;
 
     /// Converts canvas fractions and a translation in clip-space units to pixels. The canvas spans 2
     /// clip-space units, and the translation's y points up: (0.1, 0.1) moves by a twentieth of the canvas to
@@ -29,7 +29,7 @@ struct SurfaceShape {
     PixelRect toWholePixels(const glm::vec2& position, const glm::vec2& size) const;
 
     /// All pixels of the surface.
-    PixelRect all() const { return {0, 0, static_cast<int>(mWidth), static_cast<int>(mHeight)}; }
+    PixelRect all() const { return {0, 0, static_cast<int>(width), static_cast<int>(height)}; }
 
     /// Height divided by width; 1 for an empty surface.
     float aspectRatio() const;

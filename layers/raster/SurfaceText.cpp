@@ -17,7 +17,7 @@ float SurfaceText::getAspectRatio() {
 }
 
 float SurfaceText::getScreenHeight() {
-    return static_cast<float>(mShape.mHeight);
+    return static_cast<float>(mShape.height);
 }
 
 void SurfaceText::draw() {

@@ -43,10 +43,10 @@ void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
         direction = 1.0F;
     }
     const double slope = (x1 - x0) / (y1 - y0);
-    const double left = mRegion.mLeft;
+    const double left = mRegion.left;
     const double width = mRegion.width();
-    const double top = std::max(y0, double(mRegion.mTop));
-    const double bottom = std::min(y1, double(mRegion.mBottom));
+    const double top = std::max(y0, double(mRegion.top));
+    const double bottom = std::min(y1, double(mRegion.bottom));
     if (!(top < bottom)) {
         return;
     }
@@ -74,15 +74,15 @@ void AreaMask::addEdge(double x0, double y0, double x1, double y1) {
 void AreaMask::addPart(double x0, double y0, double x1, double y1, float direction) {
     const double slope = (x1 - x0) / (y1 - y0);
     const auto stride = static_cast<std::size_t>(mRegion.width()) + 2;
-    const int firstRow = raster::floorToInt(y0, mRegion.mTop, mRegion.mBottom - 1);
+    const int firstRow = raster::floorToInt(y0, mRegion.top, mRegion.bottom - 1);
     const double low = std::min(x0, x1);
     const double high = std::max(x0, x1);
-    for (int row = firstRow; row < mRegion.mBottom && row < y1; ++row) {
+    for (int row = firstRow; row < mRegion.bottom && row < y1; ++row) {
         const double from = std::max(y0, double(row));
         const double to = std::min(y1, row + 1.0);
         const double x = std::clamp(x0 + (from - y0) * slope, low, high);
         const double nextX = std::clamp(x0 + (to - y0) * slope, low, high);
-        float* cells = mCells.data() + static_cast<std::size_t>(row - mRegion.mTop) * stride;
+        float* cells = mCells.data() + static_cast<std::size_t>(row - mRegion.top) * stride;
         addSlice(cells, static_cast<float>(std::min(x, nextX)), static_cast<float>(std::max(x, nextX)),
                  direction * static_cast<float>(to - from));
     }
@@ -119,7 +119,7 @@ void AreaMask::addSlice(float* cells, float x, float nextX, float area) {
 
 const float* AreaMask::resolveRow(int y) {
     const auto stride = static_cast<std::size_t>(mRegion.width()) + 2;
-    float* cells = mCells.data() + static_cast<std::size_t>(y - mRegion.mTop) * stride;
+    float* cells = mCells.data() + static_cast<std::size_t>(y - mRegion.top) * stride;
     float sum = 0.0F;
     for (std::size_t i = 0; i + 2 < stride; ++i) {
         sum += cells[i];

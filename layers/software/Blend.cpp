@@ -19,16 +19,16 @@ std::uint8_t toChannel(float value) {
 
 Paint makePaint(const glm::vec4& color) {
     Paint paint;
-    paint.mColor = {toChannel(color.r), toChannel(color.g), toChannel(color.b), 255};
-    paint.mAlpha = static_cast<float>(toAlpha(color.a)) / static_cast<float>(FULL_ALPHA);
-    paint.mIsDark = raster::isDark(color);
+    paint.color = {toChannel(color.r), toChannel(color.g), toChannel(color.b), 255};
+    paint.alpha = static_cast<float>(toAlpha(color.a)) / static_cast<float>(FULL_ALPHA);
+    paint.isDark = raster::isDark(color);
     return paint;
 }
 
 // The result's colour is the mean of both, weighted with what each contributes to the result's alpha.
 void blendOverTransparent(Pixel& target, const Pixel& color, std::uint32_t alpha) {
     const std::uint64_t overWeight = std::uint64_t{alpha} * FULL_ALPHA;
-    const std::uint64_t underWeight = std::uint64_t{target.mAlpha} * 257U * (FULL_ALPHA - alpha);
+    const std::uint64_t underWeight = std::uint64_t{target.alpha} * 257U * (FULL_ALPHA - alpha);
     const std::uint64_t sum = overWeight + underWeight;
     const std::uint64_t step = std::uint64_t{FULL_ALPHA} * 257U;
     const auto resultAlpha = static_cast<std::uint8_t>((sum + step / 2) / step);
@@ -38,8 +38,8 @@ void blendOverTransparent(Pixel& target, const Pixel& color, std::uint32_t alpha
     const auto mean = [&](std::uint64_t over, std::uint64_t under) {
         return static_cast<std::uint8_t>((over * overWeight + under * underWeight + sum / 2) / sum);
     };
-    target = {mean(color.mRed, target.mRed), mean(color.mGreen, target.mGreen),
-              mean(color.mBlue, target.mBlue), resultAlpha};
+    target = {mean(color.red, target.red), mean(color.green, target.green), mean(color.blue, target.blue),
+              resultAlpha};
 }
 
 }  // namespace software

@@ -12,9 +12,9 @@ constexpr std::uint32_t FULL_ALPHA = 65535;
 
 /// A drawing colour ready for blending.
 struct Paint {
-    Pixel mColor;          ///< its alpha is not used
-    float mAlpha = 0.0F;   ///< 0..1
-    bool mIsDark = false;  ///< its outline is white, not black
+    Pixel color;          ///< its alpha is not used
+    float alpha = 0.0F;   ///< 0..1
+    bool isDark = false;  ///< its outline is white, not black
 };
 
 /// From RGBA components 0..1; what lies outside is cut, not-a-number counts as 0.
@@ -39,7 +39,7 @@ inline void blendOver(Pixel& target, const Pixel& color, std::uint32_t alpha) {
     if (alpha == 0) {
         return;
     }
-    if (target.mAlpha != 255) {
+    if (target.alpha != 255) {
         blendOverTransparent(target, color, alpha);
         return;
     }
@@ -47,9 +47,9 @@ inline void blendOver(Pixel& target, const Pixel& color, std::uint32_t alpha) {
         const std::uint32_t sum = over * alpha + under * (FULL_ALPHA - alpha);
         return static_cast<std::uint8_t>((sum + FULL_ALPHA / 2) / FULL_ALPHA);
     };
-    target.mRed = mix(color.mRed, target.mRed);
-    target.mGreen = mix(color.mGreen, target.mGreen);
-    target.mBlue = mix(color.mBlue, target.mBlue);
+    target.red = mix(color.red, target.red);
+    target.green = mix(color.green, target.green);
+    target.blue = mix(color.blue, target.blue);
 }
 
 }  // namespace software

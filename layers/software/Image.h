@@ -8,14 +8,14 @@ namespace software {
 
 /// One pixel: 8 bits a channel, straight (not premultiplied) alpha.
 struct Pixel {
-    std::uint8_t mRed = 0;
-    std::uint8_t mGreen = 0;
-    std::uint8_t mBlue = 0;
-    std::uint8_t mAlpha = 0;
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+    std::uint8_t alpha = 0;
 };
 
 inline bool operator==(const Pixel& a, const Pixel& b) {
-    return a.mRed == b.mRed && a.mGreen == b.mGreen && a.mBlue == b.mBlue && a.mAlpha == b.mAlpha;
+    return a.red == b.red && a.green == b.green && a.blue == b.blue && a.alpha == b.alpha;
 }
 
 /// The longest side of an image in pixels; a float still represents every position exactly.

@@ -17,10 +17,10 @@ raster::Box boundsOf(const glm::vec2* points, std::size_t count, float margin) {
     raster::Box box{INFINITE, INFINITE, -INFINITE, -INFINITE};
     for (std::size_t i = 0; i < count; ++i) {
         if (raster::isFinite(points[i])) {
-            box.mLeft = std::min(box.mLeft, points[i].x - margin);
-            box.mTop = std::min(box.mTop, points[i].y - margin);
-            box.mRight = std::max(box.mRight, points[i].x + margin);
-            box.mBottom = std::max(box.mBottom, points[i].y + margin);
+            box.left = std::min(box.left, points[i].x - margin);
+            box.top = std::min(box.top, points[i].y - margin);
+            box.right = std::max(box.right, points[i].x + margin);
+            box.bottom = std::max(box.bottom, points[i].y + margin);
         }
     }
     return box;
@@ -29,7 +29,7 @@ raster::Box boundsOf(const glm::vec2* points, std::size_t count, float margin) {
 void blendRow(Pixel* pixels, const float* coverage, int count, const Paint& paint) {
     for (int i = 0; i < count; ++i) {
         if (coverage[i] > 0.0F) {
-            blendOver(pixels[i], paint.mColor, toAlpha(coverage[i] * paint.mAlpha));
+            blendOver(pixels[i], paint.color, toAlpha(coverage[i] * paint.alpha));
         }
     }
 }
@@ -37,8 +37,8 @@ void blendRow(Pixel* pixels, const float* coverage, int count, const Paint& pain
 /// Ink over its outline. A black outline and the ink are one layer, which only matters for translucent
 /// colours.
 void blendOutlined(Pixel* pixels, const float* ink, const float* outline, int count, const Paint& paint) {
-    if (paint.mIsDark) {
-        blendRow(pixels, outline, count, {{255, 255, 255, 255}, paint.mAlpha});
+    if (paint.isDark) {
+        blendRow(pixels, outline, count, {{255, 255, 255, 255}, paint.alpha});
         blendRow(pixels, ink, count, paint);
         return;
     }
@@ -48,16 +48,16 @@ void blendOutlined(Pixel* pixels, const float* ink, const float* outline, int co
             const auto shade = [&both](std::uint8_t channel) {
                 return static_cast<std::uint8_t>(static_cast<float>(channel) * both.ink + 0.5F);
             };
-            const Pixel& color = paint.mColor;
-            blendOver(pixels[i], {shade(color.mRed), shade(color.mGreen), shade(color.mBlue), 255},
-                      toAlpha(both.cover * paint.mAlpha));
+            const Pixel& color = paint.color;
+            blendOver(pixels[i], {shade(color.red), shade(color.green), shade(color.blue), 255},
+                      toAlpha(both.cover * paint.alpha));
         }
     }
 }
 
 void blendStrokes(Image& image, const raster::PixelRect& region, StrokeMask& mask, const Paint& paint) {
-    for (int y = region.mTop; y < region.mBottom; ++y) {
-        blendRow(image.row(static_cast<std::size_t>(y)) + region.mLeft, mask.row(y), region.width(), paint);
+    for (int y = region.top; y < region.bottom; ++y) {
+        blendRow(image.row(static_cast<std::size_t>(y)) + region.left, mask.row(y), region.width(), paint);
     }
 }
 
@@ -66,11 +66,11 @@ void blendStrokes(Image& image, const raster::PixelRect& region, StrokeMask& mas
 void Rasterizer::fillRect(Image& image, const raster::PixelRect& clip, const raster::Box& box,
                           const Paint& paint) {
     const raster::PixelRect pixels = raster::touchedPixels(box, clip);
-    for (int y = pixels.mTop; y < pixels.mBottom; ++y) {
-        const float inRow = raster::overlap(box.mTop, box.mBottom, y) * paint.mAlpha;
+    for (int y = pixels.top; y < pixels.bottom; ++y) {
+        const float inRow = raster::overlap(box.top, box.bottom, y) * paint.alpha;
         Pixel* row = image.row(static_cast<std::size_t>(y));
-        for (int x = pixels.mLeft; x < pixels.mRight; ++x) {
-            blendOver(row[x], paint.mColor, toAlpha(inRow * raster::overlap(box.mLeft, box.mRight, x)));
+        for (int x = pixels.left; x < pixels.right; ++x) {
+            blendOver(row[x], paint.color, toAlpha(inRow * raster::overlap(box.left, box.right, x)));
         }
     }
 }
@@ -85,8 +85,8 @@ void Rasterizer::fillStrip(Image& image, const raster::PixelRect& clip, const gl
     for (std::size_t i = 2; i < count; ++i) {
         mArea.addTriangle(points[i - 2], points[i - 1], points[i]);
     }
-    for (int y = region.mTop; y < region.mBottom; ++y) {
-        blendRow(image.row(static_cast<std::size_t>(y)) + region.mLeft, mArea.resolveRow(y), region.width(),
+    for (int y = region.top; y < region.bottom; ++y) {
+        blendRow(image.row(static_cast<std::size_t>(y)) + region.left, mArea.resolveRow(y), region.width(),
                  paint);
     }
 }
@@ -104,9 +104,9 @@ void Rasterizer::strokeLine(Image& image, const raster::PixelRect& clip, const g
         mStrokes.addStroke(points[i - 1], points[i], width);
         mOutlines.addStroke(points[i - 1], points[i], outlined);
     }
-    for (int y = region.mTop; y < region.mBottom; ++y) {
-        blendOutlined(image.row(static_cast<std::size_t>(y)) + region.mLeft, mStrokes.row(y),
-                      mOutlines.row(y), region.width(), paint);
+    for (int y = region.top; y < region.bottom; ++y) {
+        blendOutlined(image.row(static_cast<std::size_t>(y)) + region.left, mStrokes.row(y), mOutlines.row(y),
+                      region.width(), paint);
     }
 }
 
@@ -130,17 +130,17 @@ void Rasterizer::strokeSegments(Image& image, const raster::PixelRect& clip, con
 
 void Rasterizer::blendGlyph(Image& image, int firstColumn, const Paint& paint) const {
     const raster::PixelRect& pixels = mGlyph.pixels();
-    const int left = std::max(pixels.mLeft, firstColumn);
-    for (int y = pixels.mTop; y < pixels.mBottom; ++y) {
-        blendOutlined(image.row(static_cast<std::size_t>(y)) + left, mGlyph.ink(y) + (left - pixels.mLeft),
-                      mGlyph.outline(y) + (left - pixels.mLeft), pixels.mRight - left, paint);
+    const int left = std::max(pixels.left, firstColumn);
+    for (int y = pixels.top; y < pixels.bottom; ++y) {
+        blendOutlined(image.row(static_cast<std::size_t>(y)) + left, mGlyph.ink(y) + (left - pixels.left),
+                      mGlyph.outline(y) + (left - pixels.left), pixels.right - left, paint);
     }
 }
 
 void Rasterizer::drawImage(Image& image, const raster::PixelRect& clip, const Image& source,
                            const raster::Box& box) {
-    if (!mColumns.prepare(box.mLeft, box.mRight, static_cast<int>(source.mWidth), clip.mLeft, clip.mRight) ||
-        !mRows.prepare(box.mTop, box.mBottom, static_cast<int>(source.mHeight), clip.mTop, clip.mBottom)) {
+    if (!mColumns.prepare(box.left, box.right, static_cast<int>(source.mWidth), clip.left, clip.right) ||
+        !mRows.prepare(box.top, box.bottom, static_cast<int>(source.mHeight), clip.top, clip.bottom)) {
         return;
     }
     const std::size_t width = source.mWidth;
@@ -149,14 +149,14 @@ void Rasterizer::drawImage(Image& image, const raster::PixelRect& clip, const Im
         const float* rowWeights = mRows.weights(rows);
         // Four sums a column: colours weighted with their alpha, then the alpha.
         mSums.assign(width * 4, 0.0F);
-        for (std::size_t j = 0; j < rows.mCount; ++j) {
-            const Pixel* pixels = source.row(rows.mFirst + j);
+        for (std::size_t j = 0; j < rows.count; ++j) {
+            const Pixel* pixels = source.row(rows.first + j);
             for (std::size_t i = 0; i < width; ++i) {
-                const float alpha = rowWeights[j] * static_cast<float>(pixels[i].mAlpha);
+                const float alpha = rowWeights[j] * static_cast<float>(pixels[i].alpha);
                 float* sums = mSums.data() + i * 4;
-                sums[0] += alpha * static_cast<float>(pixels[i].mRed);
-                sums[1] += alpha * static_cast<float>(pixels[i].mGreen);
-                sums[2] += alpha * static_cast<float>(pixels[i].mBlue);
+                sums[0] += alpha * static_cast<float>(pixels[i].red);
+                sums[1] += alpha * static_cast<float>(pixels[i].green);
+                sums[2] += alpha * static_cast<float>(pixels[i].blue);
                 sums[3] += alpha;
             }
         }
@@ -165,8 +165,8 @@ void Rasterizer::drawImage(Image& image, const raster::PixelRect& clip, const Im
             const raster::AxisFilter::Taps& columns = mColumns.taps(x);
             const float* columnWeights = mColumns.weights(columns);
             float mean[4] = {};
-            for (std::size_t i = 0; i < columns.mCount; ++i) {
-                const float* sums = mSums.data() + (columns.mFirst + i) * 4;
+            for (std::size_t i = 0; i < columns.count; ++i) {
+                const float* sums = mSums.data() + (columns.first + i) * 4;
                 for (int channel = 0; channel < 4; ++channel) {
                     mean[channel] += columnWeights[i] * sums[channel];
                 }
@@ -175,7 +175,7 @@ void Rasterizer::drawImage(Image& image, const raster::PixelRect& clip, const Im
                 const float scale = 1.0F / (mean[3] * 255.0F);
                 const Paint paint =
                     makePaint({mean[0] * scale, mean[1] * scale, mean[2] * scale, mean[3] / 255.0F});
-                blendOver(target[x], paint.mColor, toAlpha(paint.mAlpha));
+                blendOver(target[x], paint.color, toAlpha(paint.alpha));
             }
         }
     }

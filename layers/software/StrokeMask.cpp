@@ -16,7 +16,7 @@ void StrokeMask::begin(const raster::PixelRect& region) {
 
 float* StrokeMask::row(int y) {
     return mCoverage.data() +
-           static_cast<std::size_t>(y - mRegion.mTop) * static_cast<std::size_t>(mRegion.width());
+           static_cast<std::size_t>(y - mRegion.top) * static_cast<std::size_t>(mRegion.width());
 }
 
 void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float width) {
@@ -33,8 +33,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
     const double inverse = lengthSquared > 0.0 ? 1.0 / lengthSquared : 0.0;
     const double low = std::min(from.y, to.y);
     const double high = std::max(from.y, to.y);
-    const int firstRow = raster::floorToInt(low - reach, mRegion.mTop, mRegion.mBottom);
-    const int endRow = raster::ceilToInt(high + reach, mRegion.mTop, mRegion.mBottom);
+    const int firstRow = raster::floorToInt(low - reach, mRegion.top, mRegion.bottom);
+    const int endRow = raster::ceilToInt(high + reach, mRegion.top, mRegion.bottom);
     for (int y = firstRow; y < endRow; ++y) {
         const double centerY = y + 0.5 - from.y;
         // Only the part of the stroke within reach of this row can touch its pixels.
@@ -46,8 +46,8 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
         }
         const double x0 = from.x + start * dx;
         const double x1 = from.x + end * dx;
-        const int first = raster::floorToInt(std::min(x0, x1) - reach, mRegion.mLeft, mRegion.mRight);
-        const int last = raster::ceilToInt(std::max(x0, x1) + reach, mRegion.mLeft, mRegion.mRight);
+        const int first = raster::floorToInt(std::min(x0, x1) - reach, mRegion.left, mRegion.right);
+        const int last = raster::ceilToInt(std::max(x0, x1) + reach, mRegion.left, mRegion.right);
         float* coverage = row(y);
         for (int x = first; x < last; ++x) {
             const double centerX = x + 0.5 - from.x;
@@ -57,7 +57,7 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
             const double distanceSquared = offX * offX + offY * offY;
             if (distanceSquared < reach * reach) {
                 const double covered = std::min(reach - std::sqrt(distanceSquared), full);
-                float& pixel = coverage[x - mRegion.mLeft];
+                float& pixel = coverage[x - mRegion.left];
                 pixel = std::max(pixel, static_cast<float>(covered));
             }
         }
@@ -66,12 +66,12 @@ void StrokeMask::addStroke(const glm::vec2& from, const glm::vec2& to, float wid
 
 void StrokeMask::addBox(const raster::Box& box) {
     const raster::PixelRect pixels = raster::touchedPixels(box, mRegion);
-    for (int y = pixels.mTop; y < pixels.mBottom; ++y) {
-        const float inRow = raster::overlap(box.mTop, box.mBottom, y);
+    for (int y = pixels.top; y < pixels.bottom; ++y) {
+        const float inRow = raster::overlap(box.top, box.bottom, y);
         float* coverage = row(y);
-        for (int x = pixels.mLeft; x < pixels.mRight; ++x) {
-            float& pixel = coverage[x - mRegion.mLeft];
-            pixel = std::max(pixel, inRow * raster::overlap(box.mLeft, box.mRight, x));
+        for (int x = pixels.left; x < pixels.right; ++x) {
+            float& pixel = coverage[x - mRegion.left];
+            pixel = std::max(pixel, inRow * raster::overlap(box.left, box.right, x));
         }
     }
 }

@@ -94,26 +94,26 @@ float placeOnLine(const LinearLayout& row, float line) {
 
 /// The rows of one layout. The canvas has room for only one middle row.
 struct Rows {
-    std::vector<LinearLayout> mTop;
-    LinearLayout mMiddle;
-    std::vector<LinearLayout> mBottom;
+    std::vector<LinearLayout> top;
+    LinearLayout middle;
+    std::vector<LinearLayout> bottom;
 };
 
 /// Puts the widget into the first row that takes it; changes its position if that row is elsewhere.
 void placeInRows(Widget* widget, Rows& rows, glm::vec2& margin, glm::vec2& spacing) {
     if (isMiddle(positionOf(*widget))) {
-        if (rows.mMiddle.tryToAdd(widget)) {
+        if (rows.middle.tryToAdd(widget)) {
             return;
         }
         moveTo(*widget, Position::TOP_LEFT);
     }
     if (!isBottom(positionOf(*widget))) {
-        if (addToLayout(widget, rows.mTop, margin, spacing)) {
+        if (addToLayout(widget, rows.top, margin, spacing)) {
             return;
         }
         moveTo(*widget, Position::BOTTOM_LEFT);
     }
-    addToLayout(widget, rows.mBottom, margin, spacing);
+    addToLayout(widget, rows.bottom, margin, spacing);
 }
 
 }  // namespace
@@ -226,8 +226,8 @@ void LayoutManager::updateWidgetsLayouts(bool portrait) {
     glm::vec2 spacing(spacingArea.width, spacingArea.height);
 
     Rows rows;
-    rows.mMiddle.mMargin = margin;
-    rows.mMiddle.mSpacing = spacing;
+    rows.middle.mMargin = margin;
+    rows.middle.mSpacing = spacing;
     for (Widget* widget : mWidgets) {
         const bool isAnchored = static_cast<std::uint32_t>(widget->mPosition) <= LAST_POSITION;
         if (widget->mEnabled && isAnchored) {
@@ -236,14 +236,14 @@ void LayoutManager::updateWidgetsLayouts(bool portrait) {
     }
 
     float line = margin.y;
-    for (const LinearLayout& row : rows.mTop) {
+    for (const LinearLayout& row : rows.top) {
         line = line + placeOnLine(row, line) + spacing.y;
     }
     line = 1.0F - margin.y;
-    for (const LinearLayout& row : rows.mBottom) {
+    for (const LinearLayout& row : rows.bottom) {
         line -= placeOnLine(row, line) + spacing.y;
     }
-    placeOnLine(rows.mMiddle, 0.5F);
+    placeOnLine(rows.middle, 0.5F);
 }
 
 void LayoutManager::updateDrawerLayout(drawer::Drawer* drawer) {

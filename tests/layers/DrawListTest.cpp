@@ -29,13 +29,13 @@ TEST(Batch, TrianglesAreCutToTheClip) {
         raster::Box box = batch.vertexCount() == 0 ? raster::Box() : raster::Box{1e9F, 1e9F, -1e9F, -1e9F};
         for (std::size_t i = 0; i < batch.vertexCount(); ++i) {
             const drawlist::Vertex& vertex = batch.vertices(drawlist::Batch::Part::REST)[i];
-            box = {std::min(box.mLeft, vertex.x), std::min(box.mTop, vertex.y),
-                   std::max(box.mRight, vertex.x), std::max(box.mBottom, vertex.y)};
+            box = {std::min(box.left, vertex.x), std::min(box.top, vertex.y), std::max(box.right, vertex.x),
+                   std::max(box.bottom, vertex.y)};
         }
-        EXPECT_EQ(box.mLeft, triangle.expected.mLeft);
-        EXPECT_EQ(box.mTop, triangle.expected.mTop);
-        EXPECT_EQ(box.mRight, triangle.expected.mRight);
-        EXPECT_EQ(box.mBottom, triangle.expected.mBottom);
+        EXPECT_EQ(box.left, triangle.expected.left);
+        EXPECT_EQ(box.top, triangle.expected.top);
+        EXPECT_EQ(box.right, triangle.expected.right);
+        EXPECT_EQ(box.bottom, triangle.expected.bottom);
     }
 }
 

@@ -99,7 +99,7 @@ TEST(GoldenComparison, SeesOtherFigures) {
     ASSERT_TRUE(software::readPng(folder + "/AdrenoLandscape.png", adreno, error)) << error;
     EXPECT_GT(comparePictures(mali, adreno).share, LARGEST_SHARE);
     for (software::Pixel& pixel : adreno.mPixels = mali.mPixels) {
-        pixel.mRed = static_cast<std::uint8_t>(pixel.mRed ^ LARGEST_ROUNDING);
+        pixel.red = static_cast<std::uint8_t>(pixel.red ^ LARGEST_ROUNDING);
     }
     EXPECT_EQ(comparePictures(mali, adreno).share, 0.0);
 }

@@ -22,7 +22,7 @@ constexpr std::uint32_t WIDTH = 740;
 constexpr std::uint32_t HEIGHT = 360;
 
 double luminance(const Pixel& pixel) {
-    return raster::luminance(glm::vec4(pixel.mRed, pixel.mGreen, pixel.mBlue, 255) / 255.0F);
+    return raster::luminance(glm::vec4(pixel.red, pixel.green, pixel.blue, 255) / 255.0F);
 }
 
 double contrast(const Pixel& a, const Pixel& b) {
@@ -32,7 +32,7 @@ double contrast(const Pixel& a, const Pixel& b) {
 }
 
 int distance(const Pixel& a, const Pixel& b) {
-    return std::max({std::abs(a.mRed - b.mRed), std::abs(a.mGreen - b.mGreen), std::abs(a.mBlue - b.mBlue)});
+    return std::max({std::abs(a.red - b.red), std::abs(a.green - b.green), std::abs(a.blue - b.blue)});
 }
 
 /// Of the pixels that have the drawn colour, at the best side of each: in a stem of a pixel or two one
@@ -72,7 +72,7 @@ TEST(Legibility, EveryColourStandsOutOnEveryGround) {
     curve->mVertices = {{-1.0F, 1.0F}, {-0.2F, 0.9F}, {0.1F, -0.8F}, {1.0F, -1.0F}};
     constexpr std::uint8_t SHADES[] = {0, 128, 255};
     for (const Pixel& color : colors) {
-        text->mTextColor = curve->mColor = glm::vec4(color.mRed, color.mGreen, color.mBlue, 255) / 255.0F;
+        text->mTextColor = curve->mColor = glm::vec4(color.red, color.green, color.blue, 255) / 255.0F;
         for (const std::uint8_t shade : SHADES) {
             for (drawer::Drawer* const drawer :
                  {static_cast<drawer::Drawer*>(text.get()), static_cast<drawer::Drawer*>(curve.get())}) {

@@ -68,7 +68,7 @@ TEST(Blend, ComposesOver) {
     for (const auto& blend : cases) {
         Pixel pixel = blend.mTarget;
         const Paint paint = makePaint(blend.mColor);
-        blendOver(pixel, paint.mColor, toAlpha(paint.mAlpha));
+        blendOver(pixel, paint.color, toAlpha(paint.alpha));
         EXPECT_TRUE(pixel == blend.mResult) << &blend - cases;
     }
 }
@@ -88,7 +88,7 @@ TEST(Rasterizer, ClipsAreWindows) {
         for (std::size_t i = 0; i < 64 * 64; ++i) {
             const bool isInside = i % 64 >= 24 && i % 64 < 40 && i / 64 >= 24 && i / 64 < 40;
             const Pixel& expected = isInside ? whole.mPixels[i] : BLACK;
-            ASSERT_NEAR(window.mPixels[i].mRed, expected.mRed, 1) << round;
+            ASSERT_NEAR(window.mPixels[i].red, expected.red, 1) << round;
         }
     }
 }

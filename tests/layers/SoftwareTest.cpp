@@ -28,7 +28,7 @@ Extent extentOf(const Image& image) {
     Extent extent{image.mWidth, image.mHeight, 0, 0};
     for (std::size_t y = 0; y < image.mHeight; ++y) {
         for (std::size_t x = 0; x < image.mWidth; ++x) {
-            if (image.row(y)[x].mAlpha >= 128) {
+            if (image.row(y)[x].alpha >= 128) {
                 extent = {std::min(extent[0], x), std::min(extent[1], y), std::max(extent[2], x + 1),
                           std::max(extent[3], y + 1)};
             }

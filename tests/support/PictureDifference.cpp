@@ -9,8 +9,8 @@ using software::Image;
 using software::Pixel;
 
 int difference(const Pixel& a, const Pixel& b) {
-    return std::max({std::abs(a.mRed - b.mRed), std::abs(a.mGreen - b.mGreen), std::abs(a.mBlue - b.mBlue),
-                     std::abs(a.mAlpha - b.mAlpha)});
+    return std::max({std::abs(a.red - b.red), std::abs(a.green - b.green), std::abs(a.blue - b.blue),
+                     std::abs(a.alpha - b.alpha)});
 }
 
 bool isEdge(const Image& image, std::uint32_t x, std::uint32_t y) {

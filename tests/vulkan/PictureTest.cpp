@@ -179,7 +179,7 @@ void paint(Image& image) {
 
 void toBytes(const Image& image, const Format& format, std::uint8_t* bytes) {
     for (const software::Pixel& pixel : image.mPixels) {
-        const std::uint64_t stored = format.store(glm::vec3(pixel.mRed, pixel.mGreen, pixel.mBlue) / 255.0F);
+        const std::uint64_t stored = format.store(glm::vec3(pixel.red, pixel.green, pixel.blue) / 255.0F);
         std::memcpy(bytes, &stored, format.bytes);
         bytes += format.bytes;
     }
@@ -311,9 +311,9 @@ protected:
         int largest = 0;
         for (std::size_t i = 0; i < PIXELS; ++i) {
             const software::Pixel& pixel = upright.mPixels[i];
-            largest = std::max({largest, std::abs(pixel.mRed - bytes[4 * i]),
-                                std::abs(pixel.mGreen - bytes[4 * i + 1]),
-                                std::abs(pixel.mBlue - bytes[4 * i + 2])});
+            largest =
+                std::max({largest, std::abs(pixel.red - bytes[4 * i]),
+                          std::abs(pixel.green - bytes[4 * i + 1]), std::abs(pixel.blue - bytes[4 * i + 2])});
         }
         EXPECT_LE(largest, 1);
     }
@@ -323,9 +323,9 @@ protected:
 double meanDifference(const Image& left, const Image& right) {
     double sum = 0.0;
     for (std::size_t i = 0; i < left.mPixels.size(); ++i) {
-        sum += std::abs(left.mPixels[i].mRed - right.mPixels[i].mRed) +
-               std::abs(left.mPixels[i].mGreen - right.mPixels[i].mGreen) +
-               std::abs(left.mPixels[i].mBlue - right.mPixels[i].mBlue);
+        sum += std::abs(left.mPixels[i].red - right.mPixels[i].red) +
+               std::abs(left.mPixels[i].green - right.mPixels[i].green) +
+               std::abs(left.mPixels[i].blue - right.mPixels[i].blue);
     }
     return sum / static_cast<double>(3 * left.mPixels.size());
 }
@@ -359,9 +359,9 @@ TEST_P(Picture, LooksAsTheSoftwareLayers) {
             EXPECT_LE(meanDifference(surface.mImage, drawn), meanDifference(surface.mImage, bare) / 3.0);
         }
         const software::Pixel block = drawn.row(SIZE.height * 14 / 100)[SIZE.width * 31 / 100];
-        EXPECT_NEAR(block.mRed, 255, 1);
-        EXPECT_NEAR(block.mGreen, 115, 1);
-        EXPECT_NEAR(block.mBlue, 0, 2);
+        EXPECT_NEAR(block.red, 255, 1);
+        EXPECT_NEAR(block.green, 115, 1);
+        EXPECT_NEAR(block.blue, 0, 2);
     }
 }
 

@@ -18,16 +18,16 @@ constexpr float REDUCED_SAMPLES = 2.0F;
 constexpr float REDUCED_SIZE = 2.0F;
 
 glm::ivec2 surfaceSize(const drawlist::DrawList& list) {
-    return {list.shape.mWidth, list.shape.mHeight};
+    return {list.shape.width, list.shape.height};
 }
 
 /// Maps the uv of the picture's vertices to fractions of the application's picture, whose rows count from the
 /// bottom.
 glm::vec4 toShares(const drawlist::Batch& batch) {
     const raster::Box& box = batch.pictureBox();
-    const glm::vec2 first(batch.picturePixels().mLeft, batch.picturePixels().mTop);
-    const glm::vec2 size(box.mRight - box.mLeft, box.mBottom - box.mTop);
-    const glm::vec2 start = (first - glm::vec2(box.mLeft, box.mTop)) / size;
+    const glm::vec2 first(batch.picturePixels().left, batch.picturePixels().top);
+    const glm::vec2 size(box.right - box.left, box.bottom - box.top);
+    const glm::vec2 start = (first - glm::vec2(box.left, box.top)) / size;
     return {1.0F / size.x, -1.0F / size.y, start.x, 1.0F - start.y};
 }
 
@@ -132,8 +132,8 @@ bool PictureCopy::copy(const glm::ivec2& surface, SavedState& state) {
 
 bool PictureCopy::reduce(const drawlist::DrawList& list, const glm::ivec2& surface, SavedState& state) {
     const raster::Box& box = list.batch.pictureBox();
-    const glm::ivec2 size(raster::toInt(std::round(REDUCED_SIZE * (box.mRight - box.mLeft)), 1, surface.x),
-                          raster::toInt(std::round(REDUCED_SIZE * (box.mBottom - box.mTop)), 1, surface.y));
+    const glm::ivec2 size(raster::toInt(std::round(REDUCED_SIZE * (box.right - box.left)), 1, surface.x),
+                          raster::toInt(std::round(REDUCED_SIZE * (box.bottom - box.top)), 1, surface.y));
     if (!resize(mWhole, size, GL_RGBA, state) || !attach(mWhole, state)) {
         return false;
     }
@@ -158,14 +158,14 @@ void PictureCopy::drawShrunk(const drawlist::DrawList& list) {
     const Functions& gl = mFunctions;
     const raster::PixelRect& pixels = list.batch.picturePixels();
     const glm::vec2 toClip = 2.0F / glm::vec2(pixels.width(), pixels.height());
-    const glm::vec2 start = -1.0F - glm::vec2(pixels.mLeft, pixels.mTop) * toClip;
+    const glm::vec2 start = -1.0F - glm::vec2(pixels.left, pixels.top) * toClip;
     const glm::vec4 shares = toShares(list.batch);
     Program& mean = mIsReduced ? mMean4 : mMean16;
     mean.use(gl, glm::vec4(toClip, start), shares);
     mean.setGap(gl, glm::vec2(shares) / (mIsReduced ? REDUCED_SAMPLES : SAMPLES));
     gl.bindTexture(GL_TEXTURE_2D, mWhole.name);
     const drawlist::Batch::Range picture = list.rangeOf(drawlist::Batch::Part::PICTURE);
-    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(picture.mFirst), static_cast<GLsizei>(picture.mCount));
+    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(picture.first), static_cast<GLsizei>(picture.count));
 }
 
 /// False when the context does not allow it in this frame.

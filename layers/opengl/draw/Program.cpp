@@ -12,7 +12,7 @@ namespace {
 
 GLuint compile(const Functions& gl, GLenum stage, const ShaderSource& source, std::string& error) {
     const GLuint shader = gl.createShader(stage);
-    gl.shaderSource(shader, ShaderSource::COUNT, source.mTexts, nullptr);
+    gl.shaderSource(shader, ShaderSource::COUNT, source.texts, nullptr);
     gl.compileShader(shader);
     GLint isCompiled = GL_FALSE;
     gl.getShaderiv(shader, GL_COMPILE_STATUS, &isCompiled);

@@ -145,7 +145,7 @@ bool Renderer::show(drawlist::DrawList& list, SavedState& state) {
         return false;
     }
     for (const drawlist::Draw& draw : list.draws()) {
-        if (draw.vertices.mCount != 0 && (hasPicture || draw.part != Part::PICTURE)) {
+        if (draw.vertices.count != 0 && (hasPicture || draw.part != Part::PICTURE)) {
             drawPart(list, draw, programs);
         }
     }
@@ -154,8 +154,8 @@ bool Renderer::show(drawlist::DrawList& list, SavedState& state) {
 
 void Renderer::drawPart(const drawlist::DrawList& list, const drawlist::Draw& draw, Programs& programs) {
     const Functions& gl = mFunctions;
-    const auto width = static_cast<float>(list.shape.mWidth);
-    const auto height = static_cast<float>(list.shape.mHeight);
+    const auto width = static_cast<float>(list.shape.width);
+    const auto height = static_cast<float>(list.shape.height);
     const glm::vec4 toClip(2.0F / width, -2.0F / height, -1.0F, 1.0F);
     if (draw.part == Part::PICTURE) {
         gl.bindTexture(GL_TEXTURE_2D, mPicture.texture());
@@ -168,8 +168,8 @@ void Renderer::drawPart(const drawlist::DrawList& list, const drawlist::Draw& dr
         gl.bindTexture(GL_TEXTURE_2D, mObjects.glyphs);
         programs.glyphs.use(gl, toClip, {toGlyphs, toGlyphs, 0.0F, 0.0F});
     }
-    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(draw.vertices.mFirst),
-                  static_cast<GLsizei>(draw.vertices.mCount));
+    gl.drawArrays(GL_TRIANGLES, static_cast<GLint>(draw.vertices.first),
+                  static_cast<GLsizei>(draw.vertices.count));
 }
 
 void Renderer::bindVertices(const drawlist::DrawList& list) {
@@ -211,8 +211,8 @@ bool Renderer::uploadGlyphs(drawlist::DrawList& list, SavedState& state) {
         mGlyphSide = side;
         return true;
     }
-    gl.texSubImage2D(GL_TEXTURE_2D, 0, 0, rows.mFirst, side, rows.mEnd - rows.mFirst, format,
-                     GL_UNSIGNED_BYTE, glyphs.row(rows.mFirst));
+    gl.texSubImage2D(GL_TEXTURE_2D, 0, 0, rows.first, side, rows.end - rows.first, format, GL_UNSIGNED_BYTE,
+                     glyphs.row(rows.first));
     return true;
 }
 
@@ -223,8 +223,8 @@ void Renderer::uploadVertices(const drawlist::DrawList& list) {
     // Storage of its own for each drawing: the one before may still be read.
     gl.bufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(mBufferSize), nullptr, GL_STREAM_DRAW);
     for (const drawlist::Draw& draw : list.draws()) {
-        if (draw.vertices.mCount != 0) {
-            gl.bufferSubData(GL_ARRAY_BUFFER, place(draw.vertices.mFirst), place(draw.vertices.mCount),
+        if (draw.vertices.count != 0) {
+            gl.bufferSubData(GL_ARRAY_BUFFER, place(draw.vertices.first), place(draw.vertices.count),
                              list.batch.vertices(draw.part));
         }
     }

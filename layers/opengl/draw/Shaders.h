@@ -16,7 +16,7 @@ enum class Shading {
 /// The sources of a shader, to be compiled as one.
 struct ShaderSource {
     static constexpr int COUNT = 4;
-    const char* mTexts[COUNT];
+    const char* texts[COUNT];
 };
 
 /// The shaders for the context's version of the shading language. Attributes: `position`, `uv` and `color` of

@@ -31,18 +31,18 @@ void GlyphImage::update(drawlist::GlyphCache& glyphs, VkCommandBuffer commands, 
     if (!mHasContents) {
         rows = {0, mSide};
     }
-    const auto count = static_cast<std::uint32_t>(rows.mEnd - rows.mFirst);
+    const auto count = static_cast<std::uint32_t>(rows.end - rows.first);
     const std::size_t size =
         static_cast<std::size_t>(count) * static_cast<std::size_t>(mSide) * drawlist::GlyphCache::CHANNELS;
     Staging& staging = findFree(ring);
     staging.memory.reserve(size);
-    std::memcpy(staging.memory.bytes(), glyphs.row(rows.mFirst), size);
+    std::memcpy(staging.memory.bytes(), glyphs.row(rows.first), size);
     staging.lastUse = ring.current();
 
     move(mGpu, commands, mImage.handle(), mHasContents ? READ : FRESH, WRITTEN);
     VkBufferImageCopy copy = {};
     copy.imageSubresource = WHOLE_LAYER;
-    copy.imageOffset = {0, rows.mFirst, 0};
+    copy.imageOffset = {0, rows.first, 0};
     copy.imageExtent = {static_cast<std::uint32_t>(mSide), count, 1};
     mGpu.vk.CmdCopyBufferToImage(commands, staging.memory.handle(), mImage.handle(), WRITTEN.layout, 1,
                                  &copy);

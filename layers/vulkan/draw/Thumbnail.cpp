@@ -72,7 +72,7 @@ void Thumbnail::take(drawlist::DrawList& list, VkImage image, VkCommandBuffer co
         return static_cast<std::uint32_t>(
             raster::toInt(std::round(SCALE * length), 1, static_cast<int>(SIDE)));
     };
-    mUsed = {side(box.mRight - box.mLeft), side(box.mBottom - box.mTop)};
+    mUsed = {side(box.right - box.left), side(box.bottom - box.top)};
     if (mUpright.size.width != mSurface.width) {
         std::swap(mUsed.width, mUsed.height);
     }
@@ -92,10 +92,10 @@ void Thumbnail::take(drawlist::DrawList& list, VkImage image, VkCommandBuffer co
 
 Placing Thumbnail::toTexture(const drawlist::Batch& batch) const {
     const raster::Box& box = batch.pictureBox();
-    const glm::vec2 size(box.mRight - box.mLeft, box.mBottom - box.mTop);
+    const glm::vec2 size(box.right - box.left, box.bottom - box.top);
     const glm::vec2 upright(mUpright.size.width, mUpright.size.height);
-    const glm::vec2 first(batch.picturePixels().mLeft, batch.picturePixels().mTop);
-    const glm::vec2 shift = (first - glm::vec2(box.mLeft, box.mTop)) * upright / size;
+    const glm::vec2 first(batch.picturePixels().left, batch.picturePixels().top);
+    const glm::vec2 shift = (first - glm::vec2(box.left, box.top)) * upright / size;
     const glm::vec2 used(mUsed.width, mUsed.height);
     const glm::vec2 all(mImage.size().width, mImage.size().height);
     return mUpright.toImage.after(upright / size, shift)

@@ -28,8 +28,8 @@ void VertexBuffers::prepare(const drawlist::DrawList& list, SubmissionRing& ring
         static_assert(sizeof(commands) <= FIRST_VERTEX);
         const auto draws = list.draws();
         for (std::size_t i = 0; i < draws.size(); ++i) {
-            commands[i] = {static_cast<std::uint32_t>(draws[i].vertices.mCount), 1,
-                           static_cast<std::uint32_t>(draws[i].vertices.mFirst), 0};
+            commands[i] = {static_cast<std::uint32_t>(draws[i].vertices.count), 1,
+                           static_cast<std::uint32_t>(draws[i].vertices.first), 0};
         }
         std::memcpy(buffer.memory.bytes(), commands.data(), sizeof(commands));
         list.batch.copyVertices(reinterpret_cast<drawlist::Vertex*>(buffer.memory.bytes() + FIRST_VERTEX));

@@ -381,9 +381,9 @@ TEST_P(Draw, ColoursAreTheSameOnAnSrgbSurface) {
     rect->mColor = {0.2F, 0.52F, 0.8F, 1.0F};
     ASSERT_TRUE(made->show([&](auto&) { rect->draw(); }));
     const software::Pixel pixel = made->read().row(100)[100];
-    EXPECT_NEAR(pixel.mRed, 51, 1);
-    EXPECT_NEAR(pixel.mGreen, 133, 1);
-    EXPECT_NEAR(pixel.mBlue, 204, 1);
+    EXPECT_NEAR(pixel.red, 51, 1);
+    EXPECT_NEAR(pixel.green, 133, 1);
+    EXPECT_NEAR(pixel.blue, 204, 1);
 }
 
 const Kind KINDS[] = {
