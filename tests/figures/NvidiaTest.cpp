@@ -1,7 +1,7 @@
 #include "figures/sources/NvidiaLibrary.h"
+#include "support/ChildProcess.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -35,13 +35,8 @@ TEST(NvidiaLibrary, WhatIsMissingOrNonsenseIsNoFigure) {
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(library.processLoad(getpid()).number, 30.0);
     }
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(library.temperature().reason == Reason::NOT_ANSWERING ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0) << "a forked child asks it";
+    const auto isSilent = [&] { return library.temperature().reason == Reason::NOT_ANSWERING; };
+    EXPECT_EQ(support::runForked([&] { return isSilent() ? 0 : 1; }), 0) << "a forked child asks it";
 }
 
 TEST(NvidiaLibrary, IsShutDownWhenItIsNotNeededButNotByAForkedChild) {
@@ -51,14 +46,11 @@ TEST(NvidiaLibrary, IsShutDownWhenItIsNotNeededButNotByAForkedChild) {
     };
     auto library = std::make_unique<NvidiaLibrary>("", 0);
     ASSERT_TRUE(waitForAnswer(*library, 100));
-    const pid_t child = fork();
-    if (child == 0) {
+    const auto leave = [&] {
         library.reset();
-        _exit(isShutDown() ? 1 : 0);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
+        return isShutDown() ? 1 : 0;
+    };
+    EXPECT_EQ(support::runForked(leave), 0);
     library.reset();
     EXPECT_TRUE(isShutDown());
 }

@@ -19,11 +19,10 @@
 #include "scene/NoticeText.h"
 #include "scene/Overlay.h"
 #include "scene/Style.h"
+#include "support/ChildProcess.h"
 #include "utils/SystemInfoHelper.h"
 
 #include <gmock/gmock.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <limits>
@@ -100,13 +99,7 @@ TEST(MachineReader, ReadsThisProcessAndItsChildOnAThreadOfTheirOwn) {
     if (doubles::isEmulated()) {
         return;
     }
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(isRead() ? 0 : 1);
-    }
-    int status = -1;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(support::runForked([&] { return isRead() ? 0 : 1; }), 0);
 #endif
 }
 

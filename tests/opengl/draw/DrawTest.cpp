@@ -258,14 +258,14 @@ std::vector<drawlist::Vertex> verticesOf(const drawlist::Batch& batch) {
 }
 
 /// A text and a mesh on a list of their own.
-struct Kept {
+struct RetainedDrawing {
     drawlist::DrawList list;
     drawlist::DrawListFactory factory{list};
     std::unique_ptr<drawer::TextDrawer> text = factory.createText();
     std::unique_ptr<drawer::MeshDrawer> mesh = factory.createMesh(scene::Topology::TRIANGLE_STRIP);
     bool isClipped = false;
 
-    Kept() {
+    RetainedDrawing() {
         list.setSize(320, 200);
         text->setText("Kept 48");
         text->mPosition = {0.1F, 0.1F};
@@ -292,18 +292,18 @@ struct Kept {
 
 // What is as before is taken over from the drawing before; everything else must show.
 TEST(DrawList, WhateverChangesShows) {
-    void (*const changes[])(Kept&) = {
-        [](Kept& kept) { kept.text->mTextColor.r = kept.mesh->mColor.r = 0.2F; },
-        [](Kept& kept) { kept.text->setText("Kept 84"); },
-        [](Kept& kept) { kept.text->setTextGravity(gui::TextGravity::RIGHT); },
-        [](Kept& kept) { kept.text->setTextSizeHint(20); },
-        [](Kept& kept) { kept.text->setTextEllipsize(gui::TextEllipsize::START); },
-        [](Kept& kept) { kept.text->mTranslation.x = kept.mesh->mTranslation.y = 0.1F; },
-        [](Kept& kept) { kept.mesh->mVertices[3].y = -0.9F; },
-        [](Kept& kept) { kept.text->mSize.x = kept.mesh->mSize.x = 0.3F; },
-        [](Kept& kept) { kept.isClipped = true; },
+    void (*const changes[])(RetainedDrawing&) = {
+        [](RetainedDrawing& kept) { kept.text->mTextColor.r = kept.mesh->mColor.r = 0.2F; },
+        [](RetainedDrawing& kept) { kept.text->setText("Kept 84"); },
+        [](RetainedDrawing& kept) { kept.text->setTextGravity(gui::TextGravity::RIGHT); },
+        [](RetainedDrawing& kept) { kept.text->setTextSizeHint(20); },
+        [](RetainedDrawing& kept) { kept.text->setTextEllipsize(gui::TextEllipsize::START); },
+        [](RetainedDrawing& kept) { kept.text->mTranslation.x = kept.mesh->mTranslation.y = 0.1F; },
+        [](RetainedDrawing& kept) { kept.mesh->mVertices[3].y = -0.9F; },
+        [](RetainedDrawing& kept) { kept.text->mSize.x = kept.mesh->mSize.x = 0.3F; },
+        [](RetainedDrawing& kept) { kept.isClipped = true; },
     };
-    Kept kept;
+    RetainedDrawing kept;
     kept.draw();
     for (const auto& change : changes) {
         change(kept);
