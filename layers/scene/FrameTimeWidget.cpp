@@ -28,9 +28,6 @@ constexpr float LINE_HEIGHT = 12.0F;
 constexpr float MARGIN = 6.0F;
 constexpr float LEGEND_WIDTH = 42.0F;
 
-/// About how many bars there are; each is whole pixels wide.
-constexpr float USUAL_BARS = 250.0F;
-
 /// Bars are cut at this multiple of the median, so that one long frame does not flatten all others.
 constexpr std::uint64_t LARGEST_SHARE = 4;
 
@@ -89,7 +86,8 @@ FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& ti
       mTimes(times),
       mActivity(activity),
       mCanvas(factory.getSurfaceSize()),
-      mGround(&place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE)) {
+      mGround(&place(factory.createRect(), Area::GPU_ACTIVITY_WHOLE)),
+      mBars({addBars(factory), addBars(factory), addBars(factory)}) {
     const auto addText = [&](const char* text, gui::TextGravity gravity) {
         drawer::TextDrawer& drawer = place(factory.createText(), Area::GPU_ACTIVITY_WHOLE);
         drawer.setText(text);
@@ -97,8 +95,7 @@ FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& ti
         return &drawer;
     };
     for (std::size_t i = 0; i < PARTS; ++i) {
-        mParts[i].bars = &place(factory.createMesh(Topology::BARS), Area::GPU_ACTIVITY_WHOLE);
-        mParts[i].legend = addText(PART_NAMES[i], gui::TextGravity::RIGHT);
+        mLegends[i] = addText(PART_NAMES[i], gui::TextGravity::RIGHT);
     }
     for (std::size_t i = 0; i < RATES; ++i) {
         mLines[i].line = &place(factory.createMesh(Topology::LINES), Area::GPU_ACTIVITY_WHOLE);
@@ -108,6 +105,10 @@ FrameTimeWidget::FrameTimeWidget(PrimitiveFactory& factory, const FrameTimes& ti
     mText = addText("", gui::TextGravity::LEFT);
     mSorted.reserve(FrameTimes::HISTORY);
     frameTimeSettings();
+}
+
+drawer::MeshDrawer* FrameTimeWidget::addBars(PrimitiveFactory& factory) {
+    return &place(factory.createMesh(Topology::BARS), Area::GPU_ACTIVITY_WHOLE);
 }
 
 bool FrameTimeWidget::isShown() const {
@@ -130,10 +131,10 @@ void FrameTimeWidget::applySettings(const Canvas& canvas) {
     setTextHeight(*mText, NOTE_TEXT_HEIGHT, canvas);
     for (std::size_t i = 0; i < PARTS; ++i) {
         const Graph& graph = settingsOf(i);
-        mParts[i].bars->mColor = graph.getTextColor();
-        mParts[i].legend->mEnabled = graph.mEnabled.getValue();
-        mParts[i].legend->setTextColor(graph.getTextColor());
-        setTextHeight(*mParts[i].legend, NOTE_TEXT_HEIGHT, canvas);
+        mBars.part(i).mColor = graph.getTextColor();
+        mLegends[i]->mEnabled = graph.mEnabled.getValue();
+        mLegends[i]->setTextColor(graph.getTextColor());
+        setTextHeight(*mLegends[i], NOTE_TEXT_HEIGHT, canvas);
     }
     const int rates[RATES] = {screenRate(), HALF_RATE};
     for (std::size_t i = 0; i < RATES; ++i) {
@@ -148,7 +149,7 @@ void FrameTimeWidget::applySettings(const Canvas& canvas) {
     setTexts();
 }
 
-/// Places the line of texts and the bars, and sets the number of bars.
+/// Places the line of texts, the bars and the lines over them.
 void FrameTimeWidget::placeBars(const Canvas& canvas) {
     const glm::vec2 unit = 1.0F / canvas.units;
     const gui::RenderArea band = gui::LayoutManager::getInstance()->getRenderArea(Area::GPU_ACTIVITY_BAND);
@@ -158,9 +159,9 @@ void FrameTimeWidget::placeBars(const Canvas& canvas) {
     const float margin = MARGIN * unit.x;
     setRect(*mText, position.x + margin, position.y, size.x - 2.0F * margin, line);
     float right = position.x + size.x - margin;
-    for (const Part& part : mParts) {
+    for (drawer::TextDrawer* const legend : mLegends) {
         right -= LEGEND_WIDTH * unit.x;
-        setRect(*part.legend, right, position.y, LEGEND_WIDTH * unit.x, line);
+        setRect(*legend, right, position.y, LEGEND_WIDTH * unit.x, line);
     }
     mText->mSize.x = right - mText->mPosition.x;
     mTimesShown = 1;
@@ -170,22 +171,13 @@ void FrameTimeWidget::placeBars(const Canvas& canvas) {
     }
 
     const float top = mIsBand ? 0.0F : line;
-    const float pixels = size.x * canvas.pixels.x;
-    const float barPixels = std::max(std::ceil(pixels / USUAL_BARS), 1.0F);
-    mBars = static_cast<std::size_t>(std::clamp(std::floor(pixels / barPixels), 1.0F, USUAL_BARS));
-    mBarWidth = 2.0F * barPixels / std::max(pixels, 1.0F);
-    const auto placeArea = [&](drawer::Drawer& drawer) {
-        setRect(drawer, position.x, position.y + top, size.x, size.y - top);
-    };
-    for (const Part& part : mParts) {
-        placeArea(*part.bars);
-        part.bars->mVertices.clear();
-        part.bars->mVertices.reserve(2 * mBars);
-    }
+    const glm::vec2 areaPosition(position.x, position.y + top);
+    const glm::vec2 areaSize(size.x, size.y - top);
+    mBars.place(areaPosition, areaSize, canvas);
     for (const RateLine& rate : mLines) {
-        placeArea(*rate.line);
+        rate.line->mPosition = areaPosition;
+        rate.line->mSize = areaSize;
     }
-    mRows = std::max(std::floor((size.y - top) * canvas.pixels.y), 1.0F);
     mTopNs = 0.0F;
 }
 
@@ -195,71 +187,6 @@ bool FrameTimeWidget::onFrame() {
     }
     layout(mCanvas);
     return true;
-}
-
-/// `scales` are the rows of each part for a nanosecond; 0: it is left out.
-FrameTimeWidget::Bar FrameTimeWidget::toBar(const FrameTime& frame,
-                                            const std::array<float, PARTS>& scales) const {
-    const auto toFloat = [](std::uint64_t value) {
-        return static_cast<float>(static_cast<std::int64_t>(value));  // as unsigned, it takes a branch
-    };
-    // GPU work during the swap counts for the GPU; the rest of the swap is waiting for the screen or for
-    // earlier frames.
-    const float total = toFloat(frame.total);
-    const float gpu = std::min(std::max(static_cast<float>(frame.gpu), 0.0F), total);
-    const float swap = std::min(toFloat(frame.swap), total - gpu);
-    const float lengths[PARTS] = {swap, gpu, total - swap - gpu};
-    float rows = 0.5F;
-    Bar bar;
-    for (std::size_t i = PARTS; i-- > 0;) {
-        rows += lengths[i] * scales[i];
-        bar[i] = static_cast<int>(std::min(rows, mRows));
-    }
-    return bar;
-}
-
-/// Bars whose part is the same beside each other make one rectangle of that part.
-void FrameTimeWidget::setBars(std::size_t first, std::size_t count) {
-    for (const Part& part : mParts) {
-        part.bars->mVertices.clear();
-    }
-    std::array<float, PARTS> scales{};
-    for (std::size_t part = 0; part < PARTS; ++part) {
-        scales[part] = mParts[part].legend->mEnabled ? mRows / mTopNs : 0.0F;
-    }
-    const auto lowerEnd = [](const Bar& bar, std::size_t part) {
-        return part + 1 < PARTS ? bar[part + 1] : 0;
-    };
-    constexpr Bar END = {-1, -1, -1};  // differs from all bars
-    std::array<std::size_t, PARTS> starts{};
-    Bar last{};
-    for (std::size_t i = 0; i <= count; ++i) {
-        const Bar bar = i < count ? toBar(mTimes.ago(first + i), scales) : END;
-        if (bar == last) {
-            continue;
-        }
-        for (std::size_t part = 0; part < PARTS; ++part) {
-            const int low = lowerEnd(last, part);
-            if (bar[part] != last[part] || lowerEnd(bar, part) != low) {
-                addBars(part, {starts[part], i}, {low, last[part]});
-                starts[part] = i;
-            }
-        }
-        last = bar;
-    }
-}
-
-/// From the right, bars from one to before the other; of these rows.
-void FrameTimeWidget::addBars(std::size_t part, const std::array<std::size_t, 2>& bars,
-                              const std::array<int, 2>& rows) {
-    if (rows[0] < rows[1]) {
-        const float rowHeight = 2.0F / mRows;
-        const auto x = [this](std::size_t bar) { return 1.0F - static_cast<float>(bar) * mBarWidth; };
-        const auto y = [rowHeight](int row) { return 1.0F - static_cast<float>(row) * rowHeight; };
-        std::vector<gui::Vertex>& vertices = mParts[part].bars->mVertices;
-        vertices.push_back({x(bars[0]), y(rows[0])});
-        vertices.push_back({x(bars[1]), y(rows[1])});
-    }
 }
 
 void FrameTimeWidget::refresh(figures::Metrics&) {
@@ -272,7 +199,7 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
     if (!mIsGpuKnown) {
         first = 0;
     }
-    const std::size_t bars = std::min(mBars, known - first);
+    const std::size_t bars = std::min(mBars.room(), known - first);
     mSorted.resize(bars);
     for (std::size_t i = 0; i < bars; ++i) {
         mSorted[i] = mTimes.ago(first + i).total;
@@ -281,7 +208,8 @@ void FrameTimeWidget::refresh(figures::Metrics&) {
     if (mTopNs == 0.0F) {
         return;
     }
-    setBars(first, bars);
+    mBars.set(mTimes, first, bars, mTopNs,
+              {mLegends[0]->mEnabled, mLegends[1]->mEnabled, mLegends[2]->mEnabled});
     placeLines();
 }
 
@@ -348,9 +276,7 @@ void FrameTimeWidget::placeLines() {
 void FrameTimeWidget::draw() {
     mGround->draw();
     if (mTopNs > 0.0F) {
-        for (const Part& part : mParts) {
-            part.bars->draw();
-        }
+        mBars.draw();
         for (const RateLine& rate : mLines) {
             if (rate.line->mEnabled) {
                 rate.line->draw();
@@ -364,10 +290,10 @@ void FrameTimeWidget::draw() {
         mBackdrop->draw();
     }
     mText->draw();
-    for (const Part& part : mParts) {
-        const bool isExplained = &part != &mParts[GPU_PART] || mIsGpuKnown;
-        if (part.legend->mEnabled && isExplained && !mIsBand) {
-            part.legend->draw();
+    for (std::size_t i = 0; i < PARTS; ++i) {
+        const bool isExplained = i != GPU_PART || mIsGpuKnown;
+        if (mLegends[i]->mEnabled && isExplained && !mIsBand) {
+            mLegends[i]->draw();
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scene/Canvas.h"
+#include "scene/FrameTimeBars.h"
 #include "scene/FrameTimes.h"
 #include "scene/PrimitiveFactory.h"
 #include "scene/WidgetView.h"
@@ -41,17 +42,9 @@ protected:
     void applySettings(const Canvas& canvas) override;
 
 private:
-    static constexpr std::size_t PARTS = 3;
+    static constexpr std::size_t PARTS = FrameTimeBars::PARTS;
     static constexpr std::size_t GPU_PART = 1;
     static constexpr std::size_t RATES = 2;
-
-    /// Each part lies on the next one.
-    struct Part {
-        drawer::MeshDrawer* bars = nullptr;
-        drawer::TextDrawer* legend = nullptr;
-    };
-    /// The rows of pixels up to the upper end of each part.
-    using Bar = std::array<int, PARTS>;
 
     struct RateLine {
         drawer::MeshDrawer* line = nullptr;
@@ -59,10 +52,8 @@ private:
         drawer::TextDrawer* label = nullptr;
     };
 
+    drawer::MeshDrawer* addBars(PrimitiveFactory& factory);
     void placeBars(const Canvas& canvas);
-    Bar toBar(const FrameTime& frame, const std::array<float, PARTS>& scales) const;
-    void setBars(std::size_t first, std::size_t count);
-    void addBars(std::size_t part, const std::array<std::size_t, 2>& bars, const std::array<int, 2>& rows);
     void setTexts();
     void setScale(std::uint64_t median, std::uint64_t longest);
     void placeLines();
@@ -71,15 +62,13 @@ private:
     const GpuActivityWidget& mActivity;
     Canvas mCanvas;            // of the last layout
     bool mIsBand = false;      // the bars have only the band
-    std::size_t mBars = 0;     // that there is room for
-    float mBarWidth = 0.0F;    // of 2.0, which is the whole width
-    float mRows = 1.0F;        // of pixels that the bars may have
     int mTimesShown = 1;       // of median, 99th percentile and longest
     bool mIsGpuKnown = false;  // of a recent frame
     float mTopNs = 0.0F;       // at the upper end of the bars; 0: nothing to show
 
     drawer::RectDrawer* mGround;
-    std::array<Part, PARTS> mParts;
+    FrameTimeBars mBars;
+    std::array<drawer::TextDrawer*, PARTS> mLegends = {};
     std::array<RateLine, RATES> mLines;
     drawer::RectDrawer* mBackdrop;
     drawer::TextDrawer* mText;
