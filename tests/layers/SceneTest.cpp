@@ -25,6 +25,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <thread>
@@ -398,6 +399,10 @@ TEST_F(SceneOverlay, BarsHaveAPartForTheSwapTheGpuAndTheRest) {
     for (const doubles::DrawCall& call : doubles::drawCalls()) {
         if (call.what == "bars") {
             tops.push_back((1.0F - call.mesh->mVertices.at(1).y) / 2.0F * 80.0F);
+            for (const gui::Vertex& corner : call.mesh->mVertices) {
+                const float x = (1.0F - corner.x) / 2.0F * call.size.x * static_cast<float>(mFactory.mSize.x);
+                EXPECT_NEAR(x, std::round(x), 0.02F) << "bars are whole pixels wide";
+            }
         }
     }
     // In milliseconds, on a scale that ends at 80, above 4 times the median, to the nearest row of pixels.
