@@ -72,7 +72,7 @@ public:
     };
     static constexpr std::size_t PARTS = 3;
 
-    /// The vertices of a part from first on, count of them.
+    /// `count` vertices of a part, from `first` on.
     struct Range {
         std::size_t first = 0;
         std::size_t count = 0;

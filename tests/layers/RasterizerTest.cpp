@@ -53,9 +53,9 @@ Image drawAll(const raster::PixelRect& clip, const std::array<glm::vec2, COUNT>&
 
 TEST(Blend, ComposesOver) {
     const struct {
-        Pixel mTarget;
-        glm::vec4 mColor;
-        Pixel mResult;
+        Pixel target;
+        glm::vec4 color;
+        Pixel result;
     } cases[] = {
         {{100, 0, 255, 255}, {200 / 255.0F, 1.0F, 0.0F, 0.25F}, {125, 64, 191, 255}},
         {{9, 9, 9, 0}, {1.0F, 0.0F, 0.0F, 0.5F}, {255, 0, 0, 128}},             // nothing of the old colour
@@ -66,10 +66,10 @@ TEST(Blend, ComposesOver) {
         {{7, 8, 9, 255}, {1.0F, 1.0F, 1.0F, NOT_A_NUMBER}, {7, 8, 9, 255}},
     };
     for (const auto& blend : cases) {
-        Pixel pixel = blend.mTarget;
-        const Paint paint = makePaint(blend.mColor);
+        Pixel pixel = blend.target;
+        const Paint paint = makePaint(blend.color);
         blendOver(pixel, paint.color, toAlpha(paint.alpha));
-        EXPECT_TRUE(pixel == blend.mResult) << &blend - cases;
+        EXPECT_TRUE(pixel == blend.result) << &blend - cases;
     }
 }
 

@@ -55,9 +55,9 @@ std::unique_ptr<drawer::RectDrawer> makeRect(SoftwareFactory& factory) {
 // Each primitive fills the same rectangle, whatever the surface's shape and the translation.
 TEST(Software, PrimitivesShareOneMapping) {
     const struct {
-        glm::uvec2 mSize;
-        glm::vec3 mTranslation;
-        Extent mExtent;
+        glm::uvec2 size;
+        glm::vec3 translation;
+        Extent extent;
     } cases[] = {
         {{740, 360}, glm::vec3(0.0F), {185, 180, 555, 270}},
         {{360, 740}, glm::vec3(0.0F), {90, 370, 270, 555}},
@@ -68,7 +68,7 @@ TEST(Software, PrimitivesShareOneMapping) {
     };
     for (const auto& place : cases) {
         SCOPED_TRACE(&place - cases);
-        Surface surface(place.mSize.x, place.mSize.y);
+        Surface surface(place.size.x, place.size.y);
         SoftwareFactory factory(surface);
         std::unique_ptr<drawer::Drawer> drawers[] = {
             makeRect(factory), makeMesh(factory, Topology::TRIANGLE_STRIP), factory.createThumbnail()};
@@ -78,11 +78,11 @@ TEST(Software, PrimitivesShareOneMapping) {
             surface.mImage.fill(Pixel());
             drawer->mPosition = {0.25F, 0.5F};
             drawer->mSize = {0.5F, 0.25F};
-            drawer->mTranslation = place.mTranslation;
+            drawer->mTranslation = place.translation;
             drawer->draw();
-            EXPECT_EQ(extentOf(surface.mImage), place.mExtent);
+            EXPECT_EQ(extentOf(surface.mImage), place.extent);
         }
-        const auto [left, top, right, bottom] = place.mExtent;
+        const auto [left, top, right, bottom] = place.extent;
         EXPECT_TRUE(right == 0 ||
                     (surface.mImage.row((top + bottom) / 2)[(left + right) / 2] == Pixel{1, 2, 3, 255}))
             << "not the picture from before the overlay";
